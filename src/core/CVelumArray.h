@@ -1,0 +1,142 @@
+// The one container of the program.
+#pragma once
+
+#include "core/CVelumSeams.h"
+#include "core/TVelumValue.h"
+
+#include <memory>
+
+// Mode bits of CVelumArray, as they stand in files.
+enum EArr : qint32 {
+  EArrStrKey = 1,     // keyed and sorted by iStrKey
+  EArrIntKey = 2,     // keyed and sorted by iIntKey
+  EArrSortKey = 4,    // order of iStrKey comes from the sort key; together with EArrStrKey
+  EArrDuplicates = 8, // equal keys are allowed
+  EArrMixed = 16,     // elements may have different types
+  EArrExactCase = 32, // iStrKey is compared by code units
+};
+
+// One element as it is handed in and out; storage inside the array is more compact.
+struct TVelumElem {
+  QString iStrKey;
+  qint32 iIntKey = ENoInt;
+  TVelumValue iVal;
+};
+
+// A growable vector that is optionally kept sorted by a key, with binary search on it, and that writes
+// itself to a file. Indices run from 0 to Count() - 1; misuse ends in the assertions named at each
+// operation, and when those are overruled in host error 9.
+class CVelumArray final : public CVelumStored {
+public:
+  // An array that has only been allocated: for Internalize.
+  CVelumArray();
+  // Construct: flags EArr..., element type EVal....
+  CVelumArray(qint32 aFlags, qint32 aType);
+  ~CVelumArray() override;
+
+  [[nodiscard]] QString ObjDescr() const override;
+  [[nodiscard]] qint32 Id() const { return iId; }
+  void SetId(qint32 aId);
+  [[nodiscard]] qint32 Flags() const { return iFlags; }
+  void SetFlags(qint32 aFlags);
+  [[nodiscard]] qint32 Type() const { return iType; }
+  [[nodiscard]] qint32 Count() const { return iMax; }
+  [[nodiscard]] qint32 Alloc() const { return iAlloc; }
+  [[nodiscard]] qint32 AllocStep() const { return iAllocStep; }
+  [[nodiscard]] bool Changed() const override;
+  void SetChanged(bool aChanged) override;
+  // The array's own mark, elements left out.
+  [[nodiscard]] bool OwnChanged() const { return iChanged; }
+
+  // Unkeyed arrays of one type: value at an index.
+  [[nodiscard]] QString Str(qint32 aIndex) const;
+  void SetStr(qint32 aIndex, const QString& aStr);
+  [[nodiscard]] qint32 IntNum(qint32 aIndex) const;
+  void SetIntNum(qint32 aIndex, qint32 aInt);
+  [[nodiscard]] Ref<CVelumStored> Obj(qint32 aIndex) const;
+  void SetObj(qint32 aIndex, const Ref<CVelumStored>& aObj);
+
+  [[nodiscard]] qint32 SortKeyId() const { return iSortKeyId; }
+  void SetSortKeyId(qint32 aId);
+  void SetSortKey(const Ref<CVelumKeyOrder>& aKey);
+  // Nothing when the array has no sort key or none has been set; the owner resolves the id (see
+  // SetSortKeyResolver) because the key lives in the stack that owns the array.
+  [[nodiscard]] Ref<CVelumKeyOrder> SortKey() const;
+
+  // Linear scans from index 0. aIndex is Count() when not found.
+  [[nodiscard]] bool GetStrIndex(const QString& aStr, qint32& aIndex) const;
+  [[nodiscard]] bool GetIntIndex(qint32 aInt, qint32& aIndex) const;
+  [[nodiscard]] bool GetObjIndex(const CVelumStored* aObj, qint32& aIndex) const;
+
+  void Clear();
+  void DeleteAt(qint32 aIndex, qint32 aNum = 1);
+  // Moves a block to stand before aTo; keyed arrays must renumber.
+  void Move(qint32 aFrom, qint32 aNum, qint32 aTo, bool aRenumber, qint32 aStep);
+  void SetToLastObj();
+  void DeleteStrKey(const QString& aKey);
+  void DeleteIntKey(qint32 aKey);
+  // Adds aDelta to every integer value >= aFrom that is set. Does not mark the array changed.
+  void AdjustInt(qint32 aFrom, qint32 aDelta);
+  [[nodiscard]] bool ReadStr(const QString& aKey, QString& aStr, qint32& aNext) const;
+  void SetFirst(qint32& aIndex) const { aIndex = 0; }
+  void SetLast(qint32& aIndex) const { aIndex = iMax; }
+  void RenumberStrKey(qint32 aStep);
+  void RenumberIntKey(qint32 aStep);
+  // Sorts an unkeyed array of strings in collation order.
+  void Sort();
+
+  void Internalize(CVelumFile& aFile) override;
+  void Externalize(CVelumFile& aFile) override;
+  [[nodiscard]] qint64 ExtLen() const override;
+
+  // A blank element for this array.
+  void InitElem(TVelumElem& aElem) const;
+  void CreateStrKey(const TVelumElem& aElem);
+  void CreateIntKey(const TVelumElem& aElem);
+  void CreateAt(const TVelumElem& aElem, qint32 aIndex);
+  // Appends; returns the index.
+  qint32 CreateAtEnd(const TVelumElem& aElem);
+  // Binary search. Found: copies the element, aNext is its index + 1. Else a blank element.
+  [[nodiscard]] bool ReadByStrKey(const QString& aKey, TVelumElem& aElem, qint32& aNext) const;
+  [[nodiscard]] bool ReadByIntKey(qint32 aKey, TVelumElem& aElem, qint32& aNext) const;
+  void ReadByIndex(qint32 aIndex, TVelumElem& aElem) const;
+  [[nodiscard]] bool ReadNext(TVelumElem& aElem, qint32& aIndex) const;
+  [[nodiscard]] bool ReadPrev(TVelumElem& aElem, qint32& aIndex) const;
+  // Replaces the value of element aNext - 1, the one that the last read delivered.
+  void SetValAt(qint32 aNext, const TVelumValue& aVal);
+  // The aNum-th element (from 0) that has an object, counting up to the capacity.
+  [[nodiscard]] bool ReadObjByNum(qint32 aNum, TVelumElem& aElem, qint32& aIndex);
+
+  // Cheap views for hot paths: no copies, bounds checked, host error 9 beyond Count().
+  [[nodiscard]] const TVelumValue& ValRef(qint32 aIndex) const;
+  [[nodiscard]] qint32 IntKeyAt(qint32 aIndex) const;
+  [[nodiscard]] const QString& StrKeyAt(qint32 aIndex) const;
+  // Index of an integer key by binary search, or -1.
+  [[nodiscard]] qint32 FindIntKey(qint32 aKey) const;
+
+  // Bulk load of keyed arrays: elements are appended as they come, and EndBulk sorts once. Nothing may be
+  // looked up in between. The order among equal keys is free.
+  void BeginBulk(qint32 aExpected);
+  void AppendBulk(const TVelumElem& aElem);
+  void EndBulk();
+  // Called by the owner after Internalize, when the sort key can be resolved: re-sorts a string-keyed array
+  // whose elements are out of the local order. Internalize does it itself for arrays without a sort key.
+  // Leaves the changed mark as it was.
+  void EnsureSorted();
+
+private:
+  class CStore;
+
+  qint32 iId = ENoInt;
+  qint32 iFlags = 0;
+  qint16 iType = EValUndef;
+  bool iChanged = true;
+  qint32 iAllocStep = 50;
+  qint32 iAlloc = 10;
+  qint32 iMax = 0;
+  qint32 iSortKeyId = ENoInt;
+  qint32 iObjCacheNum = ENoInt;
+  qint32 iObjCacheIndex = ENoInt;
+  Ref<CVelumKeyOrder> iSortKey;
+  std::unique_ptr<CStore> iStore;
+};

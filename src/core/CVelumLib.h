@@ -1,0 +1,80 @@
+// Text, date, time and file helpers that several rooms use, and the shared frame of stored objects.
+#pragma once
+
+#include "core/CVelumError.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace CVelumLib {
+
+[[nodiscard]] bool StartsWith(QStringView aText, QStringView aPrefix);
+// Decimal text of aNum, blanks on the left up to aWidth; the rightmost aWidth characters when longer.
+[[nodiscard]] QString RightAlignNum(qint64 aNum, int aWidth);
+void ReplaceAll(QString& aText, const QString& aFind, const QString& aReplace);
+// Splits at the first aSep; without one aLeft is all and aRight empty. aLeft and aRight may be aText.
+void SplitAt(const QString& aText, const QString& aSep, QString& aLeft, QString& aRight);
+// Puts aIns behind the first aPos characters.
+void InsertAt(const QString& aIns, qsizetype aPos, QString& aText);
+// Appends the pieces of aText; an empty text appends nothing, and a trailing separator no empty piece.
+void SplitList(const QString& aSep, const QString& aText, QList<QString>& aArray);
+void SplitLines(const QString& aText, QList<QString>& aArray);
+void SplitCommaList(const QString& aText, QList<QString>& aArray);
+// Whether the text holds only blanks; the empty text does.
+[[nodiscard]] bool IsBlank(QStringView aText);
+[[nodiscard]] bool IsNotBlank(QStringView aText);
+// All line ends (CR, LF, CR LF) as CR LF, the form in which texts are stored.
+[[nodiscard]] QString ToCrLf(const QString& aText);
+// aText with each letter in upper case by itself; a letter whose capital is longer stays as it is.
+[[nodiscard]] QString ToUpperByLetter(const QString& aText);
+
+void Inc(qint32& aNum);
+void Dec(qint32& aNum);
+void Inc(qint16& aNum);
+void Dec(qint16& aNum);
+
+// Each character as two upper-case digits of its code in the code page 1252 ("?" for one it lacks).
+[[nodiscard]] QString StrToHex(const QString& aText);
+// Reverse; of an odd number of digits the last one counts alone.
+[[nodiscard]] QString HexToStr(const QString& aHex);
+// Len / 2 bytes.
+[[nodiscard]] QByteArray HexToBytes(QStringView aHex);
+[[nodiscard]] QString BytesToHex(const QByteArray& aBytes, bool aWithBlanks);
+
+[[nodiscard]] double MmToTwips(double aMm);
+[[nodiscard]] double TwipsToPixels(double aTwips);
+[[nodiscard]] double PixelsToTwips(double aPixels);
+
+// Text as UTF-8 bytes with one byte in each character, and the reverse.
+[[nodiscard]] QString ToUtf8(const QString& aText);
+[[nodiscard]] QString FromUtf8(const QString& aBytes);
+// Bytes to characters by the code page 1252 and back ("?" for a character it lacks; the count of those).
+[[nodiscard]] QString FromCodePage(const QByteArray& aBytes);
+[[nodiscard]] QByteArray ToCodePage(const QString& aText, int* aLacking = nullptr);
+
+[[nodiscard]] bool FileExists(const QString& aPath);
+// Deletes; every failure is ignored.
+void KillFile(const QString& aPath);
+// Splits at the last "/"; without one aDir is empty. aDir has no "/" at its end, but for the root.
+void SplitPath(const QString& aPath, QString& aDir, QString& aName);
+// The folder "Orvelles" in the user's documents; empty when there is none. It is not made.
+[[nodiscard]] QString GetDocDir();
+void SetFileDate(const QString& aPath, double aDateTime);
+
+// Local time (days) of an HTTP date such as "Sun, 06 Nov 1994 08:49:37 GMT".
+[[nodiscard]] double HeaderTime(const QString& aText);
+[[nodiscard]] double UtcToLocal(double aDateTime);
+[[nodiscard]] double LocalToUtc(double aDateTime);
+[[nodiscard]] QString HttpDate(double aDateTime);
+
+// Channel numbers 1 to 10 of text files; host error 9 when all are taken.
+[[nodiscard]] qint16 AllocFileNum();
+void ReleaseFileNum(qint16 aNum);
+
+// The frame of a stored object: type id and generation.
+void WriteBinObjStart(CVelumFile& aFile, int aTypeId, int aGen);
+// Reads and checks the frame; returns the generation.
+[[nodiscard]] int ReadBinObjStart(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen);
+
+} // namespace CVelumLib

@@ -1,0 +1,87 @@
+// What lower rooms need from higher ones, turned round: the higher room fills these in.
+#pragma once
+
+#include "core/CVelumObject.h"
+
+// Message classes, with the picture and the buttons that go with them.
+enum EMsgClass : qint32 { EMsgCritical = 0, EMsgExclamation = 1, EMsgQuestion = 2, EMsgInfo = 3 };
+
+// Asks or tells the user. The shell shows windows, the command-line tool writes to the terminal, tests
+// script the answers.
+class CVelumPresenter {
+public:
+  virtual ~CVelumPresenter() = default;
+  // Shows a finished message; aName is its constant's name. Returns true exactly for an answered yes.
+  virtual bool Message(qint32 aMsg, EMsgClass aClass, const QString& aName, const QString& aText) = 0;
+  // A plain box with nothing but a text.
+  virtual void Tell(const QString& aText) = 0;
+  // Opens a page of the help by its name (without ending).
+  virtual void HelpPage(const QString& aPage) = 0;
+  // Progress of a running script: a count of steps; 0 means none runs.
+  virtual void ScriptProgress(int aSteps) { static_cast<void>(aSteps); }
+};
+
+// Takes the change notifications of the model (kinds 0 to 9).
+class CVelumChangeSink {
+public:
+  virtual ~CVelumChangeSink() = default;
+  virtual void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) = 0;
+};
+
+// Lets pending window events run, and shows the wait cursor.
+class CVelumEventPump {
+public:
+  virtual ~CVelumEventPump() = default;
+  // All pending events.
+  virtual void Pump() = 0;
+  // Only paints and timers of the toolkit, no commands: for yields while something is half done.
+  virtual void PumpPaint() { Pump(); }
+  virtual void SetWaitCursor(bool aOn) { static_cast<void>(aOn); }
+};
+
+// Layout metrics in twips (15 to a logical pixel).
+struct TVelumMetrics {
+  float iCharHeight = 195.0F;
+  float iLabelWidth = 120.0F;
+  float iAvgCharWidth = 105.0F;
+  float iFieldGapX = 130.0F;
+  float iFieldGapY = 50.0F;
+  float iCardMarginX = 100.0F;
+  float iCardMarginY = 20.0F;
+};
+
+// What a conversion needs to know of a field.
+struct TVelumFieldInfo {
+  qint32 iConType = 0;    // ECon...
+  qint16 iDigits = 31999; // decimal places of a Real; ENoShort when unset
+};
+
+// Order of the strings of an array with EArrSortKey.
+class CVelumKeyOrder : public CVelumStored {
+public:
+  [[nodiscard]] virtual qint32 Id() const = 0;
+  // 0 when aKey1 sorts before aKey2, 1 when equal, 2 when after.
+  [[nodiscard]] virtual int Compare(const QString& aKey1, const QString& aKey2) const = 0;
+};
+
+// Makes an empty stored object for a value tag of 100 to 105, or nothing for a tag it does not know.
+using TVelumObjectFactory = Ref<CVelumStored> (*)(int aTag);
+
+namespace CVelumSeams {
+
+// The installed parts. Setting nothing puts the silent default back (Message answers no). The callers keep
+// what they install alive.
+[[nodiscard]] CVelumPresenter& Presenter();
+void SetPresenter(CVelumPresenter* aPresenter);
+[[nodiscard]] CVelumEventPump& EventPump();
+void SetEventPump(CVelumEventPump* aPump);
+// Tells the installed change sink, if any.
+void ChangeNotify(int aKind, CVelumObject* aObj1 = nullptr, CVelumObject* aObj2 = nullptr);
+void SetChangeSink(CVelumChangeSink* aSink);
+[[nodiscard]] const TVelumMetrics& Metrics();
+void SetMetrics(const TVelumMetrics& aMetrics);
+// The factory for objects in arrays; the model installs it once (see CVelumModel::Install).
+[[nodiscard]] Ref<CVelumStored> NewObject(int aTag);
+void SetObjectFactory(TVelumObjectFactory aFactory);
+
+} // namespace CVelumSeams

@@ -1,0 +1,73 @@
+// The single typed value of the system.
+#pragma once
+
+#include "core/CVelumConst.h"
+#include "core/CVelumObject.h"
+
+// A tagged value of 32 bytes. Only the slot of the tag means anything; reading another slot gives that
+// slot's zero (empty text, 0, false, nothing). Setting a slot sets the tag that owns it.
+class TVelumValue {
+public:
+  TVelumValue() {}
+  TVelumValue(const TVelumValue& aOther) { CopyFrom(aOther); }
+  TVelumValue(TVelumValue&& aOther) noexcept { MoveFrom(aOther); }
+  TVelumValue& operator=(const TVelumValue& aOther) {
+    if (this != &aOther) {
+      TVelumValue copy(aOther);
+      Drop();
+      MoveFrom(copy);
+    }
+    return *this;
+  }
+  TVelumValue& operator=(TVelumValue&& aOther) noexcept {
+    if (this != &aOther) {
+      Drop();
+      MoveFrom(aOther);
+    }
+    return *this;
+  }
+  ~TVelumValue() { Drop(); }
+
+  [[nodiscard]] static TVelumValue OfStr(QString aStr);
+  [[nodiscard]] static TVelumValue OfInt(qint32 aInt);
+  [[nodiscard]] static TVelumValue OfReal(double aReal);
+  [[nodiscard]] static TVelumValue OfDate(double aDate);
+  [[nodiscard]] static TVelumValue OfTime(double aTime);
+  [[nodiscard]] static TVelumValue OfBoolean(bool aBoolean);
+  [[nodiscard]] static TVelumValue OfBlobId(qint32 aId);
+  [[nodiscard]] static TVelumValue OfPair(qint32 aInt0, qint32 aInt1);
+  // aTag is 100 to 105.
+  [[nodiscard]] static TVelumValue OfObj(int aTag, Ref<CVelumStored> aObj);
+  // A value of any tag, known or not, with the slot at its zero.
+  [[nodiscard]] static TVelumValue OfType(int aTag);
+
+  [[nodiscard]] int Type() const { return iType; }
+  [[nodiscard]] const QString& Str() const;
+  [[nodiscard]] qint32 Int() const { return iType == EValInt || iType == EValBlobId ? iSlot.iInt : 0; }
+  [[nodiscard]] double Real() const { return iType == EValReal ? iSlot.iReal : 0.0; }
+  // Whole days since 30 December 1899.
+  [[nodiscard]] double Date() const { return iType == EValDate ? iSlot.iReal : 0.0; }
+  // Fraction of a day (a converted text may carry days too).
+  [[nodiscard]] double Time() const { return iType == EValTime ? iSlot.iReal : 0.0; }
+  [[nodiscard]] bool Boolean() const { return iType == EValBoolean && iSlot.iInt != 0; }
+  [[nodiscard]] CVelumStored* Obj() const { return IsObjType() ? iSlot.iObj : nullptr; }
+  [[nodiscard]] qint32 Int0() const { return iType == EValIntPair ? iSlot.iPair[0] : 0; }
+  [[nodiscard]] qint32 Int1() const { return iType == EValIntPair ? iSlot.iPair[1] : 0; }
+  [[nodiscard]] bool IsObjType() const { return iType >= EValCard && iType <= EValBlob; }
+
+private:
+  void CopyFrom(const TVelumValue& aOther);
+  void MoveFrom(TVelumValue& aOther) noexcept;
+  void Drop();
+
+  union TSlot {
+    TSlot() : iReal(0.0) {}
+    ~TSlot() {}
+    QString iStr;
+    qint32 iInt;
+    qint32 iPair[2];
+    double iReal;
+    CVelumStored* iObj; // counted by TVelumValue
+  } iSlot;
+  qint16 iType = EValUndef;
+};

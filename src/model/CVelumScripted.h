@@ -1,0 +1,56 @@
+// What stack, background, control and card share: name, id, flags, script, font, colour.
+#pragma once
+
+#include "model/CVelumFont.h"
+
+// The common block. Setters mark the object changed and are recorded.
+class CVelumScripted : public CVelumStored {
+public:
+  [[nodiscard]] const QString& Name() const { return iName; }
+  virtual void SetName(const QString& aName);
+  [[nodiscard]] qint32 Id() const { return iId; }
+  void SetId(qint32 aId);
+  [[nodiscard]] qint32 Flags() const { return iFlags; }
+  virtual void SetFlags(qint32 aFlags);
+  // True if any bit of aMask is set.
+  [[nodiscard]] bool Flag(qint32 aMask) const { return (iFlags & aMask) != 0; }
+  // For one-bit masks: with aOn false the mask is subtracted only if one of its bits is set.
+  void SetFlag(qint32 aMask, bool aOn);
+  [[nodiscard]] QString ScriptSource() const;
+  void SetScriptSource(const QString& aSource);
+  // Compiled handlers by name, or nothing.
+  [[nodiscard]] Ref<CVelumArray> Script() const;
+  void SetScript(const Ref<CVelumArray>& aScript);
+  [[nodiscard]] qint16 ScriptCount() const;
+  [[nodiscard]] Ref<CVelumFont> Font() const;
+  void SetFont(const Ref<CVelumFont>& aFont);
+  // 0xBBGGRR; ENoInt when unset.
+  [[nodiscard]] qint32 BackColor() const { return iBackColor; }
+  void SetBackColor(qint32 aColor);
+  [[nodiscard]] bool OwnChanged() const { return iChanged; }
+
+protected:
+  // Frame and common block; returns the generation.
+  int InternalizeCommon(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen);
+  void ExternalizeCommon(CVelumFile& aFile, int aTypeId, int aGen);
+  [[nodiscard]] qint64 ExtLenCommon() const;
+  // Changed of the script and the font, and clearing both.
+  [[nodiscard]] bool ExtrasChanged() const;
+  void ClearExtrasChanged();
+
+  QString iName;
+  qint32 iId = ENoInt;
+  qint32 iFlags = 0;
+  qint32 iBackColor = ENoInt;
+  bool iChanged = true;
+
+private:
+  // Rare on cards, which come in hundreds of thousands.
+  struct TExtras {
+    QString iScriptSource;
+    Ref<CVelumArray> iScript;
+    Ref<CVelumFont> iFont;
+  };
+  TExtras& Extras();
+  std::unique_ptr<TExtras> iExtras;
+};
