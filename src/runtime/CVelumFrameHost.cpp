@@ -1,0 +1,3 @@
+#include "runtime/CVelumFrameHost.h"
+
+CVelumFrameHost* gFrameHost = nullptr;
