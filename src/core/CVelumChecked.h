@@ -3,7 +3,7 @@
 
 #include "core/CVelumError.h"
 
-#include <limits>
+#include <utility>
 
 namespace CVelumChecked {
 
@@ -24,12 +24,10 @@ template <class T> [[nodiscard]] T Mul(T aA, T aB) {
   return r;
 }
 
-// aValue as To; host error 6 when it does not fit.
+// The whole number aValue as To; host error 6 when it does not fit.
 template <class To, class From> [[nodiscard]] To Narrow(From aValue) {
-  To r = static_cast<To>(aValue);
-  if (static_cast<From>(r) != aValue || (r < To{}) != (aValue < From{}))
-    CVelumError::RaiseHost(EHostOverflow);
-  return r;
+  if (!std::in_range<To>(aValue)) CVelumError::RaiseHost(EHostOverflow);
+  return static_cast<To>(aValue);
 }
 
 // aIndex, which must lie in 0 to aCount - 1; host error 9 otherwise.

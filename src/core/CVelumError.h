@@ -54,10 +54,21 @@ extern TVelumError gLastError;
 
 namespace CVelumError {
 
+// One command of the user, from its start to its end, or one run of a command-line tool. Commands nest; the
+// answers to assertions are forgotten when the outermost one ends.
+class CCommand {
+public:
+  CCommand();
+  ~CCommand();
+  CCommand(const CCommand&) = delete;
+  CCommand& operator=(const CCommand&) = delete;
+};
+
 // AssertObj without an object, with procedure "Assert".
 void Assert(bool aCond, const QString& aText);
 // If aCond is false, asks the user whether to go on; on no, throws EMsgAssertFailed. The caller must stay
-// safe when the user says yes.
+// safe when the user says yes. Within a CCommand the same question (procedure and text) is asked once; its
+// answer holds for the rest of the command.
 void AssertObj(bool aCond, const CVelumObject* aObj, const QString& aProc, const QString& aText);
 // If aCond is false, throws EMsgBadStruct with aObj's description and "aProc: aDetail".
 void ThrowBadStruct(bool aCond, const CVelumObject* aObj, const QString& aProc, const QString& aDetail);

@@ -4,12 +4,22 @@
 #include "core/CVelumConst.h"
 #include "core/CVelumObject.h"
 
+#include <cstring>
+#include <new>
+
 // A tagged value of 32 bytes. Only the slot of the tag means anything; reading another slot gives that
 // slot's zero (empty text, 0, false, nothing). Setting a slot sets the tag that owns it.
 class TVelumValue {
 public:
   TVelumValue() {}
-  TVelumValue(const TVelumValue& aOther) { CopyFrom(aOther); }
+  TVelumValue(const TVelumValue& aOther) {
+    if (aOther.IsCounted()) {
+      CopyFrom(aOther);
+    } else {
+      iSlot.CopyPlain(aOther.iSlot);
+      iType = aOther.iType;
+    }
+  }
   TVelumValue(TVelumValue&& aOther) noexcept { MoveFrom(aOther); }
   TVelumValue& operator=(const TVelumValue& aOther) {
     if (this != &aOther) {
@@ -56,13 +66,32 @@ public:
   [[nodiscard]] bool IsObjType() const { return iType >= EValCard && iType <= EValBlob; }
 
 private:
+  // Whether the slot needs more than its bytes.
+  [[nodiscard]] bool IsCounted() const { return iType == EValStr || IsObjType(); }
+  // For a text or an object.
   void CopyFrom(const TVelumValue& aOther);
-  void MoveFrom(TVelumValue& aOther) noexcept;
-  void Drop();
+  // Takes the slot and leaves aOther undefined.
+  void MoveFrom(TVelumValue& aOther) noexcept {
+    if (aOther.iType == EValStr) {
+      new (&iSlot.iStr) QString(std::move(aOther.iSlot.iStr));
+      aOther.iSlot.iStr.~QString();
+    } else {
+      iSlot.CopyPlain(aOther.iSlot);
+    }
+    iType = std::exchange(aOther.iType, qint16{EValUndef});
+  }
+  // Gives up what the slot holds, and leaves the value undefined.
+  void Drop() {
+    if (IsCounted()) DropCounted();
+    iType = EValUndef;
+  }
+  void DropCounted();
 
   union TSlot {
     TSlot() : iReal(0.0) {}
     ~TSlot() {}
+    // All slots but the text; an 8-byte copy covers each of them.
+    void CopyPlain(const TSlot& aOther) { std::memcpy(static_cast<void*>(this), &aOther, sizeof(double)); }
     QString iStr;
     qint32 iInt;
     qint32 iPair[2];
@@ -71,3 +100,5 @@ private:
   } iSlot;
   qint16 iType = EValUndef;
 };
+
+static_assert(sizeof(TVelumValue) <= 32);
