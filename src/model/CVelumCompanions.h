@@ -2,27 +2,37 @@
 // only knows their operations; the rooms above make and bind them.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/CVelumObject.h"
 
 #include <QList>
 #include <QObject>
 
 class CVelumFont;
 
+// Types of a list box.
+enum ELis : int {
+  ELisSingle = 0, // a list with columns
+  ELisCombo = 1,  // the list of a combo box
+};
+
 // Wrapper of a list or of a combo's list. Lines and their objects are kept here whether or not a widget
 // shows them.
 class CVelumListBoxBase : public CVelumObject {
 public:
-  // 0: a list with columns; 1: the list of a combo box.
+  // ELis...
   [[nodiscard]] virtual int LisType() const = 0;
+  // Flag 4: the font is applied to the widget's own font rather than only kept.
   virtual void SetFlag4(bool aOn) = 0;
   virtual void Clear() = 0;
   virtual void AddLine(const QString& aLine, const Ref<CVelumObject>& aObj) = 0;
   [[nodiscard]] virtual int NumLines() const = 0;
+  // Asserts "Get Line index".
   [[nodiscard]] virtual QString Line(int aIndex) const = 0;
-  // Widths in twips.
+  // Widths in twips. Columns are for lists alone; their parts of a line are parted by tabs.
   virtual void DefineColumns(const QList<QString>& aTitles, const QList<float>& aWidths) = 0;
+  // One column of the whole width.
   virtual void Define1Column(const QString& aTitle) = 0;
+  // Brings the lines to the widget, if there is one.
   virtual void Show() = 0;
   // aBase is the toolkit control that shows the list, or null.
   virtual void SetBaseObj(QObject* aBase) = 0;
@@ -34,7 +44,8 @@ public:
   virtual void SetFont(const CVelumFont& aFont) = 0;
 };
 
-// Makes the companions; without one installed, controls have none but a plain line store.
+// Makes the companions. Without one installed, a list box is a plain store of lines, and there is no wiki
+// text box.
 class CVelumCompanionFactory {
 public:
   virtual ~CVelumCompanionFactory() = default;
@@ -45,5 +56,6 @@ public:
 namespace CVelumCompanions {
 [[nodiscard]] Ref<CVelumListBoxBase> NewListBox(int aLisType);
 [[nodiscard]] Ref<CVelumWikiTextBoxBase> NewWikiTextBox();
+// The caller keeps what it installs alive; null puts the default back. Companions made before stay.
 void SetFactory(CVelumCompanionFactory* aFactory);
 } // namespace CVelumCompanions

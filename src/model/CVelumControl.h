@@ -4,6 +4,9 @@
 #include "model/CVelumCompanions.h"
 #include "model/CVelumScripted.h"
 
+#include <QPointer>
+
+class CVelumControlSet;
 class CVelumStack;
 
 // Flags of a control, as they stand in files.
@@ -108,14 +111,19 @@ public:
   [[nodiscard]] QString TypeStr() const;
   [[nodiscard]] bool OkForListCol() const;
   [[nodiscard]] bool AllowsCombo() const;
-  // Whether the field is a column of the card list; its width in characters in any case.
+  // Whether the field is a column of the card list, and then its width in characters (else ENoShort).
   [[nodiscard]] bool GetListColInfo(qint16& aWidth) const;
   // The text of a card list: a line per card of the selected background whose selecting field equals aRefVal.
+  // With columns, or without a combo, a line begins with the card's id; it does not depend on the list box.
   [[nodiscard]] QString GetCardList(CVelumStack& aStack, const TVelumValue& aRefVal);
-  // Fills the list box from such a text.
+  // Fills the list box from such a text; with aWithIds each line begins with the id of a card of aStack.
   void SetList(CVelumStack* aStack, const QString& aText, bool aWithIds);
   // All lines of the list box.
   [[nodiscard]] QString GetList() const;
+
+  // What the type and the flags say of the list box: ELisCombo with EConComboList, else ELisSingle for
+  // EConList; -1 for a control without one.
+  [[nodiscard]] int LisType() const;
 
   // Run-time companions; never saved, never marked as changed. aBase is a toolkit control.
   [[nodiscard]] QObject* BaseControl() const { return iBaseControl; }
@@ -125,16 +133,22 @@ public:
   void SetBaseLabel(QObject* aLabel) { iBaseLabel = aLabel; }
   [[nodiscard]] QObject* BaseFunc() const { return iBaseFunc; }
   void SetBaseFunc(QObject* aFunc) { iBaseFunc = aFunc; }
-  [[nodiscard]] Ref<CVelumListBoxBase> ListBox() const { return iListBox; }
-  [[nodiscard]] Ref<CVelumWikiTextBoxBase> WikiTextBox() const { return iWikiTextBox; }
+  // Made at the first call, so that loading a stack makes none; nothing if the control has no such box.
+  [[nodiscard]] Ref<CVelumListBoxBase> ListBox() const;
+  [[nodiscard]] Ref<CVelumWikiTextBoxBase> WikiTextBox() const;
 
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
-  void CreateListBox();
-  void CreateWikiTextBox();
+  void CreateListBox() const;
+  void CreateWikiTextBox() const;
+  // Drops the companions that no longer fit; aOldLisType is what LisType was.
+  void DropStaleBoxes(int aOldLisType);
+  void InternalizeListCol(CVelumFile& aFile);
+  [[nodiscard]] QList<CVelumControl*> CardListCols(const CVelumControlSet& aBackground) const;
+  void DefineListColumns(CVelumStack* aStack, bool aWithIds);
 
   qint32 iConType = EConText;
   qint32 iDynFlags = 0;
@@ -154,10 +168,10 @@ private:
   qint32 iSelBackgroundId = ENoInt;
   qint32 iSelControlId = ENoInt;
   qint32 iDestCardId = ENoInt;
-  QObject* iBaseControl = nullptr;
-  QObject* iBaseLabel = nullptr;
-  QObject* iBaseFunc = nullptr;
+  QPointer<QObject> iBaseControl;
+  QPointer<QObject> iBaseLabel;
+  QPointer<QObject> iBaseFunc;
   qint16 iBaseType = ENoShort;
-  Ref<CVelumListBoxBase> iListBox;
-  Ref<CVelumWikiTextBoxBase> iWikiTextBox;
+  mutable Ref<CVelumListBoxBase> iListBox;
+  mutable Ref<CVelumWikiTextBoxBase> iWikiTextBox;
 };

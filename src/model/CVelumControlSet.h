@@ -63,6 +63,10 @@ public:
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  void CheckSet() const;
+  void DropEmptySlots();
+  void CheckIdIndex() const;
+
   QString iDescr;
   Ref<CVelumArray> iSet;     // controls in display order
   Ref<CVelumArray> iIdIndex; // control id to index in iSet

@@ -1,7 +1,7 @@
 // Hands out the ids of backgrounds, controls, sort keys, key indexes and blobs.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/CVelumError.h"
 
 // One id space for a stack; ids are never reused.
 class CVelumIdGen final : public CVelumStored {

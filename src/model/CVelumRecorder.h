@@ -59,4 +59,18 @@ void Store(const CVelumObject& aObj, const char* aMember, T& aSlot, T aNew, bool
   aChanged = true;
 }
 
+// aChild entered the collection aMember of aOwner.
+inline void Added(const CVelumObject& aOwner, const char* aMember, const CVelumObject& aChild,
+                  qint32 aPlace) {
+  if (gRecorder) gRecorder->Added(aOwner, aMember, aChild, aPlace);
+}
+// aChild is about to leave it.
+inline void Removed(const CVelumObject& aOwner, const char* aMember, const CVelumObject& aChild,
+                    qint32 aPlace) {
+  if (gRecorder) gRecorder->Removed(aOwner, aMember, aChild, aPlace);
+}
+inline void OrderRebuilt(const CVelumObject& aStack) {
+  if (gRecorder) gRecorder->OrderRebuilt(aStack);
+}
+
 } // namespace CVelumRecord

@@ -1,7 +1,7 @@
 // A small persistent rectangle, for saved window places.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/CVelumObject.h"
 
 // Position and size in twips.
 class CVelumRect final : public CVelumStored {

@@ -1,6 +1,7 @@
 // What stack, background, control and card share: name, id, flags, script, font, colour.
 #pragma once
 
+#include "core/CVelumArray.h"
 #include "model/CVelumFont.h"
 
 // The common block. Setters mark the object changed and are recorded.
@@ -29,6 +30,9 @@ public:
   void SetBackColor(qint32 aColor);
   [[nodiscard]] bool OwnChanged() const { return iChanged; }
 
+  // aFlags with the bits of aMask set, or with aMask subtracted if any of its bits is set.
+  [[nodiscard]] static qint32 WithFlag(qint32 aFlags, qint32 aMask, bool aOn);
+
 protected:
   // Frame and common block; returns the generation.
   int InternalizeCommon(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen);
@@ -51,6 +55,8 @@ private:
     Ref<CVelumArray> iScript;
     Ref<CVelumFont> iFont;
   };
+  // Records and stores one of them; setting "none" on an object without extras makes none.
+  template <class T> void StoreExtra(const char* aMember, T TExtras::*aSlot, const T& aNew);
   TExtras& Extras();
   std::unique_ptr<TExtras> iExtras;
 };

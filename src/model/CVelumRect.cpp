@@ -1,0 +1,64 @@
+#include "model/CVelumRect.h"
+
+#include "core/CVelumFile.h"
+#include "core/CVelumLib.h"
+#include "model/CVelumRecorder.h"
+
+#include <cmath>
+
+using CVelumRecord::Store;
+
+namespace {
+constexpr int ETypeId = 8;
+constexpr int EGen = 1;
+
+// A file may hold any bits; what is no number must not reach the windows.
+float ReadNumber(CVelumFile& aFile) {
+  const float num = aFile.ReadSingle();
+  return std::isfinite(num) ? num : 0.0F;
+}
+} // namespace
+
+CVelumRect::CVelumRect(float aX, float aY, float aWidth, float aHeight)
+    : iX(aX), iY(aY), iWidth(aWidth), iHeight(aHeight) {}
+
+void CVelumRect::SetX(float aX) {
+  Store(*this, "X", iX, aX, iChanged);
+}
+
+void CVelumRect::SetY(float aY) {
+  Store(*this, "Y", iY, aY, iChanged);
+}
+
+void CVelumRect::SetWidth(float aWidth) {
+  Store(*this, "Width", iWidth, aWidth, iChanged);
+}
+
+void CVelumRect::SetHeight(float aHeight) {
+  Store(*this, "Height", iHeight, aHeight, iChanged);
+}
+
+bool CVelumRect::IsNull() const {
+  return iX == 0 && iY == 0 && iWidth == 0 && iHeight == 0;
+}
+
+void CVelumRect::Internalize(CVelumFile& aFile) {
+  static_cast<void>(CVelumLib::ReadBinObjStart(aFile, ETypeId, EGen, EGen));
+  iX = ReadNumber(aFile);
+  iY = ReadNumber(aFile);
+  iWidth = ReadNumber(aFile);
+  iHeight = ReadNumber(aFile);
+  iChanged = false;
+}
+
+void CVelumRect::Externalize(CVelumFile& aFile) {
+  CVelumLib::WriteBinObjStart(aFile, ETypeId, EGen);
+  aFile.WriteSingle(iX);
+  aFile.WriteSingle(iY);
+  aFile.WriteSingle(iWidth);
+  aFile.WriteSingle(iHeight);
+}
+
+qint64 CVelumRect::ExtLen() const {
+  return 4 + 4 * 4;
+}

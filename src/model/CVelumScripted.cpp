@@ -1,0 +1,145 @@
+#include "model/CVelumScripted.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumFile.h"
+#include "core/CVelumLib.h"
+#include "model/CVelumRecorder.h"
+
+using CVelumRecord::Store;
+
+namespace {
+
+const QString EReadProc = u"CVelumLib.InternalizeCommon"_s;
+
+// Handlers are looked up by name and read as texts; an array of another make would fail at each script
+// message instead of here.
+bool IsScriptArray(const CVelumArray& aScript) {
+  const qint32 keyMode = aScript.Flags() & (EArrStrKey | EArrIntKey | EArrSortKey | EArrMixed);
+  return aScript.Type() == EValStr && keyMode == EArrStrKey;
+}
+
+} // namespace
+
+void CVelumScripted::SetName(const QString& aName) {
+  Store(*this, "Name", iName, aName, iChanged);
+}
+
+void CVelumScripted::SetId(qint32 aId) {
+  Store(*this, "Id", iId, aId, iChanged);
+}
+
+void CVelumScripted::SetFlags(qint32 aFlags) {
+  Store(*this, "Flags", iFlags, aFlags, iChanged);
+}
+
+qint32 CVelumScripted::WithFlag(qint32 aFlags, qint32 aMask, bool aOn) {
+  if (aOn) return aFlags | aMask;
+  if ((aFlags & aMask) == 0) return aFlags;
+  return static_cast<qint32>(static_cast<quint32>(aFlags) - static_cast<quint32>(aMask));
+}
+
+void CVelumScripted::SetFlag(qint32 aMask, bool aOn) {
+  if (!aOn && !Flag(aMask)) return;
+  SetFlags(WithFlag(iFlags, aMask, aOn));
+}
+
+CVelumScripted::TExtras& CVelumScripted::Extras() {
+  if (!iExtras) iExtras = std::make_unique<TExtras>();
+  return *iExtras;
+}
+
+template <class T> void CVelumScripted::StoreExtra(const char* aMember, T TExtras::*aSlot, const T& aNew) {
+  if (iExtras || !(aNew == T())) {
+    Store(*this, aMember, Extras().*aSlot, aNew, iChanged);
+    return;
+  }
+  T none;
+  Store(*this, aMember, none, aNew, iChanged);
+}
+
+QString CVelumScripted::ScriptSource() const {
+  return iExtras ? iExtras->iScriptSource : QString();
+}
+
+void CVelumScripted::SetScriptSource(const QString& aSource) {
+  StoreExtra("ScriptSource", &TExtras::iScriptSource, aSource);
+}
+
+Ref<CVelumArray> CVelumScripted::Script() const {
+  return iExtras ? iExtras->iScript : nullptr;
+}
+
+void CVelumScripted::SetScript(const Ref<CVelumArray>& aScript) {
+  StoreExtra("Script", &TExtras::iScript, aScript);
+}
+
+qint16 CVelumScripted::ScriptCount() const {
+  const bool present = iExtras && iExtras->iScript;
+  return present ? CVelumChecked::Narrow<qint16>(iExtras->iScript->Count()) : qint16{0};
+}
+
+Ref<CVelumFont> CVelumScripted::Font() const {
+  return iExtras ? iExtras->iFont : nullptr;
+}
+
+void CVelumScripted::SetFont(const Ref<CVelumFont>& aFont) {
+  StoreExtra("Font", &TExtras::iFont, aFont);
+}
+
+void CVelumScripted::SetBackColor(qint32 aColor) {
+  Store(*this, "BackColor", iBackColor, aColor, iChanged);
+}
+
+bool CVelumScripted::ExtrasChanged() const {
+  if (!iExtras) return false;
+  return (iExtras->iScript && iExtras->iScript->Changed()) || (iExtras->iFont && iExtras->iFont->Changed());
+}
+
+void CVelumScripted::ClearExtrasChanged() {
+  if (!iExtras) return;
+  if (iExtras->iScript) iExtras->iScript->SetChanged(false);
+  if (iExtras->iFont) iExtras->iFont->SetChanged(false);
+}
+
+int CVelumScripted::InternalizeCommon(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen) {
+  const int gen = CVelumLib::ReadBinObjStart(aFile, aTypeId, aMinGen, aMaxGen);
+  iExtras.reset();
+  iName = aFile.ReadStr();
+  iId = aFile.ReadInt();
+  iFlags = aFile.ReadInt();
+  if (QString source = aFile.ReadStr(); !source.isEmpty()) Extras().iScriptSource = std::move(source);
+  if (aFile.ReadShort() != 0) {
+    Ref<CVelumArray> script = MakeRef<CVelumArray>();
+    script->Internalize(aFile);
+    CVelumError::ThrowBadStruct(IsScriptArray(*script), this, EReadProc, u"script"_s);
+    Extras().iScript = std::move(script);
+  }
+  if (aFile.ReadBoolean()) {
+    Extras().iFont = MakeRef<CVelumFont>();
+    Extras().iFont->Internalize(aFile);
+  }
+  iBackColor = aFile.ReadInt();
+  return gen;
+}
+
+void CVelumScripted::ExternalizeCommon(CVelumFile& aFile, int aTypeId, int aGen) {
+  CVelumLib::WriteBinObjStart(aFile, aTypeId, aGen);
+  aFile.WriteStr(iName);
+  aFile.WriteInt(iId);
+  aFile.WriteInt(iFlags);
+  aFile.WriteStr(ScriptSource());
+  const qint16 scriptCount = ScriptCount();
+  aFile.WriteShort(scriptCount);
+  if (scriptCount > 0) iExtras->iScript->Externalize(aFile);
+  const Ref<CVelumFont> font = Font();
+  aFile.WriteBoolean(static_cast<bool>(font));
+  if (font) font->Externalize(aFile);
+  aFile.WriteInt(iBackColor);
+}
+
+qint64 CVelumScripted::ExtLenCommon() const {
+  qint64 len = 4 + CVelumFile::ExtStrLen(iName) + 4 + 4 + CVelumFile::ExtStrLen(ScriptSource()) + 2 + 2 + 4;
+  if (ScriptCount() > 0) len += iExtras->iScript->ExtLen();
+  if (const Ref<CVelumFont> font = Font()) len += font->ExtLen();
+  return len;
+}
