@@ -48,6 +48,10 @@ public:
   void Commit();
   void SetNewStartPos(qint32 aPos);
 
+  // Read access to the tables, for checks.
+  [[nodiscard]] const CVelumArray& Index() const { return *iIndex; }
+  [[nodiscard]] const CVelumArray& PosTab() const { return *iPosTab; }
+
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
