@@ -1,0 +1,175 @@
+#include "toolkit/CVelumBaseControl.h"
+
+#include "toolkit/CVelumBaseColor.h"
+
+#include <QApplication>
+#include <QFocusEvent>
+#include <QWidget>
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr const char* gProperty = "CVelumBaseControl";
+// The longest text that a document can hold.
+constexpr int EMaxText = 15000;
+
+struct TRoles {
+  QPalette::ColorRole iText;
+  QPalette::ColorRole iBack;
+};
+
+TRoles RolesOf(EBase aKind) {
+  switch (aKind) {
+  case EBaseButton:
+    return {QPalette::ButtonText, QPalette::Button};
+  case EBaseCheckBox:
+  case EBaseLabel:
+  case EBaseLine:
+    return {QPalette::WindowText, QPalette::Window};
+  default:
+    return {QPalette::Text, QPalette::Base};
+  }
+}
+
+} // namespace
+
+namespace CVelumTwips {
+
+int ToPixel(float aTwips) {
+  constexpr float EMost = 1.0e5F;
+  const float pixels = aTwips / ETwipsPerPixel;
+  return std::isnan(pixels) ? 0 : static_cast<int>(std::lround(std::clamp(pixels, -EMost, EMost)));
+}
+
+float FromPixel(int aPixel) {
+  return static_cast<float>(aPixel) * ETwipsPerPixel;
+}
+
+} // namespace CVelumTwips
+
+CVelumBaseControl::CVelumBaseControl(EBase aKind, const QString& aName, QWidget* aWidget,
+                                     CVelumBaseSink* aSink)
+    : QObject(aWidget), iWidget(aWidget), iSink(aSink), iKind(aKind) {
+  setObjectName(aName);
+  iWidget->setObjectName(aName);
+  iWidget->setProperty(gProperty, QVariant::fromValue(static_cast<QObject*>(this)));
+  iWidget->installEventFilter(this);
+  iWidget->hide();
+}
+
+CVelumBaseControl* CVelumBaseControl::OfWidget(const QWidget* aWidget) {
+  for (const QWidget* widget = aWidget; widget; widget = widget->parentWidget()) {
+    const QVariant base = widget->property(gProperty);
+    if (base.isValid()) return qobject_cast<CVelumBaseControl*>(base.value<QObject*>());
+  }
+  return nullptr;
+}
+
+void CVelumBaseControl::SetPlace(float aLeft, float aTop) {
+  iLeft = aLeft;
+  iTop = aTop;
+  ApplyPlace();
+}
+
+void CVelumBaseControl::SetSize(float aWidth, float aHeight) {
+  iWidth = aWidth;
+  iHeight = aHeight;
+  ApplyPlace();
+}
+
+void CVelumBaseControl::ApplyPlace() {
+  const QPoint from(CVelumTwips::ToPixel(iLeft), CVelumTwips::ToPixel(iTop));
+  const QPoint to(CVelumTwips::ToPixel(iLeft + iWidth), CVelumTwips::ToPixel(iTop + iHeight));
+  iWidget->setGeometry(from.x(), from.y(), std::max(0, to.x() - from.x()), std::max(0, to.y() - from.y()));
+}
+
+bool CVelumBaseControl::Visible() const {
+  return !iWidget->isHidden();
+}
+
+void CVelumBaseControl::SetVisible(bool aVisible) {
+  if (aVisible != Visible()) iWidget->setVisible(aVisible);
+}
+
+bool CVelumBaseControl::Enabled() const {
+  return iWidget->isEnabledTo(iWidget->parentWidget());
+}
+
+void CVelumBaseControl::SetEnabled(bool aEnabled) {
+  iWidget->setEnabled(aEnabled);
+}
+
+QFont CVelumBaseControl::Font() const {
+  return iWidget->font();
+}
+
+void CVelumBaseControl::SetFont(const QFont& aFont) {
+  iWidget->setFont(aFont);
+}
+
+void CVelumBaseControl::SetForeColor(qint32 aColor) {
+  if (aColor == iForeColor) return;
+  iForeColor = aColor;
+  RefreshColors();
+}
+
+void CVelumBaseControl::SetBackColor(qint32 aColor) {
+  if (aColor == iBackColor) return;
+  iBackColor = aColor;
+  RefreshColors();
+}
+
+void CVelumBaseControl::RefreshColors() {
+  const TRoles roles = RolesOf(iKind);
+  const QPalette around = iWidget->parentWidget()->palette();
+  const TVelumColors colors = CVelumBaseColor::Resolve(iForeColor, iBackColor, around.color(roles.iBack));
+  QPalette palette;
+  // A disabled control keeps the desktop's grey, so that it shows.
+  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+    if (colors.iText.isValid()) palette.setColor(group, roles.iText, colors.iText);
+  if (colors.iBack.isValid()) palette.setColor(roles.iBack, colors.iBack);
+  iWidget->setPalette(palette);
+  if (roles.iBack == QPalette::Window) iWidget->setAutoFillBackground(colors.iBack.isValid());
+}
+
+bool CVelumBaseControl::HasFocus() const {
+  const QWidget* focus = QApplication::focusWidget();
+  return focus && OfWidget(focus) == this;
+}
+
+void CVelumBaseControl::SetFocus() {
+  iWidget->setFocus(Qt::OtherFocusReason);
+}
+
+bool CVelumBaseControl::Notify(EBaseEvent aEvent) {
+  bool cancel = false;
+  if (iSink) iSink->BaseEvent(*this, aEvent, cancel);
+  return cancel;
+}
+
+int CVelumBaseControl::EffMaxChar(qint16 aMax) {
+  return aMax == ENoShort || aMax <= 0 ? EMaxText : std::min<int>(aMax, EMaxText);
+}
+
+bool CVelumBaseControl::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aWatched == iWidget) {
+    if (aEvent->type() == QEvent::FocusIn)
+      Notify(EBaseGotFocus);
+    else if (aEvent->type() == QEvent::FocusOut)
+      LeaveFocus(static_cast<const QFocusEvent&>(*aEvent));
+  }
+  return QObject::eventFilter(aWatched, aEvent);
+}
+
+void CVelumBaseControl::LeaveFocus(const QFocusEvent& aEvent) {
+  if (aEvent.reason() == Qt::PopupFocusReason && PopupIsOwn()) return;
+  // The focus has gone already, and can only be put back when its move is over.
+  if (Notify(EBaseValidate))
+    QMetaObject::invokeMethod(this, &CVelumBaseControl::SetFocus, Qt::QueuedConnection);
+}
+
+bool CVelumBaseControl::PopupIsOwn() const {
+  const QWidget* popup = QApplication::activePopupWidget();
+  return popup && popup->parentWidget() && OfWidget(popup->parentWidget()) == this;
+}

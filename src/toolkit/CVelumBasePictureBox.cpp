@@ -1,0 +1,30 @@
+#include "toolkit/CVelumBasePictureBox.h"
+
+#include <QEvent>
+#include <QLabel>
+
+CVelumBasePictureBox::CVelumBasePictureBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
+    : CVelumBaseControl(EBasePictureBox, aName, new QLabel(aParent), aSink),
+      iLabel(static_cast<QLabel*>(Widget())) {
+  iLabel->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+  iLabel->setTextFormat(Qt::PlainText);
+  iLabel->setAlignment(Qt::AlignCenter);
+  iLabel->setBackgroundRole(QPalette::Base);
+  iLabel->setForegroundRole(QPalette::Text);
+  iLabel->setAutoFillBackground(true);
+}
+
+void CVelumBasePictureBox::SetPicture(const QPixmap& aPicture) {
+  iPicture = aPicture;
+  iLabel->setPixmap(aPicture);
+}
+
+void CVelumBasePictureBox::SetPlaceholder(const QString& aText) {
+  iLabel->setText(aText);
+}
+
+bool CVelumBasePictureBox::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aWatched == iLabel && aEvent->type() == QEvent::MouseButtonRelease) Notify(EBaseClick);
+  if (aWatched == iLabel && aEvent->type() == QEvent::MouseButtonDblClick) Notify(EBaseDblClick);
+  return CVelumBaseControl::eventFilter(aWatched, aEvent);
+}

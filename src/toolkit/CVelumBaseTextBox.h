@@ -1,0 +1,21 @@
+// A text box of one line.
+#pragma once
+
+#include "toolkit/CVelumBaseControl.h"
+
+class QLineEdit;
+
+class CVelumBaseTextBox final : public CVelumBaseControl {
+public:
+  CVelumBaseTextBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink);
+  [[nodiscard]] QString Text() const override;
+  void SetText(const QString& aText) override;
+  void SetMaxChar(qint16 aMax) override;
+  void SetLocked(bool aLocked) override;
+  void SetPlaceholder(const QString& aText) override;
+  void Clear() override;
+
+private:
+  QLineEdit* iEdit;
+  int iMaxChar = EffMaxChar(ENoShort);
+};
