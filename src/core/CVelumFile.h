@@ -2,9 +2,11 @@
 // primitives, and text files line by line.
 #pragma once
 
-#include "core/CVelumError.h"
+#include "core/CVelumOs.h"
 
 #include <QByteArray>
+#include <QtEndian>
+#include <cstring>
 #include <memory>
 
 // Access modes.
@@ -22,6 +24,14 @@ enum ECod : qint32 {
   ECodLatin1 = 1, // the single-byte Windows code page 1252
 };
 
+// Asked before bytes of a file are overwritten or cut off, so that the old ones can be kept.
+class CVelumWriteGuard {
+public:
+  virtual ~CVelumWriteGuard() = default;
+  // aLen bytes from aPos are about to change; raises when that must not happen.
+  virtual void BeforeWrite(qint64 aPos, qint64 aLen) = 0;
+};
+
 // Buffered below the primitives (64 KB). The buffers are written or dropped before a seek, a size, a close,
 // and before another CVelumFile on the same file acts; so two of them on one file in this process see each
 // other's bytes. Every write, flush and sync is checked: a failure is a host error that carries the path.
@@ -37,9 +47,11 @@ public:
   void OpenFile();
   // Stays true after CloseFile: a closed file is told by its handle alone.
   [[nodiscard]] bool IsOpen() const { return iIsOpen; }
-  // Writes what is buffered and closes. Closing twice is harmless.
+  // Writes what is buffered and closes, also when the writing fails. Closing twice is harmless.
   void CloseFile();
   [[nodiscard]] const QString& Filename() const { return iFilename; }
+  // The file has been given another name while it was open.
+  void SetFilename(const QString& aFilename) { iFilename = aFilename; }
   [[nodiscard]] qint32 Access() const { return iAccess; }
   [[nodiscard]] qint32 Coding() const { return iCoding; }
   void SetCoding(qint32 aCoding) { iCoding = aCoding; }
@@ -47,9 +59,19 @@ public:
   void SeekPos(qint64 aPos);
   [[nodiscard]] qint64 CurrentPos();
   [[nodiscard]] qint64 Size();
-  // Writes the buffer, and asks the system to bring the file to the disk.
+  // Bytes between the present position and the end of the file, never negative.
+  [[nodiscard]] qint64 BytesLeft();
+  // The identity and state of the open file, with all that is buffered written.
+  [[nodiscard]] TVelumFileId FileId();
+  // Writes what is buffered.
+  void Flush();
+  // The same, and brings the file to the disk.
   void Sync();
-  // Cuts the file to aSize bytes (binary, for writing).
+  // aGuard (or null) is asked before bytes go to the file. The caller keeps it alive.
+  void SetWriteGuard(CVelumWriteGuard* aGuard);
+  // Up to aCount bytes from aPos, past the buffer and without moving the position.
+  [[nodiscard]] QByteArray PeekAt(qint64 aPos, qint64 aCount);
+  // Cuts the file to aSize bytes (binary, for writing). The position is then there.
   void Truncate(qint64 aSize);
 
   void WriteStr(const QString& aStr);
@@ -59,6 +81,11 @@ public:
   void WriteRawBytes(const QByteArray& aBytes);
   [[nodiscard]] static qint64 ExtBytesLen(const QByteArray& aBytes) { return aBytes.size() + 4; }
   [[nodiscard]] QByteArray ReadBytes();
+  // The length in front of a block, checked as ReadBytes does; the content is then next.
+  [[nodiscard]] qint32 ReadBytesLen();
+  // aCount is at least 1: a block of no bytes is host error 9, here and in the three operations above.
+  // What lies behind the end of the file reads as zeros; host error 7 when that would be out of all
+  // proportion to the file.
   [[nodiscard]] QByteArray ReadRawBytes(qint64 aCount);
 
   // Reads a line without its end; false at the end of the file, where aLine stays as it is. A line ends at
@@ -66,22 +93,57 @@ public:
   [[nodiscard]] bool ReadLine(QString& aLine);
   void WriteLine(const QString& aLine);
 
-  void WriteShort(qint16 aValue);
-  [[nodiscard]] qint16 ReadShort();
-  void WriteInt(qint32 aValue);
-  [[nodiscard]] qint32 ReadInt();
-  void WriteSingle(float aValue);
-  [[nodiscard]] float ReadSingle();
-  void WriteBoolean(bool aValue);
-  [[nodiscard]] bool ReadBoolean();
-  void WriteReal(double aValue);
-  [[nodiscard]] double ReadReal();
+  void WriteShort(qint16 aValue) { WriteNum(aValue); }
+  [[nodiscard]] qint16 ReadShort() { return ReadNum<qint16>(); }
+  void WriteInt(qint32 aValue) { WriteNum(aValue); }
+  [[nodiscard]] qint32 ReadInt() { return ReadNum<qint32>(); }
+  void WriteSingle(float aValue) { WriteNum(aValue); }
+  [[nodiscard]] float ReadSingle() { return ReadNum<float>(); }
+  void WriteBoolean(bool aValue) { WriteNum(static_cast<qint16>(aValue ? -1 : 0)); }
+  [[nodiscard]] bool ReadBoolean() { return ReadNum<qint16>() != 0; }
+  void WriteReal(double aValue) { WriteNum(aValue); }
+  [[nodiscard]] double ReadReal() { return ReadNum<double>(); }
   // aEof is false in every case, also behind the end, where the byte is 0.
-  [[nodiscard]] quint8 ReadByte(bool& aEof);
-  void WriteByte(quint8 aByte);
+  [[nodiscard]] quint8 ReadByte(bool& aEof) {
+    aEof = false;
+    return ReadNum<quint8>();
+  }
+  void WriteByte(quint8 aByte) { WriteNum(aByte); }
 
 private:
   class CDevice;
+
+  // The buffer is only handed out after the access has been checked, so the short way need not ask.
+  template <class T> T ReadNum() {
+    char raw[sizeof(T)];
+    if (iReadEnd - iRead >= static_cast<qsizetype>(sizeof(T))) {
+      std::memcpy(raw, iRead, sizeof(T));
+      iRead += sizeof(T);
+    } else {
+      ReadSlow(raw, sizeof(T));
+    }
+    return qFromLittleEndian<T>(raw);
+  }
+  template <class T> void WriteNum(T aValue) {
+    char raw[sizeof(T)];
+    qToLittleEndian<T>(aValue, raw);
+    if (iWriteEnd - iWrite >= static_cast<qsizetype>(sizeof(T))) {
+      std::memcpy(iWrite, raw, sizeof(T));
+      iWrite += sizeof(T);
+    } else {
+      WriteSlow(raw, sizeof(T));
+    }
+  }
+  void ReadSlow(char* aTo, qint64 aLen);
+  void WriteSlow(const char* aFrom, qint64 aLen);
+  void OpenText();
+  void OpenBinary();
+  void AssertHandle(const QString& aProc) const;
+  void AssertRead(const QString& aProc) const;
+  void AssertWrite(const QString& aProc) const;
+  void AssertLen(bool aCond, const QString& aProc, qint32 aLen) const;
+  CDevice& Device();
+  [[nodiscard]] QByteArray ReadBlock(qint64 aCount);
 
   QString iFilename;
   qint32 iAccess;
@@ -89,5 +151,10 @@ private:
   bool iFirstLine = false;
   bool iIsOpen = false;
   qint16 iFileNum = ENoShort;
+  // Unread bytes, or free room, of the buffer of iDevice; at most one of the two is not empty.
+  const char* iRead = nullptr;
+  const char* iReadEnd = nullptr;
+  char* iWrite = nullptr;
+  char* iWriteEnd = nullptr;
   std::unique_ptr<CDevice> iDevice;
 };

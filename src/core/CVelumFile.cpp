@@ -1,0 +1,440 @@
+#include "core/CVelumFile.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumTextIo.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr qsizetype EBufSize = 65536;
+constexpr qint32 EMaxStrBytes = 30000;
+constexpr qint32 EMaxBlockBytes = 10000000;
+const QString EOpenProc = u"CVelumFile.OpenFile"_s;
+
+} // namespace
+
+// The descriptor with its buffer, and the knowledge of who else has the same file open.
+//
+// Buffers of one file agree because of two rules: who begins to collect bytes to write first makes all
+// others write theirs and forget what they have read; who reads first makes all others write theirs.
+class CVelumFile::CDevice {
+public:
+  CDevice(CVelumFile& aOwner, int aFd, bool aBinary);
+  ~CDevice();
+  CDevice(const CDevice&) = delete;
+  CDevice& operator=(const CDevice&) = delete;
+
+  [[nodiscard]] qint64 Pos() const;
+  void Seek(qint64 aPos);
+  // Hands the collected bytes to the system. They are gone from here also when that fails: who is told of
+  // the failure puts the file right, and nothing may be written over that later.
+  void Flush();
+  // Flush of all that have this file open.
+  void FlushAll();
+  qint64 Read(char* aTo, qint64 aLen);
+  void Write(const char* aFrom, qint64 aLen);
+  void Cut(qint64 aSize);
+
+  CVelumFile& iOwner;
+  const int iFd;
+  const TVelumFileId iId; // only the identity counts
+  std::unique_ptr<CVelumTextReader> iReader;
+  std::unique_ptr<CVelumTextWriter> iWriter;
+  CVelumWriteGuard* iGuard = nullptr;
+
+private:
+  static std::vector<CDevice*> gOpen;
+
+  [[nodiscard]] const QString& Path() const { return iOwner.iFilename; }
+  void Drop();
+  bool Fill();
+  void BeginWrite();
+  void WriteOut(const char* aFrom, qint64 aLen, qint64 aPos);
+  char* Buf();
+
+  std::unique_ptr<char[]> iBuf; // made when first needed
+  qint64 iBufPos = 0;           // place in the file of the buffer's first byte
+  bool iAtEnd = false;          // the last reading found the end of the file
+};
+
+std::vector<CVelumFile::CDevice*> CVelumFile::CDevice::gOpen;
+
+CVelumFile::CDevice::CDevice(CVelumFile& aOwner, int aFd, bool aBinary)
+    : iOwner(aOwner), iFd(aFd), iId(CVelumOs::IdOf(aFd)) {
+  if (aBinary) gOpen.push_back(this);
+}
+
+CVelumFile::CDevice::~CDevice() {
+  std::erase(gOpen, this);
+  CVelumOs::Close(iFd);
+}
+
+char* CVelumFile::CDevice::Buf() {
+  if (!iBuf) iBuf = std::make_unique_for_overwrite<char[]>(EBufSize);
+  return iBuf.get();
+}
+
+qint64 CVelumFile::CDevice::Pos() const {
+  if (iOwner.iRead) return iBufPos + (iOwner.iRead - iBuf.get());
+  if (iOwner.iWrite) return iBufPos + (iOwner.iWrite - iBuf.get());
+  return iBufPos;
+}
+
+// Forgets what was read, or what was to be written, and stays at its position.
+void CVelumFile::CDevice::Drop() {
+  iBufPos = Pos();
+  iOwner.iRead = iOwner.iReadEnd = nullptr;
+  iOwner.iWrite = iOwner.iWriteEnd = nullptr;
+  iAtEnd = false;
+}
+
+void CVelumFile::CDevice::Seek(qint64 aPos) {
+  Flush();
+  Drop();
+  iBufPos = aPos;
+}
+
+void CVelumFile::CDevice::WriteOut(const char* aFrom, qint64 aLen, qint64 aPos) {
+  if (iGuard) iGuard->BeforeWrite(aPos, aLen);
+  CVelumOs::WriteAt(iFd, Path(), aFrom, aLen, aPos);
+}
+
+void CVelumFile::CDevice::Flush() {
+  if (iWriter) iWriter->Flush();
+  if (!iOwner.iWrite) return;
+  qint64 from = iBufPos;
+  Drop();
+  if (iBufPos > from) WriteOut(iBuf.get(), iBufPos - from, from);
+}
+
+void CVelumFile::CDevice::FlushAll() {
+  for (CDevice* d : gOpen)
+    if (d != this && d->iId.SameFile(iId)) d->Flush();
+  Flush();
+}
+
+void CVelumFile::CDevice::BeginWrite() {
+  FlushAll();
+  for (CDevice* d : gOpen)
+    if (d->iId.SameFile(iId)) d->Drop();
+  iOwner.iWrite = Buf();
+  iOwner.iWriteEnd = iOwner.iWrite + EBufSize;
+}
+
+bool CVelumFile::CDevice::Fill() {
+  if (iAtEnd) return false;
+  FlushAll();
+  Drop();
+  qint64 len = CVelumOs::ReadAt(iFd, Path(), Buf(), EBufSize, iBufPos);
+  iAtEnd = len == 0;
+  if (iAtEnd) return false;
+  iOwner.iRead = iBuf.get();
+  iOwner.iReadEnd = iOwner.iRead + len;
+  return true;
+}
+
+// Reads up to aLen bytes; what is large goes past the buffer.
+qint64 CVelumFile::CDevice::Read(char* aTo, qint64 aLen) {
+  qint64 done = 0;
+  while (done < aLen) {
+    if (iOwner.iRead == iOwner.iReadEnd && aLen - done >= EBufSize) {
+      FlushAll();
+      Drop();
+      qint64 len = CVelumOs::ReadAt(iFd, Path(), aTo + done, aLen - done, iBufPos);
+      iBufPos += len;
+      return done + len;
+    }
+    if (iOwner.iRead == iOwner.iReadEnd && !Fill()) break;
+    qint64 len = std::min<qint64>(aLen - done, iOwner.iReadEnd - iOwner.iRead);
+    std::memcpy(aTo + done, iOwner.iRead, static_cast<size_t>(len));
+    iOwner.iRead += len;
+    done += len;
+  }
+  return done;
+}
+
+void CVelumFile::CDevice::Write(const char* aFrom, qint64 aLen) {
+  if (!iOwner.iWrite || iOwner.iWriteEnd - iOwner.iWrite < aLen) BeginWrite();
+  if (aLen < EBufSize) {
+    std::memcpy(iOwner.iWrite, aFrom, static_cast<size_t>(aLen));
+    iOwner.iWrite += aLen;
+    return;
+  }
+  qint64 pos = iBufPos;
+  Drop();
+  iBufPos = pos + aLen;
+  WriteOut(aFrom, aLen, pos);
+}
+
+void CVelumFile::CDevice::Cut(qint64 aSize) {
+  BeginWrite();
+  qint64 size = CVelumOs::IdOf(iFd).iSize;
+  Seek(aSize);
+  if (iGuard && size > aSize) iGuard->BeforeWrite(aSize, size - aSize);
+  CVelumOs::Truncate(iFd, Path(), aSize);
+}
+
+CVelumFile::CVelumFile(QString aFilename, qint32 aAccess)
+    : iFilename(std::move(aFilename)), iAccess(aAccess) {}
+
+CVelumFile::~CVelumFile() {
+  try {
+    CloseFile();
+  } catch (const std::exception&) { // a destructor has nobody to tell
+  }
+}
+
+QString CVelumFile::ObjDescr() const {
+  return u"CVelumFile name="_s + iFilename + u", access="_s + QString::number(iAccess);
+}
+
+void CVelumFile::OpenFile() {
+  iFirstLine = true;
+  if (iDevice) CloseFile();
+  if (iAccess == EFilSeqRead || iAccess == EFilSeqWrite) {
+    OpenText();
+  } else {
+    OpenBinary();
+  }
+  iIsOpen = true;
+}
+
+void CVelumFile::OpenBinary() {
+  iFileNum = ENoShort;
+  int fd = CVelumOs::Open(iFilename, O_RDWR | O_CREAT);
+  if (fd >= 0 && !CVelumOs::IsRegular(fd)) CVelumOs::Close(std::exchange(fd, -1));
+  if (fd < 0) CVelumError::Throw(EMsgFileNotFound, EOpenProc, iFilename, QString::number(iAccess));
+  iDevice = std::make_unique<CDevice>(*this, fd, true);
+}
+
+void CVelumFile::OpenText() {
+  try {
+    bool read = iAccess == EFilSeqRead;
+    int fd = CVelumOs::Open(iFilename, read ? O_RDONLY : O_WRONLY | O_CREAT | O_TRUNC);
+    if (fd < 0) CVelumOs::Raise(errno, iFilename);
+    auto device = std::make_unique<CDevice>(*this, fd, false);
+    if (CVelumOs::IsFolder(fd)) CVelumOs::Raise(EISDIR, iFilename);
+    if (read) {
+      device->iReader = std::make_unique<CVelumTextReader>(fd, iFilename);
+    } else {
+      device->iWriter = std::make_unique<CVelumTextWriter>(fd, iFilename);
+    }
+    iFileNum = CVelumLib::AllocFileNum();
+    iDevice = std::move(device);
+  } catch (const CVelumException& e) {
+    CVelumError::CatchError(EOpenProc);
+    qint32 num = e.Number();
+    if (num == EHostFileNotFound) num = EMsgFileNotFound;
+    if (num == EHostPermissionDenied) num = EMsgNoFileAccess;
+    CVelumError::Throw(num, EOpenProc, iFilename, QString::number(iAccess));
+  }
+}
+
+void CVelumFile::CloseFile() {
+  if (!iDevice) return;
+  struct TCloser { // closes on every way out
+    CVelumFile& iFile;
+    ~TCloser() {
+      iFile.iDevice.reset();
+      iFile.iRead = iFile.iReadEnd = nullptr;
+      iFile.iWrite = iFile.iWriteEnd = nullptr;
+    }
+  } closer{*this};
+  if (iFileNum != ENoShort) CVelumLib::ReleaseFileNum(std::exchange(iFileNum, ENoShort));
+  iDevice->Flush();
+}
+
+CVelumFile::CDevice& CVelumFile::Device() {
+  if (!iDevice) CVelumError::RaiseHost(EHostBadCall, iFilename);
+  return *iDevice;
+}
+
+void CVelumFile::AssertHandle(const QString& aProc) const {
+  if (iFileNum == ENoShort) return;
+  CVelumError::AssertObj(false, this, aProc, u"handle"_s);
+  CVelumError::RaiseHost(EHostBadCall, iFilename);
+}
+
+void CVelumFile::AssertRead(const QString& aProc) const {
+  if (iAccess == EFilRead || iAccess == EFilReadWrite) return;
+  CVelumError::AssertObj(false, this, aProc, u"Access EFilRead"_s + QString::number(iAccess));
+}
+
+void CVelumFile::AssertWrite(const QString& aProc) const {
+  if (iAccess == EFilWrite || iAccess == EFilReadWrite) return;
+  CVelumError::AssertObj(false, this, aProc, u"Access EFilWrite "_s + QString::number(iAccess));
+}
+
+void CVelumFile::AssertLen(bool aCond, const QString& aProc, qint32 aLen) const {
+  if (aCond) return;
+  CVelumError::AssertObj(false, this, aProc, u"len "_s + QString::number(aLen));
+}
+
+void CVelumFile::SeekPos(qint64 aPos) {
+  AssertHandle(u"SeekPos"_s);
+  // A position is 32 bits without sign, so a negative one lies far behind.
+  Device().Seek(aPos < 0 ? static_cast<quint32>(aPos) : aPos);
+}
+
+qint64 CVelumFile::CurrentPos() {
+  AssertHandle(u"CurrentPos"_s);
+  return Device().Pos();
+}
+
+qint64 CVelumFile::Size() {
+  return FileId().iSize;
+}
+
+qint64 CVelumFile::BytesLeft() {
+  return std::max<qint64>(Size() - CurrentPos(), 0);
+}
+
+TVelumFileId CVelumFile::FileId() {
+  Device().FlushAll();
+  return CVelumOs::IdOf(iDevice->iFd);
+}
+
+void CVelumFile::Flush() {
+  Device().Flush();
+}
+
+void CVelumFile::Sync() {
+  Device().Flush();
+  CVelumOs::Sync(iDevice->iFd, iFilename);
+}
+
+void CVelumFile::SetWriteGuard(CVelumWriteGuard* aGuard) {
+  Device().iGuard = aGuard;
+}
+
+QByteArray CVelumFile::PeekAt(qint64 aPos, qint64 aCount) {
+  AssertHandle(u"PeekAt"_s);
+  AssertRead(u"PeekAt"_s);
+  Device().FlushAll();
+  QByteArray bytes(aCount, Qt::Uninitialized);
+  bytes.resize(CVelumOs::ReadAt(iDevice->iFd, iFilename, bytes.data(), aCount, aPos));
+  return bytes;
+}
+
+void CVelumFile::Truncate(qint64 aSize) {
+  AssertHandle(u"Truncate"_s);
+  AssertWrite(u"Truncate"_s);
+  Device().Cut(aSize);
+}
+
+void CVelumFile::ReadSlow(char* aTo, qint64 aLen) {
+  AssertHandle(u"ReadRawBytes"_s);
+  AssertRead(u"ReadRawBytes"_s);
+  qint64 len = Device().Read(aTo, aLen);
+  std::memset(aTo + len, 0, static_cast<size_t>(aLen - len));
+}
+
+void CVelumFile::WriteSlow(const char* aFrom, qint64 aLen) {
+  AssertHandle(u"WriteRawBytes"_s);
+  AssertWrite(u"WriteRawBytes"_s);
+  Device().Write(aFrom, aLen);
+}
+
+void CVelumFile::WriteStr(const QString& aStr) {
+  AssertWrite(u"WriteStr"_s);
+  auto len = CVelumChecked::Narrow<qint16>(2 * aStr.size());
+  WriteShort(len);
+  if (len == 0) return;
+  if (iWriteEnd - iWrite >= len) {
+    qToLittleEndian<quint16>(aStr.utf16(), aStr.size(), iWrite);
+    iWrite += len;
+  } else {
+    QByteArray raw(len, Qt::Uninitialized);
+    qToLittleEndian<quint16>(aStr.utf16(), aStr.size(), raw.data());
+    WriteSlow(raw.constData(), len);
+  }
+}
+
+QString CVelumFile::ReadStr() {
+  AssertRead(u"ReadStr"_s);
+  qint16 len = ReadShort();
+  AssertLen(len >= 0 && len <= EMaxStrBytes, u"ReadStr"_s, len);
+  if (len == 0) return {};
+  if (len < 0) CVelumError::RaiseHost(EHostIndex, iFilename);
+  // Half a character at the end gets a zero for its other half.
+  QString str((len + 1) / 2, Qt::Uninitialized);
+  auto* raw = reinterpret_cast<char*>(str.data());
+  raw[str.size() * 2 - 1] = 0;
+  if (iReadEnd - iRead >= len) {
+    std::memcpy(raw, iRead, static_cast<size_t>(len));
+    iRead += len;
+  } else {
+    ReadSlow(raw, len);
+  }
+  qFromLittleEndian<quint16>(raw, str.size(), raw);
+  return str;
+}
+
+void CVelumFile::WriteBytes(const QByteArray& aBytes) {
+  AssertWrite(u"WriteBytes"_s);
+  if (aBytes.isEmpty()) CVelumError::RaiseHost(EHostIndex, iFilename);
+  WriteInt(CVelumChecked::Narrow<qint32>(aBytes.size()));
+  WriteRawBytes(aBytes);
+}
+
+void CVelumFile::WriteRawBytes(const QByteArray& aBytes) {
+  AssertWrite(u"WriteRawBytes"_s);
+  if (aBytes.isEmpty()) CVelumError::RaiseHost(EHostIndex, iFilename);
+  WriteSlow(aBytes.constData(), aBytes.size());
+}
+
+qint32 CVelumFile::ReadBytesLen() {
+  qint32 len = ReadInt();
+  AssertLen(len >= 0 && len <= EMaxBlockBytes, u"ReadBytes"_s, len);
+  return len;
+}
+
+QByteArray CVelumFile::ReadBytes() {
+  AssertRead(u"ReadBytes"_s);
+  return ReadBlock(ReadBytesLen());
+}
+
+QByteArray CVelumFile::ReadRawBytes(qint64 aCount) {
+  AssertRead(u"ReadRawBytes"_s);
+  return ReadBlock(aCount);
+}
+
+// A file may be cut short, so some zeros behind its end are in order; but a length that was damaged must
+// not take memory without limit.
+QByteArray CVelumFile::ReadBlock(qint64 aCount) {
+  if (aCount <= 0) CVelumError::RaiseHost(EHostIndex, iFilename);
+  if (aCount > EBufSize && aCount > BytesLeft() && aCount > 4 * Size() + EBufSize)
+    CVelumError::RaiseHost(EHostOutOfMemory, iFilename);
+  QByteArray bytes(aCount, Qt::Uninitialized);
+  ReadSlow(bytes.data(), aCount);
+  return bytes;
+}
+
+bool CVelumFile::ReadLine(QString& aLine) {
+  CVelumError::AssertObj(iAccess == EFilSeqRead, this, u"ReadLine"_s,
+                         u"Access EFilSeqRead "_s + QString::number(iAccess));
+  if (!Device().iReader) CVelumError::RaiseHost(EHostBadCall, iFilename);
+  bool first = std::exchange(iFirstLine, false);
+  QByteArray line;
+  if (!iDevice->iReader->ReadLine(line)) return false;
+  if (first && line.startsWith("\xEF\xBB\xBF")) {
+    line.remove(0, 3);
+    iCoding = ECodUtf8;
+  }
+  aLine = iCoding == ECodUtf8 ? QString::fromUtf8(line) : CVelumLib::FromCodePage(line);
+  return true;
+}
+
+void CVelumFile::WriteLine(const QString& aLine) {
+  CVelumError::AssertObj(iAccess == EFilSeqWrite, this, u"WriteLine"_s,
+                         u"Access EFilSeqWrite "_s + QString::number(iAccess));
+  if (!Device().iWriter) CVelumError::RaiseHost(EHostBadCall, iFilename);
+  iDevice->iWriter->WriteLine(iCoding == ECodUtf8 ? aLine.toUtf8() : CVelumLib::ToCodePage(aLine));
+}

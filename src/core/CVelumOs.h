@@ -1,0 +1,74 @@
+// The system calls by which the program touches files, in one place: so that their failures become host
+// errors that carry the path, and so that a test can let any one of them fail.
+#pragma once
+
+#include "core/CVelumError.h"
+
+// Kinds of calls, as a test sees them.
+enum class EOsCall { Open, Read, Write, Truncate, Sync, SyncFolder, Rename, Link, Unlink, Lock, Chmod };
+
+// Asked before every call. Tests install one; the program has none.
+class CVelumFaults {
+public:
+  virtual ~CVelumFaults() = default;
+  // 0 lets the call happen, otherwise it fails with that errno. aLen is the byte count of a Write; a
+  // failing write that sets it to a smaller one has written so many bytes before it fails.
+  virtual int Before(EOsCall aCall, const QString& aPath, qint64& aLen) = 0;
+};
+
+// What tells one state of a file from another.
+struct TVelumFileId {
+  quint64 iDevice = 0;
+  quint64 iNode = 0;
+  qint64 iSize = -1; // bytes; -1 when there is no such file
+  qint64 iTime = 0;  // last modification, nanoseconds
+
+  [[nodiscard]] bool Exists() const { return iSize >= 0; }
+  [[nodiscard]] bool SameFile(const TVelumFileId& aOther) const {
+    return iDevice == aOther.iDevice && iNode == aOther.iNode;
+  }
+  bool operator==(const TVelumFileId&) const = default;
+};
+
+namespace CVelumOs {
+
+// Installs the fault source of a test; null removes it.
+void SetFaults(CVelumFaults* aFaults);
+
+// Raises the host error of an errno, with aPath and the system's text behind the plain description.
+[[noreturn]] void Raise(int aErrno, const QString& aPath);
+
+// A descriptor (flags of open(2), close-on-exec added), or -1 with errno set. A new file gets aMode.
+[[nodiscard]] int Open(const QString& aPath, int aFlags, unsigned aMode = 0666);
+void Close(int aFd);
+// Reads up to aLen bytes at aPos; less only at the end of the file. Raises.
+[[nodiscard]] qint64 ReadAt(int aFd, const QString& aPath, char* aTo, qint64 aLen, qint64 aPos);
+// Reads up to aLen bytes from where the descriptor stands; 0 at the end. Raises.
+[[nodiscard]] qint64 Read(int aFd, const QString& aPath, char* aTo, qint64 aLen);
+// Writes all bytes at aPos. Raises.
+void WriteAt(int aFd, const QString& aPath, const char* aFrom, qint64 aLen, qint64 aPos);
+// Writes all bytes where the descriptor stands. Raises.
+void Write(int aFd, const QString& aPath, const char* aFrom, qint64 aLen);
+void Truncate(int aFd, const QString& aPath, qint64 aSize);
+// Brings a file's bytes to the disk. Raises.
+void Sync(int aFd, const QString& aPath);
+// Brings the entries of the folder that holds aPath to the disk. Raises.
+void SyncFolderOf(const QString& aPath);
+void Rename(const QString& aFrom, const QString& aTo);
+// False when the file system has no hard links; raises on other failures.
+[[nodiscard]] bool Link(const QString& aFrom, const QString& aTo);
+// A file that is not there is no failure.
+void Unlink(const QString& aPath);
+// Takes the lock of a file without waiting; false when another holder has it.
+[[nodiscard]] bool TryLock(int aFd, const QString& aPath);
+// Gives the file the permissions and, as far as allowed, the owner of aLike.
+void CopyMode(int aFd, const QString& aPath, const QString& aLike);
+
+[[nodiscard]] bool IsRegular(int aFd);
+[[nodiscard]] bool IsFolder(int aFd);
+[[nodiscard]] TVelumFileId IdOf(const QString& aPath);
+[[nodiscard]] TVelumFileId IdOf(int aFd);
+// aPath with all symbolic links followed, also when the last target does not exist.
+[[nodiscard]] QString RealPath(const QString& aPath);
+
+} // namespace CVelumOs
