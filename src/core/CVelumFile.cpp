@@ -5,6 +5,8 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumTextIo.h"
 
+#include <QStringDecoder>
+
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
@@ -17,6 +19,11 @@ constexpr qsizetype EBufSize = 65536;
 constexpr qint32 EMaxStrBytes = 30000;
 constexpr qint32 EMaxBlockBytes = 10000000;
 const QString EOpenProc = u"CVelumFile.OpenFile"_s;
+
+// A mark that does not stand in front of the file is a character like others.
+QString DecodeUtf8(const QByteArray& aBytes) {
+  return QStringDecoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom)(aBytes);
+}
 
 } // namespace
 
@@ -50,7 +57,8 @@ public:
   CVelumWriteGuard* iGuard = nullptr;
 
 private:
-  static std::vector<CDevice*> gOpen;
+  // All open binary files. Never destroyed: a global that goes at exit may still hold a file.
+  static std::vector<CDevice*>& Open();
 
   [[nodiscard]] const QString& Path() const { return iOwner.iFilename; }
   void Drop();
@@ -64,15 +72,18 @@ private:
   bool iAtEnd = false;          // the last reading found the end of the file
 };
 
-std::vector<CVelumFile::CDevice*> CVelumFile::CDevice::gOpen;
+std::vector<CVelumFile::CDevice*>& CVelumFile::CDevice::Open() {
+  static auto* open = new std::vector<CDevice*>;
+  return *open;
+}
 
 CVelumFile::CDevice::CDevice(CVelumFile& aOwner, int aFd, bool aBinary)
     : iOwner(aOwner), iFd(aFd), iId(CVelumOs::IdOf(aFd)) {
-  if (aBinary) gOpen.push_back(this);
+  if (aBinary) Open().push_back(this);
 }
 
 CVelumFile::CDevice::~CDevice() {
-  std::erase(gOpen, this);
+  std::erase(Open(), this);
   CVelumOs::Close(iFd);
 }
 
@@ -115,14 +126,14 @@ void CVelumFile::CDevice::Flush() {
 }
 
 void CVelumFile::CDevice::FlushAll() {
-  for (CDevice* d : gOpen)
+  for (CDevice* d : Open())
     if (d != this && d->iId.SameFile(iId)) d->Flush();
   Flush();
 }
 
 void CVelumFile::CDevice::BeginWrite() {
   FlushAll();
-  for (CDevice* d : gOpen)
+  for (CDevice* d : Open())
     if (d->iId.SameFile(iId)) d->Drop();
   iOwner.iWrite = Buf();
   iOwner.iWriteEnd = iOwner.iWrite + EBufSize;
@@ -428,7 +439,7 @@ bool CVelumFile::ReadLine(QString& aLine) {
     line.remove(0, 3);
     iCoding = ECodUtf8;
   }
-  aLine = iCoding == ECodUtf8 ? QString::fromUtf8(line) : CVelumLib::FromCodePage(line);
+  aLine = iCoding == ECodUtf8 ? DecodeUtf8(line) : CVelumLib::FromCodePage(line);
   return true;
 }
 
