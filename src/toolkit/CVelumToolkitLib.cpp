@@ -1,0 +1,56 @@
+#include "toolkit/CVelumToolkitLib.h"
+
+#include "core/CVelumLib.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QLayout>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMimeData>
+#include <algorithm>
+
+namespace CVelumLib {
+
+QFont MakeToolkitFont(const QString& aFaceName, double aPointSize, bool aBold, bool aItalic,
+                      bool aUnderline) {
+  QFont font(aFaceName);
+  font.setPointSizeF(std::clamp(aPointSize, 1.0, 1000.0));
+  font.setBold(aBold);
+  font.setItalic(aItalic);
+  font.setUnderline(aUnderline);
+  return font;
+}
+
+QString GetClipboardText() {
+  const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+  QString text = data && data->hasText() ? data->text() : QString();
+  if (text.endsWith(u"\r\n"_s))
+    text.chop(2);
+  else if (text.endsWith(u'\n'))
+    text.chop(1);
+  return text;
+}
+
+QSize ChildFrameSize() {
+  // Only a laid out child knows; asking it once is enough, as the style stays.
+  static const QSize size = [] {
+    constexpr QSize outer(400, 300);
+    QMdiArea area;
+    QWidget content;
+    QMdiSubWindow* child = area.addSubWindow(&content);
+    child->resize(outer);
+    child->layout()->activate();
+    const QSize inner = content.size();
+    area.removeSubWindow(&content);
+    delete child;
+    return outer - inner;
+  }();
+  return size;
+}
+
+QSizeF ClientSizeToWindow(const QSizeF& aClientSize) {
+  return aClientSize + QSizeF(ChildFrameSize()) * PixelsToTwips(1);
+}
+
+} // namespace CVelumLib

@@ -1,0 +1,24 @@
+// Functions of CVelumLib that need the toolkit: fonts, clipboard, window frames. Lengths are twips
+// (15 to a logical pixel).
+#pragma once
+
+#include "core/CVelumObject.h"
+
+#include <QFont>
+#include <QSizeF>
+
+namespace CVelumLib {
+
+// aPointSize is in points; sizes outside 1 to 1000 become the nearer of the two.
+[[nodiscard]] QFont MakeToolkitFont(const QString& aFaceName, double aPointSize, bool aBold, bool aItalic,
+                                    bool aUnderline);
+
+// The text of the clipboard as it is (no-break blanks stay); one line end at its end is dropped.
+[[nodiscard]] QString GetClipboardText();
+
+// Pixels that caption and frame of a child window add to its content.
+[[nodiscard]] QSize ChildFrameSize();
+// Outer size of a child window with a client area of this size.
+[[nodiscard]] QSizeF ClientSizeToWindow(const QSizeF& aClientSize);
+
+} // namespace CVelumLib

@@ -1,0 +1,56 @@
+// The windows by name: making and finding them, their places, and the broadcast of changes.
+#pragma once
+
+#include "toolkit/CVelumForm.h"
+
+#include <functional>
+
+namespace CVelumWinMan {
+
+// Makes the one instance of a form; it belongs to the window manager until it is unloaded.
+using TVelumFormFactory = std::function<CVelumForm*()>;
+
+// Registers the names of the 24 windows, and takes the change notifications of the model from now on. Safe
+// to call again.
+void InitWinMan();
+// Host error 9 when the table of 31 names is full.
+void RegisterFormName(const QString& aName);
+[[nodiscard]] int FormCount();
+// Host error 9 outside 0 to FormCount() - 1.
+[[nodiscard]] const QString& FormName(int aIndex);
+// Says how the form of a registered name is made. The owner of a form's class calls this at start.
+void SetFactory(const QString& aName, TVelumFormFactory aFactory);
+
+// The one instance of a form, made on first use (but not loaded). Asserts "NameToForm name " and the name
+// for a name that has no form; nothing after that, and for a form of the table that has no factory.
+[[nodiscard]] CVelumForm* NameToForm(const QString& aName);
+// Whether the form's name stands in the table.
+[[nodiscard]] bool IsKnownForm(const CVelumForm& aForm);
+[[nodiscard]] bool IsFrame(const CVelumForm& aForm);
+// The main window when it is loaded, otherwise nothing.
+[[nodiscard]] CVelumForm* Frame();
+[[nodiscard]] bool FormIsLoaded(const QString& aName);
+
+// Runs Load once per life of the form. A form that is loaded gets the notifications.
+void LoadForm(CVelumForm& aForm);
+// Runs Unload, hides the window and deletes it when control is back in the event loop.
+void UnloadForm(CVelumForm& aForm);
+// Called by the destructor of a form.
+void Forget(CVelumForm& aForm);
+// Loads and shows the form and brings it to the front. A modal one must be a QDialog; the call then returns
+// when it is closed. With an owner the form stays above it.
+void ShowDialog(CVelumForm& aForm, bool aModal = false, QWidget* aOwner = nullptr);
+
+// Tells every loaded form of the table, in the order in which they were loaded; paints before and after
+// each. Forms may be unloaded meanwhile.
+void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2);
+
+// Keeps the form's place under its name in the section "Windows".
+void SaveWindow(CVelumForm& aForm);
+// Puts the form where it was. Without a sound stored place only the frame is moved, to a default place.
+void RestoreWindow(CVelumForm& aForm);
+// Moves the form to aRect (twips); only the frame and sizable forms take the size. A left or top edge beyond
+// the screen (for other forms: beyond the size of the frame) becomes 0.
+void SetFormRect(CVelumForm& aForm, const QRectF& aRect);
+
+} // namespace CVelumWinMan
