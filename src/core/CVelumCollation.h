@@ -6,6 +6,12 @@
 
 namespace CVelumCollation {
 
+// The characters that a collation key leaves out; all lie below 256.
+inline constexpr char16_t gKeySkipChars[] = {
+    u' ', u'"', u'`', u'\u00A7', u'+', u'|', u'\u00A6', u'@',  u'*',      u'#', u'%', u'&',
+    u'/', u'(', u')', u'=',      u'?', u'^', u'~',      u'\'', u'\u00A8', u'!', u'[', u']',
+    u'{', u'}', u',', u'.',      u'-', u';', u':',      u'_',  u'<',      u'>', u'\\'};
+
 // Makes the collator anew for a locale name such as "de_DE" (empty: the user's; a C or POSIX locale gets
 // the ICU root order). Called at start and by tests.
 void Init(const QString& aLocale = {});

@@ -9,13 +9,19 @@
 
 namespace CVelumLib {
 
+// First step of the start: frees the channel numbers of text files.
+void InitLib();
+
+template <class T> [[nodiscard]] bool IsObj(const Ref<T>& aRef) {
+  return static_cast<bool>(aRef);
+}
 [[nodiscard]] bool StartsWith(QStringView aText, QStringView aPrefix);
 // Decimal text of aNum, blanks on the left up to aWidth; the rightmost aWidth characters when longer.
 [[nodiscard]] QString RightAlignNum(qint64 aNum, int aWidth);
 void ReplaceAll(QString& aText, const QString& aFind, const QString& aReplace);
 // Splits at the first aSep; without one aLeft is all and aRight empty. aLeft and aRight may be aText.
 void SplitAt(const QString& aText, const QString& aSep, QString& aLeft, QString& aRight);
-// Puts aIns behind the first aPos characters.
+// Puts aIns behind the first aPos characters; behind all when there are fewer. Host error 5 below 0.
 void InsertAt(const QString& aIns, qsizetype aPos, QString& aText);
 // Appends the pieces of aText; an empty text appends nothing, and a trailing separator no empty piece.
 void SplitList(const QString& aSep, const QString& aText, QList<QString>& aArray);
@@ -36,9 +42,10 @@ void Dec(qint16& aNum);
 
 // Each character as two upper-case digits of its code in the code page 1252 ("?" for one it lacks).
 [[nodiscard]] QString StrToHex(const QString& aText);
-// Reverse; of an odd number of digits the last one counts alone.
+// Reverse, two digits at a time; of an odd number of digits the last one counts alone. What is no digit ends
+// its pair.
 [[nodiscard]] QString HexToStr(const QString& aHex);
-// Len / 2 bytes.
+// Len / 2 bytes, of the same pairs.
 [[nodiscard]] QByteArray HexToBytes(QStringView aHex);
 [[nodiscard]] QString BytesToHex(const QByteArray& aBytes, bool aWithBlanks);
 
@@ -60,12 +67,17 @@ void KillFile(const QString& aPath);
 void SplitPath(const QString& aPath, QString& aDir, QString& aName);
 // The folder "Orvelles" in the user's documents; empty when there is none. It is not made.
 [[nodiscard]] QString GetDocDir();
+// Sets the time of the last change to a local moment; every failure is ignored.
 void SetFileDate(const QString& aPath, double aDateTime);
 
-// Local time (days) of an HTTP date such as "Sun, 06 Nov 1994 08:49:37 GMT".
+// Local time (days) of an HTTP date such as "Sun, 06 Nov 1994 08:49:37 GMT"; host error 13 when a number is
+// missing.
 [[nodiscard]] double HeaderTime(const QString& aText);
+// Moments in days, in the zone of the system, to the second. LocalToUtc of a local time that is skipped when
+// daylight saving time begins takes it as an hour later; of one that comes twice, either.
 [[nodiscard]] double UtcToLocal(double aDateTime);
 [[nodiscard]] double LocalToUtc(double aDateTime);
+// The HTTP date of a local moment.
 [[nodiscard]] QString HttpDate(double aDateTime);
 
 // Channel numbers 1 to 10 of text files; host error 9 when all are taken.
