@@ -5,15 +5,18 @@
 
 class CVelumCard final : public CVelumScripted {
 public:
+  // Allocated only: for Internalize.
   CVelumCard();
   CVelumCard(const QString& aName, const Ref<CVelumControlSet>& aBackground);
 
   [[nodiscard]] QString ObjDescr() const override;
   // Does not touch the name index: renaming a card of a stack goes through CVelumStack::RenameCard.
   void SetName(const QString& aName) override;
-  [[nodiscard]] qint32 OrderNum() const { return iOrderNum; }
+  // The card's number in the order of its stack; ENoInt until added.
+  [[nodiscard]] qint32 OrderNum() const;
+  // For loaders; the number of a card that stands in the order of a stack does not change by it.
   void SetOrderNum(qint32 aNum);
-  // Owner, or null; not counted.
+  // Owner, or null; not counted. The stack clears it when the card or the stack goes.
   [[nodiscard]] CVelumStack* Stack() const { return iStack; }
   void SetStack(CVelumStack* aStack) { iStack = aStack; }
   // Whether the computed lists of this card are stale.
@@ -34,19 +37,24 @@ public:
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
   void SetBackground(const Ref<CVelumControlSet>& aBackground);
   [[nodiscard]] qint32 BackgroundId() const { return iBackgroundId; }
+  // Nothing when not found.
   [[nodiscard]] Ref<CVelumControl> ControlById(qint32 aId) const;
+  // Computes the card list fields anew.
   void UpdateCardLists();
   // Whether the card holds a value of its own for this control.
   [[nodiscard]] bool ControlValDef(qint32 aId) const;
   void DeleteControlVal(qint32 aId);
+  // Gives a new card its first value of a field: the default, else the zero of the type.
   void InitVal(const Ref<CVelumControl>& aControl);
   void InitAllVal();
   [[nodiscard]] bool Changed() const override;
   void SetChanged(bool aChanged) override;
 
-  // The card's own value, else the control's default; with aWithZero an undefined result becomes the zero.
+  // The card's own value (which may be an undefined one), else the control's default; with aWithZero an
+  // undefined default becomes the zero of the type.
   [[nodiscard]] TVelumValue GetControlVal(qint32 aId, bool aWithZero);
-  // The change hub: blob counts, key indexes, order, name, dependent lists, dates.
+  // The change hub: blob counts, key indexes, order, name, dependent lists, dates. An undefined value for a
+  // field without a value of its own changes nothing.
   void SetControlVal(qint32 aId, const TVelumValue& aVal);
 
   void Internalize(CVelumFile& aFile) override;
@@ -54,15 +62,30 @@ public:
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  friend class CVelumStack; // shares the text of its name index, and knows the order number
+
+  [[nodiscard]] CVelumControlSet* FindBackground() const;
+  [[nodiscard]] TVelumValue DefaultVal(qint32 aId, bool aWithZero) const;
+  [[nodiscard]] TVelumValue InitialText(const CVelumControl& aControl);
+  [[nodiscard]] TVelumValue InitialVal(const CVelumControl& aControl);
+  [[nodiscard]] bool StoreVal(qint32 aId, const TVelumValue& aVal);
+  void CountBlob(const TVelumValue& aVal, bool aUp);
+  void UpdateCardList(CVelumControl& aControl);
+  void Touch();
+
+  // Rare states in one byte.
+  enum EState : quint8 { EDirty = 1, EUpdating = 2 };
+
   qint32 iOrderNum = ENoInt;
   qint32 iBackgroundId = ENoInt;
   CVelumStack* iStack = nullptr;
   Ref<CVelumArray> iValue;
-  quint32 iListStamp = 0; // ListStamp of the background when the lists were computed
-  bool iDirty = false;
+  // ListStamp of the background when the lists were computed; that of a new background at first.
+  quint32 iListStamp = 1;
   // As yyyymmdd and hhmmss, the form of the file.
   qint32 iCreDate = ENoInt;
   qint32 iCreTime = ENoInt;
   qint32 iModDate = ENoInt;
   qint32 iModTime = ENoInt;
+  quint8 iState = 0;
 };

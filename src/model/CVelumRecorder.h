@@ -16,6 +16,12 @@ public:
                      qint32 aPlace) = 0;
   virtual void Removed(const CVelumObject& aOwner, const char* aMember, const CVelumObject& aChild,
                        qint32 aPlace) = 0;
+  // A card got another value of its own for a field; null stands for none.
+  virtual void CardVal(const CVelumObject& aCard, qint32 aControlId, const TVelumValue* aOld,
+                       const TVelumValue* aNew) {
+    static_cast<void>(aControlId);
+    MemberSet(aCard, "Value", aOld ? *aOld : TVelumValue(), aNew ? *aNew : TVelumValue());
+  }
   // The card order was rebuilt as a whole (sort, renumbering, block move).
   virtual void OrderRebuilt(const CVelumObject& aStack) = 0;
 };
@@ -68,6 +74,10 @@ inline void Added(const CVelumObject& aOwner, const char* aMember, const CVelumO
 inline void Removed(const CVelumObject& aOwner, const char* aMember, const CVelumObject& aChild,
                     qint32 aPlace) {
   if (gRecorder) gRecorder->Removed(aOwner, aMember, aChild, aPlace);
+}
+inline void CardVal(const CVelumObject& aCard, qint32 aControlId, const TVelumValue* aOld,
+                    const TVelumValue* aNew) {
+  if (gRecorder) gRecorder->CardVal(aCard, aControlId, aOld, aNew);
 }
 inline void OrderRebuilt(const CVelumObject& aStack) {
   if (gRecorder) gRecorder->OrderRebuilt(aStack);

@@ -3,8 +3,13 @@
 
 #include "model/CVelumBlobStore.h"
 #include "model/CVelumCard.h"
+#include "model/CVelumCardOrder.h"
 #include "model/CVelumIdGen.h"
+#include "model/CVelumModel.h"
 #include "model/CVelumSortKey.h"
+
+#include <QStringList>
+#include <limits>
 
 // Flags of a stack, as they stand in files.
 enum ESta : qint32 { EStaBinary = 1, EStaOpenFullScreen = 2, EStaOpenLandscape = 4 };
@@ -34,7 +39,7 @@ public:
   void SetFilename(const QString& aFilename);
   [[nodiscard]] Ref<CVelumFont> ListFont() const { return iListFont; }
   void SetListFont(const Ref<CVelumFont>& aFont);
-  [[nodiscard]] qint32 NumCards() const { return iOrderIndex->Count(); }
+  [[nodiscard]] qint32 NumCards() const { return iOrder.Count(); }
   [[nodiscard]] CVelumIdGen& IdGen() const { return *iIdGen; }
   [[nodiscard]] Ref<CVelumBlobStore> BlobStore() const { return iBlobStore; }
   // Only an empty slot may be filled: asserts "nothing".
@@ -50,6 +55,8 @@ public:
   void AddBackground(const Ref<CVelumControlSet>& aBackground);
   // Nothing when not found.
   [[nodiscard]] Ref<CVelumControlSet> Background(qint32 aId) const;
+  // The same uncounted, for hot paths; null when not found.
+  [[nodiscard]] CVelumControlSet* FindBackground(qint32 aId) const;
   [[nodiscard]] bool GetFirstBackground(Ref<CVelumControlSet>& aBackground, qint32& aIndex) const;
   [[nodiscard]] bool GetNextBackground(Ref<CVelumControlSet>& aBackground, qint32& aIndex) const;
   [[nodiscard]] bool GetBackgroundByName(const QString& aName, Ref<CVelumControlSet>& aBackground) const;
@@ -88,6 +95,8 @@ public:
   [[nodiscard]] bool GetCardByNum(qint32 aNum, Ref<CVelumCard>& aCard) const;
   // Nothing for a free slot or an id beyond the last.
   [[nodiscard]] Ref<CVelumCard> GetCardById(qint32 aId) const;
+  // The same uncounted, for hot paths; null when there is none.
+  [[nodiscard]] CVelumCard* FindCard(qint32 aId) const;
   [[nodiscard]] bool GetFirstCardInBackground(qint32 aBackgroundId, Ref<CVelumCard>& aCard,
                                               qint32& aIndex) const;
   [[nodiscard]] bool GetNextCardInBackground(qint32 aBackgroundId, Ref<CVelumCard>& aCard,
@@ -108,14 +117,19 @@ public:
   void SetCardListsDirty(const Ref<CVelumControlSet>& aBackground);
   void PrepareForSave();
 
-  // Bulk adding, for imports: cards are appended without touching the indexes, which are built once at the
-  // end. Nothing may be looked up in between.
+  // Bulk adding, for imports: the names and keys of cards that are added enter the indexes at the end, all at
+  // once. In between they are not found by name; their values can be set. The numbers of the order are those
+  // of a fresh numbering if a kept-sorted background got cards.
   void BeginBulk(qint32 aExpected);
   void EndBulk();
 
+  // What the last load found wrong with the indexes, a line each (at most 100); it does not keep a stack from
+  // being used, as every lookup is safe.
+  [[nodiscard]] const QStringList& LoadProblems() const { return iLoadProblems; }
+
   // Read access to the indexes, for checks.
   [[nodiscard]] const CVelumArray& Cards() const { return *iCard; }
-  [[nodiscard]] const CVelumArray& OrderIndex() const { return *iOrderIndex; }
+  [[nodiscard]] const CVelumArray& OrderIndex() const;
   [[nodiscard]] const CVelumArray& NameIndex() const { return *iNameIndex; }
 
   void Internalize(CVelumFile& aFile) override;
@@ -123,15 +137,57 @@ public:
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  friend class CVelumCard; // the change hub
+
+  // Parts of CVelumCard::SetControlVal.
+  [[nodiscard]] qint32 OrderNumOf(const CVelumCard& aCard) const;
+  void BackgroundSet(CVelumCard& aCard, qint32 aOldId);
+  void StoreKeys(CVelumCard& aCard, qint32 aControlId);
+  void ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumControlSet& aBackground);
+  void TakeName(CVelumCard& aCard, const QString& aName);
+  // Lists that are computed from lists nest; false when too deep.
+  [[nodiscard]] bool EnterListUpdate();
+  void LeaveListUpdate() { --iListUpdates; }
+
+  void MakeContainers();
+  [[nodiscard]] CVelumSortKey* SortKeyAt(qint32 aIndex) const;
+  [[nodiscard]] CVelumArray* KeyIndexAt(qint32 aIndex) const;
+  [[nodiscard]] bool InBulk(const CVelumCard& aCard) const { return aCard.Id() >= iBulkStart; }
+
+  [[nodiscard]] qint32 PlaceCard(const Ref<CVelumCard>& aCard);
+  void AddName(const CVelumCard& aCard);
+  void AddKey(CVelumCard& aCard, CVelumControlSet& aBackground);
   void InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard);
+  [[nodiscard]] qint32 NumBefore(qint32 aPos);
+  void RemoveCardOrder(const CVelumCard& aCard);
   void RenumberOrderIndex(qint32 aStep);
+  [[nodiscard]] Ref<CVelumCard> NextByKey(CVelumArray& aKeyIndex, const QString& aKey) const;
+  void SetOrder(const std::vector<qint32>& aIds);
+  void SortIntoIndex(CVelumArray& aIndex, const CVelumSortKey& aKey, qint32 aBackgroundId);
   void CheckOrderIndex();
-  void CheckOrderIndexFor(const Ref<CVelumControlSet>& aBackground);
+  void CheckOrderIndexFor(CVelumControlSet& aBackground);
+  void SwapForCorrection(qint32 aSlot, const CVelumCard& aCard1);
+  void ReportAllChanged(const CVelumControlSet& aBackground);
+  void DeleteCardsOf(const CVelumControlSet& aBackground);
+  void DeleteKeysOf(qint32 aBackgroundId);
+  void FlagCardListRefs(const CVelumControlSet& aBackground, const CVelumControl& aControl);
+  void BulkNames(qint32 aStart);
+  [[nodiscard]] bool BulkKeys(CVelumControlSet& aBackground, qint32 aStart);
+  void BulkOrder(qint32 aStart);
+
+  void InternalizeArrays(CVelumFile& aFile);
+  void LinkBackgrounds();
+  void LinkCards();
+  void LinkOrder();
+  void LinkOrderSlot(CVelumCard& aCard, qint32 aNum);
+  void LinkNames();
+  void LinkKeys();
+  void NoteProblem(const QString& aText);
 
   QString iDescr;
   QString iFilename;
   Ref<CVelumArray> iCard;
-  Ref<CVelumArray> iOrderIndex;
+  CVelumCardOrder iOrder;
   Ref<CVelumArray> iNameIndex;
   Ref<CVelumArray> iBackground;
   Ref<CVelumArray> iSortKey;
@@ -141,12 +197,13 @@ private:
   Ref<CVelumFont> iListFont;
   TVelumChangeInfo iChangeInfo;
   qint32 iOrderCorrections = 0;
+  static constexpr qint32 EBulkOff = std::numeric_limits<qint32>::max();
+  qint32 iBulkStart = EBulkOff; // id of the first card added in bulk mode
+  int iListUpdates = 0;
+  int iNamePasses = 0;
+  QStringList iLoadProblems;
+  mutable Ref<CVelumArray> iOrderView; // what OrderIndex handed out
 };
 
 // The open stack; nothing when none is.
 extern Ref<CVelumStack> gStack;
-
-namespace CVelumModel {
-// Installs the object factory of the model (CVelumSeams). Called once at start.
-void Install();
-} // namespace CVelumModel

@@ -1,0 +1,179 @@
+#include "model/CVelumCard.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumFile.h"
+#include "core/CVelumValue.h"
+#include "model/CVelumRecorder.h"
+#include "model/CVelumStack.h"
+
+#include <ctime>
+
+using CVelumRecord::Store;
+
+namespace {
+constexpr int ETypeId = 1;
+constexpr int EGen = 1;
+
+struct TMoment {
+  qint32 iDate; // yyyymmdd
+  qint32 iTime; // hhmmss
+};
+
+// The clock. Breaking it up into a date costs more than all else that a change of a value does, so it is
+// done once a second.
+TMoment Clock() {
+  static std::time_t second = -1;
+  static TMoment moment;
+  if (const std::time_t now = std::time(nullptr); now != second) {
+    second = now;
+    moment = {CVelumValue::DateToInt(CVelumValue::Today()), CVelumValue::TimeToInt(CVelumValue::Now())};
+  }
+  return moment;
+}
+
+// A date of a file as it is held in memory: a real one, in the form in which it is saved.
+qint32 NormalDate(qint32 aDate) {
+  const qint32 month = aDate / 100 % 100;
+  const qint32 day = aDate % 100;
+  const bool plain =
+      aDate >= 10000101 && aDate <= 99991231 && month >= 1 && month <= 12 && day >= 1 && day <= 28;
+  return plain ? aDate : CVelumValue::DateToInt(CVelumValue::IntToDate(aDate));
+}
+
+qint32 NormalTime(qint32 aTime) {
+  const bool plain = aTime >= 0 && aTime < 240000 && aTime / 100 % 100 < 60 && aTime % 100 < 60;
+  return plain ? aTime : CVelumValue::TimeToInt(CVelumValue::IntToTime(aTime));
+}
+
+Ref<CVelumArray> NewValues() {
+  return MakeRef<CVelumArray>(EArrIntKey | EArrMixed, EValStr);
+}
+} // namespace
+
+CVelumCard::CVelumCard() : iValue(NewValues()) {}
+
+CVelumCard::CVelumCard(const QString& aName, const Ref<CVelumControlSet>& aBackground) : iValue(NewValues()) {
+  iName = aName;
+  CVelumError::AssertObj(static_cast<bool>(aBackground), this, u"Construct"_s, u"Construct background set"_s);
+  iBackgroundId = CVelumChecked::Deref(aBackground).Id();
+  const TMoment now = Clock();
+  iCreDate = iModDate = now.iDate;
+  iCreTime = iModTime = now.iTime;
+}
+
+QString CVelumCard::ObjDescr() const {
+  return u"CVelumCard name="_s + iName;
+}
+
+void CVelumCard::SetName(const QString& aName) {
+  Store(*this, "Name", iName, aName, iChanged);
+  if (iStack) iStack->ChangeCard(*this);
+}
+
+qint32 CVelumCard::OrderNum() const {
+  return iStack ? iStack->OrderNumOf(*this) : iOrderNum;
+}
+
+void CVelumCard::SetOrderNum(qint32 aNum) {
+  Store(*this, "OrderNum", iOrderNum, aNum, iChanged);
+}
+
+double CVelumCard::CreDate() const {
+  return CVelumValue::IntToDate(iCreDate);
+}
+
+double CVelumCard::CreTime() const {
+  return CVelumValue::IntToTime(iCreTime);
+}
+
+double CVelumCard::ModDate() const {
+  return CVelumValue::IntToDate(iModDate);
+}
+
+double CVelumCard::ModTime() const {
+  return CVelumValue::IntToTime(iModTime);
+}
+
+void CVelumCard::SetCreDate(double aDate) {
+  Store(*this, "CreDate", iCreDate, CVelumValue::DateToInt(aDate));
+}
+
+void CVelumCard::SetCreTime(double aTime) {
+  Store(*this, "CreTime", iCreTime, CVelumValue::TimeToInt(aTime));
+}
+
+void CVelumCard::SetModDate(double aDate) {
+  Store(*this, "ModDate", iModDate, CVelumValue::DateToInt(aDate));
+}
+
+void CVelumCard::SetModTime(double aTime) {
+  Store(*this, "ModTime", iModTime, CVelumValue::TimeToInt(aTime));
+}
+
+CVelumControlSet* CVelumCard::FindBackground() const {
+  return iStack ? iStack->FindBackground(iBackgroundId) : nullptr;
+}
+
+Ref<CVelumControlSet> CVelumCard::Background() const {
+  return FindBackground();
+}
+
+void CVelumCard::SetBackground(const Ref<CVelumControlSet>& aBackground) {
+  const qint32 old = iBackgroundId;
+  Store(*this, "BackgroundId", iBackgroundId, CVelumChecked::Deref(aBackground).Id(), iChanged);
+  if (iStack) iStack->BackgroundSet(*this, old);
+}
+
+Ref<CVelumControl> CVelumCard::ControlById(qint32 aId) const {
+  const CVelumControlSet* background = FindBackground();
+  return background ? background->FindControl(aId) : nullptr;
+}
+
+bool CVelumCard::Changed() const {
+  return iChanged || iValue->Changed() || ExtrasChanged();
+}
+
+void CVelumCard::SetChanged(bool aChanged) {
+  iChanged = aChanged;
+  if (aChanged) return;
+  iValue->SetChanged(false);
+  ClearExtrasChanged();
+}
+
+// What every change of a value ends with.
+void CVelumCard::Touch() {
+  const TMoment now = Clock();
+  iChanged = true;
+  Store(*this, "ModDate", iModDate, now.iDate);
+  Store(*this, "ModTime", iModTime, now.iTime);
+  if (iStack) iStack->ChangeCard(*this);
+}
+
+void CVelumCard::Internalize(CVelumFile& aFile) {
+  InternalizeCommon(aFile, ETypeId, EGen, EGen);
+  iOrderNum = aFile.ReadInt();
+  iBackgroundId = aFile.ReadInt();
+  iCreDate = NormalDate(aFile.ReadInt());
+  iCreTime = NormalTime(aFile.ReadInt());
+  iModDate = NormalDate(aFile.ReadInt());
+  iModTime = NormalTime(aFile.ReadInt());
+  iValue->Internalize(aFile);
+  const bool keyedByInt = (iValue->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
+  CVelumError::ThrowBadStruct(keyedByInt, this, u"CVelumCard.Internalize"_s, u"value"_s);
+  iChanged = false;
+}
+
+void CVelumCard::Externalize(CVelumFile& aFile) {
+  ExternalizeCommon(aFile, ETypeId, EGen);
+  aFile.WriteInt(OrderNum());
+  aFile.WriteInt(iBackgroundId);
+  aFile.WriteInt(iCreDate);
+  aFile.WriteInt(iCreTime);
+  aFile.WriteInt(iModDate);
+  aFile.WriteInt(iModTime);
+  iValue->Externalize(aFile);
+}
+
+qint64 CVelumCard::ExtLen() const {
+  return ExtLenCommon() + 6 * 4 + iValue->ExtLen();
+}

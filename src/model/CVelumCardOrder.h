@@ -1,0 +1,94 @@
+// The order of the cards: card ids with sparse, ascending order numbers.
+#pragma once
+
+#include "core/CVelumArray.h"
+
+#include <memory>
+#include <vector>
+
+// On file it is a keyed array (key: order number, value: card id). In memory it is a list of blocks of some
+// 512 cards with a count tree above, so that a card is inserted or found in the middle of a million without
+// touching the others. Renumbering is put off: a block only notes the position at which it stood, and works
+// its numbers out when one of them is asked for or a card enters or leaves. So a renumbering for every few
+// cards that are put before the same card, as the numbers demand it, costs little.
+class CVelumCardOrder final : public CVelumStored {
+public:
+  CVelumCardOrder();
+  ~CVelumCardOrder() override;
+
+  [[nodiscard]] QString ObjDescr() const override;
+  [[nodiscard]] qint32 Count() const { return iCount; }
+  [[nodiscard]] bool Changed() const override { return iChanged; }
+  void SetChanged(bool aChanged) override { iChanged = aChanged; }
+
+  // Card id and order number at a position from 0; host error 9 beyond Count().
+  [[nodiscard]] qint32 IdAt(qint32 aPos) const;
+  [[nodiscard]] qint32 NumAt(qint32 aPos) const;
+  // Position of a card, or -1.
+  [[nodiscard]] qint32 PosOf(qint32 aId) const;
+  // Order number of a card, or ENoInt.
+  [[nodiscard]] qint32 NumOf(qint32 aId) const;
+
+  // aBit is BackgroundBit of the card's background. aPos may be Count().
+  void InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBit);
+  void RemoveAt(qint32 aPos);
+  // The numbers become aStep, 2 * aStep, ...; host error 6 when they don't fit.
+  void Renumber(qint32 aStep);
+  // Puts another card into the slot of a position; the number stays.
+  void SetIdAt(qint32 aPos, qint32 aId);
+  // Replaces everything by aIds with the numbers aStep, 2 * aStep, ...; aBits are their bits.
+  void Assign(const std::vector<qint32>& aIds, const std::vector<quint64>& aBits, qint32 aStep);
+  // Moves aNum cards from aFrom on to stand before aTo, which lies outside of them, and renumbers.
+  void Move(qint32 aFrom, qint32 aNum, qint32 aTo, qint32 aStep);
+
+  // A filter for walks over one background: blocks without its bit hold no card of it.
+  [[nodiscard]] static quint64 BackgroundBit(qint32 aId) { return quint64(1) << (quint32(aId) % 64); }
+  void AddBit(qint32 aId, quint64 aBit);
+  // No block has any bit: to be followed by AddBit for all cards.
+  void ClearBits();
+  // The first position >= aPos, or the last one <= aPos, in a block with aBit; Count() or -1 without one.
+  [[nodiscard]] qint32 SkipForward(qint32 aPos, quint64 aBit) const;
+  [[nodiscard]] qint32 SkipBackward(qint32 aPos, quint64 aBit) const;
+
+  // The same as an array of keys and ids.
+  [[nodiscard]] Ref<CVelumArray> ToArray() const;
+
+  // Leaves all bits set.
+  void Internalize(CVelumFile& aFile) override;
+  void Externalize(CVelumFile& aFile) override;
+  [[nodiscard]] qint64 ExtLen() const override;
+
+private:
+  struct TBlock;
+  struct TPlace {
+    TBlock* iBlock;
+    qint32 iIndex; // in the block
+  };
+
+  [[nodiscard]] TPlace Locate(qint32 aPos) const;
+  [[nodiscard]] qint32 StartOf(qint32 aBlockNo) const;
+  void AddToTree(qint32 aBlockNo, qint32 aDelta);
+  void RebuildTree();
+  void Split(TBlock& aBlock);
+  void DropBlock(TBlock& aBlock);
+  void Append(qint32 aId, qint32 aNum);
+  void SetHome(qint32 aId, TBlock* aBlock);
+  void Grow(qint32 aNum);
+  void Clear();
+  void Adopt(const CVelumArray& aArray);
+
+  std::vector<std::unique_ptr<TBlock>> iBlocks;
+  std::vector<quint64> iBits; // per block: backgrounds that may occur there
+  std::vector<qint32> iTree;  // Fenwick tree over the counts of the blocks
+  std::vector<TBlock*> iHome; // by card id
+  mutable qint32 iMemoNo = 0; // block of the last access and its first position
+  mutable qint32 iMemoStart = 0;
+  qint32 iCount = 0;
+  bool iChanged = true;
+  // Members of the array on file that only travel along.
+  qint32 iId = ENoInt;
+  qint32 iFlags = EArrIntKey;
+  qint32 iAllocStep = 50;
+  qint32 iAlloc = 10;
+  qint32 iSortKeyId = ENoInt;
+};

@@ -1,0 +1,193 @@
+// The values of a card: reading, the change hub, computed lists.
+#include "core/CVelumChecked.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumValue.h"
+#include "model/CVelumCard.h"
+#include "model/CVelumRecorder.h"
+#include "model/CVelumStack.h"
+
+bool CVelumCard::Dirty() const {
+  if (iState & EDirty) return true;
+  const CVelumControlSet* background = FindBackground();
+  return background && background->ListStamp() != iListStamp;
+}
+
+void CVelumCard::SetDirty(bool aDirty) {
+  iState = static_cast<quint8>(aDirty ? iState | EDirty : iState & ~EDirty);
+  const CVelumControlSet* background = FindBackground();
+  if (!aDirty && background) iListStamp = background->ListStamp();
+}
+
+bool CVelumCard::ControlValDef(qint32 aId) const {
+  return iValue->FindIntKey(aId) >= 0;
+}
+
+TVelumValue CVelumCard::GetControlVal(qint32 aId, bool aWithZero) {
+  // A list whose own selecting value is asked for while it is computed is taken as it stands.
+  if (!(iState & EUpdating) && Dirty()) {
+    const Ref<CVelumControl> control = ControlById(aId);
+    if (control && control->Flag(EConCardList)) UpdateCardLists();
+  }
+  const qint32 index = iValue->FindIntKey(aId);
+  return index >= 0 ? iValue->ValRef(index) : DefaultVal(aId, aWithZero);
+}
+
+TVelumValue CVelumCard::DefaultVal(qint32 aId, bool aWithZero) const {
+  const CVelumControlSet* background = FindBackground();
+  CVelumError::AssertObj(background, this, u"GetControlVal"_s, u"background"_s);
+  if (!background) return {};
+  const Ref<CVelumControl> control = background->FindControl(aId);
+  CVelumError::AssertObj(static_cast<bool>(control), this, u"GetControlValue"_s, u"background control"_s);
+  if (!control || control->ConType() == EConCommand || control->ConType() == EConPicture) return {};
+  if (CVelumLib::IsNotBlank(control->DefaultVal()))
+    return CVelumValue::IntTextToVal(control->DefaultVal(), control->FieldInfo());
+  TVelumValue val;
+  if (aWithZero)
+    CVelumValue::SetZero(val, CVelumValue::ConToValType(control->ConType()), CreDate(), CreTime());
+  return val;
+}
+
+void CVelumCard::SetControlVal(qint32 aId, const TVelumValue& aVal) {
+  const QString proc = u"SetControlVal"_s;
+  const Ref<CVelumControlSet> background = Background();
+  CVelumError::AssertObj(static_cast<bool>(background), this, proc, u"Background def"_s);
+  const Ref<CVelumControl> control = CVelumChecked::Deref(background).FindControl(aId);
+  CVelumError::AssertObj(static_cast<bool>(control), this, proc, u"Control found"_s);
+  const qint32 conType = CVelumChecked::Deref(control).ConType();
+  if (aVal.Type() != EValUndef)
+    CVelumError::AssertObj(aVal.Type() == CVelumValue::ConToValType(conType), this, proc, u"type"_s);
+
+  if (control->DynFlag(EDynKeyPart)) iStack->StoreKeys(*this, aId);
+  if (!StoreVal(aId, aVal)) return;
+  if (control->DynFlag(EDynRefControl)) SetDirty(true);
+  if (control->DynFlag(EDynSelControl)) iStack->SetCardListsDirty(nullptr);
+  if (control->DynFlag(EDynListCol)) iStack->SetCardListsDirty(nullptr);
+  if (control->DynFlag(EDynKeyPart)) iStack->ReplaceKeys(*this, aId, *background);
+  if (control->Flag(EConCardName))
+    iStack->TakeName(*this, CVelumValue::ValToExtText(aVal, control->FieldInfo()));
+  Touch();
+}
+
+// Replaces or makes the element. False if nothing is to be changed.
+bool CVelumCard::StoreVal(qint32 aId, const TVelumValue& aVal) {
+  const qint32 index = iValue->FindIntKey(aId);
+  if (index < 0 && aVal.Type() == EValUndef) return false;
+  TVelumElem elem;
+  iValue->InitElem(elem);
+  if (index < 0) {
+    elem.iIntKey = aId;
+    elem.iVal = aVal;
+    CountBlob(aVal, true);
+    iValue->CreateIntKey(elem);
+    CVelumRecord::CardVal(*this, aId, nullptr, &aVal);
+    return true;
+  }
+  const TVelumValue old = iValue->ValRef(index);
+  const bool sameBlob = old.Type() == EValBlobId && aVal.Type() == EValBlobId && old.Int() == aVal.Int();
+  if (!sameBlob) {
+    CountBlob(aVal, true);
+    CountBlob(old, false);
+  }
+  iValue->SetValAt(index + 1, aVal);
+  CVelumRecord::CardVal(*this, aId, &old, &aVal);
+  return true;
+}
+
+// The blob of a value gets a reference or releases one; other values are left alone.
+void CVelumCard::CountBlob(const TVelumValue& aVal, bool aUp) {
+  if (aVal.Type() != EValBlobId || !iStack || !iStack->BlobStore()) return;
+  const Ref<CVelumBlobStore> store = iStack->BlobStore();
+  // A damaged value can name a blob that is not there; its field must still be changeable.
+  if (!store->HasBlob(aVal.Int())) return;
+  Ref<CVelumBlob> blob = store->ReadBlob(aVal.Int(), false);
+  if (aUp)
+    blob->IncRefCount();
+  else
+    store->DecRefCount(blob);
+}
+
+void CVelumCard::DeleteControlVal(qint32 aId) {
+  if (const qint32 index = iValue->FindIntKey(aId); index >= 0) {
+    const TVelumValue old = iValue->ValRef(index);
+    CountBlob(old, false);
+    iValue->DeleteIntKey(aId);
+    CVelumRecord::CardVal(*this, aId, &old, nullptr);
+  }
+  Touch();
+}
+
+void CVelumCard::InitVal(const Ref<CVelumControl>& aControl) {
+  const CVelumControl& control = CVelumChecked::Deref(aControl);
+  const qint32 type = control.ConType();
+  if (type == EConCommand || type == EConPicture || type == EConList) return;
+  const TVelumValue val = control.DefaultVal().isEmpty()
+                              ? InitialVal(control)
+                              : CVelumValue::IntTextToVal(control.DefaultVal(), control.FieldInfo());
+  if (val.Type() != EValUndef) SetControlVal(control.Id(), val);
+}
+
+TVelumValue CVelumCard::InitialVal(const CVelumControl& aControl) {
+  switch (aControl.ConType()) {
+  case EConText:
+    return InitialText(aControl);
+  case EConInteger:
+    return TVelumValue::OfInt(0);
+  case EConReal:
+    return TVelumValue::OfReal(0.0);
+  case EConDate:
+    return TVelumValue::OfDate(CVelumValue::Today());
+  case EConTime:
+    return TVelumValue::OfTime(CVelumValue::Now());
+  case EConBoolean:
+    return TVelumValue::OfBoolean(false);
+  default:
+    CVelumError::AssertObj(false, this, u"InitVal"_s, u"conType"_s);
+    return {};
+  }
+}
+
+// The text of a combo box begins with the first line of its list.
+TVelumValue CVelumCard::InitialText(const CVelumControl& aControl) {
+  if (!aControl.Flag(EConComboText)) return {};
+  const TVelumValue list = GetControlVal(aControl.PartnerId(), true);
+  const qsizetype end = list.Str().indexOf(u"\r\n"_s);
+  return CVelumValue::StrToVal(list.Str().left(end));
+}
+
+void CVelumCard::InitAllVal() {
+  const Ref<CVelumControlSet> background = Background();
+  for (qint32 i = 0; background && i < background->NumControls(); ++i) {
+    if (const Ref<CVelumControl> control = background->ControlAt(i)) InitVal(control);
+  }
+}
+
+void CVelumCard::UpdateCardLists() {
+  const Ref<CVelumControlSet> background = Background();
+  if (!background || (iState & EUpdating) || !iStack->EnterListUpdate()) return;
+  struct TLeave {
+    CVelumCard& iCard;
+    CVelumStack& iOwner;
+    ~TLeave() {
+      iCard.iState = static_cast<quint8>(iCard.iState & ~EUpdating);
+      iOwner.LeaveListUpdate();
+    }
+  } leave{*this, *iStack};
+  iState |= EUpdating;
+  for (qint32 i = 0; i < background->NumControls(); ++i) {
+    const Ref<CVelumControl> control = background->ControlAt(i);
+    if (control && control->Flag(EConCardList)) UpdateCardList(*control);
+  }
+  SetDirty(false);
+}
+
+void CVelumCard::UpdateCardList(CVelumControl& aControl) {
+  if (aControl.RefControlId() != ENoInt) {
+    const TVelumValue ref = GetControlVal(aControl.RefControlId(), false);
+    SetControlVal(aControl.Id(), CVelumValue::StrToVal(aControl.GetCardList(*iStack, ref)));
+  } else {
+    if (ControlValDef(aControl.Id())) DeleteControlVal(aControl.Id());
+    aControl.SetDefaultVal(aControl.GetCardList(*iStack, {}));
+    iStack->ChangeCard(*this);
+  }
+  iChanged = true;
+}

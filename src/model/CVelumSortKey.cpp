@@ -1,0 +1,153 @@
+#include "model/CVelumSortKey.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumCollation.h"
+#include "core/CVelumFile.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumValue.h"
+#include "model/CVelumCard.h"
+#include "model/CVelumRecorder.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+constexpr int ETypeId = 9;
+constexpr int EGen = 0;
+constexpr int EIdWidth = 10;
+
+// Results of Compare, as the array's binary search takes them.
+enum EOrder : int { EBefore = 0, EEqual = 1, EAfter = 2 };
+
+// Negative, 0 or positive; whole numbers are compared as doubles, so that no text can overflow.
+int CompareNum(QStringView aA, QStringView aB, bool aWhole) {
+  double a = CVelumValue::LenientNum(aA);
+  double b = CVelumValue::LenientNum(aB);
+  if (aWhole) {
+    a = std::nearbyint(a);
+    b = std::nearbyint(b);
+  }
+  return a < b ? -1 : a > b ? 1 : 0;
+}
+} // namespace
+
+CVelumSortKey::CVelumSortKey(qint32 aId, QString aName, qint32 aBackgroundId)
+    : iId(aId), iName(std::move(aName)), iBackgroundId(aBackgroundId) {}
+
+QString CVelumSortKey::ObjDescr() const {
+  return u"CVelumSortKey name="_s + iName + u",id="_s + QString::number(iId);
+}
+
+void CVelumSortKey::SetName(const QString& aName) {
+  CVelumRecord::Store(*this, "Name", iName, aName, iChanged);
+}
+
+void CVelumSortKey::AddKeyPart(qint32 aType, qint32 aControlId, qint32 aWay, qint16 aLen) {
+  TVelumKeyPart& part = iKeyPart[CVelumChecked::Index(iNumKeyPart, EMaxParts)];
+  qint16 pos = 0;
+  if (iNumKeyPart > 0) {
+    const TVelumKeyPart& last = iKeyPart[iNumKeyPart - 1];
+    pos = CVelumChecked::Add(last.iPos, last.iLen);
+  }
+  part = {aType, aControlId, aWay, aLen, pos};
+  CVelumRecord::Store(*this, "NumKeyParts", iNumKeyPart, iNumKeyPart + 1, iChanged);
+}
+
+int CVelumSortKey::Compare(const QString& aKey1, const QString& aKey2) const {
+  for (qint32 i = 0; i < iNumKeyPart; ++i) {
+    const TVelumKeyPart& part = iKeyPart[i];
+    const int order = ComparePart(part, QStringView(aKey1).mid(part.iPos, part.iLen),
+                                  QStringView(aKey2).mid(part.iPos, part.iLen));
+    if (order != 0) return (order > 0) != (part.iWay == EWayDescending) ? EAfter : EBefore;
+  }
+  const int order =
+      CVelumCollation::Compare(QStringView(aKey1).right(EIdWidth), QStringView(aKey2).right(EIdWidth));
+  return order == 0 ? EEqual : order > 0 ? EAfter : EBefore;
+}
+
+int CVelumSortKey::ComparePart(const TVelumKeyPart& aPart, QStringView aA, QStringView aB) const {
+  switch (aPart.iType) {
+  case EConText:
+    return CVelumCollation::CompareKeys(aA, aB);
+  case EConInteger:
+  case EConDate:
+  case EConTime:
+  case EConBoolean:
+    return CompareNum(aA, aB, true);
+  case EConReal:
+    return CompareNum(aA, aB, false);
+  default:
+    CVelumError::AssertObj(false, this, u"Compare"_s, u"type "_s + QString::number(aPart.iType));
+    return 0;
+  }
+}
+
+void CVelumSortKey::Clear() {
+  CVelumRecord::Store(*this, "NumKeyParts", iNumKeyPart, 0, iChanged);
+}
+
+QString CVelumSortKey::BuildKey(CVelumCard& aCard) const {
+  CVelumError::AssertObj(aCard.BackgroundId() == iBackgroundId, this, u"BuildKey"_s, u"background"_s);
+  QString key;
+  for (qint32 i = 0; i < iNumKeyPart; ++i) {
+    const TVelumKeyPart& part = iKeyPart[i];
+    const QString text = CVelumValue::ValToIntText(aCard.GetControlVal(part.iControlId, false));
+    key += CVelumLib::ToUpperByLetter(text.leftJustified(std::max<int>(part.iLen, 0), u' ', true));
+  }
+  return key + CVelumLib::RightAlignNum(aCard.Id(), EIdWidth);
+}
+
+bool CVelumSortKey::ControlOccurs(qint32 aId) const {
+  return std::any_of(iKeyPart, iKeyPart + iNumKeyPart,
+                     [aId](const TVelumKeyPart& aPart) { return aPart.iControlId == aId; });
+}
+
+bool CVelumSortKey::GetFirstKeyPart(TVelumKeyPart& aPart, qint32& aIndex) const {
+  aIndex = 0;
+  return GetNextKeyPart(aPart, aIndex);
+}
+
+bool CVelumSortKey::GetNextKeyPart(TVelumKeyPart& aPart, qint32& aIndex) const {
+  if (aIndex < 0 || aIndex >= iNumKeyPart) return false;
+  aPart = iKeyPart[aIndex++];
+  return true;
+}
+
+void CVelumSortKey::Internalize(CVelumFile& aFile) {
+  static_cast<void>(CVelumLib::ReadBinObjStart(aFile, ETypeId, EGen, EGen));
+  iId = aFile.ReadInt();
+  iName = aFile.ReadStr();
+  iBackgroundId = aFile.ReadInt();
+  const qint32 num = aFile.ReadShort();
+  iNumKeyPart = 0;
+  for (qint32 i = 0; i < num; ++i) {
+    TVelumKeyPart& part = iKeyPart[CVelumChecked::Index(i, qint32(EMaxParts))];
+    part.iType = aFile.ReadShort();
+    part.iControlId = aFile.ReadInt();
+    part.iWay = aFile.ReadShort();
+    part.iLen = aFile.ReadShort();
+    part.iPos = aFile.ReadShort();
+    ++iNumKeyPart;
+  }
+  iChanged = false;
+}
+
+void CVelumSortKey::Externalize(CVelumFile& aFile) {
+  CVelumLib::WriteBinObjStart(aFile, ETypeId, EGen);
+  aFile.WriteInt(iId);
+  aFile.WriteStr(iName);
+  aFile.WriteInt(iBackgroundId);
+  aFile.WriteShort(static_cast<qint16>(iNumKeyPart));
+  for (qint32 i = 0; i < iNumKeyPart; ++i) {
+    const TVelumKeyPart& part = iKeyPart[i];
+    aFile.WriteShort(static_cast<qint16>(part.iType));
+    aFile.WriteInt(part.iControlId);
+    aFile.WriteShort(static_cast<qint16>(part.iWay));
+    aFile.WriteShort(part.iLen);
+    aFile.WriteShort(part.iPos);
+  }
+}
+
+qint64 CVelumSortKey::ExtLen() const {
+  return 4 + 4 + CVelumFile::ExtStrLen(iName) + 4 + 2 + qint64(iNumKeyPart) * 12;
+}

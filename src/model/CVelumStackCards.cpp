@@ -1,0 +1,189 @@
+// Cards enter, leave and get other names.
+#include "core/CVelumChecked.h"
+#include "core/CVelumValue.h"
+#include "model/CVelumRecorder.h"
+#include "model/CVelumStack.h"
+
+#include <limits>
+
+using CVelumModel::ObjAs;
+
+CVelumCard* CVelumStack::FindCard(qint32 aId) const {
+  if (aId < 0 || aId >= iCard->Count()) return nullptr;
+  return ObjAs<CVelumCard>(iCard->ValRef(aId), EValCard);
+}
+
+Ref<CVelumCard> CVelumStack::GetCardById(qint32 aId) const {
+  return FindCard(aId);
+}
+
+void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard,
+                          bool aWithDefaults) {
+  CVelumCard& card = CVelumChecked::Deref(aCard);
+  CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card.BackgroundId()));
+  if (card.Stack()) CVelumError::RaiseHost(EHostBadCall);
+  const bool dirty = card.Dirty();
+  card.SetId(PlaceCard(aCard));
+  card.SetStack(this);
+  card.SetDirty(dirty);
+  Ref<CVelumCard> before = aBeforeCard;
+  const CVelumControlSet* beforeBackground = before ? FindBackground(before->BackgroundId()) : nullptr;
+  if (beforeBackground && beforeBackground->Flag(ECseKeepCardsSorted)) {
+    qint32 index = 0;
+    if (!GetFirstCardInBackground(beforeBackground->Id(), before, index)) before = nullptr;
+  }
+  background.SetNumCards(background.NumCards() + 1);
+  if (background.Flag(ECseKeepCardsSorted) && !InBulk(card))
+    AddKey(card, background);
+  else
+    InsertCardOrder(aCard, before);
+  if (!InBulk(card)) AddName(card);
+  SetCardListsDirty(nullptr);
+  iChangeInfo.iCardListChanged = true;
+  CVelumRecord::Added(*this, "Cards", card, card.Id());
+  if (aWithDefaults) card.InitAllVal();
+}
+
+// Appends to iCard; the index is the card's id.
+qint32 CVelumStack::PlaceCard(const Ref<CVelumCard>& aCard) {
+  TVelumElem elem;
+  iCard->InitElem(elem);
+  elem.iVal = TVelumValue::OfObj(EValCard, aCard);
+  return iCard->CreateAtEnd(elem);
+}
+
+void CVelumStack::AddName(const CVelumCard& aCard) {
+  TVelumElem elem;
+  iNameIndex->InitElem(elem);
+  elem.iStrKey = aCard.Name();
+  elem.iVal = TVelumValue::OfInt(aCard.Id());
+  iNameIndex->CreateStrKey(elem);
+}
+
+void CVelumStack::AddKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
+  CVelumArray& index = CVelumChecked::Deref(aBackground.KeyIndex());
+  const Ref<CVelumSortKey> key = SortKey(index.SortKeyId());
+  TVelumElem elem;
+  index.InitElem(elem);
+  elem.iStrKey = CVelumChecked::Deref(key).BuildKey(aCard);
+  elem.iVal = TVelumValue::OfInt(aCard.Id());
+  index.CreateStrKey(elem);
+  AdjustCardPos(&aCard, true, elem.iStrKey);
+}
+
+void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
+  const Ref<CVelumCard> card = aCard; // aCard may be one that goes
+  CVelumError::Assert(CVelumChecked::Deref(card).Stack() == this, u"DeleteCard stack"_s);
+  if (card->Stack() != this) return;
+  CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card->BackgroundId()));
+  CVelumError::Assert(FindCard(card->Id()) == card.Get(), u"DeleteCard card"_s);
+  if (FindCard(card->Id()) != card.Get()) return;
+  if (background.Flag(ECseKeepCardsSorted) && !InBulk(*card)) {
+    CVelumArray& index = CVelumChecked::Deref(background.KeyIndex());
+    index.DeleteStrKey(CVelumChecked::Deref(SortKey(index.SortKeyId())).BuildKey(*card));
+  }
+  for (qint32 i = 0; i < background.NumControls(); ++i)
+    if (const CVelumControl* control = background.ControlAt(i)) card->DeleteControlVal(control->Id());
+  CVelumRecord::Removed(*this, "Cards", *card, card->Id());
+  if (!InBulk(*card)) iNameIndex->DeleteStrKey(card->Name());
+  RemoveCardOrder(*card);
+  background.SetNumCards(background.NumCards() - 1);
+  iCard->SetObj(card->Id(), nullptr);
+  iCard->SetToLastObj();
+  card->SetStack(nullptr);
+  SetCardListsDirty(nullptr);
+  iChangeInfo.iCardListChanged = true;
+}
+
+void CVelumStack::DeleteAllCards() {
+  Ref<CVelumCard> card;
+  while (OrderFirst(card)) DeleteCard(card);
+  iChangeInfo.iCardListChanged = true;
+}
+
+void CVelumStack::RenameCard(const Ref<CVelumCard>& aCard, const QString& aName) {
+  CVelumCard& card = CVelumChecked::Deref(aCard);
+  CVelumError::Assert(card.Stack() == this, u"RenameCard stack"_s);
+  if (card.Stack() != this) return;
+  if (!InBulk(card)) iNameIndex->DeleteStrKey(card.Name());
+  card.SetName(aName);
+  if (!InBulk(card)) AddName(card);
+  Ref<CVelumControl> control;
+  const CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card.BackgroundId()));
+  if (background.GetControlByFlag(EConCardName, control))
+    card.SetControlVal(control->Id(), CVelumValue::ExtTextToVal(aName, control->FieldInfo()));
+  SetCardListsDirty(nullptr);
+}
+
+// The value of a card-name field became aName. The name, written back into the field, can become another
+// text once more ("007" in a number field); the second time that it differs is the last.
+void CVelumStack::TakeName(CVelumCard& aCard, const QString& aName) {
+  if (aName == aCard.Name() || iNamePasses >= 2) return;
+  struct TPass {
+    int& iPasses;
+    explicit TPass(int& aPasses) : iPasses(aPasses) { ++iPasses; }
+    ~TPass() { --iPasses; }
+  } pass(iNamePasses);
+  RenameCard(&aCard, aName);
+}
+
+void CVelumStack::DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) {
+  const Ref<CVelumControlSet> background = aBackground;
+  const qint32 id = CVelumChecked::Deref(background).Id();
+  const bool own = FindBackground(id) == background.Get();
+  CVelumError::AssertObj(own, this, u"DeleteBackground"_s, u"DeleteBackground aBackground of stack"_s);
+  if (!own) return;
+  DeleteCardsOf(*background);
+  if (aOnlyCards) return;
+  DeleteKeysOf(id);
+  CVelumRecord::Removed(*this, "Backgrounds", *background, id);
+  iBackground->DeleteIntKey(id);
+  background->SetStack(nullptr);
+}
+
+void CVelumStack::DeleteCardsOf(const CVelumControlSet& aBackground) {
+  Ref<CVelumCard> card;
+  qint32 index = 0;
+  while (GetNextCardInBackground(aBackground.Id(), card, index)) {
+    DeleteCard(card);
+    --index; // the next one stands in its place
+  }
+}
+
+void CVelumStack::DeleteKeysOf(qint32 aBackgroundId) {
+  for (qint32 i = iKeyIndex->Count() - 1; i >= 0; --i) {
+    const CVelumArray* index = KeyIndexAt(i);
+    const Ref<CVelumSortKey> key = index ? SortKey(index->SortKeyId()) : nullptr;
+    if (key && key->BackgroundId() == aBackgroundId) DeleteKeyIndex(index->Id());
+  }
+  for (qint32 i = iSortKey->Count() - 1; i >= 0; --i)
+    if (const CVelumSortKey* key = SortKeyAt(i); key && key->BackgroundId() == aBackgroundId)
+      DeleteSortKey(key->Id());
+}
+
+void CVelumStack::DeleteControl(qint32 aId, const Ref<CVelumControlSet>& aBackground) {
+  CVelumControlSet& background = CVelumChecked::Deref(aBackground);
+  for (qint32 i = 0; i < iCard->Count(); ++i)
+    if (CVelumCard* card = FindCard(i); card && card->BackgroundId() == background.Id())
+      card->DeleteControlVal(aId);
+  background.DeleteControl(aId);
+}
+
+void CVelumStack::ChangeCard(const CVelumCard& aCard) {
+  constexpr qint16 most = std::numeric_limits<qint16>::max();
+  iChangeInfo.iCardChanged = true;
+  if (iChangeInfo.iLastChangedCard == &aCard) return;
+  if (iChangeInfo.iNumCardsChanged < most) ++iChangeInfo.iNumCardsChanged;
+  iChangeInfo.iLastChangedCard = const_cast<CVelumCard*>(&aCard);
+}
+
+// A card that stands in the stack went to another background.
+void CVelumStack::BackgroundSet(CVelumCard& aCard, qint32 aOldId) {
+  const qint32 newId = aCard.BackgroundId();
+  if (iOrder.PosOf(aCard.Id()) < 0 || FindCard(aCard.Id()) != &aCard) return;
+  if (CVelumControlSet* background = FindBackground(aOldId))
+    background->SetNumCards(background->NumCards() - 1);
+  if (CVelumControlSet* background = FindBackground(newId))
+    background->SetNumCards(background->NumCards() + 1);
+  iOrder.AddBit(aCard.Id(), CVelumCardOrder::BackgroundBit(newId));
+}

@@ -1,0 +1,180 @@
+// The stack on file, and what is put right and connected after reading.
+#include "core/CVelumChecked.h"
+#include "core/CVelumFile.h"
+#include "model/CVelumStack.h"
+
+using CVelumModel::ObjAs;
+
+namespace {
+constexpr int ETypeId = 3;
+constexpr int EGen = 4;
+constexpr qsizetype EMaxProblems = 100;
+constexpr qint32 EKeyBits = EArrStrKey | EArrIntKey;
+const QString EProc = u"CVelumStack.Internalize"_s;
+
+Ref<CVelumArray> ReadArray(CVelumFile& aFile) {
+  auto array = MakeRef<CVelumArray>();
+  array->Internalize(aFile);
+  return array;
+}
+
+// An array with the kind of key and the element type without which its lookups would mean nothing.
+void Require(const CVelumArray& aArray, qint32 aKeyBits, qint32 aType, const QString& aWhat) {
+  const bool ok = (aArray.Flags() & EKeyBits) == aKeyBits && aArray.Type() == aType;
+  CVelumError::ThrowBadStruct(ok, &aArray, EProc, aWhat);
+}
+} // namespace
+
+void CVelumStack::Internalize(CVelumFile& aFile) {
+  InternalizeCommon(aFile, ETypeId, EGen, EGen);
+  iDescr = aFile.ReadStr();
+  iListFont = nullptr;
+  if (aFile.ReadBoolean()) {
+    iListFont = MakeRef<CVelumFont>();
+    iListFont->Internalize(aFile);
+  }
+  iIdGen = MakeRef<CVelumIdGen>();
+  iIdGen->Internalize(aFile);
+  InternalizeArrays(aFile);
+  iLoadProblems.clear();
+  LinkBackgrounds();
+  LinkCards();
+  LinkOrder();
+  LinkNames();
+  LinkKeys();
+  SetControlDynFlags();
+  CheckOrderIndex();
+  iOrder.SetChanged(false);
+  iChanged = false;
+}
+
+void CVelumStack::InternalizeArrays(CVelumFile& aFile) {
+  iBackground = ReadArray(aFile);
+  iCard = ReadArray(aFile);
+  iOrder.Internalize(aFile);
+  iNameIndex = ReadArray(aFile);
+  iSortKey = ReadArray(aFile);
+  iKeyIndex = ReadArray(aFile);
+  Require(*iBackground, EArrIntKey, EValControlSet, u"background"_s);
+  Require(*iCard, 0, EValCard, u"card"_s);
+  Require(*iNameIndex, EArrStrKey, EValInt, u"nameIndex"_s);
+  Require(*iSortKey, EArrIntKey, EValSortKey, u"sortKey"_s);
+  Require(*iKeyIndex, EArrIntKey, EValArray, u"keyIndex"_s);
+}
+
+void CVelumStack::NoteProblem(const QString& aText) {
+  if (iLoadProblems.size() < EMaxProblems) iLoadProblems.append(aText);
+}
+
+void CVelumStack::LinkBackgrounds() {
+  for (qint32 i = 0; i < iBackground->Count(); ++i) {
+    auto* background = ObjAs<CVelumControlSet>(iBackground->ValRef(i), EValControlSet);
+    const bool ok = background && background->Id() == iBackground->IntKeyAt(i);
+    CVelumError::ThrowBadStruct(ok, this, EProc, u"background"_s);
+    background->SetStack(this);
+    background->SetNumCards(0);
+  }
+}
+
+// Every card has its place as id, and a background.
+void CVelumStack::LinkCards() {
+  const CVelumControlSet* background = nullptr;
+  for (qint32 i = 0; i < iCard->Count(); ++i) {
+    CVelumCard* card = FindCard(i);
+    CVelumError::ThrowBadStruct(card || !iCard->ValRef(i).Obj(), this, EProc, u"card"_s);
+    if (!card) continue;
+    if (!background || background->Id() != card->BackgroundId())
+      background = FindBackground(card->BackgroundId());
+    CVelumError::ThrowBadStruct(background, card, EProc, u"card background"_s);
+    card->SetStack(this);
+    if (card->iId == i) continue;
+    NoteProblem(u"Card %1 bears the id %2"_s.arg(i).arg(card->iId));
+    card->iId = i;
+  }
+}
+
+// Every card stands once in the order, and nothing else does.
+void CVelumStack::LinkOrder() {
+  std::vector<bool> seen(size_t(iCard->Count()), false);
+  iOrder.ClearBits();
+  for (qint32 pos = 0; pos < iOrder.Count();) {
+    const qint32 id = iOrder.IdAt(pos);
+    CVelumCard* card = FindCard(id);
+    if (!card || seen[size_t(id)]) {
+      NoteProblem(
+          (card ? u"The order holds card %1 twice"_s : u"The order holds card %1, which is not there"_s)
+              .arg(id));
+      iOrder.RemoveAt(pos);
+      continue;
+    }
+    seen[size_t(id)] = true;
+    LinkOrderSlot(*card, iOrder.NumAt(pos));
+    ++pos;
+  }
+  for (qint32 id = 0; id < iCard->Count(); ++id) {
+    CVelumCard* card = seen[size_t(id)] ? nullptr : FindCard(id);
+    if (!card) continue;
+    NoteProblem(u"The order lacks card %1"_s.arg(id));
+    const qint32 num = NumBefore(iOrder.Count());
+    iOrder.InsertAt(iOrder.Count(), id, num, 0);
+    card->iOrderNum = num;
+    LinkOrderSlot(*card, num);
+  }
+}
+
+void CVelumStack::LinkOrderSlot(CVelumCard& aCard, qint32 aNum) {
+  if (aCard.iOrderNum != aNum)
+    NoteProblem(
+        u"Card %1 has order number %2 instead of %3"_s.arg(aCard.Id()).arg(aCard.iOrderNum).arg(aNum));
+  CVelumControlSet& background = *FindBackground(aCard.BackgroundId());
+  background.SetNumCards(background.NumCards() + 1);
+  iOrder.AddBit(aCard.Id(), CVelumCardOrder::BackgroundBit(background.Id()));
+}
+
+// The name of a card and its key share one text. Older versions wrote the index in collation order.
+void CVelumStack::LinkNames() {
+  if (!(iNameIndex->Flags() & EArrExactCase)) {
+    iNameIndex->SetFlags(iNameIndex->Flags() | EArrExactCase);
+    iNameIndex->EnsureSorted();
+    iNameIndex->SetChanged(true);
+  }
+  for (qint32 i = 0; i < iNameIndex->Count(); ++i) {
+    CVelumCard* card = FindCard(iNameIndex->ValRef(i).Int());
+    const QString& key = iNameIndex->StrKeyAt(i);
+    if (card && card->iName == key) card->iName = key;
+  }
+}
+
+void CVelumStack::LinkKeys() {
+  for (qint32 i = 0; i < iKeyIndex->Count(); ++i) {
+    const Ref<CVelumArray> index = KeyIndexAt(i);
+    CVelumError::ThrowBadStruct(static_cast<bool>(index), this, EProc, u"keyIndex"_s);
+    Require(*index, EArrStrKey, EValInt, u"keyIndex"_s);
+    if (!(index->Flags() & EArrSortKey)) continue;
+    const Ref<CVelumSortKey> key = SortKey(index->SortKeyId());
+    CVelumError::ThrowBadStruct(static_cast<bool>(key), this, EProc, u"sortKey"_s);
+    index->SetSortKey(key);
+    index->EnsureSorted();
+    index->SetChanged(false);
+  }
+}
+
+void CVelumStack::Externalize(CVelumFile& aFile) {
+  ExternalizeCommon(aFile, ETypeId, EGen);
+  aFile.WriteStr(iDescr);
+  aFile.WriteBoolean(static_cast<bool>(iListFont));
+  if (iListFont) iListFont->Externalize(aFile);
+  iIdGen->Externalize(aFile);
+  iBackground->Externalize(aFile);
+  iCard->Externalize(aFile);
+  iOrder.Externalize(aFile);
+  iNameIndex->Externalize(aFile);
+  iSortKey->Externalize(aFile);
+  iKeyIndex->Externalize(aFile);
+}
+
+qint64 CVelumStack::ExtLen() const {
+  return ExtLenCommon() + CVelumFile::ExtStrLen(iDescr) + 2 + (iListFont ? iListFont->ExtLen() : 0) +
+         iIdGen->ExtLen() + iBackground->ExtLen() + iCard->ExtLen() + iOrder.ExtLen() + iNameIndex->ExtLen() +
+         iSortKey->ExtLen() + iKeyIndex->ExtLen();
+}

@@ -1,0 +1,123 @@
+// What changes of cards mean for the lists that are computed from them, and other work over all cards.
+#include "core/CVelumChecked.h"
+#include "core/CVelumValue.h"
+#include "model/CVelumStack.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+constexpr int EMaxListUpdates = 20;
+constexpr qint16 EMaxListVisChar = 20;
+constexpr qint16 EMaxVisChar = 30;
+constexpr qint16 EMaxVisLines = 4;
+
+// Display width and lines of a control whose longest value has aLen characters.
+void SetVisSize(CVelumControl& aControl, qint64 aLen) {
+  qint64 len = aLen < 7 ? aLen + 2 : aLen;
+  if (len > EMaxVisChar) len = (len + 4) / 5 * 5;
+  if (len > EMaxListVisChar) aControl.SetListVisChar(EMaxListVisChar);
+  const bool oneLine = len < EMaxVisChar;
+  aControl.SetVisChar(oneLine ? static_cast<qint16>(len) : EMaxVisChar);
+  const qint64 lines = (len + EMaxVisChar - 1) / EMaxVisChar;
+  aControl.SetVisLines(oneLine ? qint16{1} : static_cast<qint16>(std::min<qint64>(lines, EMaxVisLines)));
+}
+} // namespace
+
+void CVelumStack::SetControlDynFlags() {
+  Ref<CVelumControlSet> background;
+  for (qint32 i = 0; GetNextBackground(background, i);)
+    for (qint32 c = 0; c < background->NumControls(); ++c)
+      if (CVelumControl* control = background->ControlAt(c)) control->SetDynFlags(0);
+  for (qint32 i = 0; GetNextBackground(background, i);)
+    for (qint32 c = 0; c < background->NumControls(); ++c)
+      if (const CVelumControl* control = background->ControlAt(c); control && control->Flag(EConCardList))
+        FlagCardListRefs(*background, *control);
+  Ref<CVelumSortKey> key;
+  for (qint32 i = 0; GetNextSortKey(key, i);) {
+    TVelumKeyPart part;
+    for (qint32 p = 0; key->GetNextKeyPart(part, p);) {
+      background = Background(key->BackgroundId());
+      CVelumControl* control = background ? background->FindControl(part.iControlId) : nullptr;
+      CVelumError::AssertObj(control, this, u"SetDynFlags"_s, u"key part control found"_s);
+      if (control) control->SetDynFlag(EDynKeyPart, true);
+    }
+  }
+}
+
+// Flags the controls to which a card list refers.
+void CVelumStack::FlagCardListRefs(const CVelumControlSet& aBackground, const CVelumControl& aControl) {
+  const auto flag = [](const CVelumControlSet* aSet, qint32 aId, qint32 aMask) {
+    if (!aSet || aId == ENoInt) return;
+    if (CVelumControl* control = aSet->FindControl(aId)) control->SetDynFlag(aMask, true);
+  };
+  flag(&aBackground, aControl.RefControlId(), EDynRefControl);
+  const CVelumControlSet* selBackground = FindBackground(aControl.SelBackgroundId());
+  flag(selBackground, aControl.SelControlId(), EDynSelControl);
+  for (qint32 i = 0; i < aControl.NumListCols(); ++i)
+    flag(selBackground, aControl.ListCol()->IntNum(i), EDynListCol);
+}
+
+bool CVelumStack::FindBySelControl(const CVelumControl& aControl, Ref<CVelumControl>& aFoundControl,
+                                   Ref<CVelumControlSet>& aBackground) const {
+  for (qint32 i = 0; GetNextBackground(aBackground, i);)
+    for (qint32 c = 0; c < aBackground->NumControls(); ++c) {
+      aFoundControl = aBackground->ControlAt(c);
+      if (aFoundControl && aFoundControl->SelControlId() == aControl.Id()) return true;
+    }
+  aFoundControl = nullptr;
+  aBackground = nullptr;
+  return false;
+}
+
+void CVelumStack::SetCardListsDirty(const Ref<CVelumControlSet>& aBackground) {
+  Ref<CVelumControlSet> background;
+  for (qint32 i = 0; GetNextBackground(background, i);) {
+    if ((aBackground && !(aBackground == background)) || !background->WithCardList()) continue;
+    background->RaiseListStamp();
+    ReportAllChanged(*background);
+  }
+}
+
+// As ChangeCard for each card of the background in order.
+void CVelumStack::ReportAllChanged(const CVelumControlSet& aBackground) {
+  Ref<CVelumCard> first;
+  Ref<CVelumCard> last;
+  qint32 index = 0;
+  if (!GetFirstCardInBackground(aBackground.Id(), first, index)) return;
+  if (!GetLastCardInBackground(aBackground.Id(), last)) return;
+  ChangeCard(*first);
+  const qint32 num = iChangeInfo.iNumCardsChanged + aBackground.NumCards() - 1;
+  const qint32 most = std::numeric_limits<qint16>::max();
+  iChangeInfo.iNumCardsChanged = static_cast<qint16>(std::min(num, most));
+  iChangeInfo.iLastChangedCard = last;
+}
+
+bool CVelumStack::EnterListUpdate() {
+  if (iListUpdates >= EMaxListUpdates) return false;
+  ++iListUpdates;
+  return true;
+}
+
+void CVelumStack::PrepareForSave() {
+  Ref<CVelumCard> card;
+  for (qint32 i = 0; GetNextCard(card, i);)
+    if (card->Dirty()) card->UpdateCardLists();
+}
+
+void CVelumStack::AdjustVisChar() {
+  Ref<CVelumControlSet> background;
+  for (qint32 i = 0; GetNextBackground(background, i);) {
+    std::vector<qint64> longest(size_t(background->NumControls()), 0);
+    Ref<CVelumCard> card;
+    for (qint32 at = 0; GetNextCardInBackground(background->Id(), card, at);)
+      for (size_t c = 0; c < longest.size(); ++c) {
+        const CVelumControl& control = CVelumChecked::Deref(background->ControlAt(static_cast<qint32>(c)));
+        const TVelumValue val = card->GetControlVal(control.Id(), false);
+        longest[c] = std::max<qint64>(longest[c], CVelumValue::ValToExtText(val, control.FieldInfo()).size());
+      }
+    for (size_t c = 0; c < longest.size(); ++c)
+      if (CVelumControl* control = background->ControlAt(static_cast<qint32>(c)))
+        SetVisSize(*control, longest[c]);
+  }
+}

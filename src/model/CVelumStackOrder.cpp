@@ -1,0 +1,344 @@
+// The order of the cards, and lookups and walks over them.
+#include "core/CVelumChecked.h"
+#include "model/CVelumRecorder.h"
+#include "model/CVelumStack.h"
+
+#include <limits>
+
+namespace {
+constexpr qint32 EStep = 100;
+constexpr int ECardsMoved = 5; // kind of ChangeNotify
+
+TVelumElem OrderElem(const CVelumArray& aArray, const QString& aKey, qint32 aId) {
+  TVelumElem elem;
+  aArray.InitElem(elem);
+  elem.iStrKey = aKey;
+  elem.iVal = TVelumValue::OfInt(aId);
+  return elem;
+}
+} // namespace
+
+const CVelumArray& CVelumStack::OrderIndex() const {
+  iOrderView = iOrder.ToArray();
+  return *iOrderView;
+}
+
+qint32 CVelumStack::OrderNumOf(const CVelumCard& aCard) const {
+  const qint32 num = iOrder.NumOf(aCard.Id());
+  return num != ENoInt && FindCard(aCard.Id()) == &aCard ? num : aCard.iOrderNum;
+}
+
+bool CVelumStack::GetCard(const QString& aName, Ref<CVelumCard>& aCard) const {
+  TVelumElem elem;
+  qint32 next = 0;
+  aCard = iNameIndex->ReadByStrKey(aName, elem, next) ? GetCardById(elem.iVal.Int()) : nullptr;
+  return static_cast<bool>(aCard);
+}
+
+bool CVelumStack::GetFirstCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
+  aIndex = 0;
+  return GetNextCard(aCard, aIndex);
+}
+
+bool CVelumStack::GetNextCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
+  aCard = nullptr;
+  while (!aCard && aIndex >= 0 && aIndex < iOrder.Count()) aCard = FindCard(iOrder.IdAt(aIndex++));
+  return static_cast<bool>(aCard);
+}
+
+qint32 CVelumStack::GetCardIndex(const CVelumCard& aCard, qint32& aNumCards) const {
+  aNumCards = iOrder.Count();
+  const qint32 pos = iOrder.PosOf(aCard.Id());
+  CVelumError::Assert(pos >= 0, u"GetCardIndex OrderIndex found"_s);
+  return pos >= 0 ? pos : aNumCards;
+}
+
+bool CVelumStack::GetCardByNum(qint32 aNum, Ref<CVelumCard>& aCard) const {
+  const bool inside = aNum >= 0 && aNum < iOrder.Count();
+  aCard = inside ? GetCardById(iOrder.IdAt(aNum)) : nullptr;
+  return static_cast<bool>(aCard);
+}
+
+bool CVelumStack::GetFirstCardInBackground(qint32 aBackgroundId, Ref<CVelumCard>& aCard,
+                                           qint32& aIndex) const {
+  aIndex = 0;
+  return GetNextCardInBackground(aBackgroundId, aCard, aIndex);
+}
+
+bool CVelumStack::GetNextCardInBackground(qint32 aBackgroundId, Ref<CVelumCard>& aCard,
+                                          qint32& aIndex) const {
+  const quint64 bit = CVelumCardOrder::BackgroundBit(aBackgroundId);
+  aCard = nullptr;
+  if (aIndex < 0) return false;
+  while (!aCard && (aIndex = iOrder.SkipForward(aIndex, bit)) < iOrder.Count()) {
+    CVelumCard* card = FindCard(iOrder.IdAt(aIndex++));
+    if (card && card->BackgroundId() == aBackgroundId) aCard = card;
+  }
+  return static_cast<bool>(aCard);
+}
+
+bool CVelumStack::GetLastCardInBackground(qint32 aBackgroundId, Ref<CVelumCard>& aCard) const {
+  const quint64 bit = CVelumCardOrder::BackgroundBit(aBackgroundId);
+  aCard = nullptr;
+  qint32 pos = iOrder.Count() - 1;
+  while (!aCard && (pos = iOrder.SkipBackward(pos, bit)) >= 0) {
+    CVelumCard* card = FindCard(iOrder.IdAt(pos--));
+    if (card && card->BackgroundId() == aBackgroundId) aCard = card;
+  }
+  return static_cast<bool>(aCard);
+}
+
+qint32 CVelumStack::NumBackgroundCards(qint32 aBackgroundId) const {
+  const CVelumControlSet* background = FindBackground(aBackgroundId);
+  return background ? background->NumCards() : 0;
+}
+
+bool CVelumStack::OrderFirst(Ref<CVelumCard>& aCard) const {
+  qint32 index = 0;
+  return GetFirstCard(aCard, index);
+}
+
+bool CVelumStack::OrderLast(Ref<CVelumCard>& aCard) const {
+  aCard = nullptr;
+  for (qint32 pos = iOrder.Count() - 1; !aCard && pos >= 0; --pos) aCard = FindCard(iOrder.IdAt(pos));
+  return static_cast<bool>(aCard);
+}
+
+bool CVelumStack::OrderNext(const CVelumCard& aCur, Ref<CVelumCard>& aNext) const {
+  const qint32 pos = iOrder.PosOf(aCur.Id());
+  CVelumError::AssertObj(pos >= 0, this, u"OrderNext"_s, u"found curCard"_s);
+  qint32 index = pos >= 0 ? pos + 1 : iOrder.Count();
+  return GetNextCard(aNext, index);
+}
+
+bool CVelumStack::OrderPrev(const CVelumCard& aCur, Ref<CVelumCard>& aPrev) const {
+  const qint32 cur = iOrder.PosOf(aCur.Id());
+  CVelumError::AssertObj(cur >= 0, this, u"OrderPrev"_s, u"found curCard"_s);
+  aPrev = nullptr;
+  for (qint32 pos = cur - 1; !aPrev && pos >= 0; --pos) aPrev = FindCard(iOrder.IdAt(pos));
+  return static_cast<bool>(aPrev);
+}
+
+// Changing the order.
+
+void CVelumStack::InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard) {
+  qint32 pos = iOrder.Count();
+  if (aBeforeCard) {
+    const qint32 beforePos = iOrder.PosOf(aBeforeCard->Id());
+    CVelumError::Assert(beforePos >= 0, u"AddCard aBeforeCard OrderNum found"_s);
+    if (beforePos >= 0) pos = beforePos;
+  }
+  const qint32 num = NumBefore(pos);
+  CVelumRecord::Store(*aCard, "OrderNum", aCard->iOrderNum, num);
+  iOrder.InsertAt(pos, aCard->Id(), num, CVelumCardOrder::BackgroundBit(aCard->BackgroundId()));
+  aCard->iChanged = true;
+  CVelumRecord::Added(*this, "OrderIndex", *aCard, num);
+}
+
+// The number of a card that is to stand before the position; renumbers when there is no room.
+qint32 CVelumStack::NumBefore(qint32 aPos) {
+  for (int pass = 0;; ++pass) {
+    const qint64 prev = aPos > 0 ? iOrder.NumAt(aPos - 1) : 0;
+    const qint64 next = aPos < iOrder.Count() ? iOrder.NumAt(aPos) : prev + 2 * qint64(EStep);
+    const qint64 num = prev + (next - prev) / 2;
+    const bool fits = next - prev > 1 && num <= std::numeric_limits<qint32>::max();
+    if (fits) return static_cast<qint32>(num);
+    if (pass > 0) CVelumError::RaiseHost(EHostOverflow);
+    RenumberOrderIndex(EStep);
+  }
+}
+
+void CVelumStack::RenumberOrderIndex(qint32 aStep) {
+  iOrder.Renumber(aStep);
+  CVelumRecord::OrderRebuilt(*this);
+}
+
+void CVelumStack::RemoveCardOrder(const CVelumCard& aCard) {
+  const qint32 pos = iOrder.PosOf(aCard.Id());
+  CVelumError::Assert(pos >= 0, u"DeleteIntKey found"_s);
+  if (pos < 0) return;
+  CVelumRecord::Removed(*this, "OrderIndex", aCard, iOrder.NumAt(pos));
+  iOrder.RemoveAt(pos);
+}
+
+void CVelumStack::MoveCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard) {
+  RemoveCardOrder(CVelumChecked::Deref(aCard));
+  InsertCardOrder(aCard, aBeforeCard);
+  iChangeInfo.iCardListChanged = true;
+}
+
+void CVelumStack::MoveAllCardsOfBackground(const Ref<CVelumControlSet>& aBackground,
+                                           const Ref<CVelumCard>& aBeforeCard) {
+  const CVelumControlSet& background = CVelumChecked::Deref(aBackground);
+  CVelumError::AssertObj(background.Flag(ECseKeepCardsSorted), this, u"MoveAllCardsOfBackground"_s,
+                         u"sorted"_s);
+  Ref<CVelumCard> card;
+  qint32 end = 0;
+  const qint32 from = GetFirstCardInBackground(background.Id(), card, end) ? end - 1 : iOrder.Count();
+  end = from;
+  while (GetCardByNum(end, card) && card->BackgroundId() == background.Id()) ++end;
+  qint32 to = iOrder.Count();
+  if (aBeforeCard) {
+    to = iOrder.PosOf(aBeforeCard->Id());
+    CVelumError::AssertObj(to >= 0, this, u"MoveAllCardsOfBackground"_s, u"beforeCard order"_s);
+  }
+  const bool outside = to >= 0 && (to <= from || to >= end);
+  CVelumError::AssertObj(outside, &iOrder, u"Move"_s, u"aToIndex"_s);
+  if (outside && from != end && to != from && to != end) {
+    iOrder.Move(from, end - from, to, EStep);
+    CVelumRecord::OrderRebuilt(*this);
+  }
+  iChangeInfo.iCardListChanged = true;
+}
+
+void CVelumStack::AdjustCardPos(const Ref<CVelumCard>& aCard, bool aIsNew, const QString& aKey) {
+  CVelumCard& card = CVelumChecked::Deref(aCard);
+  CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card.BackgroundId()));
+  CVelumArray& keyIndex = CVelumChecked::Deref(background.KeyIndex());
+  if (!aIsNew) RemoveCardOrder(card);
+  InsertCardOrder(aCard, NextByKey(keyIndex, aKey));
+  CVelumSeams::ChangeNotify(ECardsMoved);
+  iChangeInfo.iCardListChanged = true;
+}
+
+// The card before which the one of aKey is to stand: the next one by key, or, for the last one by key, the
+// one that follows its predecessor by key in the order. Nothing: at the end.
+Ref<CVelumCard> CVelumStack::NextByKey(CVelumArray& aKeyIndex, const QString& aKey) const {
+  TVelumElem elem;
+  qint32 next = 0;
+  if (aKeyIndex.ReadByStrKey(aKey, elem, next) && next < aKeyIndex.Count())
+    return GetCardById(aKeyIndex.ValRef(next).Int());
+  if (aKeyIndex.Count() < 2) return nullptr;
+  const qint32 pos = iOrder.PosOf(aKeyIndex.ValRef(aKeyIndex.Count() - 2).Int());
+  if (pos < 0 || pos + 1 >= iOrder.Count()) return nullptr;
+  return GetCardById(iOrder.IdAt(pos + 1));
+}
+
+void CVelumStack::Sort(const Ref<CVelumControlSet>& aBackground, const Ref<CVelumSortKey>& aSortKey,
+                       const Ref<CVelumCard>& aBeforeCard, bool aUseKeyIndex) {
+  CVelumControlSet& background = CVelumChecked::Deref(aBackground);
+  Ref<CVelumArray> index;
+  if (aUseKeyIndex) {
+    index = background.KeyIndex();
+  } else {
+    index = MakeRef<CVelumArray>(EArrStrKey | EArrSortKey | EArrDuplicates, EValInt);
+    index->SetSortKey(aSortKey);
+  }
+  const Ref<CVelumSortKey> key = aUseKeyIndex ? SortKey(CVelumChecked::Deref(index).SortKeyId()) : aSortKey;
+  SortIntoIndex(CVelumChecked::Deref(index), CVelumChecked::Deref(key), background.Id());
+  const qint32 beforePos = aBeforeCard ? iOrder.PosOf(aBeforeCard->Id()) : -1;
+  const qint32 before = beforePos >= 0 ? beforePos : iOrder.Count();
+  std::vector<qint32> ids;
+  ids.reserve(size_t(iOrder.Count()));
+  const auto copyOthers = [&](qint32 aFrom, qint32 aTo) {
+    for (qint32 i = aFrom; i < aTo; ++i) {
+      const CVelumCard* card = FindCard(iOrder.IdAt(i));
+      if (card && card->BackgroundId() != background.Id()) ids.push_back(card->Id());
+    }
+  };
+  copyOthers(0, before);
+  for (qint32 i = 0; i < index->Count(); ++i) ids.push_back(index->ValRef(i).Int());
+  copyOthers(before, iOrder.Count());
+  SetOrder(ids);
+}
+
+// The keys of all cards of a background enter aIndex.
+void CVelumStack::SortIntoIndex(CVelumArray& aIndex, const CVelumSortKey& aKey, qint32 aBackgroundId) {
+  const bool bulk = aIndex.Count() == 0;
+  if (bulk) aIndex.BeginBulk(NumBackgroundCards(aBackgroundId));
+  Ref<CVelumCard> card;
+  qint32 cursor = 0;
+  while (GetNextCardInBackground(aBackgroundId, card, cursor)) {
+    const TVelumElem elem = OrderElem(aIndex, aKey.BuildKey(*card), card->Id());
+    if (bulk)
+      aIndex.AppendBulk(elem);
+    else
+      aIndex.CreateStrKey(elem);
+  }
+  if (bulk) aIndex.EndBulk();
+}
+
+void CVelumStack::SetOrder(const std::vector<qint32>& aIds) {
+  std::vector<quint64> bits;
+  bits.reserve(aIds.size());
+  for (const qint32 id : aIds) {
+    const CVelumCard* card = FindCard(id);
+    bits.push_back(card ? CVelumCardOrder::BackgroundBit(card->BackgroundId()) : 0);
+  }
+  iOrder.Assign(aIds, bits, EStep);
+  CVelumRecord::OrderRebuilt(*this);
+  iChangeInfo.iCardListChanged = true;
+}
+
+void CVelumStack::NewIndexForSortKey(const Ref<CVelumSortKey>& aSortKey) {
+  const Ref<CVelumControlSet> background = Background(CVelumChecked::Deref(aSortKey).BackgroundId());
+  auto index = MakeRef<CVelumArray>(EArrStrKey | EArrSortKey, EValInt);
+  index->SetSortKey(aSortKey);
+  index->SetId(iIdGen->NextId());
+  AddKeyIndex(index);
+  CVelumChecked::Deref(background).SetKeyIndexId(index->Id());
+  Sort(background, aSortKey, nullptr, true);
+}
+
+// Keys of cards whose values change.
+
+void CVelumStack::StoreKeys(CVelumCard& aCard, qint32 aControlId) {
+  if (InBulk(aCard)) return;
+  for (qint32 i = 0; i < iSortKey->Count(); ++i)
+    if (CVelumSortKey* key = SortKeyAt(i); key && key->ControlOccurs(aControlId))
+      key->SetStoredKey(key->BuildKey(aCard));
+}
+
+void CVelumStack::ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumControlSet& aBackground) {
+  if (InBulk(aCard)) return;
+  for (qint32 i = 0; i < iKeyIndex->Count(); ++i) {
+    const Ref<CVelumArray> index = KeyIndexAt(i);
+    const Ref<CVelumSortKey> key = index ? SortKey(index->SortKeyId()) : nullptr;
+    if (!key || !key->ControlOccurs(aControlId)) continue;
+    const QString newKey = key->BuildKey(aCard);
+    if (newKey == key->StoredKey()) continue;
+    index->DeleteStrKey(key->StoredKey());
+    index->CreateStrKey(OrderElem(*index, newKey, aCard.Id()));
+    if (aBackground.Flag(ECseKeepCardsSorted) && aBackground.KeyIndexId() == index->Id())
+      AdjustCardPos(&aCard, false, newKey);
+  }
+}
+
+// After a load.
+
+void CVelumStack::CheckOrderIndex() {
+  iOrderCorrections = 0;
+  Ref<CVelumControlSet> background;
+  qint32 index = 0;
+  while (GetNextBackground(background, index))
+    if (background->Flag(ECseKeepCardsSorted)) CheckOrderIndexFor(*background);
+}
+
+void CVelumStack::CheckOrderIndexFor(CVelumControlSet& aBackground) {
+  const QString proc = u"CheckOrderIndexFor"_s;
+  Ref<CVelumCard> card;
+  qint32 slot = 0;
+  if (!GetFirstCardInBackground(aBackground.Id(), card, slot)) return;
+  --slot;
+  const CVelumArray& keyIndex = CVelumChecked::Deref(aBackground.KeyIndex());
+  for (qint32 i = 0; i < keyIndex.Count(); ++i, ++slot) {
+    CVelumError::AssertObj(slot < iOrder.Count(), this, proc, u"orderElem parallel"_s);
+    if (slot >= iOrder.Count()) return;
+    const CVelumCard* card1 = FindCard(keyIndex.ValRef(i).Int());
+    CVelumError::ThrowBadStruct(card1, this, u"CVelumStack."_s + proc, u"card"_s);
+    if (iOrder.IdAt(slot) != card1->Id()) SwapForCorrection(slot, *card1);
+  }
+}
+
+// Brings aCard1 into the slot, and the card of the slot to where aCard1 stood.
+void CVelumStack::SwapForCorrection(qint32 aSlot, const CVelumCard& aCard1) {
+  const QString proc = u"CheckOrderIndexFor"_s;
+  const qint32 pos = iOrder.PosOf(aCard1.Id());
+  CVelumError::AssertObj(pos >= 0, this, proc, u"orderElem1"_s);
+  if (pos < 0) return;
+  CVelumError::AssertObj(pos > aSlot, this, proc, u"back correction"_s);
+  const qint32 id2 = iOrder.IdAt(aSlot);
+  iOrder.SetIdAt(aSlot, aCard1.Id());
+  iOrder.SetIdAt(pos, id2);
+  ++iOrderCorrections;
+}
