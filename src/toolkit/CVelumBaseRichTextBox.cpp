@@ -28,11 +28,6 @@ CVelumBaseRichTextBox::CVelumBaseRichTextBox(const QString& aName, QWidget* aPar
   iEdit->setTabChangesFocus(true);
   iEdit->document()->setDocumentMargin(EMargin);
   iEdit->viewport()->installEventFilter(this);
-  connect(iEdit->document(), &QTextDocument::contentsChange, this, [this](int aPos, int, int aAdded) {
-    if (iSetting) return;
-    iAddedAt = aPos;
-    iAdded = aAdded;
-  });
   connect(iEdit, &QTextEdit::textChanged, this, [this] {
     if (iSetting) return;
     HoldLimit();
@@ -89,16 +84,16 @@ int CVelumBaseRichTextBox::StoredLen() const {
 
 void CVelumBaseRichTextBox::HoldLimit() {
   int surplus = StoredLen() - iLimit;
-  if (surplus <= 0 || iAdded <= 0) return;
+  if (surplus <= 0) return;
+  // What was typed or pasted ends at the cursor, and is at least as long as the surplus.
   const QString text = iEdit->document()->toRawText();
-  const int end = std::min(iAddedAt + iAdded, static_cast<int>(text.size()));
+  QTextCursor cursor = iEdit->textCursor();
+  const int end = cursor.position();
   int from = end;
-  while (from > iAddedAt && (surplus > 0 || text.at(from).isLowSurrogate()))
+  while (from > 0 && (surplus > 0 || (from < end && text.at(from).isLowSurrogate())))
     surplus -= text.at(--from) == QChar::ParagraphSeparator ? 2 : 1;
   const QScopedValueRollback setting(iSetting, true);
-  QTextCursor cursor(iEdit->document());
-  cursor.setPosition(from);
-  cursor.setPosition(end, QTextCursor::KeepAnchor);
+  cursor.setPosition(from, QTextCursor::KeepAnchor);
   cursor.joinPreviousEditBlock();
   cursor.removeSelectedText();
   cursor.endEditBlock();

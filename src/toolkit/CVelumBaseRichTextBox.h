@@ -30,7 +30,5 @@ private:
   QTextEdit* iEdit;
   int iMaxChar = EffMaxChar(ENoShort);
   int iLimit = iMaxChar; // in force: grows with a longer text that the program sets
-  int iAddedAt = 0;      // place and length of what the last change brought
-  int iAdded = 0;
   bool iSetting = false; // the program itself is changing the text
 };
