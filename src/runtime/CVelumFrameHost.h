@@ -4,7 +4,6 @@
 #include "core/CVelumObject.h"
 
 #include <QIcon>
-#include <QRect>
 
 class QAction;
 class QMenu;
@@ -16,7 +15,8 @@ public:
   virtual ~CVelumFrameHost() = default;
 
   // The action of a name: the commands "fGenFunc0" to "fGenFunc9", "fNoCmd", and "fCmd" (the menu's own
-  // action, whose enabling counts for the whole menu). Null for any other name. Exact, case-sensitive.
+  // action, whose enabling counts for the whole menu). Null for any other name. Exact, case-sensitive. When
+  // one of the commands is triggered, the main window calls BaseObjClick of the stack view with the action.
   [[nodiscard]] virtual QAction* FindAction(const QString& aName) = 0;
   // The commands menu, for a pop-up at the pointer.
   [[nodiscard]] virtual QMenu* CmdMenu() = 0;
@@ -24,18 +24,14 @@ public:
   // ...); a null icon for an unknown key.
   [[nodiscard]] virtual QIcon ToolbarIcon(const QString& aKey) = 0;
 
-  // Puts a window into the main window's area of child windows. It is hidden until ShowChild, and stays the
-  // same child until RemoveChild. Rectangles are outer ones (with caption and frame) in logical pixels of
-  // that area. A close of a child by the user arrives as the close event of aForm, which may ignore it.
+  // Puts a window into the main window's area of child windows, as the widget of a QMdiSubWindow. It is
+  // hidden until ShowChild and stays a child until RemoveChild, which leaves it hidden and without a parent.
+  // A close of the child by the user arrives as the close event of aForm, which may ignore it.
   virtual void AddChild(QWidget* aForm) = 0;
   virtual void RemoveChild(QWidget* aForm) = 0;
   // Shows without changing its place; aRaise also brings it to the front and makes it the active one.
   virtual void ShowChild(QWidget* aForm, bool aRaise) = 0;
   virtual void HideChild(QWidget* aForm) = 0;
-  [[nodiscard]] virtual QRect ChildRect(QWidget* aForm) = 0;
-  virtual void SetChildRect(QWidget* aForm, const QRect& aRect) = 0;
-  // What caption and frame of a child add to its client area.
-  [[nodiscard]] virtual QSize ChildFrameSize() = 0;
 
   // Runs the close command of the stack; true when no stack is open afterwards.
   [[nodiscard]] virtual bool CloseStack() = 0;
