@@ -1,10 +1,10 @@
 // The one container of the program.
 #pragma once
 
+#include "core/CVelumArrayStore.h"
 #include "core/CVelumSeams.h"
-#include "core/TVelumValue.h"
 
-#include <memory>
+#include <functional>
 
 // Mode bits of CVelumArray, as they stand in files.
 enum EArr : qint32 {
@@ -38,6 +38,7 @@ public:
   [[nodiscard]] qint32 Id() const { return iId; }
   void SetId(qint32 aId);
   [[nodiscard]] qint32 Flags() const { return iFlags; }
+  // Does not sort anew.
   void SetFlags(qint32 aFlags);
   [[nodiscard]] qint32 Type() const { return iType; }
   [[nodiscard]] qint32 Count() const { return iMax; }
@@ -59,8 +60,10 @@ public:
   [[nodiscard]] qint32 SortKeyId() const { return iSortKeyId; }
   void SetSortKeyId(qint32 aId);
   void SetSortKey(const Ref<CVelumKeyOrder>& aKey);
-  // Nothing when the array has no sort key or none has been set; the owner resolves the id (see
-  // SetSortKeyResolver) because the key lives in the stack that owns the array.
+  // The key of SortKeyId as the owner found it after a load: the key lives in the stack that owns the array.
+  // Does not mark the array changed.
+  void ResolveSortKey(const Ref<CVelumKeyOrder>& aKey);
+  // Nothing when the array has no sort key, or when it has not been resolved.
   [[nodiscard]] Ref<CVelumKeyOrder> SortKey() const;
 
   // Linear scans from index 0. aIndex is Count() when not found.
@@ -68,10 +71,13 @@ public:
   [[nodiscard]] bool GetIntIndex(qint32 aInt, qint32& aIndex) const;
   [[nodiscard]] bool GetObjIndex(const CVelumStored* aObj, qint32& aIndex) const;
 
+  // Objects of an unkeyed array stay behind until their slots are overwritten; so do those that DeleteAt and
+  // SetToLastObj cut off.
   void Clear();
   void DeleteAt(qint32 aIndex, qint32 aNum = 1);
-  // Moves a block to stand before aTo; keyed arrays must renumber.
+  // Moves a block to stand before aTo, which lies outside the block; keyed arrays must renumber.
   void Move(qint32 aFrom, qint32 aNum, qint32 aTo, bool aRenumber, qint32 aStep);
+  // Cuts off the empty slots behind the last object, and lowers the capacity that is written to the file.
   void SetToLastObj();
   void DeleteStrKey(const QString& aKey);
   void DeleteIntKey(qint32 aKey);
@@ -80,6 +86,8 @@ public:
   [[nodiscard]] bool ReadStr(const QString& aKey, QString& aStr, qint32& aNext) const;
   void SetFirst(qint32& aIndex) const { aIndex = 0; }
   void SetLast(qint32& aIndex) const { aIndex = iMax; }
+  // The keys become aStep, 2 * aStep, ... in their present order; as strings right-aligned in the width of
+  // the first key, and cut on the left. Host error 6 when the last number does not fit 32 bits.
   void RenumberStrKey(qint32 aStep);
   void RenumberIntKey(qint32 aStep);
   // Sorts an unkeyed array of strings in collation order.
@@ -87,7 +95,10 @@ public:
 
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
+  // Asserts for an array of blobs, which is never stored.
   [[nodiscard]] qint64 ExtLen() const override;
+  // Whether an XML element of this name holds an array.
+  [[nodiscard]] static bool IsInXml(const QString& aElemName) { return aElemName == u"Array"_s; }
 
   // A blank element for this array.
   void InitElem(TVelumElem& aElem) const;
@@ -125,18 +136,69 @@ public:
   void EnsureSorted();
 
 private:
-  class CStore;
+  // What few arrays have.
+  struct TRare {
+    Ref<CVelumKeyOrder> iSortKey;
+    qint32 iObjCacheNum = ENoInt; // the last object that ReadObjByNum found, ENoInt when none ...
+    qint32 iObjCacheIndex = 0;    // ... and its index
+  };
+
+  [[nodiscard]] bool WithStrKey() const { return (iFlags & EArrStrKey) != 0; }
+  [[nodiscard]] bool WithIntKey() const { return (iFlags & EArrIntKey) != 0; }
+  [[nodiscard]] bool WithKey() const { return (iFlags & (EArrStrKey | EArrIntKey)) != 0; }
+  [[nodiscard]] bool WithSortKey() const { return (iFlags & EArrSortKey) != 0; }
+  [[nodiscard]] bool Mixed() const { return (iFlags & EArrMixed) != 0; }
+  [[nodiscard]] bool WithObj() const { return iType >= EValCard || Mixed(); }
+  // Whether slots from Count() on keep what they held: only there can it be seen (ReadObjByNum).
+  [[nodiscard]] bool KeepsStale() const { return WithObj() && !WithKey(); }
+
+  // Assertion with, and without, this array as its object.
+  void Check(bool aCond, const char16_t* aProc, const char16_t* aText) const;
+  static void Check(bool aCond, const char16_t* aText);
+  // An index below aLimit; host error 9 otherwise.
+  [[nodiscard]] static qint32 Checked(qint32 aIndex, qint32 aLimit);
+  [[nodiscard]] TVelumCell& CellAt(qint32 aIndex) const;
+  void Touch();
+  TRare& Rare();
+
+  // The binary search. aCompare(i) compares the sought key with that of element i.
+  template <class TCompare> [[nodiscard]] bool Locate(const TCompare& aCompare, qint32& aIndex) const;
+  [[nodiscard]] bool LocateStr(const QString& aKey, qint32& aIndex) const;
+  [[nodiscard]] bool LocateInt(qint32 aKey, qint32& aIndex) const;
+  // Two string keys in the array's own order: negative, 0 or positive.
+  [[nodiscard]] int CompareKeys(const QString& aA, const QString& aB) const;
+
+  // Two elements by their keys.
+  [[nodiscard]] int CompareElems(qint32 aA, qint32 aB) const;
+
+  void CopyOut(qint32 aIndex, TVelumElem& aElem) const;
+  qint32 Create(const TVelumElem& aElem, qint32 aIndex);
+  [[nodiscard]] qint32 PlaceFor(const TVelumElem& aElem, qint32 aIndex) const;
+  void CheckType(const TVelumElem& aElem) const;
+  void CheckSlots(const TVelumElem& aElem) const;
+  void Grow(qint32 aNum);
+  void InsertAt(qint32 aIndex, TVelumCell&& aCell, QString&& aKey);
+  void OpenGap(qint32 aIndex, qint32 aNum);
+  void MoveStale(qint32 aFrom, qint32 aNum, qint32 aTo);
+  void ApplyShape();
+  void SortBy(const std::function<int(qint32, qint32)>& aCompare);
+
+  void CheckCount(CVelumFile& aFile, qint32 aCount) const;
+  void ReadElems(CVelumFile& aFile, qint32 aCount);
+  [[nodiscard]] static Ref<CVelumStored> ReadObj(CVelumFile& aFile, int aTag);
+  [[nodiscard]] TVelumValue ReadVal(CVelumFile& aFile);
+  void WriteVal(CVelumFile& aFile, const TVelumValue& aVal) const;
+  [[nodiscard]] qint64 ValLen(const TVelumValue& aVal) const;
 
   qint32 iId = ENoInt;
   qint32 iFlags = 0;
   qint16 iType = EValUndef;
   bool iChanged = true;
+  bool iBulk = false;
   qint32 iAllocStep = 50;
   qint32 iAlloc = 10;
   qint32 iMax = 0;
   qint32 iSortKeyId = ENoInt;
-  qint32 iObjCacheNum = ENoInt;
-  qint32 iObjCacheIndex = ENoInt;
-  Ref<CVelumKeyOrder> iSortKey;
-  std::unique_ptr<CStore> iStore;
+  std::unique_ptr<TRare> iRare;
+  CVelumArrayStore iStore; // may hold more than iMax elements when it keeps stale ones
 };

@@ -1,0 +1,60 @@
+// The storage of large keyed arrays.
+#pragma once
+
+#include "core/CVelumArrayRun.h"
+
+#include <vector>
+
+// A sequence of runs of at most EBlock elements, with a tree of their counts (a binary indexed tree) that
+// finds the run of an index. Inserting and erasing move at most a run; an access costs some ten steps among
+// a million elements, and one when it is near the last one. Indices are the caller's to check.
+class CVelumArrayBlocks {
+public:
+  static constexpr qint32 EBlock = 512;
+
+  explicit CVelumArrayBlocks(bool aKeyed) : iKeyed(aKeyed) {}
+
+  [[nodiscard]] qint32 Count() const { return iCount; }
+  [[nodiscard]] TVelumCell& Cell(qint32 aIndex) const {
+    const TPlace place = Locate(aIndex);
+    return iRuns[place.iRun].Cell(place.iOffset);
+  }
+  [[nodiscard]] QString& Key(qint32 aIndex) const {
+    const TPlace place = Locate(aIndex);
+    return iRuns[place.iRun].Key(place.iOffset);
+  }
+  void Insert(qint32 aIndex, TVelumCell&& aCell, QString&& aKey);
+  void Erase(qint32 aIndex, qint32 aNum);
+  // Takes all elements of a run; only into an empty object.
+  void Spread(CVelumArrayRun& aFrom);
+  // Appends all elements to a run, and is empty then.
+  void Gather(CVelumArrayRun& aTo);
+
+private:
+  struct TPlace {
+    size_t iRun;
+    qint32 iOffset;
+  };
+  [[nodiscard]] TPlace Locate(qint32 aIndex) const {
+    const qint32 offset = aIndex - iNearStart;
+    if (iNearRun < iRuns.size() && offset >= 0 && offset < iRuns[iNearRun].Count()) return {iNearRun, offset};
+    return LocateFar(aIndex);
+  }
+  [[nodiscard]] TPlace LocateFar(qint32 aIndex) const;
+  void Append(TVelumCell&& aCell, QString&& aKey);
+  void InsertInto(TPlace aPlace, TVelumCell&& aCell, QString&& aKey);
+  void Split(size_t aRun);
+  void RemoveEmpty();
+  // Joins a run that has become small to the one behind it.
+  void JoinNext(size_t aRun);
+  void BuildTree() const;
+  void Count(size_t aRun, qint32 aDelta);
+  void ShapeChanged();
+
+  std::vector<CVelumArrayRun> iRuns;
+  qint32 iCount = 0;
+  bool iKeyed;
+  mutable std::vector<qint32> iTree; // empty when the runs have changed in number
+  mutable size_t iNearRun = 0;       // the run of the last access ...
+  mutable qint32 iNearStart = 0;     // ... and the index of its first element
+};
