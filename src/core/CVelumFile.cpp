@@ -20,6 +20,11 @@ constexpr qint32 EMaxStrBytes = 30000;
 constexpr qint32 EMaxBlockBytes = 10000000;
 const QString EOpenProc = u"CVelumFile.OpenFile"_s;
 
+// A position is 32 bits without sign, so a negative one lies far behind.
+qint64 ToPos(qint64 aPos) {
+  return aPos < 0 ? static_cast<quint32>(aPos) : aPos;
+}
+
 // A mark that does not stand in front of the file is a character like others.
 QString DecodeUtf8(const QByteArray& aBytes) {
   return QStringDecoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom)(aBytes);
@@ -290,8 +295,7 @@ void CVelumFile::AssertLen(bool aCond, const QString& aProc, qint32 aLen) const 
 
 void CVelumFile::SeekPos(qint64 aPos) {
   AssertHandle(u"SeekPos"_s);
-  // A position is 32 bits without sign, so a negative one lies far behind.
-  Device().Seek(aPos < 0 ? static_cast<quint32>(aPos) : aPos);
+  Device().Seek(ToPos(aPos));
 }
 
 qint64 CVelumFile::CurrentPos() {
@@ -330,7 +334,7 @@ QByteArray CVelumFile::PeekAt(qint64 aPos, qint64 aCount) {
   AssertRead(u"PeekAt"_s);
   Device().FlushAll();
   QByteArray bytes(aCount, Qt::Uninitialized);
-  bytes.resize(CVelumOs::ReadAt(iDevice->iFd, iFilename, bytes.data(), aCount, aPos));
+  bytes.resize(CVelumOs::ReadAt(iDevice->iFd, iFilename, bytes.data(), aCount, ToPos(aPos)));
   return bytes;
 }
 

@@ -4,6 +4,8 @@
 #include "core/CVelumFile.h"
 #include "model/CVelumBlob.h"
 
+#include <QList>
+
 enum EBst : qint32 { EBstFileBased = 1, EBstRamBased = 2 };
 
 // File-based: blobs on file are known by their position, about eight are cached. RAM-based: all are in the
@@ -11,6 +13,7 @@ enum EBst : qint32 { EBstFileBased = 1, EBstRamBased = 2 };
 // those that the grown stack data would overrun.
 class CVelumBlobStore final : public CVelumStored {
 public:
+  // Allocated only: for Internalize.
   CVelumBlobStore();
   explicit CVelumBlobStore(qint32 aFlags);
 
@@ -26,13 +29,17 @@ public:
   // Opens aFilename for reading and writing when no file is open; otherwise nothing.
   void SetFile(const QString& aFilename);
   void CloseFile();
+  // The state of the open file when it was opened or noted last; empty when none is open.
+  [[nodiscard]] const TVelumFileId& FileId() const { return iFileId; }
+  void NoteFileId();
   [[nodiscard]] bool Changed() const override;
   void SetChanged(bool aChanged) override;
   [[nodiscard]] qint32 NumBlobs() const { return iIndex->Count(); }
   [[nodiscard]] bool HasBlob(qint32 aId) const;
 
   void AddBlob(const Ref<CVelumBlob>& aBlob);
-  // An info-only blob is read without content and does not enter the cache.
+  // An info-only blob is read without content and does not enter the cache: its counts and members are not
+  // to be changed. After an overruled assertion of an unknown id: host error 91.
   [[nodiscard]] Ref<CVelumBlob> ReadBlob(qint32 aId, bool aInfoOnly);
   [[nodiscard]] bool ReadFirstBlob(Ref<CVelumBlob>& aBlob, qint32& aIndex);
   [[nodiscard]] bool ReadNextBlob(Ref<CVelumBlob>& aBlob, qint32& aIndex);
@@ -41,33 +48,78 @@ public:
   // nothing.
   void DecRefCount(Ref<CVelumBlob>& aBlob);
   void DecDynRefCount(Ref<CVelumBlob>& aBlob);
+  // Every cached blob gets a holder more; for loading from XML.
+  void IncDynRefCounts();
   void SwitchToRamBased();
   void SwitchToFileBased();
   // Gives up the place of each cached, changed blob on file, so that Commit writes it like a new one.
   void ReleaseChangedPlaces();
+  // Writes new and changed blobs. In front of it SetNewStartPos has made room for the stack data.
   void Commit();
   void SetNewStartPos(qint32 aPos);
+  // Writes all blobs to another, new file, from aStartPos on without holes, and takes it as the store's
+  // file. Blobs that are not cached come from the file so far, one at a time.
+  void WriteAllTo(const Ref<CVelumFile>& aFile, qint32 aStartPos);
+  // Whether the tables agree with each other and with the file, without asking anybody. A store where they
+  // don't must not be written in place.
+  [[nodiscard]] bool IsSound();
+
+  // All that a save changes in the store.
+  struct TState {
+    qint32 iStartPos;
+    qint32 iFlags;
+    bool iChanged;
+    Ref<CVelumArray> iIndex;
+    Ref<CVelumArray> iPosTab;
+    Ref<CVelumFile> iFile;
+    TVelumFileId iFileId;
+    QList<std::pair<Ref<CVelumBlob>, CVelumBlob::TMarks>> iMarks;
+  };
+  [[nodiscard]] TState State() const;
+  void Restore(const TState& aState);
 
   // Read access to the tables, for checks.
   [[nodiscard]] const CVelumArray& Index() const { return *iIndex; }
   [[nodiscard]] const CVelumArray& PosTab() const { return *iPosTab; }
+  // The blobs in memory.
+  [[nodiscard]] const CVelumArray& Cache() const { return *iCache; }
 
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  struct TPlace {
+    qint32 iPos;
+    qint32 iLen;
+  };
+
   void CheckConsistency();
-  void FindPlace(const CVelumBlob& aBlob, qint32 aStartPos, qint32 aStartIndex, qint32& aIndex,
-                 TVelumElem& aElem);
+  void CheckTables(const CVelumFile& aFile) const;
+  [[nodiscard]] TPlace PlaceAt(qint32 aPosIndex) const;
+  [[nodiscard]] Ref<CVelumBlob> Cached(qint32 aId) const;
+  [[nodiscard]] Ref<CVelumBlob> ReadFrom(CVelumFile& aFile, qint32 aPos, qint32 aId, bool aInfoOnly);
+  // The blob of an element of iIndex that has a place, from the cache or past it.
+  [[nodiscard]] Ref<CVelumBlob> BlobToMove(qint32 aId, const TPlace& aPlace);
+  // First fit for aLen bytes at or behind aStartPos among the places from aIndex on; adds the place and
+  // returns its index.
+  qint32 FindPlace(qint64 aLen, qint32 aStartPos, qint32 aIndex);
+  void WriteAt(CVelumBlob& aBlob, qint32 aPosIndex, CVelumFile& aFile);
+  void DeletePlace(qint32 aPosIndex);
+  void MovePlacesBefore(qint32 aPos);
+  void CommitNew(qint32 aAt);
+  void CommitChanged(qint32 aAt, CVelumBlob& aBlob);
+  void DropDead(Ref<CVelumBlob>& aBlob);
   void EvictFromCache();
   void AddToCache(const Ref<CVelumBlob>& aBlob);
+  [[nodiscard]] CVelumFile& OpenedFile() const;
 
   qint32 iStartPos = ENoInt;
   Ref<CVelumArray> iIndex;  // blob id to index in iPosTab, ENoInt without a place
   Ref<CVelumArray> iPosTab; // (position, length) by ascending position
   Ref<CVelumArray> iCache;  // blob id to blob
   Ref<CVelumFile> iFile;
+  TVelumFileId iFileId;
   qint32 iFlags = 0;
   qint32 iAge = 0;
   bool iChanged = true;
