@@ -1,6 +1,7 @@
 #include "toolkit/CVelumForm.h"
 
 #include "core/CVelumLib.h"
+#include "toolkit/CVelumMdiArea.h"
 #include "toolkit/CVelumWinMan.h"
 
 #include <QMdiSubWindow>
@@ -9,10 +10,10 @@
 
 namespace {
 
-// The widget whose geometry is the form's place.
-QWidget* Placed(QWidget* aWidget) {
-  auto* sub = qobject_cast<QMdiSubWindow*>(aWidget->parentWidget());
-  return sub ? sub : aWidget;
+// The area in which aWidget stands as a child window; nothing for a window of its own.
+CVelumMdiArea* AreaOf(const QWidget* aWidget) {
+  const auto* child = qobject_cast<QMdiSubWindow*>(aWidget->parentWidget());
+  return child ? qobject_cast<CVelumMdiArea*>(child->mdiArea()) : nullptr;
 }
 
 int ToPixels(double aTwips) {
@@ -38,13 +39,22 @@ void CVelumForm::Unload() {
 void CVelumForm::ChangeNotify(int, CVelumObject*, CVelumObject*) {}
 
 QRectF CVelumForm::Place() {
-  const QWidget* widget = Placed(Widget());
+  QWidget* widget = Widget();
+  const CVelumMdiArea* area = AreaOf(widget);
+  const QRect rect = area ? area->ChildRect(widget) : QRect(widget->pos(), widget->size());
   const auto twips = [](int aPixels) { return CVelumLib::PixelsToTwips(aPixels); };
-  return {twips(widget->x()), twips(widget->y()), twips(widget->width()), twips(widget->height())};
+  return {twips(rect.x()), twips(rect.y()), twips(rect.width()), twips(rect.height())};
 }
 
 void CVelumForm::SetPlace(const QRectF& aPlace, bool aWithSize) {
-  QWidget* widget = Placed(Widget());
-  widget->move(ToPixels(aPlace.x()), ToPixels(aPlace.y()));
-  if (aWithSize) widget->resize(ToPixels(aPlace.width()), ToPixels(aPlace.height()));
+  QWidget* widget = Widget();
+  CVelumMdiArea* area = AreaOf(widget);
+  const QPoint pos(ToPixels(aPlace.x()), ToPixels(aPlace.y()));
+  const QSize size(ToPixels(aPlace.width()), ToPixels(aPlace.height()));
+  if (area) {
+    area->SetChildRect(widget, QRect(pos, aWithSize ? size : area->ChildRect(widget).size()));
+    return;
+  }
+  widget->move(pos);
+  if (aWithSize) widget->resize(size);
 }

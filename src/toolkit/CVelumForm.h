@@ -33,7 +33,7 @@ public:
   // See CVelumSeams::ChangeNotify for the kinds.
   virtual void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2);
 
-  // Left, top, width and height in twips: of the child window when the form stands in a QMdiSubWindow,
+  // Left, top, width and height in twips: of the child window when the form stands in a CVelumMdiArea,
   // otherwise of the top-level window (position of its frame, size of its content).
   [[nodiscard]] QRectF Place();
   // Moves; takes the size too if aWithSize.

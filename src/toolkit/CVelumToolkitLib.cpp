@@ -32,6 +32,13 @@ QString GetClipboardText() {
   return text;
 }
 
+void CentreOver(QWidget& aForm, const QWidget* aOver) {
+  if (!aOver) return;
+  const QRect over = aOver->frameGeometry();
+  aForm.move(over.x() + (over.width() - aForm.frameSize().width()) / 2,
+             over.y() + (over.height() - aForm.frameSize().height()) / 2);
+}
+
 QSize ChildFrameSize() {
   // Only a laid out child knows; asking it once is enough, as the style stays.
   static const QSize size = [] {

@@ -7,6 +7,8 @@
 #include <QFont>
 #include <QSizeF>
 
+class QWidget;
+
 namespace CVelumLib {
 
 // aPointSize is in points; sizes outside 1 to 1000 become the nearer of the two.
@@ -15,6 +17,9 @@ namespace CVelumLib {
 
 // The text of the clipboard as it is (no-break blanks stay); one line end at its end is dropped.
 [[nodiscard]] QString GetClipboardText();
+
+// Puts the middle of aForm over the middle of aOver; does nothing without one.
+void CentreOver(QWidget& aForm, const QWidget* aOver);
 
 // Pixels that caption and frame of a child window add to its content.
 [[nodiscard]] QSize ChildFrameSize();

@@ -167,6 +167,10 @@ void SetFactory(const QString& aName, TVelumFormFactory aFactory) {
   Windows().iFactories.insert(aName, std::move(aFactory));
 }
 
+bool HasForm(const QString& aName) {
+  return Windows().iFactories.value(aName) != nullptr;
+}
+
 CVelumForm* NameToForm(const QString& aName) {
   CVelumError::Assert(IsKnownName(aName) && aName != ENoForm, u"NameToForm name "_s + aName);
   TVelumWindows& w = Windows();

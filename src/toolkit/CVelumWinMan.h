@@ -21,6 +21,9 @@ void RegisterFormName(const QString& aName);
 // Says how the form of a registered name is made. The owner of a form's class calls this at start.
 void SetFactory(const QString& aName, TVelumFormFactory aFactory);
 
+// Whether NameToForm can make that form.
+[[nodiscard]] bool HasForm(const QString& aName);
+
 // The one instance of a form, made on first use (but not loaded). Asserts "NameToForm name " and the name
 // for a name that has no form; nothing after that, and for a form of the table that has no factory.
 [[nodiscard]] CVelumForm* NameToForm(const QString& aName);

@@ -1,0 +1,83 @@
+#include "shell/CVelumMsgForm.h"
+
+#include "shell/CVelumIcons.h"
+#include "toolkit/CVelumToolkitLib.h"
+#include "ui_CVelumMsgForm.h"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+constexpr int EPictureSize = 48;
+// The box is as wide as its text, within these bounds, and scrolls a text that is higher.
+constexpr int EMinTextWidth = 220;
+constexpr int EMaxTextWidth = 480;
+constexpr int EMaxTextHeight = 360;
+
+QString ImageKey(EMsgClass aClass) {
+  static const std::array<QString, 4> keys{u"Critical"_s, u"Exclamation"_s, u"Question"_s, u"Info"_s};
+  return keys[static_cast<size_t>(aClass)];
+}
+
+} // namespace
+
+CVelumMsgForm::CVelumMsgForm(QWidget* aOwner) : QDialog(aOwner), iUi(new Ui::CVelumMsgForm) {
+  iUi->setupUi(this);
+  QPalette clear = palette();
+  clear.setColor(QPalette::Base, Qt::transparent);
+  iUi->fText->setPalette(clear);
+  iUi->fText->document()->setDocumentMargin(0);
+  connect(iUi->fYes, &QPushButton::clicked, this, [this] {
+    iResult = true;
+    hide();
+  });
+  connect(iUi->fNo, &QPushButton::clicked, this, &QDialog::reject);
+  connect(iUi->fOk, &QPushButton::clicked, this, &QDialog::reject);
+  connect(iUi->fHelp0, &QPushButton::clicked, this, &CVelumMsgForm::Help);
+  connect(iUi->fHelp1, &QPushButton::clicked, this, &CVelumMsgForm::Help);
+}
+
+CVelumMsgForm::~CVelumMsgForm() = default;
+
+void CVelumMsgForm::SetClass(EMsgClass aClass) {
+  const bool question = aClass == EMsgQuestion;
+  for (QPushButton* button : {iUi->fYes, iUi->fNo, iUi->fHelp0}) button->setVisible(question);
+  for (QPushButton* button : {iUi->fOk, iUi->fHelp1}) button->setVisible(!question);
+  QPushButton* standard = question ? iUi->fNo : iUi->fOk;
+  standard->setDefault(true);
+  standard->setFocus();
+  iUi->fClass->setPixmap(
+      CVelumIcons::Icon(ImageKey(aClass)).pixmap(QSize(EPictureSize, EPictureSize), devicePixelRatio()));
+  iUi->fClass->setAccessibleName(ImageKey(aClass));
+}
+
+void CVelumMsgForm::SetText(const QString& aText) {
+  iUi->fText->setPlainText(aText);
+  setAccessibleDescription(aText);
+  FitText();
+}
+
+void CVelumMsgForm::FitText() {
+  QTextDocument* document = iUi->fText->document();
+  document->setTextWidth(EMaxTextWidth);
+  const int width =
+      std::clamp(static_cast<int>(std::ceil(document->idealWidth())) + 4, EMinTextWidth, EMaxTextWidth);
+  document->setTextWidth(width);
+  const int height = static_cast<int>(std::ceil(document->size().height()));
+  iUi->fText->setFixedSize(width, std::min(height, EMaxTextHeight));
+  iUi->fText->setVerticalScrollBarPolicy(height > EMaxTextHeight ? Qt::ScrollBarAlwaysOn
+                                                                 : Qt::ScrollBarAlwaysOff);
+}
+
+bool CVelumMsgForm::Ask(const QWidget* aFrame) {
+  iResult = false;
+  adjustSize();
+  CVelumLib::CentreOver(*this, aFrame);
+  exec();
+  return iResult;
+}
+
+void CVelumMsgForm::Help() {
+  CVelumSeams::Presenter().HelpPage(u"MsgForm"_s + iMsgName);
+}

@@ -1,0 +1,38 @@
+// The message box.
+#pragma once
+
+#include "core/CVelumSeams.h"
+
+#include <QDialog>
+#include <memory>
+
+namespace Ui {
+class CVelumMsgForm;
+}
+
+// Lives for one message. Questions have fYes, fNo (the default) and fHelp0, the other classes fOk (the
+// default) and fHelp1. Esc and the close box answer no.
+class CVelumMsgForm final : public QDialog {
+  Q_OBJECT
+
+public:
+  explicit CVelumMsgForm(QWidget* aOwner);
+  ~CVelumMsgForm() override;
+
+  // Picture and buttons of a class.
+  void SetClass(EMsgClass aClass);
+  void SetText(const QString& aText);
+  // The name of the message's constant, for its help page.
+  void SetMsgName(const QString& aName) { iMsgName = aName; }
+  // Shows the form over aFrame (or the screen); returns true for fYes.
+  bool Ask(const QWidget* aFrame);
+  [[nodiscard]] bool Result() const { return iResult; }
+
+private:
+  void Help();
+  void FitText();
+
+  std::unique_ptr<Ui::CVelumMsgForm> iUi;
+  QString iMsgName;
+  bool iResult = false;
+};

@@ -1,0 +1,78 @@
+#include "toolkit/CVelumMdiArea.h"
+
+#include <QKeyEvent>
+#include <QMdiSubWindow>
+
+CVelumMdiArea::CVelumMdiArea(QWidget* aParent) : QMdiArea(aParent) {
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+  setBackground(palette().brush(QPalette::Dark));
+  setFrameShape(QFrame::NoFrame);
+}
+
+QMdiSubWindow* CVelumMdiArea::ChildOf(const QWidget* aForm) const {
+  return aForm ? qobject_cast<QMdiSubWindow*>(aForm->parentWidget()) : nullptr;
+}
+
+void CVelumMdiArea::AddChild(QWidget* aForm) {
+  if (ChildOf(aForm)) return;
+  QMdiSubWindow* child = addSubWindow(aForm);
+  child->setAttribute(Qt::WA_DeleteOnClose, false);
+  child->setWindowIcon(aForm->windowIcon());
+  child->installEventFilter(this);
+  child->hide();
+}
+
+void CVelumMdiArea::RemoveChild(QWidget* aForm) {
+  QMdiSubWindow* child = ChildOf(aForm);
+  if (!child) return;
+  iPlaces.remove(child);
+  child->removeEventFilter(this);
+  aForm->hide();
+  child->setWidget(nullptr);
+  aForm->setParent(nullptr);
+  removeSubWindow(child);
+  // Its own handlers may be on the way back to it.
+  child->deleteLater();
+}
+
+void CVelumMdiArea::ShowChild(QWidget* aForm, bool aRaise) {
+  QMdiSubWindow* child = ChildOf(aForm);
+  if (!child) return;
+  QMdiSubWindow* active = activeSubWindow();
+  aForm->show();
+  child->show();
+  if (aRaise)
+    setActiveSubWindow(child);
+  else if (active)
+    setActiveSubWindow(active);
+}
+
+void CVelumMdiArea::HideChild(QWidget* aForm) {
+  if (QMdiSubWindow* child = ChildOf(aForm)) child->hide();
+}
+
+QRect CVelumMdiArea::ChildRect(QWidget* aForm) const {
+  const QMdiSubWindow* child = ChildOf(aForm);
+  return child ? iPlaces.value(child, child->geometry()) : QRect();
+}
+
+void CVelumMdiArea::SetChildRect(QWidget* aForm, const QRect& aRect) {
+  QMdiSubWindow* child = ChildOf(aForm);
+  if (!child) return;
+  if (child->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized)) child->showNormal();
+  child->setGeometry(aRect);
+  iPlaces.insert(child, child->geometry());
+}
+
+bool CVelumMdiArea::eventFilter(QObject* aObject, QEvent* aEvent) {
+  const bool placed = aEvent->type() == QEvent::Move || aEvent->type() == QEvent::Resize;
+  const auto* child = placed ? qobject_cast<const QMdiSubWindow*>(aObject) : nullptr;
+  if (child && !(child->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized)))
+    iPlaces.insert(child, child->geometry());
+  return QMdiArea::eventFilter(aObject, aEvent);
+}
+
+void CVelumMdiArea::keyPressEvent(QKeyEvent* aEvent) {
+  aEvent->ignore();
+}
