@@ -1,24 +1,17 @@
-// A test with a QApplication on the offscreen platform, and settings in a folder of its own.
+// A test with widgets, a folder of its own and a presenter that answers as told.
 #pragma once
 
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
+#include "support/WidgetApp.h"
 
-#include <QApplication>
 #include <gtest/gtest.h>
 
 class WidgetTest : public testing::Test {
 protected:
   static void SetUpTestSuite() {
-    if (qApp) return;
-    // Tests never touch the desktop of whoever runs them.
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static int argc = 1;
-    static char name[] = "tests";
-    static char* argv[] = {name, nullptr};
-    // Lives to the end of the process: widgets in static storage may go later.
-    new QApplication(argc, argv);
+    WidgetApp();
     QApplication::setQuitOnLastWindowClosed(false);
   }
 
