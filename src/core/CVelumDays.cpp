@@ -27,9 +27,13 @@ double CVelumDays::Join(qint64 aDay, qint64 aSecond) {
   return static_cast<double>(aDay) + static_cast<double>(aSecond) / ESecondsPerDay;
 }
 
-QDate CVelumDays::DateOf(qint64 aDay) { return QDate::fromJulianDay(EBaseJulianDay + aDay); }
+QDate CVelumDays::DateOf(qint64 aDay) {
+  return QDate::fromJulianDay(EBaseJulianDay + aDay);
+}
 
-qint64 CVelumDays::DayOf(QDate aDate) { return aDate.toJulianDay() - EBaseJulianDay; }
+qint64 CVelumDays::DayOf(QDate aDate) {
+  return aDate.toJulianDay() - EBaseJulianDay;
+}
 
 QDateTime CVelumDays::ToDateTime(double aDays, Qt::TimeSpec aSpec) {
   const TMoment moment = Split(aDays);

@@ -11,8 +11,8 @@ inline constexpr int ESecondsPerDay = 86400;
 
 // A moment taken apart.
 struct TMoment {
-  qint64 iDay = 0;  // since 30 December 1899
-  int iSecond = 0;  // 0 to 86399
+  qint64 iDay = 0; // since 30 December 1899
+  int iSecond = 0; // 0 to 86399
 };
 
 // Rounded to the nearest second; host error 6 for what is no date of the years 0 to some 27,000.
