@@ -45,6 +45,8 @@ public:
 
   [[nodiscard]] qint64 Pos() const;
   void Seek(qint64 aPos);
+  // Forgets what was read, or what was to be written, and stays at its position.
+  void Drop();
   // Hands the collected bytes to the system. They are gone from here also when that fails: who is told of
   // the failure puts the file right, and nothing may be written over that later.
   void Flush();
@@ -66,7 +68,6 @@ private:
   static std::vector<CDevice*>& Open();
 
   [[nodiscard]] const QString& Path() const { return iOwner.iFilename; }
-  void Drop();
   bool Fill();
   void BeginWrite();
   void WriteOut(const char* aFrom, qint64 aLen, qint64 aPos);
@@ -103,7 +104,6 @@ qint64 CVelumFile::CDevice::Pos() const {
   return iBufPos;
 }
 
-// Forgets what was read, or what was to be written, and stays at its position.
 void CVelumFile::CDevice::Drop() {
   iBufPos = Pos();
   iOwner.iRead = iOwner.iReadEnd = nullptr;
@@ -118,6 +118,7 @@ void CVelumFile::CDevice::Seek(qint64 aPos) {
 }
 
 void CVelumFile::CDevice::WriteOut(const char* aFrom, qint64 aLen, qint64 aPos) {
+  if (iFd < 0) return; // only measured
   if (iGuard) iGuard->BeforeWrite(aPos, aLen);
   CVelumOs::WriteAt(iFd, Path(), aFrom, aLen, aPos);
 }
@@ -216,6 +217,8 @@ void CVelumFile::OpenFile() {
   if (iDevice) CloseFile();
   if (iAccess == EFilSeqRead || iAccess == EFilSeqWrite) {
     OpenText();
+  } else if (iAccess == EFilMeasure) {
+    iDevice = std::make_unique<CDevice>(*this, -1, false);
   } else {
     OpenBinary();
   }
@@ -284,7 +287,7 @@ void CVelumFile::AssertRead(const QString& aProc) const {
 }
 
 void CVelumFile::AssertWrite(const QString& aProc) const {
-  if (iAccess == EFilWrite || iAccess == EFilReadWrite) return;
+  if (iAccess == EFilWrite || iAccess == EFilReadWrite || iAccess == EFilMeasure) return;
   CVelumError::AssertObj(false, this, aProc, u"Access EFilWrite "_s + QString::number(iAccess));
 }
 
@@ -325,6 +328,10 @@ void CVelumFile::Sync() {
   CVelumOs::Sync(iDevice->iFd, iFilename);
 }
 
+void CVelumFile::DropBuffer() {
+  Device().Drop();
+}
+
 void CVelumFile::SetWriteGuard(CVelumWriteGuard* aGuard) {
   Device().iGuard = aGuard;
 }
@@ -357,8 +364,15 @@ void CVelumFile::WriteSlow(const char* aFrom, qint64 aLen) {
   Device().Write(aFrom, aLen);
 }
 
+// The writer takes more than the reader; a measured file must be one that can be read.
+void CVelumFile::RaiseIfTooLong(qint64 aLen, qint64 aMax) const {
+  if (iAccess == EFilMeasure && aLen > aMax)
+    CVelumError::RaiseHost(EHostOverflow, u"%1 bytes, at most %2 can be read"_s.arg(aLen).arg(aMax));
+}
+
 void CVelumFile::WriteStr(const QString& aStr) {
   AssertWrite(u"WriteStr"_s);
+  RaiseIfTooLong(2 * aStr.size(), EMaxStrBytes);
   auto len = CVelumChecked::Narrow<qint16>(2 * aStr.size());
   WriteShort(len);
   if (len == 0) return;
@@ -395,6 +409,7 @@ QString CVelumFile::ReadStr() {
 void CVelumFile::WriteBytes(const QByteArray& aBytes) {
   AssertWrite(u"WriteBytes"_s);
   if (aBytes.isEmpty()) CVelumError::RaiseHost(EHostIndex, iFilename);
+  RaiseIfTooLong(aBytes.size(), EMaxBlockBytes);
   WriteInt(CVelumChecked::Narrow<qint32>(aBytes.size()));
   WriteRawBytes(aBytes);
 }

@@ -16,6 +16,8 @@ enum EFil : qint32 {
   EFilWrite = 2,     // binary, write
   EFilSeqWrite = 3,  // text, write; truncates
   EFilReadWrite = 4, // binary, read and write
+  EFilMeasure = 5,   // binary, write; the bytes go nowhere. CurrentPos is what they would take, and what
+                     // could not be read back is host error 6
 };
 
 // Codings of text files.
@@ -69,6 +71,8 @@ public:
   void Sync();
   // aGuard (or null) is asked before bytes go to the file. The caller keeps it alive.
   void SetWriteGuard(CVelumWriteGuard* aGuard);
+  // Forgets all that is buffered, also what was to be written. The position stays.
+  void DropBuffer();
   // Up to aCount bytes from aPos, past the buffer and without moving the position.
   [[nodiscard]] QByteArray PeekAt(qint64 aPos, qint64 aCount);
   // Cuts the file to aSize bytes (binary, for writing). The position is then there.
@@ -138,6 +142,7 @@ private:
   void WriteSlow(const char* aFrom, qint64 aLen);
   void OpenText();
   void OpenBinary();
+  void RaiseIfTooLong(qint64 aLen, qint64 aMax) const;
   void AssertHandle(const QString& aProc) const;
   void AssertRead(const QString& aProc) const;
   void AssertWrite(const QString& aProc) const;

@@ -180,6 +180,8 @@ void CVelumMsg::ShowLastError() {
   const TVelumError error = gLastError;
   if (error.iMsgId >= 1000)
     Show(error.iMsgId, EMsgCritical, error.iP0, error.iP1, EUndefParam);
+  else if (error.iMsgId == EMsgCouldNotSave) // a save that was refused says why
+    Show(EMsgCouldNotSave, EMsgCritical, error.iSysDescr, {}, EUndefParam);
   else
     Show(EMsgSystemError, EMsgCritical, error.iSysDescr, {}, EUndefParam);
 }

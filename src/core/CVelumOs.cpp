@@ -178,6 +178,13 @@ void Unlink(const QString& aPath) {
   RaiseIf(::unlink(QFile::encodeName(aPath).constData()) != 0 && errno != ENOENT, aPath);
 }
 
+void RemoveQuietly(const QString& aPath) {
+  try {
+    Unlink(aPath);
+  } catch (const CVelumException&) { // it stays
+  }
+}
+
 bool TryLock(int aFd, const QString& aPath) {
   RaiseOnFault(EOsCall::Lock, aPath);
   if (Retry([&] { return ::flock(aFd, LOCK_EX | LOCK_NB); }) == 0) return true;

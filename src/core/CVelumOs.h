@@ -59,6 +59,8 @@ void Rename(const QString& aFrom, const QString& aTo);
 [[nodiscard]] bool Link(const QString& aFrom, const QString& aTo);
 // A file that is not there is no failure.
 void Unlink(const QString& aPath);
+// Unlink where a failure changes nothing.
+void RemoveQuietly(const QString& aPath);
 // Takes the lock of a file without waiting; false when another holder has it.
 [[nodiscard]] bool TryLock(int aFd, const QString& aPath);
 // Gives the file the permissions and, as far as allowed, the owner of aLike.

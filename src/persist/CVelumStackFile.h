@@ -13,11 +13,16 @@ public:
   [[nodiscard]] QString ObjDescr() const override;
   [[nodiscard]] bool IsBinStack();
   [[nodiscard]] bool IsXmlStack();
-  // Throws; the out-arguments are only set when all went well.
+  // Puts the old document back first if a save was cut off. Throws; the out-arguments are only set when all
+  // went well.
   void LoadStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
+  // Throws; message EMsgCouldNotSave with a reason when the stack holds what could not be read back.
   void SaveStack(const Ref<CVelumStack>& aStack, const Ref<CVelumViewState>& aView);
 
 private:
+  [[nodiscard]] bool StartsWith(const QByteArray& aBytes) const;
+  void LoadXmlStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
+  void SaveXmlStack();
   void LoadBinStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
   void SaveBinStack();
 

@@ -1,0 +1,146 @@
+#include "persist/CVelumBinSave.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumSeams.h"
+#include "persist/CVelumBinFormat.h"
+#include "persist/CVelumBinLoad.h"
+#include "persist/CVelumJournal.h"
+#include "persist/CVelumListLimit.h"
+#include "persist/CVelumNewFile.h"
+#include "persist/CVelumOtherVersion.h"
+#include "persist/CVelumSaveCheck.h"
+
+using namespace CVelumBinFormat;
+
+CVelumBinSave::CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView)
+    : iFilename(std::move(aFilename)), iPath(CVelumOs::RealPath(iFilename)), iStack(aStack), iView(aView),
+      iStoreRef(aStack.BlobStore()), iStore(CVelumChecked::Deref(iStoreRef)) {}
+
+bool CVelumBinSave::Recover(const QString& aFilename) {
+  QString path = CVelumOs::RealPath(aFilename);
+  return CVelumJournal::Recover(path, [&] { return CVelumBinLoad::IsWhole(path); });
+}
+
+void CVelumBinSave::Run() {
+  // A save that failed and could not be undone either may have left the file half written.
+  bool own = iStore.FileId().SameFile(CVelumOs::IdOf(iPath));
+  if (Recover(iFilename) && own) iStore.NoteFileId();
+  iStack.PrepareForSave();
+  CVelumBlobStore::TState state = iStore.State();
+  try {
+    WriteAll();
+  } catch (...) {
+    if (!iWritten) TakeBack(state);
+    if (iTouched) iStore.NoteFileId();
+    throw;
+  }
+  iStore.NoteFileId();
+  iStack.SetChanged(false);
+  if (!iKept.isEmpty())
+    CVelumSeams::Presenter().Tell(
+        u"Another program had changed the file %1. Its version was kept as %2."_s.arg(iFilename, iKept));
+}
+
+void CVelumBinSave::TakeBack(const CVelumBlobStore::TState& aState) {
+  iStore.Restore(aState);
+  if (!iKept.isEmpty()) CVelumOs::RemoveQuietly(iKept);
+}
+
+void CVelumBinSave::WriteAll() {
+  CVelumListCut cut(iStack);
+  iStore.SwitchToFileBased();
+  iStore.ReleaseChangedPlaces();
+  iPointerPos = CVelumChecked::Narrow<qint32>(EHeadLen + CVelumSaveCheck::Measure(iStack, iView));
+  iBlobPos = CVelumChecked::Add(iPointerPos, static_cast<qint32>(EPointerLen));
+  if (OtherVersionIsThere()) iKept = CVelumOtherVersion::Keep(iPath);
+  if (CanWriteInPlace()) {
+    WriteInPlace();
+  } else {
+    WriteBeside();
+  }
+}
+
+// The file that this stack was loaded from or saved to last is no longer what it was then.
+bool CVelumBinSave::OtherVersionIsThere() const {
+  if (iStack.Filename() != iFilename || !iStore.FileId().Exists()) return false;
+  TVelumFileId there = CVelumOs::IdOf(iPath);
+  return there.Exists() && there != iStore.FileId();
+}
+
+// Only a file that is known, and that has blobs worth leaving where they are.
+bool CVelumBinSave::CanWriteInPlace() const {
+  return iStack.Filename() == iFilename && iStore.FileId().Exists() &&
+         CVelumOs::IdOf(iPath) == iStore.FileId() && iStore.HasBlobsOnFile() && iStore.IsSound();
+}
+
+void CVelumBinSave::WriteStackData(CVelumFile& aFile) {
+  aFile.SeekPos(0);
+  WriteHead(aFile);
+  iStack.Externalize(aFile);
+  iView.Externalize(aFile);
+  // Anything else would overwrite blobs.
+  if (aFile.CurrentPos() != iPointerPos) CVelumError::RaiseHost(EHostBadCall, iStack.ObjDescr());
+}
+
+void CVelumBinSave::WriteTable(CVelumFile& aFile) {
+  qint32 behind = iStore.BehindPos();
+  // The table has to end at a position too.
+  static_cast<void>(CVelumChecked::Narrow<qint32>(behind + iStore.ExtLen()));
+  aFile.SeekPos(iPointerPos);
+  aFile.WriteInt(behind);
+  aFile.SeekPos(behind);
+  iStore.Externalize(aFile);
+}
+
+void CVelumBinSave::WriteInPlace() {
+  CVelumJournal journal(iPath);
+  Ref<CVelumFile> file = iStore.File();
+  iTouched = true;
+  try {
+    // What will certainly be overwritten goes to the disk at once; the rest when its turn comes.
+    journal.Cover(0, iBlobPos);
+    journal.Cover(iStore.BehindPos(), iStore.ExtLen());
+    file->SetWriteGuard(&journal);
+    iStore.SetNewStartPos(iBlobPos);
+    WriteStackData(*file);
+    iStore.Commit();
+    WriteTable(*file);
+    file->Sync();
+    journal.Finish();
+  } catch (...) {
+    file->DropBuffer();
+    file->SetWriteGuard(nullptr);
+    iWritten = journal.Finished();
+    if (!iWritten) RollBack(journal);
+    throw;
+  }
+  file->SetWriteGuard(nullptr);
+  iWritten = true;
+}
+
+// Where this fails too, the journal stays, and the next who opens the file puts it right.
+void CVelumBinSave::RollBack(CVelumJournal& aJournal) {
+  try {
+    aJournal.RollBack();
+  } catch (const CVelumException&) { // the failure of the save is the one to tell
+  }
+}
+
+void CVelumBinSave::WriteBeside() {
+  CVelumNewFile target(iPath);
+  auto file = MakeRef<CVelumFile>(target.Path(), EFilReadWrite);
+  file->OpenFile();
+  WriteStackData(*file);
+  iStore.WriteAllTo(file, iBlobPos);
+  WriteTable(*file);
+  file->Flush();
+  try {
+    target.TakePlace();
+  } catch (...) {
+    iWritten = iTouched = target.Placed();
+    if (iWritten) file->SetFilename(iFilename);
+    throw;
+  }
+  file->SetFilename(iFilename);
+  iWritten = true;
+}

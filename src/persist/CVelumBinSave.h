@@ -1,0 +1,42 @@
+// One save of a stack in the binary form.
+#pragma once
+
+#include "model/CVelumStack.h"
+#include "persist/CVelumViewState.h"
+
+class CVelumJournal;
+
+// Where blobs stay at their places the document is changed in place, under a journal; otherwise it is
+// written whole beside the old one, which it then replaces. After a failure the document on the disk, the
+// stack and its blob store are as they were.
+class CVelumBinSave {
+public:
+  // aFilename as the user named it; symbolic links are followed.
+  CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView);
+  void Run();
+  // Puts the document at aFilename right if a save of it was cut off; true if it was changed.
+  static bool Recover(const QString& aFilename);
+
+private:
+  void WriteAll();
+  void TakeBack(const CVelumBlobStore::TState& aState);
+  [[nodiscard]] bool OtherVersionIsThere() const;
+  [[nodiscard]] bool CanWriteInPlace() const;
+  void WriteInPlace();
+  static void RollBack(CVelumJournal& aJournal);
+  void WriteBeside();
+  void WriteStackData(CVelumFile& aFile);
+  void WriteTable(CVelumFile& aFile);
+
+  QString iFilename;
+  QString iPath; // of the file itself, behind all symbolic links
+  CVelumStack& iStack;
+  CVelumViewState& iView;
+  Ref<CVelumBlobStore> iStoreRef;
+  CVelumBlobStore& iStore;
+  qint32 iPointerPos = 0; // of the pointer to the blob store's table
+  qint32 iBlobPos = 0;    // of the blob area, behind that pointer
+  bool iWritten = false;  // the new document is there
+  bool iTouched = false;  // the file's state has changed, if only for a while
+  QString iKept;          // name under which another version was kept
+};
