@@ -49,8 +49,10 @@ void CVelumSortKey::AddKeyPart(qint32 aType, qint32 aControlId, qint32 aWay, qin
     const TVelumKeyPart& last = iKeyPart[iNumKeyPart - 1];
     pos = CVelumChecked::Add(last.iPos, last.iLen);
   }
+  const QString old = RecordedParts();
   part = {aType, aControlId, aWay, aLen, pos};
-  CVelumRecord::Store(*this, "NumKeyParts", iNumKeyPart, iNumKeyPart + 1, iChanged);
+  ++iNumKeyPart;
+  RecordParts(old);
 }
 
 int CVelumSortKey::Compare(const QString& aKey1, const QString& aKey2) const {
@@ -83,7 +85,26 @@ int CVelumSortKey::ComparePart(const TVelumKeyPart& aPart, QStringView aA, QStri
 }
 
 void CVelumSortKey::Clear() {
-  CVelumRecord::Store(*this, "NumKeyParts", iNumKeyPart, 0, iChanged);
+  const QString old = RecordedParts();
+  iNumKeyPart = 0;
+  RecordParts(old);
+}
+
+// The parts as the recorder hears of them.
+QString CVelumSortKey::RecordedParts() const {
+  QString text;
+  for (qint32 i = 0; CVelumRecord::gRecorder && i < iNumKeyPart; ++i) {
+    const TVelumKeyPart& part = iKeyPart[i];
+    text += u"%1,%2,%3,%4;"_s.arg(part.iType).arg(part.iControlId).arg(part.iWay).arg(part.iLen);
+  }
+  return text;
+}
+
+void CVelumSortKey::RecordParts(const QString& aOld) {
+  iChanged = true;
+  if (CVelumRecord::gRecorder)
+    CVelumRecord::gRecorder->MemberSet(*this, "KeyPart", TVelumValue::OfStr(aOld),
+                                       TVelumValue::OfStr(RecordedParts()));
 }
 
 QString CVelumSortKey::BuildKey(CVelumCard& aCard) const {

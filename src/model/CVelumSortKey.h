@@ -48,6 +48,8 @@ public:
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  [[nodiscard]] QString RecordedParts() const;
+  void RecordParts(const QString& aOld);
   [[nodiscard]] int ComparePart(const TVelumKeyPart& aPart, QStringView aA, QStringView aB) const;
 
   qint32 iId = ENoInt;

@@ -125,7 +125,7 @@ void CVelumStack::AddBackground(const Ref<CVelumControlSet>& aBackground) {
   CreateObj(*iBackground, background.Id(), EValControlSet, aBackground);
   background.SetStack(this);
   background.SetNumCards(0);
-  CVelumRecord::Added(*this, "Backgrounds", background, background.Id());
+  CVelumRecord::Added(*this, "Background", background, background.Id());
 }
 
 CVelumControlSet* CVelumStack::FindBackground(qint32 aId) const {
@@ -183,12 +183,12 @@ bool CVelumStack::GetSortKeyByName(const QString& aName, Ref<CVelumSortKey>& aKe
 void CVelumStack::AddSortKey(const Ref<CVelumSortKey>& aKey) {
   const CVelumSortKey& key = CVelumChecked::Deref(aKey);
   CreateObj(*iSortKey, key.Id(), EValSortKey, aKey);
-  CVelumRecord::Added(*this, "SortKeys", key, key.Id());
+  CVelumRecord::Added(*this, "SortKey", key, key.Id());
 }
 
 void CVelumStack::DeleteSortKey(qint32 aId) {
   if (const auto* key = FindObj<CVelumSortKey>(*iSortKey, aId, EValSortKey))
-    CVelumRecord::Removed(*this, "SortKeys", *key, aId);
+    CVelumRecord::Removed(*this, "SortKey", *key, aId);
   iSortKey->DeleteIntKey(aId);
 }
 
@@ -215,11 +215,11 @@ void CVelumStack::AddKeyIndex(const Ref<CVelumArray>& aKeyIndex) {
   CVelumArray& index = CVelumChecked::Deref(aKeyIndex);
   CVelumError::AssertObj(index.SortKeyId() != ENoInt, this, u"AddKeyIndex"_s, u"aKeyIndex sortKey defined"_s);
   CreateObj(*iKeyIndex, index.Id(), EValArray, aKeyIndex);
-  CVelumRecord::Added(*this, "KeyIndexes", index, index.Id());
+  CVelumRecord::Added(*this, "KeyIndex", index, index.Id());
 }
 
 void CVelumStack::DeleteKeyIndex(qint32 aId) {
   if (const auto* index = FindObj<CVelumArray>(*iKeyIndex, aId, EValArray))
-    CVelumRecord::Removed(*this, "KeyIndexes", *index, aId);
+    CVelumRecord::Removed(*this, "KeyIndex", *index, aId);
   iKeyIndex->DeleteIntKey(aId);
 }

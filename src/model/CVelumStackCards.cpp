@@ -40,7 +40,7 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
   if (!InBulk(card)) AddName(card);
   SetCardListsDirty(nullptr);
   iChangeInfo.iCardListChanged = true;
-  CVelumRecord::Added(*this, "Cards", card, card.Id());
+  CVelumRecord::Added(*this, "Card", card, card.Id());
   if (aWithDefaults) card.InitAllVal();
 }
 
@@ -84,7 +84,7 @@ void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
   }
   for (qint32 i = 0; i < background.NumControls(); ++i)
     if (const CVelumControl* control = background.ControlAt(i)) card->DeleteControlVal(control->Id());
-  CVelumRecord::Removed(*this, "Cards", *card, card->Id());
+  CVelumRecord::Removed(*this, "Card", *card, card->Id());
   if (!InBulk(*card)) iNameIndex->DeleteStrKey(card->Name());
   RemoveCardOrder(*card);
   background.SetNumCards(background.NumCards() - 1);
@@ -136,7 +136,7 @@ void CVelumStack::DeleteBackground(const Ref<CVelumControlSet>& aBackground, boo
   DeleteCardsOf(*background);
   if (aOnlyCards) return;
   DeleteKeysOf(id);
-  CVelumRecord::Removed(*this, "Backgrounds", *background, id);
+  CVelumRecord::Removed(*this, "Background", *background, id);
   iBackground->DeleteIntKey(id);
   background->SetStack(nullptr);
 }
