@@ -112,6 +112,8 @@ void CVelumCard::DeleteControlVal(qint32 aId) {
     CountBlob(old, false);
     iValue->DeleteIntKey(aId);
     CVelumRecord::CardVal(*this, aId, &old, nullptr);
+    const Ref<CVelumControl> control = ControlById(aId);
+    if (control && control->DynFlag(EDynSelControl | EDynListCol)) iStack->NewListBasis();
   }
   Touch();
 }
@@ -180,13 +182,21 @@ void CVelumCard::UpdateCardLists() {
   SetDirty(false);
 }
 
+// The same list for all cards of the background: computed once for all of them.
+void CVelumCard::TakeDefaultList(CVelumControl& aControl) {
+  const quint32 basis = iStack->ListBasis();
+  if (aControl.ListBasis() == basis) return;
+  aControl.SetDefaultVal(aControl.GetCardList(*iStack, {}));
+  aControl.SetListBasis(basis);
+}
+
 void CVelumCard::UpdateCardList(CVelumControl& aControl) {
   if (aControl.RefControlId() != ENoInt) {
     const TVelumValue ref = GetControlVal(aControl.RefControlId(), false);
     SetControlVal(aControl.Id(), CVelumValue::StrToVal(aControl.GetCardList(*iStack, ref)));
   } else {
     if (ControlValDef(aControl.Id())) DeleteControlVal(aControl.Id());
-    aControl.SetDefaultVal(aControl.GetCardList(*iStack, {}));
+    TakeDefaultList(aControl);
     iStack->ChangeCard(*this);
   }
   iChanged = true;

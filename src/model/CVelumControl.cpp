@@ -123,6 +123,7 @@ void CVelumControl::SetLabel(const QString& aLabel) {
 
 void CVelumControl::SetDefaultVal(const QString& aDefault) {
   Store(*this, "DefaultVal", iDefaultVal, aDefault, iChanged);
+  iListBasis = 0;
 }
 
 void CVelumControl::SetDynFlag(qint32 aMask, bool aOn) {
@@ -218,13 +219,7 @@ QString CVelumControl::GetCardList(CVelumStack& aStack, const TVelumValue& aRefV
   const int lisType = LisType();
   QString list;
   bool first = true;
-  Ref<CVelumCard> card;
-  qint32 index = 0;
-  bool found = aStack.GetFirstCardInBackground(background->Id(), card, index);
-  for (; found; found = aStack.GetNextCardInBackground(background->Id(), card, index)) {
-    const bool counts =
-        iSelControlId == ENoInt || CVelumValue::Equal(card->GetControlVal(iSelControlId, true), aRefVal);
-    if (!counts) continue;
+  for (CVelumCard* card : aStack.FindCards(background->Id(), iSelControlId, aRefVal)) {
     if (!first) list += ECrLf;
     first = false;
     AppendCardLine(*card, cols, lisType, list);

@@ -82,6 +82,10 @@ public:
   [[nodiscard]] bool DynFlag(qint32 aMask) const { return (iDynFlags & aMask) != 0; }
   void SetDynFlags(qint32 aFlags) { iDynFlags = aFlags; }
   void SetDynFlag(qint32 aMask, bool aOn);
+  // The stack's ListBasis at which the default was computed as a list of cards; 0 if it is none. Run-time
+  // only.
+  [[nodiscard]] quint32 ListBasis() const { return iListBasis; }
+  void SetListBasis(quint32 aBasis) { iListBasis = aBasis; }
   // Own title, else the name.
   [[nodiscard]] QString ListColTitle() const;
   [[nodiscard]] const QString& TrueListColTitle() const { return iListColTitle; }
@@ -152,6 +156,7 @@ private:
 
   qint32 iConType = EConText;
   qint32 iDynFlags = 0;
+  quint32 iListBasis = 0;
   QString iDescr;
   QString iLabel;
   QString iDefaultVal;

@@ -132,7 +132,7 @@ void CVelumControlSet::AddControl(const Ref<CVelumControl>& aControl, qint32 aBe
   iIdIndex->AdjustInt(place, 1);
   iIdIndex->CreateIntKey(NewElem(*iIdIndex, TVelumValue::OfInt(place), id));
   iChanged = true;
-  CVelumRecord::Added(*this, "Controls", *aControl, place);
+  CVelumRecord::Added(*this, "Control", *aControl, place);
 }
 
 void CVelumControlSet::DeleteControl(qint32 aId) {
@@ -141,7 +141,7 @@ void CVelumControlSet::DeleteControl(qint32 aId) {
   if (pos < 0) return;
   const qint32 place = iIdIndex->ValRef(pos).Int();
   if (const CVelumControl* control = ControlAt(place))
-    CVelumRecord::Removed(*this, "Controls", *control, place);
+    CVelumRecord::Removed(*this, "Control", *control, place);
   iIdIndex->DeleteIntKey(aId);
   iIdIndex->AdjustInt(place + 1, -1);
   iSet->DeleteAt(place);
@@ -172,33 +172,40 @@ void CVelumControlSet::CheckSet() const {
 }
 
 // Other writers delete a control by clearing its slot. Such slots are left out, so that each index below
-// NumControls has its control.
-void CVelumControlSet::DropEmptySlots() {
-  Ref<CVelumArray> set = NewSet();
+// NumControls has its control. Returns how many there were.
+qint32 CVelumControlSet::DropEmptySlots() {
+  const Ref<CVelumArray> set = NewSet();
   for (qint32 i = 0; i < iSet->Count(); ++i)
     if (const TVelumValue& val = iSet->ValRef(i); val.Obj()) set->CreateAtEnd(NewElem(*set, val));
-  if (set->Count() == iSet->Count()) return;
-  iSet = set;
+  const qint32 dropped = iSet->Count() - set->Count();
+  if (dropped > 0) iSet = set;
+  iSet->SetChanged(false);
+  return dropped;
+}
+
+// Whether the index leads from the id of each control to its slot, and knows no other id.
+bool CVelumControlSet::IdIndexAgrees() const {
+  if (iIdIndex->Type() != EValInt || (iIdIndex->Flags() & EKeyFlags) != EArrIntKey) return false;
+  for (qint32 i = 0; i < iIdIndex->Count(); ++i) {
+    const qint32 id = iIdIndex->IntKeyAt(i);
+    const TVelumValue& place = iIdIndex->ValRef(i);
+    const CVelumControl* control = place.Type() == EValInt ? ControlAt(place.Int()) : nullptr;
+    const bool ascending = i == 0 || iIdIndex->IntKeyAt(i - 1) < id;
+    if (!ascending || !control || control->Id() != id) return false;
+  }
+  qint32 controls = 0;
+  for (qint32 i = 0; i < iSet->Count(); ++i) controls += ControlAt(i) ? 1 : 0;
+  return iIdIndex->Count() == controls;
+}
+
+void CVelumControlSet::RebuildIdIndex() {
   iIdIndex = NewIdIndex();
   for (qint32 i = 0; i < iSet->Count(); ++i) {
     const qint32 id = ControlAt(i)->Id();
     CVelumError::ThrowBadStruct(iIdIndex->FindIntKey(id) < 0, this, EReadProc, u"Set id"_s);
     iIdIndex->CreateIntKey(NewElem(*iIdIndex, TVelumValue::OfInt(i), id));
   }
-  iSet->SetChanged(false);
   iIdIndex->SetChanged(false);
-}
-
-void CVelumControlSet::CheckIdIndex() const {
-  const bool intIndex = iIdIndex->Type() == EValInt && (iIdIndex->Flags() & EKeyFlags) == EArrIntKey;
-  CVelumError::ThrowBadStruct(intIndex && iIdIndex->Count() == iSet->Count(), this, EReadProc, u"IdIndex"_s);
-  for (qint32 i = 0; i < iIdIndex->Count(); ++i) {
-    const qint32 id = iIdIndex->IntKeyAt(i);
-    const CVelumControl* control = ControlAt(iIdIndex->ValRef(i).Int());
-    const bool ascending = i == 0 || iIdIndex->IntKeyAt(i - 1) < id;
-    CVelumError::ThrowBadStruct(ascending && control && control->Id() == id, this, EReadProc,
-                                u"IdIndex id"_s);
-  }
 }
 
 void CVelumControlSet::Internalize(CVelumFile& aFile) {
@@ -210,8 +217,9 @@ void CVelumControlSet::Internalize(CVelumFile& aFile) {
   iKeyIndexId = aFile.ReadInt();
   iKeyIndex = nullptr;
   CheckSet();
-  DropEmptySlots();
-  CheckIdIndex();
+  const bool agrees = IdIndexAgrees();
+  if (DropEmptySlots() > 0 || !agrees) RebuildIdIndex();
+  iLoadProblem = agrees ? QString() : ObjDescr() + u": the index of the field ids was wrong"_s;
   iChanged = false;
 }
 

@@ -49,6 +49,8 @@ public:
   [[nodiscard]] bool GetControlByNum(qint32 aNum, Ref<CVelumControl>& aControl) const;
   // Whether a control is a card list.
   [[nodiscard]] bool WithCardList() const;
+  // What the last load found wrong with the index of the ids, which it then built anew; empty if nothing.
+  [[nodiscard]] const QString& LoadProblem() const { return iLoadProblem; }
   // Hot paths: the control at a display position / of an id, uncounted; null when there is none.
   [[nodiscard]] CVelumControl* ControlAt(qint32 aIndex) const;
   [[nodiscard]] CVelumControl* FindControl(qint32 aId) const;
@@ -64,8 +66,9 @@ public:
 
 private:
   void CheckSet() const;
-  void DropEmptySlots();
-  void CheckIdIndex() const;
+  [[nodiscard]] qint32 DropEmptySlots();
+  [[nodiscard]] bool IdIndexAgrees() const;
+  void RebuildIdIndex();
 
   QString iDescr;
   Ref<CVelumArray> iSet;     // controls in display order
@@ -76,4 +79,5 @@ private:
   CVelumStack* iStack = nullptr;
   quint32 iListStamp = 1;
   qint32 iNumCards = 0;
+  QString iLoadProblem;
 };

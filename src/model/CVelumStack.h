@@ -3,6 +3,7 @@
 
 #include "model/CVelumBlobStore.h"
 #include "model/CVelumCard.h"
+#include "model/CVelumCardFinder.h"
 #include "model/CVelumCardOrder.h"
 #include "model/CVelumIdGen.h"
 #include "model/CVelumModel.h"
@@ -115,6 +116,15 @@ public:
                                       Ref<CVelumControlSet>& aBackground) const;
   // aBackground nothing: all.
   void SetCardListsDirty(const Ref<CVelumControlSet>& aBackground);
+  // A number that changes whenever a list that is computed from cards could become another one.
+  [[nodiscard]] quint32 ListBasis() const { return iListBasis; }
+  // The cards of a computed list (see CVelumCardFinder::Find).
+  [[nodiscard]] CVelumCardFinder::TCards FindCards(qint32 aBackgroundId, qint32 aControlId,
+                                                   const TVelumValue& aVal) {
+    return iCardFinder.Find(*this, aBackgroundId, aControlId, aVal, iListBasis);
+  }
+  // Brings all computed lists up to date. A list that is too long for a file (15,000 characters) loses the
+  // lines that don't fit until it is looked at again.
   void PrepareForSave();
 
   // Bulk adding, for imports: the names and keys of cards that are added enter the indexes at the end, all at
@@ -183,6 +193,10 @@ private:
   void LinkNames();
   void LinkKeys();
   void NoteProblem(const QString& aText);
+  void CutLongLists(CVelumControlSet& aBackground, CVelumControl& aControl);
+  // After a load: cards whose lists were cut by the save are dirty.
+  void MarkCutLists();
+  void NewListBasis() { ++iListBasis; }
 
   QString iDescr;
   QString iFilename;
@@ -201,6 +215,8 @@ private:
   qint32 iBulkStart = EBulkOff; // id of the first card added in bulk mode
   int iListUpdates = 0;
   int iNamePasses = 0;
+  quint32 iListBasis = 1;
+  CVelumCardFinder iCardFinder;
   QStringList iLoadProblems;
   mutable Ref<CVelumArray> iOrderView; // what OrderIndex handed out
 };

@@ -180,6 +180,7 @@ void CVelumStack::ChangeCard(const CVelumCard& aCard) {
 // A card that stands in the stack went to another background.
 void CVelumStack::BackgroundSet(CVelumCard& aCard, qint32 aOldId) {
   const qint32 newId = aCard.BackgroundId();
+  NewListBasis();
   if (iOrder.PosOf(aCard.Id()) < 0 || FindCard(aCard.Id()) != &aCard) return;
   if (CVelumControlSet* background = FindBackground(aOldId))
     background->SetNumCards(background->NumCards() - 1);

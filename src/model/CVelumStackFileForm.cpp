@@ -44,6 +44,7 @@ void CVelumStack::Internalize(CVelumFile& aFile) {
   LinkKeys();
   SetControlDynFlags();
   CheckOrderIndex();
+  MarkCutLists();
   iOrder.SetChanged(false);
   iChanged = false;
 }
@@ -73,6 +74,7 @@ void CVelumStack::LinkBackgrounds() {
     CVelumError::ThrowBadStruct(ok, this, EProc, u"background"_s);
     background->SetStack(this);
     background->SetNumCards(0);
+    if (!background->LoadProblem().isEmpty()) NoteProblem(background->LoadProblem());
   }
 }
 

@@ -128,6 +128,7 @@ void CVelumStack::InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelum
     CVelumError::Assert(beforePos >= 0, u"AddCard aBeforeCard OrderNum found"_s);
     if (beforePos >= 0) pos = beforePos;
   }
+  NewListBasis();
   const qint32 num = NumBefore(pos);
   CVelumRecord::Store(*aCard, "OrderNum", aCard->iOrderNum, num);
   iOrder.InsertAt(pos, aCard->Id(), num, CVelumCardOrder::BackgroundBit(aCard->BackgroundId()));
@@ -157,6 +158,7 @@ void CVelumStack::RemoveCardOrder(const CVelumCard& aCard) {
   const qint32 pos = iOrder.PosOf(aCard.Id());
   CVelumError::Assert(pos >= 0, u"DeleteIntKey found"_s);
   if (pos < 0) return;
+  NewListBasis();
   CVelumRecord::Removed(*this, "OrderIndex", aCard, iOrder.NumAt(pos));
   iOrder.RemoveAt(pos);
 }
@@ -186,6 +188,7 @@ void CVelumStack::MoveAllCardsOfBackground(const Ref<CVelumControlSet>& aBackgro
   CVelumError::AssertObj(outside, &iOrder, u"Move"_s, u"aToIndex"_s);
   if (outside && from != end && to != from && to != end) {
     iOrder.Move(from, end - from, to, EStep);
+    NewListBasis();
     CVelumRecord::OrderRebuilt(*this);
   }
   iChangeInfo.iCardListChanged = true;
@@ -266,6 +269,7 @@ void CVelumStack::SetOrder(const std::vector<qint32>& aIds) {
     bits.push_back(card ? CVelumCardOrder::BackgroundBit(card->BackgroundId()) : 0);
   }
   iOrder.Assign(aIds, bits, EStep);
+  NewListBasis();
   CVelumRecord::OrderRebuilt(*this);
   iChangeInfo.iCardListChanged = true;
 }
