@@ -1,0 +1,149 @@
+// Lists that are computed from cards, through card, control and stack together.
+#include "model/CVelumModelLib.h"
+#include "model/CVelumRecorder.h"
+#include "model/ModelTest.h"
+
+using namespace ModelTest;
+
+namespace {
+
+// Counts what is stored in controls and cards.
+class CCounter final : public CVelumRecorder {
+public:
+  CCounter() { CVelumRecord::gRecorder = this; }
+  ~CCounter() override { CVelumRecord::gRecorder = nullptr; }
+  void MemberSet(const CVelumObject&, const char* aMember, const TVelumValue&, const TVelumValue&) override {
+    if (QByteArray(aMember) == "DefaultVal") ++iDefaults;
+  }
+  void Added(const CVelumObject&, const char*, const CVelumObject&, qint32) override {}
+  void Removed(const CVelumObject&, const char*, const CVelumObject&, qint32) override {}
+  void OrderRebuilt(const CVelumObject&) override {}
+  int iDefaults = 0;
+};
+
+struct CVelumCardLists : testing::Test {
+  CVelumCardLists() {
+    iAnn = iSample.AddCard(iSample.iFirst, u"Ann"_s);
+    iBob = iSample.AddCard(iSample.iFirst, u"Bob"_s);
+    iX = iSample.AddCard(iSample.iSecond, u"X"_s);
+    iY = iSample.AddCard(iSample.iSecond, u"Y"_s);
+    for (const Ref<CVelumCard>& card : {iX, iY})
+      card->SetControlVal(iSample.iKey->Id(), TVelumValue::OfStr(u"Bern"_s));
+  }
+  QString All(CVelumCard& aCard) const { return aCard.GetControlVal(iSample.iAll->Id(), true).Str(); }
+  QString Some(CVelumCard& aCard) const { return aCard.GetControlVal(iSample.iSome->Id(), true).Str(); }
+
+  TSampleStack iSample;
+  Ref<CVelumCard> iAnn;
+  Ref<CVelumCard> iBob;
+  Ref<CVelumCard> iX;
+  Ref<CVelumCard> iY;
+};
+
+TEST_F(CVelumCardLists, FollowTheCards) {
+  EXPECT_EQ(All(*iX), u"0\tAnn\r\n1\tBob"_s);
+  EXPECT_EQ(Some(*iX), QString());
+  iAnn->SetControlVal(iSample.iTown->Id(), TVelumValue::OfStr(u"Bern"_s));
+  EXPECT_EQ(Some(*iX), u"0\t\t"_s);
+  iAnn->SetControlVal(iSample.iNote->Id(), TVelumValue::OfStr(u"n"_s));
+  EXPECT_EQ(Some(*iX), u"0\tn\t"_s);
+  iX->SetControlVal(iSample.iKey->Id(), TVelumValue::OfStr(u"Graz"_s));
+  EXPECT_EQ(Some(*iX), QString());
+  EXPECT_EQ(Some(*iY), u"0\tn\t"_s);
+  iSample.iStack->RenameCard(iBob, u"Rob"_s);
+  EXPECT_EQ(All(*iX), u"0\tAnn\r\n1\tRob"_s);
+  iSample.iStack->DeleteCard(iAnn);
+  EXPECT_EQ(All(*iY), u"1\tRob"_s);
+  EXPECT_EQ(Some(*iY), QString());
+}
+
+TEST_F(CVelumCardLists, TheListOfAllCardsIsComputedOnceForThem) {
+  CCounter counter;
+  static_cast<void>(All(*iX));
+  static_cast<void>(All(*iY));
+  EXPECT_EQ(counter.iDefaults, 1);
+  iSample.iStack->RenameCard(iBob, u"Rob"_s);
+  EXPECT_EQ(All(*iY), u"0\tAnn\r\n1\tRob"_s);
+  EXPECT_EQ(counter.iDefaults, 2);
+}
+
+TEST_F(CVelumCardLists, AnOverwrittenDefaultIsComputedAnewWhenDirty) {
+  static_cast<void>(All(*iX));
+  iSample.iAll->SetDefaultVal(u"mine"_s);
+  iY->SetDirty(true);
+  EXPECT_EQ(All(*iY), u"0\tAnn\r\n1\tBob"_s);
+}
+
+TEST_F(CVelumCardLists, AnotherOrderShowsWhenComputedAnew) {
+  EXPECT_EQ(All(*iX), u"0\tAnn\r\n1\tBob"_s);
+  iSample.iStack->MoveCard(iBob, iAnn);
+  EXPECT_EQ(All(*iX), u"0\tAnn\r\n1\tBob"_s);
+  iX->SetDirty(true);
+  EXPECT_EQ(All(*iX), u"1\tBob\r\n0\tAnn"_s);
+}
+
+TEST_F(CVelumCardLists, PrepareForSaveComputesWhatIsDirty) {
+  iAnn->SetControlVal(iSample.iTown->Id(), TVelumValue::OfStr(u"Bern"_s));
+  EXPECT_TRUE(iX->Dirty());
+  iSample.iStack->PrepareForSave();
+  EXPECT_FALSE(iX->Dirty());
+  EXPECT_FALSE(iY->Dirty());
+  EXPECT_EQ(iSample.iAll->DefaultVal(), u"0\tAnn\r\n1\tBob"_s);
+  EXPECT_TRUE(iX->ControlValDef(iSample.iSome->Id()));
+}
+
+TEST_F(CVelumCardLists, TooLongListsAreCutForTheFileAndWholeAfterwards) {
+  const QString note(2000, u'n');
+  for (int i = 0; i < 20; ++i) {
+    const Ref<CVelumCard> card = iSample.AddCard(iSample.iFirst, QString(1000, u'c'));
+    card->SetControlVal(iSample.iTown->Id(), TVelumValue::OfStr(u"Bern"_s));
+    card->SetControlVal(iSample.iNote->Id(), TVelumValue::OfStr(note));
+  }
+  const QString all = All(*iX);
+  const QString some = Some(*iX);
+  ASSERT_GT(all.size(), 20000);
+  ASSERT_GT(some.size(), 40000);
+  iSample.iStack->PrepareForSave();
+  EXPECT_TRUE(CVelumLib::FitsFile(iSample.iAll->DefaultVal()));
+  const QByteArray file = Stored(*iSample.iStack);
+  EXPECT_EQ(All(*iX), all);
+  EXPECT_EQ(Some(*iX), some);
+
+  CVelumModel::Install();
+  const Ref<CVelumStack> read = MakeRef<CVelumStack>();
+  Load(*read, file);
+  EXPECT_FALSE(read->Changed());
+  const Ref<CVelumCard> card = read->GetCardById(iX->Id());
+  ASSERT_TRUE(card);
+  EXPECT_TRUE(card->Dirty());
+  EXPECT_EQ(card->GetControlVal(iSample.iAll->Id(), true).Str(), all);
+  EXPECT_EQ(card->GetControlVal(iSample.iSome->Id(), true).Str(), some);
+}
+
+TEST_F(CVelumCardLists, ShortListsStayCleanAfterALoad) {
+  iSample.iStack->PrepareForSave();
+  CVelumModel::Install();
+  const Ref<CVelumStack> read = MakeRef<CVelumStack>();
+  Load(*read, Stored(*iSample.iStack));
+  EXPECT_FALSE(read->Changed());
+  EXPECT_FALSE(read->GetCardById(iX->Id())->Dirty());
+}
+
+TEST(CVelumCardListsOfMany, AreComputedTogetherInLinearTime) {
+  TSampleStack sample;
+  sample.iAll->SetFlag(EConCardList, false); // its list would be cut
+  constexpr int many = 3000;
+  for (int i = 0; i < many; ++i) {
+    const Ref<CVelumCard> card = sample.AddCard(sample.iFirst, QString::number(i));
+    card->SetControlVal(sample.iTown->Id(), TVelumValue::OfStr(QString::number(i)));
+    const Ref<CVelumCard> other = sample.AddCard(sample.iSecond, QString::number(i));
+    other->SetControlVal(sample.iKey->Id(), TVelumValue::OfStr(QString::number(i)));
+  }
+  sample.iStack->PrepareForSave();
+  Ref<CVelumCard> last;
+  ASSERT_TRUE(sample.iStack->OrderLast(last));
+  EXPECT_FALSE(last->Dirty());
+  EXPECT_EQ(last->GetControlVal(sample.iSome->Id(), true).Str(), u"%1\t\t"_s.arg(2 * (many - 1)));
+}
+
+} // namespace
