@@ -14,6 +14,8 @@ constexpr int EPictureSize = 48;
 constexpr int EMinTextWidth = 220;
 constexpr int EMaxTextWidth = 480;
 constexpr int EMaxTextHeight = 360;
+// Keeps a text that is just as wide from wrapping.
+constexpr int ETextSlack = 4;
 
 QString ImageKey(EMsgClass aClass) {
   static const std::array<QString, 4> keys{u"Critical"_s, u"Exclamation"_s, u"Question"_s, u"Info"_s};
@@ -59,10 +61,10 @@ void CVelumMsgForm::SetText(const QString& aText) {
 }
 
 void CVelumMsgForm::FitText() {
-  QTextDocument* document = iUi->fText->document();
-  document->setTextWidth(EMaxTextWidth);
-  const int width =
-      std::clamp(static_cast<int>(std::ceil(document->idealWidth())) + 4, EMinTextWidth, EMaxTextWidth);
+  // A copy, as the text box lays out its own document for the size that it has now.
+  const std::unique_ptr<QTextDocument> document(iUi->fText->document()->clone());
+  const int wanted = fontMetrics().size(0, document->toPlainText()).width() + ETextSlack;
+  const int width = std::clamp(wanted, EMinTextWidth, EMaxTextWidth);
   document->setTextWidth(width);
   const int height = static_cast<int>(std::ceil(document->size().height()));
   iUi->fText->setFixedSize(width, std::min(height, EMaxTextHeight));
