@@ -5,6 +5,7 @@
 CVelumBaseCheckBox::CVelumBaseCheckBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
     : CVelumBaseControl(EBaseCheckBox, aName, new QCheckBox(aParent), aSink),
       iBox(static_cast<QCheckBox*>(Widget())) {
+  iBox->setAutoFillBackground(true);
   connect(iBox, &QCheckBox::stateChanged, this, [this] { Notify(EBaseClick); });
 }
 

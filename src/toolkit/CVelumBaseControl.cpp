@@ -130,7 +130,6 @@ void CVelumBaseControl::RefreshColors() {
     if (colors.iText.isValid()) palette.setColor(group, roles.iText, colors.iText);
   if (colors.iBack.isValid()) palette.setColor(roles.iBack, colors.iBack);
   iWidget->setPalette(palette);
-  if (roles.iBack == QPalette::Window) iWidget->setAutoFillBackground(colors.iBack.isValid());
 }
 
 bool CVelumBaseControl::HasFocus() const {

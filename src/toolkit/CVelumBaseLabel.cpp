@@ -6,6 +6,7 @@ CVelumBaseLabel::CVelumBaseLabel(const QString& aName, QWidget* aParent)
     : CVelumBaseControl(EBaseLabel, aName, new QLabel(aParent), nullptr),
       iLabel(static_cast<QLabel*>(Widget())) {
   iLabel->setTextFormat(Qt::PlainText);
+  iLabel->setAutoFillBackground(true);
   iLabel->setIndent(0);
   iLabel->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 }

@@ -19,6 +19,11 @@ void CVelumBasePictureBox::SetPicture(const QPixmap& aPicture) {
   iLabel->setPixmap(aPicture);
 }
 
+void CVelumBasePictureBox::SetFrame(bool aOn) {
+  iLabel->setFrameStyle(aOn ? QFrame::StyledPanel | QFrame::Sunken : QFrame::NoFrame);
+  iLabel->setAutoFillBackground(aOn);
+}
+
 void CVelumBasePictureBox::SetPlaceholder(const QString& aText) {
   iLabel->setText(aText);
 }

@@ -13,6 +13,8 @@ public:
   // A null picture empties the box.
   void SetPicture(const QPixmap& aPicture);
   [[nodiscard]] QPixmap Picture() const { return iPicture; }
+  // Without a frame the box is also transparent.
+  void SetFrame(bool aOn);
   void SetPlaceholder(const QString& aText) override;
 
 protected:

@@ -1,0 +1,145 @@
+// The part of CVelumCardView that shows and takes values.
+#include "core/CVelumChecked.h"
+#include "core/CVelumValue.h"
+#include "runtime/CVelumCardView.h"
+#include "runtime/CVelumGenForm.h"
+#include "toolkit/CVelumBaseCheckBox.h"
+#include "toolkit/CVelumBaseComboBox.h"
+#include "toolkit/CVelumBaseLabel.h"
+
+#include <QScopedValueRollback>
+
+namespace {
+
+const QString gSet = u"SetBaseControlVal"_s;
+const QString gGet = u"GetBaseControlVal"_s;
+
+CVelumBaseControl* BaseOf(const CVelumControl& aControl) {
+  return qobject_cast<CVelumBaseControl*>(aControl.BaseControl());
+}
+
+// The text of a value that must be one; an undefined value counts as the empty text.
+QString TextOf(const CVelumControl& aControl, const TVelumValue& aVal, const QString& aDetail) {
+  if (aVal.Type() == EValUndef) return {};
+  CVelumError::AssertObj(aVal.Type() == EValStr, &aControl, gSet, aDetail);
+  return aVal.Str();
+}
+
+void ShowRichText(const CVelumControl& aControl, CVelumBaseControl& aBase, const TVelumValue& aVal) {
+  if (aVal.Type() != EValUndef)
+    CVelumError::AssertObj(aVal.Type() == EValStr, &aControl, gSet, u"aVal.iType"_s);
+  const QString text = CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
+  if (!aControl.Flag(EConWikiText)) {
+    aBase.SetText(text);
+    return;
+  }
+  // The box itself shows rendered text, which comes with the wiki text boxes.
+  if (aControl.WikiTextBox()) aControl.WikiTextBox()->SetStr(text);
+}
+
+void ShowCheckBox(const CVelumControl& aControl, CVelumBaseCheckBox& aBox, const TVelumValue& aVal,
+                  bool& aShowing) {
+  const QScopedValueRollback showing(aShowing, true);
+  if (aVal.Type() != EValUndef)
+    CVelumError::AssertObj(aVal.Type() == EValBoolean, &aControl, gSet, u"aVal.iType"_s);
+  aBox.SetValue(aVal.Boolean() ? 1 : 0);
+}
+
+TVelumValue CheckBoxVal(const CVelumControl& aControl, const CVelumBaseCheckBox& aBox) {
+  CVelumError::AssertObj(aBox.Value() == 0 || aBox.Value() == 1, &aControl, gGet, u"GetBaseControlVal 01"_s);
+  return TVelumValue::OfBoolean(aBox.Value() == 1);
+}
+
+// Whether ShowValues shows the value of a field. Lists and pictures show none until their widgets do; to
+// fetch a computed list would cost a walk over all cards.
+bool IsShown(const CVelumControl& aControl) {
+  if (aControl.ConType() == EConList || aControl.ConType() == EConPicture) return false;
+  return aControl.Flag(EConComboList) || (aControl.ConType() != EConCommand && aControl.InCardView());
+}
+
+} // namespace
+
+void CVelumCardView::ShowValues(CVelumCard& aCard, const CVelumBaseControl* aKeep) {
+  const Ref<CVelumControlSet> set = aCard.Background();
+  if (!set) return;
+  if (set->Flag(ECseShowCardName) && iLayout.CardNameLabel()) iLayout.CardNameLabel()->SetText(aCard.Name());
+  for (qint32 i = 0; i < set->NumControls(); ++i) {
+    const Ref<CVelumControl> control = set->ControlAt(i);
+    if (!control || !IsShown(*control) || (aKeep && control->BaseControl() == aKeep)) continue;
+    SetBaseControlVal(*control, aCard.GetControlVal(control->Id(), false), aCard);
+  }
+}
+
+void CVelumCardView::ShowBoundValues(CVelumCard& aCard) {
+  if (iLayout.CardNameLabel()) iLayout.CardNameLabel()->SetText(aCard.Name());
+  for (int i = 0; i < iLayout.NumControls(); ++i) {
+    const Ref<CVelumControl> control = iLayout.ControlAt(i);
+    if (control->BaseControl() && IsShown(*control))
+      SetBaseControlVal(*control, aCard.GetControlVal(control->Id(), false), aCard);
+  }
+}
+
+void CVelumCardView::SetBaseControlVal(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard) {
+  CVelumBaseControl* base = BaseOf(aControl);
+  CVelumError::AssertObj(base, &aControl, gSet, u"SetBaseControlVal baseControl"_s);
+  if (!base) return;
+  if (aControl.Flag(EConCardName) && iLayout.CardNameLabel())
+    iLayout.CardNameLabel()->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
+  switch (aControl.BaseType()) {
+  case EBaseTextBox:
+    base->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
+    break;
+  case EBaseRichTextBox:
+    ShowRichText(aControl, *base, aVal);
+    break;
+  case EBaseComboBox:
+    ShowCombo(aControl, aVal, aCard);
+    break;
+  case EBaseCheckBox:
+    ShowCheckBox(aControl, static_cast<CVelumBaseCheckBox&>(*base), aVal, ViewForm().iShowing);
+    break;
+  case EBaseButton:
+    break;
+  case EBaseListView:
+    aControl.SetList(aCard.Stack(), TextOf(aControl, aVal, u"aVal.iType"_s), aControl.Flag(EConCardList));
+    break;
+  case EBasePictureBox:
+    if (aVal.Type() != EValUndef)
+      CVelumError::AssertObj(aVal.Type() == EValBlobId, &aControl, gSet, u"EValBlobId"_s);
+    break;
+  default:
+    CVelumError::AssertObj(false, &aControl, gSet, u"SetBaseControlVal iBaseType"_s);
+  }
+}
+
+void CVelumCardView::ShowCombo(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard) {
+  const Ref<CVelumControlSet> set = aCard.Background();
+  Ref<CVelumControl> partner;
+  const bool found = set && set->GetControl(aControl.PartnerId(), partner);
+  CVelumError::AssertObj(found, &aControl, gSet, u"SetBaseControlVal partner"_s);
+  // The list of choices comes with the list boxes; until then the text stands alone.
+  if (aControl.ConType() != EConList)
+    BaseOf(aControl)->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
+}
+
+TVelumValue CVelumCardView::GetBaseControlVal(const CVelumControl& aControl) const {
+  const CVelumBaseControl* base = BaseOf(aControl);
+  if (!base) return TVelumValue::OfStr({});
+  switch (aControl.BaseType()) {
+  case EBaseTextBox:
+  case EBaseRichTextBox:
+    return CVelumValue::ExtTextToVal(base->Text(), aControl.FieldInfo());
+  case EBaseComboBox:
+    return TVelumValue::OfStr(aControl.ConType() == EConList ? aControl.GetList() : base->Text());
+  case EBaseCheckBox:
+    return CheckBoxVal(aControl, static_cast<const CVelumBaseCheckBox&>(*base));
+  case EBaseListView:
+    return TVelumValue::OfStr(aControl.GetList());
+  case EBaseButton:
+  case EBasePictureBox:
+    return {};
+  default:
+    CVelumError::AssertObj(false, &aControl, gGet, u"GetBaseControlVal iBaseType"_s);
+    return {};
+  }
+}

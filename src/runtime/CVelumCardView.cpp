@@ -1,0 +1,236 @@
+#include "runtime/CVelumCardView.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumSeams.h"
+#include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumGenForm.h"
+#include "toolkit/CVelumBaseLabel.h"
+#include "toolkit/CVelumBasePictureBox.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QAction>
+#include <QPainter>
+#include <QPixmap>
+#include <QScopeGuard>
+
+namespace {
+
+constexpr int ENumGenFunc = 10;
+// Where a hidden list view lies.
+constexpr float EOutside = 10000.0F;
+
+CVelumScreenMeasure screenMeasure;
+CVelumBaseMeasure* measure = &screenMeasure;
+
+// A named action of the main window; asserts when it has none of that name.
+QAction& ControlByName(const QString& aName) {
+  QAction* action = gFrameHost->FindAction(aName);
+  CVelumError::Assert(action, u"ControlByName "_s + aName);
+  return CVelumChecked::Deref(action);
+}
+
+// Menus take "&" for an access key, as labels of commands are meant to have.
+void SetItem(QAction& aItem, const QString& aCaption) {
+  aItem.setText(aCaption);
+  aItem.setVisible(true);
+}
+
+} // namespace
+
+CVelumCardView::CVelumCardView(Ref<CVelumStack> aStack, QString aName)
+    : iStack(std::move(aStack)), iName(std::move(aName)), iLayout(*measure) {}
+
+CVelumCardView::~CVelumCardView() {
+  Unbind();
+}
+
+void CVelumCardView::SetMeasure(CVelumBaseMeasure* aMeasure) {
+  measure = aMeasure ? aMeasure : &screenMeasure;
+}
+
+CVelumGenForm& CVelumCardView::ViewForm() const {
+  return CVelumChecked::Deref(dynamic_cast<CVelumGenForm*>(CVelumWinMan::NameToForm(iName)));
+}
+
+Ref<CVelumControl> CVelumCardView::VelumControl(const CVelumBaseControl* aBase) const {
+  for (int i = 0; i < iLayout.NumControls(); ++i)
+    if (iLayout.ControlAt(i)->BaseControl() == aBase) return iLayout.ControlAt(i);
+  CVelumError::Assert(false, u"VelumControl found "_s + (aBase ? aBase->Name() : QString()));
+  return nullptr;
+}
+
+bool CVelumCardView::IsVelumControl(const CVelumBaseControl* aBase) const {
+  for (int i = 0; i < iLayout.NumControls(); ++i)
+    if (iLayout.ControlAt(i)->BaseControl() == aBase) return true;
+  return false;
+}
+
+Ref<CVelumControl> CVelumCardView::FocusControl() const {
+  const CVelumBaseControl* active = ViewForm().ActiveControl();
+  return active && IsVelumControl(active) ? VelumControl(active) : nullptr;
+}
+
+void CVelumCardView::AssignControlSet(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aSet) {
+  CVelumGenForm& form = ViewForm();
+  if (aSet == iCurSet) {
+    if (aCard) RenewCard(form, *aCard);
+    return;
+  }
+  const Ref<CVelumControl> before = FocusControl();
+  form.setUpdatesEnabled(false);
+  const auto enable = qScopeGuard([&form] { form.setUpdatesEnabled(true); });
+  Clear();
+  iCurSet = aSet;
+  if (!aCard || !aSet) return;
+  form.SetBackColor(CVelumCardLayout::BackColorOf(*aCard));
+  iLayout.Build(form, aCard, aSet);
+  SetTabOrder(form);
+  AssignMenuCommands(*aSet);
+  CVelumSeams::EventPump().PumpPaint();
+  DrawWallPaper(*aCard);
+  RestoreFocus(form, before);
+}
+
+void CVelumCardView::RenewCard(CVelumGenForm& aForm, const CVelumCard& aCard) {
+  const qint32 color = CVelumCardLayout::BackColorOf(aCard);
+  aForm.SetBackColor(color);
+  for (CVelumBaseControl* base : aForm.Controls())
+    if ((base->Kind() == EBaseCheckBox || base->Kind() == EBaseLabel) && base->Visible())
+      base->SetBackColor(color);
+  CVelumSeams::EventPump().PumpPaint();
+  DrawWallPaper(aCard);
+}
+
+void CVelumCardView::HideAll(CVelumGenForm& aForm) {
+  // With the focus in one of them, each hiding would hand it to the next.
+  aForm.DropFocus();
+  for (CVelumBaseControl* base : aForm.Controls()) {
+    base->SetVisible(false);
+    if (base->Kind() == EBaseListView) base->SetPlace(EOutside, EOutside);
+    if (base->Kind() == EBasePictureBox)
+      ReleasePicture(*base);
+    else
+      base->Clear();
+  }
+}
+
+void CVelumCardView::Clear() {
+  CVelumGenForm& form = ViewForm();
+  Unbind();
+  HideAll(form);
+  SetTitle(u"(No Card)"_s);
+  iCurSet = nullptr;
+  CVelumSeams::EventPump().PumpPaint();
+}
+
+void CVelumCardView::PrepareClose() {
+  CVelumGenForm& form = ViewForm();
+  for (CVelumBaseControl* base : form.Controls())
+    if (base->Kind() == EBasePictureBox) ReleasePicture(*base);
+  iCurSet = nullptr;
+}
+
+void CVelumCardView::SetTitle(const QString& aTitle) {
+  ViewForm().SetCaption(aTitle);
+}
+
+void CVelumCardView::Unbind() {
+  iLayout.Unbind();
+  for (int i = 0; i < iNumFunc; ++i) iFuncControls[static_cast<size_t>(i)]->SetBaseFunc(nullptr);
+  iFuncControls.fill(nullptr);
+  iNumFunc = 0;
+}
+
+void CVelumCardView::SetTabOrder(CVelumGenForm& aForm) {
+  QWidget* last = &aForm;
+  for (int i = 0; i < iLayout.NumControls(); ++i) {
+    const auto* base = qobject_cast<CVelumBaseControl*>(iLayout.ControlAt(i)->BaseControl());
+    if (!base) continue;
+    QWidget::setTabOrder(last, base->Widget());
+    last = base->Widget();
+  }
+}
+
+void CVelumCardView::RestoreFocus(CVelumGenForm& aForm, const Ref<CVelumControl>& aBefore) {
+  const auto take = [&aForm](const Ref<CVelumControl>& aControl) {
+    auto* base = aControl ? qobject_cast<CVelumBaseControl*>(aControl->BaseControl()) : nullptr;
+    if (!base || !base->Enabled() || !aForm.Controls().contains(base)) return false;
+    base->SetFocus();
+    return true;
+  };
+  if (take(aBefore)) return;
+  for (int i = 0; i < iLayout.NumControls(); ++i)
+    if (take(iLayout.ControlAt(i))) return;
+}
+
+void CVelumCardView::AssignMenuCommands(const CVelumControlSet& aSet) {
+  if (!gFrameHost) return;
+  for (qint32 i = 0; i < aSet.NumControls(); ++i) {
+    CVelumControl* control = aSet.ControlAt(i);
+    if (!control || control->ConType() != EConCommand || !control->Flag(EConInMenu)) continue;
+    iFuncControls[static_cast<size_t>(CVelumChecked::Index(iNumFunc, CVelumCardLayout::EMaxControls))] =
+        control;
+    ++iNumFunc;
+  }
+  ControlByName(u"fCmd"_s).setEnabled(iNumFunc != 0);
+  for (int i = 0; i < iNumFunc; ++i) ShowMenuCommand(i);
+  ControlByName(u"fNoCmd"_s).setVisible(iNumFunc == 0);
+  for (int i = iNumFunc; i < ENumGenFunc; ++i)
+    ControlByName(u"fGenFunc"_s + QString::number(i)).setVisible(false);
+}
+
+void CVelumCardView::ShowMenuCommand(int aNum) {
+  CVelumControl& control = *iFuncControls[static_cast<size_t>(aNum)];
+  QAction& item = ControlByName(u"fGenFunc"_s + QString::number(aNum));
+  SetItem(item, control.Label());
+  control.SetBaseFunc(&item);
+}
+
+void CVelumCardView::ReleasePicture(CVelumBaseControl& aBox) {
+  if (aBox.Tag().isEmpty()) return;
+  const qint32 id = aBox.Tag().toInt();
+  aBox.SetTag({});
+  Ref<CVelumBlobStore> store = iStack->BlobStore();
+  if (!store || !store->HasBlob(id)) return;
+  Ref<CVelumBlob> blob = store->ReadBlob(id, false);
+  if (blob) store->DecDynRefCount(blob);
+}
+
+void CVelumCardView::DrawWallPaper(const CVelumCard& aCard) {
+  const Ref<CVelumControlSet> set = aCard.Background();
+  if (!set || !set->Flag(ECseShowWallPaper)) return;
+  CVelumGenForm& form = ViewForm();
+  auto& box = CVelumChecked::Deref(dynamic_cast<CVelumBasePictureBox*>(form.FindControl(u"fWallPaperBox"_s)));
+  const qint32 id = set->WallPaperId();
+  const bool held = !box.Tag().isEmpty() && box.Tag().toInt() == id;
+  if (!held) ReleasePicture(box);
+  form.update();
+  if (held) return;
+  box.SetPicture({});
+  const Ref<CVelumBlobStore> store = iStack->BlobStore();
+  if (id == ENoInt || !store) return;
+  const Ref<CVelumBlob> blob = store->ReadBlob(id, false);
+  if (!blob) return;
+  QPixmap picture;
+  picture.loadFromData(blob->Bytes());
+  box.SetPicture(picture);
+  blob->IncDynRefCount();
+  box.SetTag(QString::number(id));
+}
+
+void CVelumCardView::PaintWallPaper(QPainter& aPainter, const CVelumCard& aCard) {
+  const Ref<CVelumControlSet> set = aCard.Background();
+  if (!set || !set->Flag(ECseShowWallPaper)) return;
+  CVelumGenForm& form = ViewForm();
+  const auto* box = dynamic_cast<CVelumBasePictureBox*>(form.FindControl(u"fWallPaperBox"_s));
+  if (!box || box->Picture().isNull()) return;
+  const QPixmap picture = box->Picture();
+  if (set->Flag(ECseTileWallPaper)) {
+    aPainter.drawTiledPixmap(form.rect(), picture);
+    return;
+  }
+  const QSizeF outer = form.Place().size() / static_cast<double>(ETwipsPerPixel);
+  const QSizeF size = picture.deviceIndependentSize();
+  aPainter.drawPixmap(QPointF((outer.width() - size.width()) / 2, (outer.height() - size.height()) / 2),
+                      picture);
+}

@@ -1,0 +1,273 @@
+#include "runtime/CVelumGenForm.h"
+
+#include "core/CVelumSeams.h"
+#include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumScriptRunner.h"
+#include "runtime/CVelumStackView.h"
+#include "toolkit/CVelumBaseButton.h"
+#include "toolkit/CVelumBaseCheckBox.h"
+#include "toolkit/CVelumBaseColor.h"
+#include "toolkit/CVelumBaseComboBox.h"
+#include "toolkit/CVelumBaseLabel.h"
+#include "toolkit/CVelumBaseLine.h"
+#include "toolkit/CVelumBaseListView.h"
+#include "toolkit/CVelumBasePictureBox.h"
+#include "toolkit/CVelumBaseRichTextBox.h"
+#include "toolkit/CVelumBaseTextBox.h"
+#include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace {
+
+struct TPool {
+  EBase iKind;
+  QStringView iPrefix;
+  int iSize;
+  float iWidth; // as designed; most are set anew with each layout
+  float iHeight;
+};
+
+constexpr TPool gPools[] = {
+    {EBaseTextBox, u"fGenTextBox", 20, 1200, 315},   {EBaseRichTextBox, u"fGenRichTextBox", 10, 1200, 495},
+    {EBaseComboBox, u"fGenComboBox", 10, 1200, 315}, {EBaseCheckBox, u"fGenCheckBox", 10, 300, 315},
+    {EBaseButton, u"fGenButton", 10, 1200, 375},     {EBaseListView, u"fGenListView", 10, 1200, 495},
+    {EBaseLabel, u"fGenLabel", 30, 1200, 195},       {EBasePictureBox, u"fGenPictureBox", 10, 1200, 495},
+    {EBaseLine, u"fGenLine", 1, 1200, 15},
+};
+
+constexpr float EProgressWidth = 1500.0F;
+constexpr float EProgressHeight = 180.0F;
+
+const TPool& PoolOf(EBase aKind) {
+  return gPools[static_cast<size_t>(aKind)];
+}
+
+CVelumBaseControl* NewBase(EBase aKind, const QString& aName, CVelumGenForm& aForm) {
+  switch (aKind) {
+  case EBaseTextBox:
+    return new CVelumBaseTextBox(aName, &aForm, &aForm);
+  case EBaseRichTextBox:
+    return new CVelumBaseRichTextBox(aName, &aForm, &aForm);
+  case EBaseComboBox:
+    return new CVelumBaseComboBox(aName, &aForm, &aForm);
+  case EBaseCheckBox:
+    return new CVelumBaseCheckBox(aName, &aForm, &aForm);
+  case EBaseButton:
+    return new CVelumBaseButton(aName, &aForm, &aForm);
+  case EBaseListView:
+    return new CVelumBaseListView(aName, &aForm, &aForm);
+  case EBaseLabel:
+    return new CVelumBaseLabel(aName, &aForm);
+  case EBasePictureBox:
+    return new CVelumBasePictureBox(aName, &aForm, &aForm);
+  case EBaseLine:
+    break;
+  }
+  return new CVelumBaseLine(aName, &aForm);
+}
+
+} // namespace
+
+// Which handler the event of a kind of control goes to. Labels and the line are passive.
+struct CVelumGenForm::TRoad {
+  EBase iKind;
+  EBaseEvent iEvent;
+  void (CVelumGenForm::*iTo)(CVelumBaseControl& aBase, bool& ioCancel);
+};
+
+CVelumGenForm::CVelumGenForm() : CVelumForm(u"CVelumGenForm"_s, true) {
+  setObjectName(Name());
+  setAutoFillBackground(true);
+  for (const TPool& pool : gPools) AddPool(pool.iKind);
+  AddOthers();
+  SetCaption(u"(No Card)"_s);
+}
+
+QString CVelumGenForm::Prefix(EBase aKind) {
+  return PoolOf(aKind).iPrefix.toString();
+}
+
+int CVelumGenForm::PoolSize(EBase aKind) {
+  return PoolOf(aKind).iSize;
+}
+
+void CVelumGenForm::AddPool(EBase aKind) {
+  const TPool& pool = PoolOf(aKind);
+  for (int i = 0; i < pool.iSize; ++i) {
+    CVelumBaseControl* base = NewBase(aKind, Prefix(aKind) + QString::number(i), *this);
+    base->SetSize(pool.iWidth, pool.iHeight);
+    Add(base);
+  }
+}
+
+void CVelumGenForm::AddOthers() {
+  auto* box = new CVelumBasePictureBox(u"fProgressBox"_s, this, this);
+  box->SetFrame(false);
+  box->SetSize(EProgressWidth, EProgressHeight);
+  Add(box);
+  auto* progress = new CVelumBasePictureBox(u"fProgress"_s, box->Widget(), this);
+  progress->SetFrame(false);
+  progress->SetSize(0, EProgressHeight);
+  progress->Widget()->setBackgroundRole(QPalette::Highlight);
+  progress->Widget()->setAutoFillBackground(true);
+  Add(progress);
+  Add(new CVelumBasePictureBox(u"fWallPaperBox"_s, this, this));
+  Add(new CVelumBasePictureBox(u"fTempPicBox"_s, this, this));
+}
+
+void CVelumGenForm::Add(CVelumBaseControl* aBase) {
+  iControls.append(aBase);
+  iByName.insert(aBase->Name(), aBase);
+}
+
+void CVelumGenForm::Load() {
+  if (gStackView) CVelumWinMan::SetFormRect(*this, gStackView->CardViewPlace());
+}
+
+CVelumBaseControl* CVelumGenForm::ActiveControl() const {
+  return CVelumBaseControl::OfWidget(focusWidget());
+}
+
+void CVelumGenForm::DropFocus() {
+  if (QWidget* widget = focusWidget()) widget->clearFocus();
+}
+
+float CVelumGenForm::OuterWidth() {
+  return static_cast<float>(Place().width());
+}
+
+void CVelumGenForm::SetBackColor(qint32 aColor) {
+  if (aColor == iBackColor) return;
+  iBackColor = aColor;
+  QPalette palette;
+  if (aColor != ENoInt) palette.setColor(QPalette::Window, CVelumBaseColor::ToColor(aColor));
+  setPalette(palette);
+}
+
+void CVelumGenForm::SetCaption(const QString& aCaption) {
+  iCaption = aCaption;
+  // The toolkit takes "[*]" for the mark of a changed document; doubled, it is the text.
+  setWindowTitle(QString(aCaption).replace(u"[*]"_s, u"[*][*]"_s));
+}
+
+void CVelumGenForm::BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) {
+  static constexpr TRoad roads[] = {
+      {EBaseTextBox, EBaseChange, &CVelumGenForm::OnChange},
+      {EBaseTextBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
+      {EBaseTextBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseRichTextBox, EBaseChange, &CVelumGenForm::OnChange},
+      {EBaseRichTextBox, EBaseClick, &CVelumGenForm::OnClick},
+      {EBaseRichTextBox, EBaseDblClick, &CVelumGenForm::OnDblClick},
+      {EBaseRichTextBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
+      {EBaseRichTextBox, EBasePaste, &CVelumGenForm::OnPaste},
+      {EBaseRichTextBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseComboBox, EBaseChange, &CVelumGenForm::OnChange},
+      {EBaseComboBox, EBaseClick, &CVelumGenForm::OnChange}, // a choice is a change
+      {EBaseComboBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
+      {EBaseComboBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseCheckBox, EBaseClick, &CVelumGenForm::OnCheckClick},
+      {EBaseCheckBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
+      {EBaseCheckBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseButton, EBaseClick, &CVelumGenForm::OnClick},
+      {EBaseListView, EBaseItemClick, &CVelumGenForm::OnItemClick},
+      {EBasePictureBox, EBaseClick, &CVelumGenForm::OnClick},
+      {EBasePictureBox, EBaseDblClick, &CVelumGenForm::OnDblClick},
+  };
+  if (!gStackView) return;
+  for (const TRoad& road : roads)
+    if (road.iKind == aBase.Kind() && road.iEvent == aEvent) {
+      // A value that could not be taken stays where it can be seen.
+      if (!CVelumGuard::Run(u"CVelumGenForm.BaseEvent"_s, [&] { (this->*road.iTo)(aBase, ioCancel); }))
+        ioCancel = aEvent == EBaseValidate;
+      return;
+    }
+}
+
+void CVelumGenForm::OnChange(CVelumBaseControl& aBase, bool&) {
+  gStackView->BaseObjChange(&aBase);
+}
+
+void CVelumGenForm::OnClick(CVelumBaseControl& aBase, bool&) {
+  if (aBase.Kind() != EBasePictureBox) {
+    gStackView->BaseObjClick(&aBase);
+    return;
+  }
+  // A click on the progress display stops the running script; on a picture it will change its size.
+  const bool progress = aBase.Name() == u"fProgress" || aBase.Name() == u"fProgressBox";
+  if (progress && gScriptRunner) gScriptRunner->Break();
+}
+
+void CVelumGenForm::OnCheckClick(CVelumBaseControl& aBase, bool&) {
+  if (!iShowing) gStackView->BaseObjClick(&aBase);
+}
+
+void CVelumGenForm::OnDblClick(CVelumBaseControl& aBase, bool&) {
+  gStackView->BaseObjDblClick(&aBase);
+}
+
+void CVelumGenForm::OnGotFocus(CVelumBaseControl& aBase, bool&) {
+  gStackView->BaseObjGotFocus(&aBase);
+}
+
+void CVelumGenForm::OnPaste(CVelumBaseControl& aBase, bool&) {
+  gStackView->BaseObjPaste(&aBase);
+}
+
+void CVelumGenForm::OnValidate(CVelumBaseControl& aBase, bool& ioCancel) {
+  // Anything that was typed elsewhere meanwhile is taken by the same rule.
+  if (gStackView->CurObj() == &aBase)
+    gStackView->BaseObjValidate(&aBase, ioCancel);
+  else
+    gStackView->ValidateCurControl();
+  if (aBase.HasFocus() && gStackView) gStackView->BaseObjGotFocus(&aBase);
+}
+
+void CVelumGenForm::OnItemClick(CVelumBaseControl&, bool&) {
+  // The lines of card lists come with the list boxes.
+}
+
+bool CVelumGenForm::event(QEvent* aEvent) {
+  const bool done = QWidget::event(aEvent);
+  if (aEvent->type() == QEvent::WindowDeactivate && gStackView)
+    CVelumGuard::Run(u"CVelumGenForm.Deactivate"_s, [] { gStackView->BaseFormLostFocus(); });
+  if (aEvent->type() == QEvent::PaletteChange)
+    for (CVelumBaseControl* base : std::as_const(iControls)) base->RefreshColors();
+  return done;
+}
+
+void CVelumGenForm::resizeEvent(QResizeEvent* aEvent) {
+  QWidget::resizeEvent(aEvent);
+  if (gStackView && IsLoaded())
+    CVelumGuard::Run(u"CVelumGenForm.Resize"_s, [] { gStackView->BaseFormResize(); });
+}
+
+void CVelumGenForm::paintEvent(QPaintEvent* aEvent) {
+  QWidget::paintEvent(aEvent);
+  if (!gStackView || !gStackView->CurCard() || !gStackView->CardView()) return;
+  QPainter painter(this);
+  gStackView->CardView()->PaintWallPaper(painter, *gStackView->CurCard());
+}
+
+void CVelumGenForm::mouseReleaseEvent(QMouseEvent* aEvent) {
+  QWidget::mouseReleaseEvent(aEvent);
+  if (aEvent->button() != Qt::RightButton || !gFrameHost) return;
+  const QAction* cmd = gFrameHost->FindAction(u"fCmd"_s);
+  if (QMenu* menu = gFrameHost->CmdMenu(); menu && cmd && cmd->isEnabled())
+    menu->popup(aEvent->globalPosition().toPoint());
+}
+
+void CVelumGenForm::mouseDoubleClickEvent(QMouseEvent* aEvent) {
+  QWidget::mouseDoubleClickEvent(aEvent);
+  CVelumSeams::Presenter().Tell(u"DblClick"_s);
+}
+
+void CVelumGenForm::closeEvent(QCloseEvent* aEvent) {
+  // The program itself never closes this window, it hides and unloads it: so this is the user's wish.
+  aEvent->setAccepted(!gFrameHost || !IsLoaded() || gFrameHost->CloseStack());
+}

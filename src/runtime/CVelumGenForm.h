@@ -1,0 +1,78 @@
+// The card window: a fixed pool of base controls that the card view hands out, and the road of their events.
+#pragma once
+
+#include "toolkit/CVelumBaseControl.h"
+#include "toolkit/CVelumForm.h"
+
+#include <QHash>
+#include <QList>
+#include <QWidget>
+
+class CVelumBasePictureBox;
+
+// Holds no logic: all events go to gStackView. Pool members are named by a prefix of their kind and a number
+// from 0, such as "fGenTextBox0"; besides them there are "fProgressBox" with "fProgress" inside it,
+// "fWallPaperBox" (keeps the wallpaper, never seen) and "fTempPicBox".
+class CVelumGenForm final : public QWidget, public CVelumForm, public CVelumBaseSink {
+  Q_OBJECT
+public:
+  CVelumGenForm();
+  // The prefix and the number of the members of a kind.
+  [[nodiscard]] static QString Prefix(EBase aKind);
+  [[nodiscard]] static int PoolSize(EBase aKind);
+
+  [[nodiscard]] QWidget* Widget() override { return this; }
+  // Takes the place that the stack keeps for the card window.
+  void Load() override;
+  void Unload() override {}
+
+  // Null for a name that no control has. Exact, case-sensitive.
+  [[nodiscard]] CVelumBaseControl* FindControl(const QString& aName) const { return iByName.value(aName); }
+  [[nodiscard]] const QList<CVelumBaseControl*>& Controls() const { return iControls; }
+  // The control that has the focus, or will have it when the window becomes active; or null.
+  [[nodiscard]] CVelumBaseControl* ActiveControl() const;
+  // Takes the focus from all controls.
+  void DropFocus();
+  // Sizes in twips; the outer width counts the frame of the window too.
+  [[nodiscard]] float ClientWidth() const { return CVelumTwips::FromPixel(width()); }
+  [[nodiscard]] float ClientHeight() const { return CVelumTwips::FromPixel(height()); }
+  [[nodiscard]] float OuterWidth();
+  // 0xBBGGRR; ENoInt is the desktop's own colour.
+  [[nodiscard]] qint32 BackColor() const { return iBackColor; }
+  void SetBackColor(qint32 aColor);
+  void SetCaption(const QString& aCaption);
+  [[nodiscard]] const QString& Caption() const { return iCaption; }
+
+  void BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) override;
+
+  // True while the program sets a check box: its click is not the user's then.
+  bool iShowing = false;
+
+protected:
+  bool event(QEvent* aEvent) override;
+  void resizeEvent(QResizeEvent* aEvent) override;
+  void paintEvent(QPaintEvent* aEvent) override;
+  void mouseReleaseEvent(QMouseEvent* aEvent) override;
+  void mouseDoubleClickEvent(QMouseEvent* aEvent) override;
+  void closeEvent(QCloseEvent* aEvent) override;
+
+private:
+  struct TRoad;
+  void AddPool(EBase aKind);
+  void Add(CVelumBaseControl* aBase);
+  void AddOthers();
+  // Where the events of the pool go.
+  void OnChange(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnClick(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnCheckClick(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnDblClick(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnGotFocus(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnPaste(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnValidate(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnItemClick(CVelumBaseControl& aBase, bool& ioCancel);
+
+  QList<CVelumBaseControl*> iControls;
+  QHash<QString, CVelumBaseControl*> iByName;
+  qint32 iBackColor = ENoInt;
+  QString iCaption;
+};

@@ -1,0 +1,64 @@
+#include "runtime/CVelumRuntimeLib.h"
+
+#include "core/CVelumDialogLib.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
+#include "persist/CVelumStackFile.h"
+#include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumStackView.h"
+#include "toolkit/CVelumBaseMeasure.h"
+#include "toolkit/CVelumToolkitLib.h"
+#include "toolkit/CVelumWinMan.h"
+
+namespace {
+
+// Loads before anything of the open stack is touched: a failure leaves stack and windows as they are.
+void LoadStack(const QString& aPath) {
+  if (!CVelumLib::FileExists(aPath)) CVelumError::Throw(EMsgFileNotFound, u"HandleLoadStack"_s, aPath, {});
+  Ref<CVelumStack> stack;
+  Ref<CVelumViewState> state;
+  CVelumStackFile(aPath).LoadStack(stack, state);
+  if (gStackView) gStackView->Release();
+  gStack = stack;
+  gStackView = MakeRef<CVelumStackView>(state, stack);
+  gStackView->OpenViews();
+}
+
+} // namespace
+
+namespace CVelumLib {
+
+void InitRuntime() {
+  CVelumWinMan::SetFactory(u"CVelumGenForm"_s, [] { return new CVelumGenForm; });
+  CVelumFont font;
+  font.SetDefaults();
+  CVelumScreenMeasure::InstallMetrics(MakeToolkitFont(font, false));
+}
+
+QFont MakeToolkitFont(const CVelumFont& aFont, bool aExact) {
+  const auto flag = [&aFont](qint32 aMask) { return (aFont.Flags() & aMask) != 0; };
+  return MakeToolkitFont(aFont.FaceName(), static_cast<double>(aFont.HostPointSize(aExact)), flag(EFntBold),
+                         flag(EFntItalic), flag(EFntUnderline));
+}
+
+bool HandleLoadStack(const QString& aPath) {
+  CVelumDialogLib::BeginWait();
+  try {
+    LoadStack(aPath);
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumLib.HandleLoadStack"_s);
+    CVelumDialogLib::EndWait();
+    CVelumMsg::ShowLastError();
+    return false;
+  }
+  CVelumDialogLib::EndWait();
+  CVelumSeams::ChangeNotify(0);
+  if (gStack && gStack->OrderCorrections() > 0)
+    CVelumMsg::Show(EMsgOrderCorrections, EMsgExclamation, QString::number(gStack->OrderCorrections()));
+  if (gFrameHost) gFrameHost->AddToFileHistory(aPath);
+  return true;
+}
+
+} // namespace CVelumLib

@@ -1,0 +1,19 @@
+// Functions of CVelumLib that need the windows of the open stack.
+#pragma once
+
+#include "model/CVelumFont.h"
+
+#include <QFont>
+
+namespace CVelumLib {
+
+// Registers the card window with the window manager and measures the layout metrics. Called once at start,
+// after InitWinMan.
+void InitRuntime();
+// A font of the toolkit; its size is HostPointSize(aExact).
+[[nodiscard]] QFont MakeToolkitFont(const CVelumFont& aFont, bool aExact);
+// Opens a stack in place of the one that is open. Failures are shown, and leave the open stack and its
+// windows as they were. Returns whether the new stack is open.
+bool HandleLoadStack(const QString& aPath);
+
+} // namespace CVelumLib

@@ -1,0 +1,133 @@
+// The run-time companion of the open stack: current card, history, focus, and what the events of the card
+// window do.
+#pragma once
+
+#include "persist/CVelumViewState.h"
+#include "runtime/CVelumCardView.h"
+#include "runtime/CVelumHistory.h"
+
+#include <QPointer>
+#include <QRectF>
+
+// One for each open stack. Events of the card window end up here and become changes of values and messages
+// to scripts. Pending window events run at fixed points, also in the middle of a change of cards.
+class CVelumStackView final : public CVelumObject {
+public:
+  // A view of a new stack: both windows are to be open, at the default places.
+  CVelumStackView(const QString& aName, Ref<CVelumStack> aStack);
+  // A view of a stack that was read together with aState.
+  CVelumStackView(Ref<CVelumViewState> aState, Ref<CVelumStack> aStack);
+  ~CVelumStackView() override;
+
+  [[nodiscard]] QString ObjDescr() const override { return u"CVelumStackView name="_s + Name(); }
+  [[nodiscard]] const QString& Name() const { return iState->iName; }
+  [[nodiscard]] Ref<CVelumStack> Stack() const { return iStack; }
+  // What the stack file holds of the view; its rectangles and flags are kept up to date by UpdateRect.
+  [[nodiscard]] Ref<CVelumViewState> State() const { return iState; }
+  [[nodiscard]] Ref<CVelumRect> CardViewRect() const { return iState->iCardViewRect; }
+  [[nodiscard]] Ref<CVelumRect> CardListRect() const { return iState->iCardListRect; }
+  // The same as CardViewRect, for the window manager.
+  [[nodiscard]] QRectF CardViewPlace() const;
+  // Null before the card window was opened first.
+  [[nodiscard]] CVelumCardView* CardView() const { return iCardView.get(); }
+  [[nodiscard]] Ref<CVelumCard> CurCard() const { return iCurCard; }
+  [[nodiscard]] CVelumBaseControl* CurObj() const { return iCurObj; }
+  [[nodiscard]] const CVelumHistory& History() const { return iHistory; }
+  [[nodiscard]] bool CardViewIsOpen() const { return iCardViewOpen; }
+  [[nodiscard]] bool CardListIsOpen() const { return iCardListOpen; }
+  // The sort key text of the current card when a field of a kept-sorted background got the focus.
+  [[nodiscard]] const QString& OldKey() const { return iOldKey; }
+  // Whether a value of the current card was set since it was shown.
+  [[nodiscard]] bool CardChanged() const { return iCardChanged; }
+
+  // Opens what the stored state says: the list if it was open, and the card window.
+  void OpenViews();
+  void OpenCardView();
+  // With aRemember the pictures of the window are given up.
+  void CloseCardView(bool aRemember);
+  void OpenCardList();
+  void CloseCardList();
+  // Closes all and unloads the forms.
+  void Release();
+  // Takes what stands in the field that has the focus. The focus stays, and what is typed next is taken too.
+  void ValidateCurControl();
+  void LeaveCurCard();
+  // Takes the places of the open windows into the state.
+  void UpdateRect();
+  void RefreshViews(bool aCardView, bool aCardList);
+  // Lays out the card window anew; what is being typed is taken first.
+  void BaseFormResize();
+  void EmptyStack();
+  void GoToCard(const Ref<CVelumCard>& aCard);
+  void SetFocusToCardView();
+  [[nodiscard]] bool GetCurCard(Ref<CVelumCard>& aCard) const;
+  bool HistoryPrev(Ref<CVelumCard>& aCard);
+  bool HistoryNext(Ref<CVelumCard>& aCard);
+  bool OrderFirst(Ref<CVelumCard>& aCard);
+  bool OrderLast(Ref<CVelumCard>& aCard);
+  bool OrderNext(Ref<CVelumCard>& aCard);
+  bool OrderPrev(Ref<CVelumCard>& aCard);
+  // Appends a card with default values; the current card stays.
+  Ref<CVelumCard> AddCard(const Ref<CVelumControlSet>& aBackground, const QString& aName);
+  // When the current card goes, another one is shown, if possible not of aExclude (or nothing).
+  void DeleteCard(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aExclude);
+  void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards);
+  void UpdateAfterControlChange();
+  // Sets a value for a script or a dialog, and shows it.
+  void SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId, const TVelumValue& aValue);
+
+  // Events of the card window.
+  void BaseObjChange(CVelumBaseControl* aObj);
+  // A base control, or the menu item of a command.
+  void BaseObjClick(QObject* aObj);
+  void BaseObjDblClick(CVelumBaseControl* aObj);
+  void BaseObjGotFocus(CVelumBaseControl* aObj);
+  // Stores the clipboard's text as the value of the field; the window is not told.
+  void BaseObjPaste(CVelumBaseControl* aObj);
+  void BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel);
+  void BaseFormLostFocus();
+  // Sends a message to a control or a card; nothing stands for the current card. Failures are shown.
+  void ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg);
+  // A standard command of EStdCmd; asserts "ExecStdCmd" for any other number.
+  void ExecStdCmd(qint16 aCmd, const CVelumControl& aControl);
+
+private:
+  void SetDefaultRects();
+  void SetCurCard(const Ref<CVelumCard>& aCard);
+  void ShowCurCard();
+  void ShowCurCardFailed(const Ref<CVelumCard>& aCard);
+  void ShowTitle();
+  void Relayout();
+  void FocusCurrent();
+  void ForgetFocus();
+  [[nodiscard]] bool FindOtherCard(const Ref<CVelumControlSet>& aExclude, Ref<CVelumCard>& aCard) const;
+  void LeaveDeletedCard(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aExclude);
+  [[nodiscard]] bool Holds(const Ref<CVelumCard>& aCard) const;
+  [[nodiscard]] bool Bound(const CVelumBaseControl* aObj) const;
+  void Touch(CVelumBaseControl* aObj);
+  [[nodiscard]] bool TakeValue(CVelumControl& aControl);
+  void ShowStored(CVelumControl& aControl);
+  void ClickCheckBox(CVelumBaseControl& aObj);
+  void ClickCommand(const QObject* aObj);
+  void UpdateCardInList();
+  void RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg);
+
+  Ref<CVelumViewState> iState;
+  Ref<CVelumStack> iStack;
+  std::unique_ptr<CVelumCardView> iCardView;
+  bool iCardViewOpen = false;
+  bool iCardListOpen = false;
+  bool iNoChange = false; // the program itself writes into controls
+  bool iCardChanged = false;
+  bool iResizePending = false; // the window's size changed while it was laid out
+  QString iOldKey;
+  CVelumHistory iHistory;
+  Ref<CVelumCard> iCurCard;
+  QPointer<CVelumBaseControl> iCurObj;
+  bool iCurObjChanged = false;
+  bool iValidating = false;
+  Ref<CVelumControlSet> iFailedSet; // the background whose layout failed last: told once
+};
+
+// The view of the open stack; nothing when none is open.
+extern Ref<CVelumStackView> gStackView;

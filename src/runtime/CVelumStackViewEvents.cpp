@@ -1,0 +1,239 @@
+// The part of CVelumStackView that answers the events of the card window.
+#include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
+#include "core/CVelumValue.h"
+#include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumScriptRunner.h"
+#include "runtime/CVelumStackView.h"
+#include "toolkit/CVelumToolkitLib.h"
+
+#include <QScopedValueRollback>
+
+namespace {
+
+const QString gReadOnly = u"Read-only!"_s;
+// The longest text that a document can hold.
+constexpr qsizetype EMaxText = 15000;
+
+bool ScriptRuns() {
+  return gScriptRunner && gScriptRunner->Running();
+}
+
+} // namespace
+
+void CVelumStackView::SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId,
+                                   const TVelumValue& aValue) {
+  aCard->SetControlVal(aControlId, aValue);
+  bool newTitle = false;
+  if (aCard == iCurCard) {
+    iCardChanged = true;
+    const Ref<CVelumControl> control = aCard->ControlById(aControlId);
+    if (control && control->InCardView() && Bound(qobject_cast<CVelumBaseControl*>(control->BaseControl())))
+      ShowStored(*control);
+    newTitle = control && control->Flag(EConCardName);
+  }
+  if (iCurCard && iCurCard->Dirty()) {
+    iCurCard->UpdateCardLists();
+    if (iCardViewOpen) {
+      const QScopedValueRollback noChange(iNoChange, true);
+      // What the user is typing has not been taken yet and stays.
+      iCardView->ShowValues(*iCurCard, iCurObjChanged ? iCurObj.data() : nullptr);
+    }
+  }
+  if (newTitle) ShowTitle();
+}
+
+bool CVelumStackView::Bound(const CVelumBaseControl* aObj) const {
+  return aObj && iCardView && iCardView->IsVelumControl(aObj);
+}
+
+void CVelumStackView::ShowStored(CVelumControl& aControl) {
+  const QScopedValueRollback noChange(iNoChange, true);
+  iCardView->SetBaseControlVal(aControl, iCurCard->GetControlVal(aControl.Id(), false), *iCurCard);
+}
+
+void CVelumStackView::BaseObjChange(CVelumBaseControl* aObj) {
+  if (iNoChange || iValidating || !Bound(aObj)) return;
+  Touch(aObj);
+  iCurObjChanged = true;
+}
+
+void CVelumStackView::Touch(CVelumBaseControl* aObj) {
+  // Text can be dropped into a field that has not the focus.
+  if (aObj == iCurObj) return;
+  ValidateCurControl();
+  BaseObjGotFocus(aObj);
+}
+
+void CVelumStackView::BaseObjGotFocus(CVelumBaseControl* aObj) {
+  if (aObj == iCurObj || !Bound(aObj)) return;
+  const Ref<CVelumControlSet> set = iCurCard ? iCurCard->Background() : nullptr;
+  if (set && set->Flag(ECseKeepCardsSorted)) {
+    const Ref<CVelumArray> index = set->KeyIndex();
+    const Ref<CVelumKeyOrder> key = index ? index->SortKey() : nullptr;
+    if (const auto* sortKey = dynamic_cast<const CVelumSortKey*>(key.Get()))
+      iOldKey = sortKey->BuildKey(*iCurCard);
+  }
+  iCurObj = aObj;
+  iCurObjChanged = false;
+}
+
+void CVelumStackView::BaseObjPaste(CVelumBaseControl* aObj) {
+  const Ref<CVelumControl> control = iCurCard && iCardView ? iCardView->VelumControl(aObj) : nullptr;
+  if (!control) return;
+  const QString text = CVelumLib::ToCrLf(CVelumLib::GetClipboardText()).left(EMaxText);
+  iCurCard->SetControlVal(control->Id(), TVelumValue::OfStr(text));
+}
+
+void CVelumStackView::ValidateCurControl() {
+  const QPointer<CVelumBaseControl> base = iCurObj;
+  if (!base || !base->Visible()) return;
+  bool cancel = false;
+  BaseObjValidate(base, cancel);
+  if (base && base->HasFocus()) BaseObjGotFocus(base);
+}
+
+void CVelumStackView::BaseFormLostFocus() {
+  ValidateCurControl();
+}
+
+void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {
+  Q_UNUSED(ioCancel);
+  if (iNoChange || iValidating || !iCurCard || !iCurObj || !iCardView) return;
+  Ref<CVelumControl> control;
+  bool changed = false;
+  {
+    const QScopedValueRollback validating(iValidating, true);
+    CVelumError::AssertObj(iCurObj == aObj, this, u"BaseObjValidate"_s, u"curObj"_s);
+    control = iCardView->VelumControl(aObj);
+    if (!control) return ForgetFocus();
+    changed = TakeValue(*control);
+    if (control->DynFlag(EDynRefControl) && iCurCard->Dirty()) {
+      iCurCard->UpdateCardLists();
+      CVelumError::AssertObj(iCurObj, this, u"BaseObjValidate"_s, u"iCurObj"_s);
+    }
+    if (control->ConType() >= EConInteger && control->ConType() <= EConBoolean) ShowStored(*control);
+    ForgetFocus();
+    CVelumSeams::EventPump().PumpPaint();
+  }
+  ExecScript(control, changed ? u"closeField"_s : u"exitField"_s);
+}
+
+bool CVelumStackView::TakeValue(CVelumControl& aControl) {
+  if (!iCurObjChanged) return false;
+  if (aControl.Flag(EConReadOnly)) {
+    CVelumSeams::Presenter().Tell(gReadOnly);
+    ShowStored(aControl);
+    return false;
+  }
+  const TVelumValue shown = iCardView->GetBaseControlVal(aControl);
+  const TVelumValue stored = iCurCard->GetControlVal(aControl.Id(), false);
+  if (aControl.ConType() != EConBoolean && CVelumValue::Equal(shown, stored)) return false;
+  SetCardValue(iCurCard, aControl.Id(), shown);
+  return true;
+}
+
+void CVelumStackView::BaseObjClick(QObject* aObj) {
+  if (!iCurCard || !iCardView) return;
+  auto* base = qobject_cast<CVelumBaseControl*>(aObj);
+  if (base && base->Kind() == EBaseRichTextBox) return; // links come with the wiki text boxes
+  if (base && base->Kind() == EBaseCheckBox)
+    ClickCheckBox(*base);
+  else
+    ClickCommand(aObj);
+}
+
+void CVelumStackView::ClickCheckBox(CVelumBaseControl& aObj) {
+  const Ref<CVelumControl> control = iCardView->VelumControl(&aObj);
+  if (!control) return;
+  if (control->Flag(EConReadOnly)) {
+    CVelumSeams::Presenter().Tell(gReadOnly);
+    ShowStored(*control);
+    return;
+  }
+  const TVelumValue shown = iCardView->GetBaseControlVal(*control);
+  Touch(&aObj);
+  SetCardValue(iCurCard, control->Id(), shown);
+  iCurObjChanged = true;
+}
+
+void CVelumStackView::ClickCommand(const QObject* aObj) {
+  const Ref<CVelumControlSet> set = iCurCard->Background();
+  for (qint32 i = 0; set && i < set->NumControls(); ++i) {
+    const Ref<CVelumControl> control = set->ControlAt(i);
+    if (!control || !control->InCardView()) continue;
+    if (control->BaseControl() != aObj && control->BaseFunc() != aObj) continue;
+    ExecScript(control, u"select"_s);
+    UpdateCardInList();
+    if (control->StdCmd() != ENoShort) ExecStdCmd(control->StdCmd(), *control);
+    return;
+  }
+}
+
+void CVelumStackView::ExecStdCmd(qint16 aCmd, const CVelumControl& aControl) {
+  Ref<CVelumCard> card;
+  switch (aCmd) {
+  case EStdFirstCard:
+    OrderFirst(card);
+    break;
+  case EStdPrevCard:
+    OrderPrev(card);
+    break;
+  case EStdNextCard:
+    OrderNext(card);
+    break;
+  case EStdLastCard:
+    OrderLast(card);
+    break;
+  case EStdBackInHistory:
+    HistoryPrev(card);
+    break;
+  case EStdForwInHistory:
+    HistoryNext(card);
+    break;
+  case EStdGoToCard:
+    GoToCard(iStack->GetCardById(aControl.DestCardId()));
+    break;
+  case EStdShowCardList:
+    OpenCardList();
+    if (gFrameHost) gFrameHost->ShowForm(u"CVelumCardListForm"_s);
+    break;
+  case EStdSelectCard:
+    if (gFrameHost) gFrameHost->ShowForm(u"CVelumCardSelect"_s);
+    break;
+  default:
+    CVelumError::AssertObj(false, this, u"ExecStdCmd"_s, u"ExecStdCmd"_s);
+  }
+}
+
+void CVelumStackView::BaseObjDblClick(CVelumBaseControl* aObj) {
+  if (!gFrameHost || !Bound(aObj)) return;
+  if (aObj->Kind() == EBaseRichTextBox) gFrameHost->ShowForm(u"CVelumWikiTextEdit"_s);
+  if (aObj->Kind() == EBasePictureBox) gFrameHost->ShowPicture();
+}
+
+void CVelumStackView::UpdateCardInList() {
+  // The list's window takes the changed card from the record; the record starts anew in any case.
+  if (ScriptRuns() || !iCardListOpen) return;
+  iStack->ResetChangeInfo();
+}
+
+void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg) {
+  const Ref<CVelumObject> obj = aObj ? aObj : Ref<CVelumObject>(iCurCard);
+  if (!obj || !gScriptRunner) return;
+  try {
+    RunMessage(obj, aMsg);
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumStackView.ExecScript"_s);
+    if (CVelumError::GetErrorCode() != EMsgRunError) CVelumMsg::ShowLastError();
+    gScriptRunner->Reset();
+  }
+}
+
+void CVelumStackView::RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg) {
+  if (auto* control = dynamic_cast<CVelumControl*>(aObj.Get()))
+    gScriptRunner->LocateAndExecScript(iCurCard, control, aMsg, aObj);
+  else if (auto* card = dynamic_cast<CVelumCard*>(aObj.Get()))
+    gScriptRunner->LocateAndExecScript(card, nullptr, aMsg, aObj);
+}
