@@ -203,19 +203,29 @@ void CVelumCardView::DrawWallPaper(const CVelumCard& aCard) {
   auto& box = CVelumChecked::Deref(dynamic_cast<CVelumBasePictureBox*>(form.FindControl(u"fWallPaperBox"_s)));
   const qint32 id = set->WallPaperId();
   const bool held = !box.Tag().isEmpty() && box.Tag().toInt() == id;
-  if (!held) ReleasePicture(box);
   form.update();
   if (held) return;
-  box.SetPicture({});
-  const Ref<CVelumBlobStore> store = iStack->BlobStore();
-  if (id == ENoInt || !store) return;
-  const Ref<CVelumBlob> blob = store->ReadBlob(id, false);
+  ReleasePicture(box);
+  if (id == ENoInt) {
+    box.SetPicture({});
+    iWallPaperId = ENoInt;
+    return;
+  }
+  HoldWallPaper(box, id);
+}
+
+void CVelumCardView::HoldWallPaper(CVelumBasePictureBox& aBox, qint32 aId) {
+  const Ref<CVelumBlob> blob = CVelumChecked::Deref(iStack->BlobStore()).ReadBlob(aId, false);
   if (!blob) return;
-  QPixmap picture;
-  picture.loadFromData(blob->Bytes());
-  box.SetPicture(picture);
+  // A layout empties the tag, but the picture is still there.
+  if (iWallPaperId != aId) {
+    QPixmap picture;
+    picture.loadFromData(blob->Bytes());
+    aBox.SetPicture(picture);
+    iWallPaperId = aId;
+  }
   blob->IncDynRefCount();
-  box.SetTag(QString::number(id));
+  aBox.SetTag(QString::number(aId));
 }
 
 void CVelumCardView::PaintWallPaper(QPainter& aPainter, const CVelumCard& aCard) {
@@ -223,7 +233,7 @@ void CVelumCardView::PaintWallPaper(QPainter& aPainter, const CVelumCard& aCard)
   if (!set || !set->Flag(ECseShowWallPaper)) return;
   CVelumGenForm& form = ViewForm();
   const auto* box = dynamic_cast<CVelumBasePictureBox*>(form.FindControl(u"fWallPaperBox"_s));
-  if (!box || box->Picture().isNull()) return;
+  if (!box || box->Tag().isEmpty() || box->Picture().isNull()) return;
   const QPixmap picture = box->Picture();
   if (set->Flag(ECseTileWallPaper)) {
     aPainter.drawTiledPixmap(form.rect(), picture);

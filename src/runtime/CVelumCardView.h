@@ -4,6 +4,7 @@
 
 #include "runtime/CVelumCardLayout.h"
 
+class CVelumBasePictureBox;
 class CVelumGenForm;
 class QPainter;
 
@@ -61,6 +62,7 @@ private:
   void ShowMenuCommand(int aNum);
   void RestoreFocus(CVelumGenForm& aForm, const Ref<CVelumControl>& aBefore);
   void SetTabOrder(CVelumGenForm& aForm);
+  void HoldWallPaper(CVelumBasePictureBox& aBox, qint32 aId);
   void ReleasePicture(CVelumBaseControl& aBox);
   void ShowCombo(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard);
 
@@ -70,4 +72,5 @@ private:
   std::array<Ref<CVelumControl>, CVelumCardLayout::EMaxControls> iFuncControls;
   int iNumFunc = 0;
   Ref<CVelumControlSet> iCurSet;
+  qint32 iWallPaperId = ENoInt; // the blob whose picture the wallpaper box holds
 };

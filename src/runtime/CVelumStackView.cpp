@@ -10,6 +10,7 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QScopedValueRollback>
+#include <cmath>
 
 Ref<CVelumStackView> gStackView;
 CVelumScriptRunner* gScriptRunner = nullptr;
@@ -26,8 +27,11 @@ void Yield() {
   CVelumSeams::EventPump().PumpPaint();
 }
 
+// Whether a stored rectangle is of no use: never set, or from a damaged file.
 bool IsUnset(const Ref<CVelumRect>& aRect) {
-  return !aRect || aRect->IsNull() || !(aRect->Width() > 0 && aRect->Height() > 0);
+  return !aRect || !std::isfinite(aRect->X()) || !std::isfinite(aRect->Y()) ||
+         !std::isfinite(aRect->Width()) || !std::isfinite(aRect->Height()) || aRect->Width() <= 0 ||
+         aRect->Height() <= 0;
 }
 
 void UnloadForm(const QString& aName) {

@@ -1,0 +1,109 @@
+// A stack on the screen for tests: a fixed measure, a main window that remembers what it was asked for, and
+// a script runner that remembers messages.
+#pragma once
+
+#include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumRuntimeLib.h"
+#include "runtime/CVelumScriptRunner.h"
+#include "runtime/CVelumStackView.h"
+#include "support/PrintQt.h"
+#include "support/ScriptedPresenter.h"
+#include "support/WidgetApp.h"
+#include "toolkit/CVelumBaseControl.h"
+
+#include <QAction>
+#include <QMenu>
+#include <functional>
+#include <gtest/gtest.h>
+#include <map>
+
+// Each character is 100 twips wide; a line is 20 twips high for each point of the font.
+class FixedMeasure final : public CVelumBaseMeasure {
+public:
+  [[nodiscard]] float TextHeight(const QString&) const override {
+    return 20.0F * static_cast<float>(Font().pointSizeF());
+  }
+  [[nodiscard]] float TextWidth(const QString& aText) const override {
+    return 100.0F * static_cast<float>(aText.size());
+  }
+};
+
+class FakeFrame final : public CVelumFrameHost {
+public:
+  FakeFrame();
+  ~FakeFrame() override { gFrameHost = nullptr; }
+  [[nodiscard]] QAction* FindAction(const QString& aName) override;
+  [[nodiscard]] QMenu* CmdMenu() override { return &iMenu; }
+  [[nodiscard]] QIcon ToolbarIcon(const QString& aKey) override;
+  void AddChild(QWidget* aForm) override;
+  void RemoveChild(QWidget* aForm) override;
+  void ShowChild(QWidget* aForm, bool aRaise) override;
+  void HideChild(QWidget* aForm) override { aForm->hide(); }
+  [[nodiscard]] bool CloseStack() override;
+  QWidget* ShowForm(const QString& aName) override;
+  void ShowPicture() override { iCalls.append(u"ShowPicture"_s); }
+  void AddToFileHistory(const QString& aPath) override { iCalls.append(u"AddToFileHistory "_s + aPath); }
+
+  QWidget iArea;
+  QMenu iMenu;
+  std::map<QString, QAction*> iActions;
+  QStringList iCalls;
+  bool iCloses = true; // what CloseStack answers
+};
+
+class FakeRunner final : public CVelumScriptRunner {
+public:
+  FakeRunner() { gScriptRunner = this; }
+  ~FakeRunner() override { gScriptRunner = nullptr; }
+  void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
+                           const QString& aMsg, const Ref<CVelumObject>& aObj) override;
+  [[nodiscard]] bool Running() const override { return iRunning; }
+  void Break() override { ++iBreaks; }
+  void Reset() override { ++iResets; }
+
+  QStringList iSent; // "message card" or "message card.field"
+  std::function<void(const QString& aSent)> iOnMessage;
+  bool iRunning = false;
+  int iBreaks = 0;
+  int iResets = 0;
+};
+
+class RuntimeTest : public testing::Test {
+protected:
+  RuntimeTest();
+  ~RuntimeTest() override;
+
+  // A field or command at the end of a background.
+  Ref<CVelumControl> AddField(const Ref<CVelumControlSet>& aSet, const QString& aName, qint32 aType,
+                              qint32 aMoreFlags = 0);
+  Ref<CVelumCard> AddCard(const QString& aName, const Ref<CVelumControlSet>& aSet = nullptr);
+  Ref<CVelumControlSet> AddBackground(const QString& aName);
+  // Opens the window on the first card, aWidth by aHeight twips of client area.
+  void Open(float aWidth = 6000, float aHeight = 7500);
+  CVelumStackView& View() { return *gStackView; }
+  CVelumGenForm& Form() { return gStackView->CardView()->ViewForm(); }
+  CVelumBaseControl& Base(const Ref<CVelumControl>& aControl);
+  CVelumBaseControl& Label(const Ref<CVelumControl>& aControl);
+  CVelumBaseControl& Pool(const QString& aName);
+  // Goes into a field, types at its end and stays there.
+  void Type(const Ref<CVelumControl>& aControl, const QString& aText);
+  [[nodiscard]] QString TextOf(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl);
+
+  QApplication& iApp = WidgetApp();
+  TVelumMetrics iMetrics = CVelumSeams::Metrics();
+  ScriptedPresenter iPresenter;
+  FixedMeasure iMeasure;
+  FakeFrame iFrame;
+  FakeRunner iRunner;
+  Ref<CVelumControlSet> iSet; // the first background, dense and without a header unless a test changes that
+};
+
+// Left, top, width and height of a control, for comparisons.
+[[nodiscard]] inline QRectF RectOf(const CVelumBaseControl& aBase) {
+  return {static_cast<qreal>(aBase.Left()), static_cast<qreal>(aBase.Top()),
+          static_cast<qreal>(aBase.Width()), static_cast<qreal>(aBase.Height())};
+}
+inline void PrintTo(const QRectF& aRect, std::ostream* aOut) {
+  *aOut << aRect.x() << "," << aRect.y() << " " << aRect.width() << "x" << aRect.height();
+}
