@@ -183,7 +183,7 @@ private:
   void ApplyShape();
   void SortBy(const std::function<int(qint32, qint32)>& aCompare);
 
-  void CheckCount(CVelumFile& aFile, qint32 aCount) const;
+  [[nodiscard]] qint32 CountThatFits(CVelumFile& aFile, qint32 aCount) const;
   void ReadElems(CVelumFile& aFile, qint32 aCount);
   [[nodiscard]] static Ref<CVelumStored> ReadObj(CVelumFile& aFile, int aTag);
   [[nodiscard]] TVelumValue ReadVal(CVelumFile& aFile);

@@ -6,6 +6,8 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr int ETypeId = 5;
@@ -50,32 +52,33 @@ void CVelumArray::Internalize(CVelumFile& aFile) {
   iSortKeyId = aFile.ReadInt();
   if (alloc > EMaxAlloc) CVelumError::RaiseHost(EHostOutOfMemory);
   iAlloc = alloc;
-  CheckCount(aFile, count);
   ReadElems(aFile, count);
   iChanged = false;
   if (!WithSortKey()) EnsureSorted();
 }
 
-// Memory is only asked for what the file can hold.
-void CVelumArray::CheckCount(CVelumFile& aFile, qint32 aCount) const {
+// How many elements of aCount the file can hold at most: memory is only asked for these.
+qint32 CVelumArray::CountThatFits(CVelumFile& aFile, qint32 aCount) const {
+  if (aCount <= ESmallCount) return aCount;
   const qint64 elemLen = 2 + (WithStrKey() ? 2 : 0) + (WithIntKey() ? 4 : 0);
-  const bool fits =
-      aCount >= 0 && (aCount <= ESmallCount || elemLen * aCount <= aFile.Size() - aFile.CurrentPos());
-  if (!fits)
-    CVelumError::ThrowBadStruct(false, this, u"CVelumArray.Internalize"_s,
-                                u"count="_s + QString::number(aCount));
+  return static_cast<qint32>(std::min<qint64>(aCount, (aFile.Size() - aFile.CurrentPos()) / elemLen));
 }
 
+// A count beyond the file is told when what there is has been read: mostly something else is wrong before.
 void CVelumArray::ReadElems(CVelumFile& aFile, qint32 aCount) {
   ApplyShape();
-  iStore.Reserve(aCount);
-  while (iMax < aCount) {
+  const qint32 fits = CountThatFits(aFile, aCount);
+  if (fits > 0) iStore.Reserve(fits);
+  while (iMax < fits) {
     QString strKey;
     if (WithStrKey()) strKey = aFile.ReadStr();
     const qint32 intKey = WithIntKey() ? aFile.ReadInt() : ENoInt;
     iStore.Append(TVelumCell(ReadVal(aFile), intKey), std::move(strKey));
     ++iMax;
   }
+  if (iMax != aCount)
+    CVelumError::ThrowBadStruct(false, this, u"CVelumArray.Internalize"_s,
+                                u"count="_s + QString::number(aCount));
   ApplyShape();
 }
 

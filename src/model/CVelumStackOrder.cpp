@@ -325,12 +325,15 @@ void CVelumStack::CheckOrderIndexFor(CVelumControlSet& aBackground) {
   if (!GetFirstCardInBackground(aBackground.Id(), card, slot)) return;
   --slot;
   const CVelumArray& keyIndex = CVelumChecked::Deref(aBackground.KeyIndex());
-  for (qint32 i = 0; i < keyIndex.Count(); ++i, ++slot) {
+  for (qint32 i = 0; i < keyIndex.Count(); ++i) {
+    // A file that is cut short leaves keys without a card; what is missing behind it is told by the reader.
+    if (keyIndex.ValRef(i).Type() == EValUndef) continue;
     CVelumError::AssertObj(slot < iOrder.Count(), this, proc, u"orderElem parallel"_s);
     if (slot >= iOrder.Count()) return;
     const CVelumCard* card1 = FindCard(keyIndex.ValRef(i).Int());
     CVelumError::ThrowBadStruct(card1, this, u"CVelumStack."_s + proc, u"card"_s);
     if (iOrder.IdAt(slot) != card1->Id()) SwapForCorrection(slot, *card1);
+    ++slot;
   }
 }
 

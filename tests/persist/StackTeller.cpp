@@ -228,7 +228,9 @@ QJsonObject StackTeller::Tell(CVelumStack& aStack, const CVelumViewState& aView)
   told[u"id_gen"_s] = QJsonObject{{u"next_id"_s, aStack.IdGen().PeekId()}};
   told[u"background"_s] = TellBackgrounds(aStack);
   told[u"card"_s] = TellArray(aStack.Cards());
-  told[u"order_index"_s] = TellArray(aStack.OrderIndex());
+  // The order is kept in another form, so the array told of here is only made for reading.
+  QJsonObject order = TellArray(aStack.OrderIndex());
+  told[u"order_index"_s] = QJsonObject{{u"elems"_s, order[u"elems"_s]}, {u"flags"_s, order[u"flags"_s]}};
   told[u"name_index"_s] = TellArray(aStack.NameIndex());
   told[u"sort_key"_s] = TellSortKeys(aStack);
   told[u"key_index"_s] = TellKeyIndexes(aStack);
