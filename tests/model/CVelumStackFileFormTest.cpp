@@ -1,0 +1,275 @@
+// The stack on file, and what loading puts right.
+#include "core/CVelumLocale.h"
+#include "model/CVelumStack.h"
+
+#include "model/ModelTest.h"
+
+using namespace ModelTest;
+
+namespace {
+
+struct TFileBed : TSampleStack {
+  TFileBed() {
+    CVelumModel::Install();
+    iBy = MakeRef<CVelumSortKey>(iStack->IdGen().NextId(), u"By town"_s, iFirst->Id());
+    iBy->AddKeyPart(EConText, iTown->Id(), EWayAscending, 10);
+    iStack->AddSortKey(iBy);
+    iFirst->SetFlag(ECseKeepCardsSorted, true);
+    iStack->NewIndexForSortKey(iBy);
+    iStack->SetControlDynFlags();
+    for (const QString& town : {u"Graz"_s, u"Bern"_s, u"Wien"_s}) {
+      const Ref<CVelumCard> card = AddCard(iFirst, u"in "_s + town);
+      card->SetControlVal(iTown->Id(), TVelumValue::OfStr(town));
+    }
+    iList = AddCard(iSecond, u"list"_s);
+    iStack->SetDescr(u"described"_s);
+    iStack->SetListFont(MakeRef<CVelumFont>(u"Arial"_s, qint16(200), 0));
+    iStack->PrepareForSave();
+  }
+  Ref<CVelumSortKey> iBy;
+  Ref<CVelumCard> iList;
+};
+
+Ref<CVelumStack> LoadStack(const QByteArray& aBytes) {
+  auto stack = MakeRef<CVelumStack>();
+  Load(*stack, aBytes);
+  return stack;
+}
+
+QString Names(const CVelumStack& aStack) {
+  QStringList names;
+  Ref<CVelumCard> card;
+  for (qint32 i = 0; aStack.GetNextCard(card, i);) names.append(card->Name());
+  return names.join(u',');
+}
+
+// Replaces the only occurrence of aFrom.
+QByteArray Replaced(QByteArray aBytes, const QByteArray& aFrom, const QByteArray& aTo) {
+  EXPECT_EQ(aBytes.count(aFrom), 1);
+  return aBytes.replace(aFrom, aTo);
+}
+
+QByteArray OrderElem(qint32 aNum, qint32 aId) {
+  return Bytes().Int(aNum).Short(EValInt).Int(aId);
+}
+
+QByteArray NameElem(const QString& aName, qint32 aId) {
+  return Bytes().Str(aName).Short(EValInt).Int(aId);
+}
+
+TEST(CVelumStackFileForm, RoundTripKeepsEveryByte) {
+  const TFileBed bed;
+  const QByteArray bytes = Stored(*bed.iStack);
+  EXPECT_EQ(bed.iStack->ExtLen(), bytes.size());
+  const Ref<CVelumStack> read = LoadStack(bytes);
+  EXPECT_FALSE(read->Changed());
+  EXPECT_EQ(read->OrderCorrections(), 0);
+  EXPECT_TRUE(read->LoadProblems().isEmpty());
+  EXPECT_EQ(Stored(*read), bytes);
+  EXPECT_EQ(Names(*read), u"in Bern,in Graz,in Wien,list"_s);
+  EXPECT_FALSE(read->BlobStore());
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(read->GetCard(u"list"_s, card));
+  EXPECT_EQ(card->Stack(), read.Get());
+  EXPECT_FALSE(card->Dirty());
+  EXPECT_EQ(read->NumBackgroundCards(bed.iFirst->Id()), 3);
+  EXPECT_EQ(card->Background()->ControlAt(0)->DynFlags(), EDynRefControl);
+}
+
+TEST(CVelumStackFileForm, ALoadedStackCanBeEdited) {
+  const TFileBed bed;
+  const Ref<CVelumStack> read = LoadStack(Stored(*bed.iStack));
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(read->GetCard(u"in Bern"_s, card));
+  card->SetControlVal(bed.iTown->Id(), TVelumValue::OfStr(u"Zug"_s));
+  EXPECT_EQ(Names(*read), u"in Graz,in Wien,in Bern,list"_s);
+  read->RenameCard(card, u"in Zug"_s);
+  read->DeleteCard(card);
+  read->AddCard(MakeRef<CVelumCard>(u"new"_s, read->Background(bed.iFirst->Id())), nullptr, false);
+  EXPECT_EQ(Names(*read), u"new,in Graz,in Wien,list"_s);
+}
+
+TEST(CVelumStackFileForm, NamesShareTheirTextWithTheIndex) {
+  const TFileBed bed;
+  const Ref<CVelumStack> read = LoadStack(Stored(*bed.iStack));
+  for (qint32 i = 0; i < read->NameIndex().Count(); ++i) {
+    const Ref<CVelumCard> card = read->GetCardById(read->NameIndex().ValRef(i).Int());
+    EXPECT_EQ(card->Name().constData(), read->NameIndex().StrKeyAt(i).constData());
+  }
+}
+
+// Older versions kept the names in collation order.
+TEST(CVelumStackFileForm, AnOldNameIndexIsUpgraded) {
+  TFileBed bed;
+  bed.iStack->DeleteAllCards();
+  for (const QString& name : {u"a"_s, u"B"_s, u"c"_s}) bed.AddCard(bed.iSecond, name);
+  QByteArray bytes = Stored(*bed.iStack);
+  const QByteArray exact = Bytes().Array(41, EValInt, 3);
+  const QByteArray old = Bytes().Array(9, EValInt, 3);
+  bytes = Replaced(bytes, exact + NameElem(u"B"_s, 1) + NameElem(u"a"_s, 0) + NameElem(u"c"_s, 2),
+                   old + NameElem(u"a"_s, 0) + NameElem(u"B"_s, 1) + NameElem(u"c"_s, 2));
+  const Ref<CVelumStack> read = LoadStack(bytes);
+  EXPECT_EQ(read->NameIndex().Flags(), 41);
+  EXPECT_TRUE(read->Changed());
+  read->ResetChanged();
+  EXPECT_TRUE(read->Changed()) << "the mark stands on the index";
+  EXPECT_EQ(read->NameIndex().StrKeyAt(0), u"B"_s);
+  Ref<CVelumCard> card;
+  for (const QString& name : {u"a"_s, u"B"_s, u"c"_s}) EXPECT_TRUE(read->GetCard(name, card));
+  EXPECT_FALSE(read->GetCard(u"b"_s, card));
+}
+
+// A file of another locale: the key index is in the local order first, then the order follows it.
+TEST(CVelumStackFileForm, OrderIsCorrectedByTheKeyIndex) {
+  const TFileBed bed;
+  // ids 0 Graz, 1 Bern, 2 Wien; the file says Wien, Bern, Graz
+  QByteArray bytes = Stored(*bed.iStack);
+  const Ref<CVelumArray> keys = bed.iFirst->KeyIndex();
+  QByteArray sorted;
+  QByteArray turned;
+  for (qint32 i = 0; i < 3; ++i) {
+    const QByteArray elem = NameElem(keys->StrKeyAt(i), keys->ValRef(i).Int());
+    sorted += elem;
+    turned.prepend(elem);
+  }
+  bytes = Replaced(bytes, sorted, turned);
+  const Ref<CVelumStack> sameOrder = LoadStack(bytes);
+  EXPECT_EQ(sameOrder->OrderCorrections(), 0) << "only the index was out of order";
+  EXPECT_FALSE(sameOrder->Changed());
+
+  const Ref<CVelumStack> stack = LoadStack(Stored(*bed.iStack));
+  QByteArray swapped = Stored(*stack);
+  qint32 nums[3];
+  for (qint32 id = 0; id < 3; ++id) nums[id] = stack->GetCardById(id)->OrderNum();
+  // slots Bern(1) Graz(0) Wien(2) become Wien Bern Graz
+  const QByteArray from = OrderElem(nums[1], 1) + OrderElem(nums[0], 0) + OrderElem(nums[2], 2);
+  const QByteArray to = OrderElem(nums[1], 2) + OrderElem(nums[0], 1) + OrderElem(nums[2], 0);
+  swapped = Replaced(swapped, from, to);
+  const Ref<CVelumStack> read = LoadStack(swapped);
+  EXPECT_EQ(read->OrderCorrections(), 2);
+  EXPECT_EQ(Names(*read), u"in Bern,in Graz,in Wien,list"_s);
+  EXPECT_EQ(read->GetCardById(1)->OrderNum(), nums[1]);
+  EXPECT_EQ(read->GetCardById(0)->OrderNum(), nums[0]);
+  EXPECT_FALSE(read->Changed()) << "saving is up to the user";
+}
+
+// Damaged content: the stack is sound after the load, or the load has failed.
+
+TEST(CVelumStackFileForm, OrderOfCardsThatAreNotThere) {
+  const TFileBed bed;
+  const QByteArray bytes = Stored(*bed.iStack);
+  const qint32 num = bed.iList->OrderNum();
+  for (const qint32 id : {-1, 4, 77, 2147483647, 0}) {
+    const Ref<CVelumStack> read = LoadStack(Replaced(bytes, OrderElem(num, 3), OrderElem(num, id)));
+    EXPECT_EQ(Names(*read), u"in Bern,in Graz,in Wien,list"_s) << id;
+    EXPECT_EQ(read->NumCards(), 4);
+    EXPECT_EQ(read->LoadProblems().size(), 2) << "one entry too many, one card lacking";
+    read->DeleteAllCards();
+    EXPECT_EQ(read->NumCards(), 0);
+  }
+}
+
+TEST(CVelumStackFileForm, ANumberThatDiffersIsNoted) {
+  const TFileBed bed;
+  const qint32 num = bed.iList->OrderNum();
+  const Ref<CVelumStack> read =
+      LoadStack(Replaced(Stored(*bed.iStack), OrderElem(num, 3), OrderElem(num + 7, 3)));
+  EXPECT_EQ(read->GetCardById(3)->OrderNum(), num + 7);
+  ASSERT_EQ(read->LoadProblems().size(), 1);
+  EXPECT_TRUE(read->LoadProblems()[0].contains(QString::number(num)));
+}
+
+TEST(CVelumStackFileForm, NamesOfCardsThatAreNotThereAreNotFound) {
+  const TFileBed bed;
+  const Ref<CVelumStack> read =
+      LoadStack(Replaced(Stored(*bed.iStack), NameElem(u"list"_s, 3), NameElem(u"list"_s, 99)));
+  Ref<CVelumCard> card;
+  EXPECT_FALSE(read->GetCard(u"list"_s, card));
+  EXPECT_FALSE(card);
+}
+
+TEST(CVelumStackFileForm, AKeyOfACardThatIsNotThereFailsCleanly) {
+  const TFileBed bed;
+  const Ref<CVelumArray> keys = bed.iFirst->KeyIndex();
+  const QByteArray bytes =
+      Replaced(Stored(*bed.iStack), NameElem(keys->StrKeyAt(1), 0), NameElem(keys->StrKeyAt(1), 99));
+  EXPECT_EQ(Raised([&] { LoadStack(bytes); }), 1006);
+}
+
+TEST(CVelumStackFileForm, ACardWithoutBackgroundFailsCleanly) {
+  TFileBed bed;
+  bed.iList->SetCreDate(36526);
+  bed.iList->SetCreTime(0);
+  const QByteArray dates = Bytes().Int(20000101).Int(0);
+  const QByteArray bytes = Replaced(Stored(*bed.iStack), QByteArray(Bytes().Int(bed.iSecond->Id())) + dates,
+                                    QByteArray(Bytes().Int(4711)) + dates);
+  EXPECT_EQ(Raised([&] { LoadStack(bytes); }), 1006);
+}
+
+TEST(CVelumStackFileForm, AMissingSortKeyFailsCleanly) {
+  const TFileBed bed;
+  const QByteArray name = Bytes().Str(u"By town"_s);
+  const qint32 keyId = bed.iBy->Id();
+  const QByteArray start = Bytes().Int(keyId).Short(EValSortKey).Short(1).Short(9).Short(0).Int(keyId);
+  const QByteArray other = Bytes().Int(4711).Short(EValSortKey).Short(1).Short(9).Short(0).Int(4711);
+  const QByteArray bytes = Replaced(Stored(*bed.iStack), start + name, other + name);
+  EXPECT_EQ(AssertText([&] { LoadStack(bytes); }), u"SortKey found %1"_s.arg(keyId));
+  EXPECT_EQ(RaisedOverruled([&] { LoadStack(bytes); }), 1006);
+}
+
+TEST(CVelumStackFileForm, OtherObjectsInPlaceOfCardsFailCleanly) {
+  const TFileBed bed;
+  const QByteArray cards = Bytes().Array(0, EValCard, 4);
+  const QByteArray asSets = Bytes().Array(0, EValControlSet, 4);
+  EXPECT_EQ(Raised([&] { LoadStack(Replaced(Stored(*bed.iStack), cards, asSets)); }), 1006);
+}
+
+// Whatever byte is changed: a load fails with a message, or gives a stack that can be used.
+class CDamaged {
+public:
+  // Whether the bytes load; then all work on the stack must be safe, assertions overruled.
+  bool Try(const QByteArray& aBytes) const {
+    CVelumFile file(iFolder.Write(u"stack"_s, aBytes), EFilRead);
+    file.OpenFile();
+    const auto stack = MakeRef<CVelumStack>();
+    if (Raised([&] { stack->Internalize(file); }) >= 0) return false;
+    CVelumFile copy(iFolder.Path(u"copy"_s), EFilWrite);
+    RaisedOverruled([&] {
+      stack->PrepareForSave();
+      stack->AdjustVisChar();
+      copy.OpenFile();
+      stack->Externalize(copy);
+    });
+    RaisedOverruled([&] { stack->DeleteAllCards(); });
+    return true;
+  }
+
+private:
+  TempFolder iFolder;
+};
+
+TEST(CVelumStackFileForm, AnyChangedByteIsSafe) {
+  const TFileBed bed;
+  const QByteArray bytes = Stored(*bed.iStack);
+  const CDamaged damaged;
+  int loaded = 0;
+  for (qsizetype pos = 0; pos < bytes.size(); ++pos) {
+    const int old = static_cast<unsigned char>(bytes[pos]);
+    for (const int value : {255, old + 1}) {
+      QByteArray changed = bytes;
+      changed[pos] = static_cast<char>(value);
+      loaded += damaged.Try(changed);
+    }
+  }
+  EXPECT_GT(loaded, 0);
+}
+
+TEST(CVelumStackFileForm, EveryPrefixIsSafe) {
+  const TFileBed bed;
+  const QByteArray bytes = Stored(*bed.iStack);
+  const CDamaged damaged;
+  for (qsizetype len = 0; len < bytes.size(); ++len) static_cast<void>(damaged.Try(bytes.left(len)));
+  EXPECT_TRUE(damaged.Try(bytes));
+}
+
+} // namespace
