@@ -5,7 +5,6 @@
 namespace {
 
 constexpr qint16 EMaxTextKeyLen = 30;
-constexpr qsizetype EMaxFileText = 15000;
 
 qint16 TextKeyLen(const CVelumControl& aControl) {
   const qint16 len = aControl.MaxChar() != ENoShort ? aControl.MaxChar() : aControl.VisChar();
@@ -83,18 +82,4 @@ QString CVelumLib::LineOfCard(CVelumCard& aCard, bool aWithName) {
     line += CVelumValue::ValToExtText(aCard.GetControlVal(control->Id(), false), control->FieldInfo());
   }
   return line;
-}
-
-bool CVelumLib::FitsFile(const QString& aText) {
-  return aText.size() <= EMaxFileText;
-}
-
-QString CVelumLib::CutList(const QString& aText) {
-  if (FitsFile(aText)) return aText;
-  const qsizetype lineEnd = aText.lastIndexOf(u"\r\n"_s, EMaxFileText - 2);
-  return lineEnd < 0 ? u"\r\n"_s : aText.left(lineEnd + 2);
-}
-
-bool CVelumLib::IsCutList(const QString& aText) {
-  return aText.endsWith(u"\r\n"_s);
 }

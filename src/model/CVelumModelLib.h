@@ -19,11 +19,4 @@ namespace CVelumLib {
 // by tabs.
 [[nodiscard]] QString LineOfCard(CVelumCard& aCard, bool aWithName);
 
-// Whether a text can stand in a binary file (15,000 characters).
-[[nodiscard]] bool FitsFile(const QString& aText);
-// The lines of a computed list that fit into a file together. The line end behind the last one tells a later
-// load that the list was cut.
-[[nodiscard]] QString CutList(const QString& aText);
-[[nodiscard]] bool IsCutList(const QString& aText);
-
 } // namespace CVelumLib

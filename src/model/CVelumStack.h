@@ -123,8 +123,7 @@ public:
                                                    const TVelumValue& aVal) {
     return iCardFinder.Find(*this, aBackgroundId, aControlId, aVal, iListBasis);
   }
-  // Brings all computed lists up to date. A list that is too long for a file (15,000 characters) loses the
-  // lines that don't fit until it is looked at again.
+  // Brings all computed lists up to date.
   void PrepareForSave();
 
   // Bulk adding, for imports: the names and keys of cards that are added enter the indexes at the end, all at
@@ -193,9 +192,6 @@ private:
   void LinkNames();
   void LinkKeys();
   void NoteProblem(const QString& aText);
-  void CutLongLists(CVelumControlSet& aBackground, CVelumControl& aControl);
-  // After a load: cards whose lists were cut by the save are dirty.
-  void MarkCutLists();
   void NewListBasis() { ++iListBasis; }
 
   QString iDescr;

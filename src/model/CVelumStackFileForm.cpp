@@ -44,7 +44,6 @@ void CVelumStack::Internalize(CVelumFile& aFile) {
   LinkKeys();
   SetControlDynFlags();
   CheckOrderIndex();
-  MarkCutLists();
   iOrder.SetChanged(false);
   iChanged = false;
 }

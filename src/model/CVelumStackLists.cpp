@@ -1,7 +1,7 @@
 // What changes of cards mean for the lists that are computed from them, and other work over all cards.
 #include "core/CVelumChecked.h"
 #include "core/CVelumValue.h"
-#include "model/CVelumModelLib.h"
+#include "model/CVelumStack.h"
 
 #include <algorithm>
 #include <limits>
@@ -21,13 +21,6 @@ void SetVisSize(CVelumControl& aControl, qint64 aLen) {
   aControl.SetVisChar(oneLine ? static_cast<qint16>(len) : EMaxVisChar);
   const qint64 lines = (len + EMaxVisChar - 1) / EMaxVisChar;
   aControl.SetVisLines(oneLine ? qint16{1} : static_cast<qint16>(std::min<qint64>(lines, EMaxVisLines)));
-}
-QList<Ref<CVelumControl>> CardListsOf(const CVelumControlSet& aBackground) {
-  QList<Ref<CVelumControl>> lists;
-  Ref<CVelumControl> control;
-  for (qint32 i = 0; aBackground.GetNextControl(control, i);)
-    if (control->Flag(EConCardList)) lists.append(control);
-  return lists;
 }
 } // namespace
 
@@ -112,38 +105,6 @@ void CVelumStack::PrepareForSave() {
   Ref<CVelumCard> card;
   for (qint32 i = 0; GetNextCard(card, i);)
     if (card->Dirty()) card->UpdateCardLists();
-  Ref<CVelumControlSet> background;
-  for (qint32 i = 0; GetNextBackground(background, i);)
-    for (const Ref<CVelumControl>& control : CardListsOf(*background)) CutLongLists(*background, *control);
-}
-
-// What no file can hold is cut, and computed anew at the next look.
-void CVelumStack::CutLongLists(CVelumControlSet& aBackground, CVelumControl& aControl) {
-  if (!CVelumLib::FitsFile(aControl.DefaultVal())) {
-    aControl.SetDefaultVal(CVelumLib::CutList(aControl.DefaultVal()));
-    aBackground.RaiseListStamp();
-  }
-  Ref<CVelumCard> card;
-  for (qint32 i = 0; GetNextCardInBackground(aBackground.Id(), card, i);) {
-    const qint32 index = card->Value().FindIntKey(aControl.Id());
-    if (index < 0 || CVelumLib::FitsFile(card->Value().ValRef(index).Str())) continue;
-    const QString cut = CVelumLib::CutList(card->Value().ValRef(index).Str());
-    static_cast<void>(card->StoreVal(aControl.Id(), TVelumValue::OfStr(cut)));
-    card->SetDirty(true);
-  }
-}
-
-void CVelumStack::MarkCutLists() {
-  Ref<CVelumControlSet> background;
-  for (qint32 i = 0; GetNextBackground(background, i);)
-    for (const Ref<CVelumControl>& control : CardListsOf(*background)) {
-      if (CVelumLib::IsCutList(control->DefaultVal())) background->RaiseListStamp();
-      Ref<CVelumCard> card;
-      for (qint32 c = 0; GetNextCardInBackground(background->Id(), card, c);) {
-        const qint32 index = card->Value().FindIntKey(control->Id());
-        if (index >= 0 && CVelumLib::IsCutList(card->Value().ValRef(index).Str())) card->SetDirty(true);
-      }
-    }
 }
 
 void CVelumStack::AdjustVisChar() {

@@ -1,5 +1,4 @@
 // Lists that are computed from cards, through card, control and stack together.
-#include "model/CVelumModelLib.h"
 #include "model/CVelumRecorder.h"
 #include "model/ModelTest.h"
 
@@ -92,34 +91,6 @@ TEST_F(CVelumCardLists, PrepareForSaveComputesWhatIsDirty) {
   EXPECT_TRUE(iX->ControlValDef(iSample.iSome->Id()));
 }
 
-TEST_F(CVelumCardLists, TooLongListsAreCutForTheFileAndWholeAfterwards) {
-  const QString note(2000, u'n');
-  for (int i = 0; i < 20; ++i) {
-    const Ref<CVelumCard> card = iSample.AddCard(iSample.iFirst, QString(1000, u'c'));
-    card->SetControlVal(iSample.iTown->Id(), TVelumValue::OfStr(u"Bern"_s));
-    card->SetControlVal(iSample.iNote->Id(), TVelumValue::OfStr(note));
-  }
-  const QString all = All(*iX);
-  const QString some = Some(*iX);
-  ASSERT_GT(all.size(), 20000);
-  ASSERT_GT(some.size(), 40000);
-  iSample.iStack->PrepareForSave();
-  EXPECT_TRUE(CVelumLib::FitsFile(iSample.iAll->DefaultVal()));
-  const QByteArray file = Stored(*iSample.iStack);
-  EXPECT_EQ(All(*iX), all);
-  EXPECT_EQ(Some(*iX), some);
-
-  CVelumModel::Install();
-  const Ref<CVelumStack> read = MakeRef<CVelumStack>();
-  Load(*read, file);
-  EXPECT_FALSE(read->Changed());
-  const Ref<CVelumCard> card = read->GetCardById(iX->Id());
-  ASSERT_TRUE(card);
-  EXPECT_TRUE(card->Dirty());
-  EXPECT_EQ(card->GetControlVal(iSample.iAll->Id(), true).Str(), all);
-  EXPECT_EQ(card->GetControlVal(iSample.iSome->Id(), true).Str(), some);
-}
-
 TEST_F(CVelumCardLists, ShortListsStayCleanAfterALoad) {
   iSample.iStack->PrepareForSave();
   CVelumModel::Install();
@@ -131,7 +102,6 @@ TEST_F(CVelumCardLists, ShortListsStayCleanAfterALoad) {
 
 TEST(CVelumCardListsOfMany, AreComputedTogetherInLinearTime) {
   TSampleStack sample;
-  sample.iAll->SetFlag(EConCardList, false); // its list would be cut
   constexpr int many = 3000;
   for (int i = 0; i < many; ++i) {
     const Ref<CVelumCard> card = sample.AddCard(sample.iFirst, QString::number(i));

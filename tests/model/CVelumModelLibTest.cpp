@@ -122,22 +122,4 @@ TEST(CVelumModelLib, LineOfCard) {
   EXPECT_EQ(CVelumLib::LineOfCard(loose, true), u"loose"_s);
 }
 
-TEST(CVelumModelLib, ListsAreCutForTheFile) {
-  const QString line(98, u'x');
-  QString list = line;
-  while (list.size() < 14998) list += u"\r\n"_s + line;
-  ASSERT_EQ(list.size(), 14998);
-  EXPECT_TRUE(CVelumLib::FitsFile(list));
-  EXPECT_EQ(CVelumLib::CutList(list), list);
-  EXPECT_FALSE(CVelumLib::IsCutList(list));
-  const QString longer = list + u"\r\nabc"_s;
-  EXPECT_FALSE(CVelumLib::FitsFile(longer));
-  EXPECT_EQ(CVelumLib::CutList(longer), list + u"\r\n"_s);
-  EXPECT_TRUE(CVelumLib::IsCutList(CVelumLib::CutList(longer)));
-  EXPECT_EQ(CVelumLib::CutList(longer).size(), 15000);
-  const QString lines = u"y\r\n"_s + list + u"abc"_s;
-  EXPECT_EQ(CVelumLib::CutList(lines).size(), 3 + 149 * 100);
-  EXPECT_EQ(CVelumLib::CutList(QString(15001, u'x')), u"\r\n"_s);
-}
-
 } // namespace
