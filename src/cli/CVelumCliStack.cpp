@@ -1,0 +1,29 @@
+#include "cli/CVelumCliStack.h"
+
+#include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
+#include "persist/CVelumStackFile.h"
+
+TVelumOpenStack CVelumCliStack::Open(const QString& aPath) {
+  if (!CVelumLib::FileExists(aPath)) CVelumError::Throw(EMsgFileNotFound, u"HandleLoadStack"_s, aPath, {});
+  TVelumOpenStack open;
+  CVelumStackFile(aPath).LoadStack(open.iStack, open.iView);
+  gStack = open.iStack;
+  const qint32 corrections = open.iStack->OrderCorrections();
+  if (corrections > 0) CVelumMsg::Show(EMsgOrderCorrections, EMsgExclamation, QString::number(corrections));
+  return open;
+}
+
+Ref<CVelumControlSet> CVelumCliStack::BackgroundByName(const CVelumStack& aStack, const QString& aName) {
+  Ref<CVelumControlSet> background;
+  if (!aStack.GetBackgroundByName(aName, background))
+    CVelumError::Throw(EMsgBackgroundNotFound, u"CVelumCliStack.BackgroundByName"_s, aName, {});
+  return background;
+}
+
+QString CVelumCliStack::OneLine(QString aText) {
+  aText.replace(u"\r\n"_s, u" "_s);
+  aText.replace(u'\r', u' ');
+  aText.replace(u'\n', u' ');
+  return aText;
+}

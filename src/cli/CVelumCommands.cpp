@@ -1,0 +1,13 @@
+#include "cli/CVelumCommands.h"
+
+const QList<const TVelumCommand*>& CVelumCommands::All() {
+  static const QList<const TVelumCommand*> all{&Info(), &Check(), &Convert(), &Search(), &Cards()};
+  return all;
+}
+
+const TVelumCommand* CVelumCommands::Find(const QString& aName) {
+  for (const TVelumCommand* command : All()) {
+    if (command->iName == aName) return command;
+  }
+  return nullptr;
+}

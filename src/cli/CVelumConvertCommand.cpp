@@ -1,0 +1,31 @@
+// convert: loads a stack and saves it under another name.
+#include "cli/CVelumCliStack.h"
+#include "cli/CVelumCommands.h"
+#include "persist/CVelumStackFile.h"
+
+namespace {
+
+int Run(const TVelumArgs& aArgs, CVelumTerminal&) {
+  const QString format = aArgs.Value(u"format"_s, u"binary"_s);
+  if (format == u"xml"_s) throw TVelumUsage{u"Stacks cannot be written as XML yet."_s};
+  if (format != u"binary"_s) throw TVelumUsage{u"There is no format '%1': binary or xml."_s.arg(format)};
+  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
+  open.iStack->SetFlag(EStaBinary, true);
+  CVelumStackFile(aArgs.iOperands.at(1)).SaveStack(open.iStack, open.iView);
+  return EExitDone;
+}
+
+} // namespace
+
+const TVelumCommand& CVelumCommands::Convert() {
+  static const TVelumCommand command{
+      u"convert"_s,
+      {u"IN"_s, u"OUT"_s},
+      u"load a stack and save it as another file"_s,
+      u"An OUT that exists is replaced once the new file is complete."_s,
+      {{u"format"_s, u"NAME"_s, u"binary (the default) or xml"_s}},
+      false,
+      Run,
+  };
+  return command;
+}

@@ -1,0 +1,200 @@
+// Options, help, exit statuses and messages, whatever the command.
+#include "CliRun.h"
+
+#include "core/CVelumObject.h"
+#include "support/PrintQt.h"
+#include "support/TempFolder.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QStringList ECommands{u"info"_s, u"check"_s, u"convert"_s, u"search"_s, u"cards"_s};
+
+QByteArray ReadText(const QString& aPath) {
+  QFile file(QStringLiteral(ORVELLES_SOURCE) + aPath);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << aPath.toStdString();
+  return file.readAll();
+}
+
+// The commands that read a stack, with what else they need.
+QList<QStringList> CallsOn(const QString& aStack, const QString& aOut) {
+  return {{u"info"_s, aStack},
+          {u"check"_s, aStack},
+          {u"convert"_s, aStack, aOut},
+          {u"search"_s, aStack, u"x"_s},
+          {u"cards"_s, aStack}};
+}
+
+void ExpectFailure(const QString& aStack, const QByteArray& aMessage) {
+  const TempFolder folder;
+  for (const QStringList& call : CallsOn(aStack, folder.Path(u"out.Orvelle"_s))) {
+    const TCliResult result = CliRun::Run(call);
+    EXPECT_EQ(result.iStatus, 1) << call.join(u' ').toStdString();
+    EXPECT_EQ(result.iOut, QByteArray()) << call.join(u' ').toStdString();
+    EXPECT_TRUE(result.iErr.contains("orvelles-cli: " + aMessage)) << result.iErr.toStdString();
+    EXPECT_FALSE(folder.Has(u"out.Orvelle"_s));
+  }
+}
+
+TEST(CVelumCli, HelpListsEveryCommandAndOption) {
+  const TCliResult result = CliRun::Run({u"--help"_s});
+  EXPECT_EQ(result.iStatus, 0);
+  EXPECT_EQ(result.iErr, QByteArray());
+  for (const QString& command : ECommands) EXPECT_TRUE(result.iOut.contains("\n  " + command.toUtf8() + ' '));
+  for (const char* option : {"--locale", "--yes", "--no", "--json", "--help", "--version"})
+    EXPECT_TRUE(result.iOut.contains(option)) << option;
+}
+
+TEST(CVelumCli, EachCommandHasHelpAManualAndCompletion) {
+  const QByteArray manual = ReadText(u"/docs/man/orvelles-cli.1"_s);
+  const QByteArray completion = ReadText(u"/docs/completion/orvelles-cli"_s);
+  EXPECT_TRUE(completion.contains("commands=\"" + ECommands.join(u' ').toUtf8() + '"'));
+  for (const QString& command : ECommands) {
+    const TCliResult help = CliRun::Run({command, u"--help"_s});
+    EXPECT_EQ(help.iStatus, 0);
+    EXPECT_TRUE(help.iOut.startsWith("Usage: orvelles-cli [OPTION]... " + command.toUtf8() + ' '));
+    EXPECT_TRUE(manual.contains(".BI " + command.toUtf8() + ' ') ||
+                manual.contains("\\fB" + command.toUtf8() + "\\fR"));
+  }
+}
+
+TEST(CVelumCli, NoLineOfHelpIsWiderThanATerminal) {
+  QList<QStringList> calls{{u"--help"_s}};
+  for (const QString& command : ECommands) calls.append({command, u"--help"_s});
+  for (const QStringList& call : calls) {
+    for (const QByteArray& line : CliRun::Run(call).iOut.split('\n'))
+      EXPECT_LE(line.size(), 90) << line.data();
+  }
+}
+
+TEST(CVelumCli, VersionNamesTheProgram) {
+  const TCliResult result = CliRun::Run({u"--version"_s});
+  EXPECT_EQ(result.iStatus, 0);
+  EXPECT_TRUE(result.iOut.startsWith("orvelles-cli 0."));
+}
+
+TEST(CVelumCli, WrongUsageGivesStatus2) {
+  const QString stack = CliRun::Data(u"one_card.Orvelle"_s);
+  const QList<QStringList> calls{{},
+                                 {u"frobnicate"_s},
+                                 {u"--frobnicate"_s},
+                                 {u"info"_s},
+                                 {u"info"_s, stack, u"more"_s},
+                                 {u"search"_s, stack},
+                                 {u"info"_s, stack, u"--background"_s, u"x"_s},
+                                 {u"cards"_s, stack, u"--background"_s},
+                                 {u"info"_s, u"--yes"_s, u"--no"_s, stack},
+                                 {u"--locale"_s, u"xx_QQ"_s, u"info"_s, stack},
+                                 {u"convert"_s, stack, u"/nonexistent/x"_s, u"--json"_s},
+                                 {u"convert"_s, stack, u"/nonexistent/x"_s, u"--format"_s, u"pdf"_s},
+                                 {u"convert"_s, stack, u"/nonexistent/x"_s, u"--format"_s, u"xml"_s}};
+  for (const QStringList& call : calls) {
+    const TCliResult result = CliRun::Run(call);
+    EXPECT_EQ(result.iStatus, 2) << call.join(u' ').toStdString();
+    EXPECT_EQ(result.iOut, QByteArray());
+    EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: "));
+    EXPECT_TRUE(result.iErr.contains("--help'"));
+  }
+}
+
+TEST(CVelumCli, GlobalOptionsStandBeforeOrBehindTheCommand) {
+  const QString stack = CliRun::Data(u"one_card.Orvelle"_s);
+  const TCliResult before = CliRun::Run({u"--json"_s, u"info"_s, stack});
+  const TCliResult behind = CliRun::Run({u"info"_s, stack, u"--json"_s});
+  EXPECT_EQ(before.iStatus, 0);
+  EXPECT_EQ(before.iOut, behind.iOut);
+  EXPECT_FALSE(QJsonDocument::fromJson(before.iOut).isNull());
+}
+
+TEST(CVelumCli, AMissingFileIsNotFoundAndNotMade) {
+  const TempFolder folder;
+  ExpectFailure(folder.Path(u"none.Orvelle"_s), "EMsgFileNotFound: ");
+  EXPECT_FALSE(folder.Has(u"none.Orvelle"_s));
+}
+
+TEST(CVelumCli, AFolderIsNoStack) {
+  const TempFolder folder;
+  const TCliResult result = CliRun::Run({u"info"_s, folder.Path()});
+  EXPECT_EQ(result.iStatus, 1);
+  EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: EMsg")) << result.iErr.toStdString();
+}
+
+TEST(CVelumCli, EmptyFilesAndPicturesAreNoStacks) {
+  const TempFolder folder;
+  ExpectFailure(folder.Write(u"empty.Orvelle"_s, {}), "EMsgNotAOrvelle: ");
+  ExpectFailure(folder.Write(u"a.png"_s, QByteArray::fromHex("89504e470d0a1a0a0000000d49484452")),
+                "EMsgNotAOrvelle: ");
+  ExpectFailure(folder.Write(u"zeros.Orvelle"_s, QByteArray(5000, '\0')), "EMsgNotAOrvelle: ");
+}
+
+TEST(CVelumCli, CutStacksAreToldAndDoNoHarm) {
+  QFile file(CliRun::Data(u"one_card.Orvelle"_s));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QByteArray whole = file.readAll();
+  const TempFolder folder;
+  for (qsizetype length = 0; length < whole.size(); length += 23) {
+    const TCliResult result = CliRun::Run({u"check"_s, folder.Write(u"cut.Orvelle"_s, whole.left(length))});
+    EXPECT_EQ(result.iStatus, 1) << length;
+    // A cut that only shortens the last table reads as zeros, which the check finds.
+    EXPECT_TRUE(result.iErr.contains("orvelles-cli: EMsg") || result.iOut.startsWith("file: it is "))
+        << length;
+  }
+}
+
+// Stacks are opened for reading and writing at once, and every failure of that has the same message.
+TEST(CVelumCli, AFileThatMayNotBeOpenedIsRefused) {
+  if (!CliRun::CanDropRights()) GTEST_SKIP() << "left out: the rights of root cannot be given up here";
+  const TempFolder folder;
+  const QFile::Permissions readable = QFile::ReadUser | QFile::ReadGroup | QFile::ReadOther;
+  QFile::setPermissions(folder.Path(),
+                        readable | QFile::WriteUser | QFile::ExeUser | QFile::ExeGroup | QFile::ExeOther);
+  const QByteArray bytes = ReadText(u"/tests/data/stacks/good/one_card.Orvelle"_s);
+  for (const QFile::Permissions& permissions : {QFile::Permissions(), readable}) {
+    const QString path = folder.Write(u"secret%1.Orvelle"_s.arg(permissions.toInt()), bytes);
+    EXPECT_TRUE(QFile::setPermissions(path, permissions));
+    const TCliResult result = CliRun::RunWithoutRights({u"info"_s, path});
+    EXPECT_EQ(result.iStatus, 1);
+    EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: EMsgFileNotFound: ")) << result.iErr.toStdString();
+    EXPECT_TRUE(result.iErr.contains(path.toUtf8()));
+  }
+}
+
+TEST(CVelumCli, QuestionsAreAnsweredAsSaid) {
+  QByteArray bytes = ReadText(u"/tests/data/stacks/good/one_card.Orvelle"_s);
+  bytes[15] = char(30002 & 0xFF); // the length of the stack's name
+  bytes[16] = char(30002 >> 8);
+  const TempFolder folder;
+  const QString path = folder.Write(u"long.Orvelle"_s, bytes);
+  for (const QStringList& no : {QStringList{u"info"_s, path}, QStringList{u"info"_s, u"--no"_s, path}}) {
+    const TCliResult result = CliRun::Run(no);
+    EXPECT_EQ(result.iStatus, 1);
+    EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: EMsgAssertFailedOk: Assert failed"))
+        << result.iErr.data();
+    EXPECT_TRUE(result.iErr.contains("< len 30002"));
+    EXPECT_TRUE(result.iErr.contains("nevertheless? [no]\norvelles-cli: EMsgAssertFailed: "));
+  }
+  const TCliResult yes = CliRun::Run({u"info"_s, u"--yes"_s, path});
+  EXPECT_TRUE(yes.iErr.contains("nevertheless? [yes]\n"));
+  EXPECT_FALSE(yes.iErr.contains("EMsgAssertFailed: "));
+  EXPECT_NE(yes.iStatus, -1);
+}
+
+TEST(CVelumCli, LocaleDecidesHowValuesAreShown) {
+  const QString stack = CliRun::Data(u"all_controls.Orvelle"_s);
+  EXPECT_TRUE(CliRun::Run({u"cards"_s, stack}).iOut.contains("-1,234,567.5"));
+  EXPECT_TRUE(CliRun::Run({u"--locale"_s, u"de_DE"_s, u"cards"_s, stack}).iOut.contains("-1.234.567,5"));
+}
+
+TEST(CVelumCli, AFullDiskUnderTheOutputIsAFailure) {
+  if (!QFile::exists(u"/dev/full"_s)) GTEST_SKIP() << "left out: there is no /dev/full";
+  const TCliResult result = CliRun::RunInto(u"/dev/full"_s, {u"info"_s, CliRun::Data(u"one_card.Orvelle"_s)});
+  EXPECT_EQ(result.iStatus, 1);
+  EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: EMsgSystemError: ")) << result.iErr.toStdString();
+}
+
+} // namespace
