@@ -6,7 +6,7 @@
 CVelumMdiArea::CVelumMdiArea(QWidget* aParent) : QMdiArea(aParent) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
   setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-  setBackground(palette().brush(QPalette::Dark));
+  FollowPalette();
   setFrameShape(QFrame::NoFrame);
 }
 
@@ -71,6 +71,16 @@ bool CVelumMdiArea::eventFilter(QObject* aObject, QEvent* aEvent) {
   if (child && !(child->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized)))
     iPlaces.insert(child, child->geometry());
   return QMdiArea::eventFilter(aObject, aEvent);
+}
+
+void CVelumMdiArea::FollowPalette() {
+  // A little darker than windows, so that these stand out.
+  setBackground(palette().color(QPalette::Window).darker(115));
+}
+
+void CVelumMdiArea::changeEvent(QEvent* aEvent) {
+  QMdiArea::changeEvent(aEvent);
+  if (aEvent->type() == QEvent::PaletteChange) FollowPalette();
 }
 
 void CVelumMdiArea::keyPressEvent(QKeyEvent* aEvent) {

@@ -26,9 +26,11 @@ public:
 
 protected:
   bool eventFilter(QObject* aObject, QEvent* aEvent) override;
+  void changeEvent(QEvent* aEvent) override;
   void keyPressEvent(QKeyEvent* aEvent) override;
 
 private:
+  void FollowPalette();
   [[nodiscard]] QMdiSubWindow* ChildOf(const QWidget* aForm) const;
 
   // The place of each child while it is neither maximised nor minimised.

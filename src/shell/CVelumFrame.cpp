@@ -1,0 +1,279 @@
+#include "shell/CVelumFrame.h"
+
+#include "core/CVelumMsg.h"
+#include "runtime/CVelumRuntimeLib.h"
+#include "runtime/CVelumStackView.h"
+#include "shell/CVelumCommandTable.h"
+#include "shell/CVelumIcons.h"
+#include "shell/CVelumOptions.h"
+#include "shell/CVelumShellDialogLib.h"
+#include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumToolkitLib.h"
+#include "toolkit/CVelumWinMan.h"
+#include "ui_CVelumFrame.h"
+
+#include <QCloseEvent>
+#include <QFileInfo>
+
+CVelumFrame* gFrame = nullptr;
+
+namespace {
+
+constexpr int ENumHistory = 7;
+constexpr int ENumGenFunc = 10;
+// The screen of a phone, at 20 units a pixel.
+constexpr QSizeF EPhoneSize(208 * 20, 255 * 20);
+
+// The toolkit takes "[*]" for the mark of a changed document; doubled, it is the text.
+QString Literal(QString aCaption) {
+  return aCaption.replace(u"[*]"_s, u"[*][*]"_s);
+}
+
+} // namespace
+
+CVelumFrame::CVelumFrame()
+    : CVelumForm(u"CVelumFrame"_s, true), iUi(new Ui::CVelumFrame), iCommands(*this),
+      iEndProcess([] { QCoreApplication::exit(0); }) {
+  iUi->setupUi(this);
+  setAnimated(false);
+  setWindowIcon(CVelumIcons::AppIcon());
+  ConnectMenus();
+  ConnectToolbar();
+  gFrame = this;
+  gFrameHost = this;
+}
+
+CVelumFrame::~CVelumFrame() {
+  gFrame = nullptr;
+  gFrameHost = nullptr;
+}
+
+void CVelumFrame::ConnectMenus() {
+  const auto on = [this](QAction* aAction, auto aCommand) {
+    connect(aAction, &QAction::triggered, this, [aCommand] { CVelumGuard::Run(u"CVelumFrame"_s, aCommand); });
+  };
+  on(iUi->fOpenStack, [this] { iCommands.OpenStack(); });
+  on(iUi->fSaveStack, [this] { iCommands.SaveStack(); });
+  on(iUi->fSaveStackAs, [this] { iCommands.SaveStackAs(); });
+  on(iUi->fCloseStack, [this] { iCommands.CloseStack(); });
+  on(iUi->fDeleteCard, [this] { iCommands.DeleteCard(); });
+  on(iUi->fEmptyStack, [this] { iCommands.EmptyStack(); });
+  on(iUi->fHelp, [this] { CVelumMsg::ShowHelp(Name(), {}); });
+  on(iUi->fClose, [this] { close(); });
+  on(iUi->fSize, [this] { SetPhoneSize(); });
+  for (int i = 0; i < ENumHistory; ++i) {
+    QAction* item = findChild<QAction*>(u"fHistory"_s + QString::number(i));
+    on(item, [this, item] { iCommands.OpenRecent(item->data().toString()); });
+  }
+  for (int i = 0; i < ENumGenFunc; ++i) {
+    QAction* item = FindAction(u"fGenFunc"_s + QString::number(i));
+    on(item, [item] {
+      if (gStackView) gStackView->BaseObjClick(item);
+    });
+  }
+  for (const TVelumCommand& command : CVelumCommandTable::Menus()) {
+    // A submenu has no command of its own.
+    const QString form = command.iForm.toString();
+    auto* item = findChild<QAction*>(command.iAction.toString());
+    if (item && !form.isEmpty()) on(item, [this, form] { ShowForm(form); });
+  }
+  for (QMenu* menu : findChildren<QMenu*>())
+    connect(menu, &QMenu::aboutToShow, this, &CVelumFrame::UpdateMenus);
+  connect(iUi->fOpenRecent, &QMenu::aboutToShow, this, &CVelumFrame::FillHistory);
+  iUi->fDevelopment->menuAction()->setVisible(false);
+}
+
+void CVelumFrame::ConnectToolbar() {
+  for (const TVelumCommand& command : CVelumCommandTable::Toolbar()) {
+    const QString key = command.iAction.toString();
+    QAction* button = findChild<QAction*>(key);
+    button->setIcon(CVelumIcons::Icon(key));
+    connect(button, &QAction::triggered, this, [this, key] {
+      CVelumGuard::Run(u"CVelumFrame.fToolbar_ButtonClick"_s, [&] { ButtonClick(key); });
+    });
+  }
+}
+
+void CVelumFrame::ButtonClick(const QString& aKey) {
+  using TMove = bool (CVelumStackView::*)(Ref<CVelumCard>&);
+  static const QHash<QString, TMove> moves{{u"FirstCard"_s, &CVelumStackView::OrderFirst},
+                                           {u"PrevCard"_s, &CVelumStackView::OrderPrev},
+                                           {u"NextCard"_s, &CVelumStackView::OrderNext},
+                                           {u"LastCard"_s, &CVelumStackView::OrderLast},
+                                           {u"BackInHistory"_s, &CVelumStackView::HistoryPrev},
+                                           {u"ForwInHistory"_s, &CVelumStackView::HistoryNext}};
+  Ref<CVelumCard> card;
+  if (const TMove step = moves.value(aKey)) {
+    // The view must live until it is done, whatever a script does.
+    const Ref<CVelumStackView> view = gStackView;
+    if (view) static_cast<void>((view.Get()->*step)(card));
+    return;
+  }
+  // The other buttons do what the menu item with an "f" before the key does.
+  QAction* item = findChild<QAction*>(u"f"_s + aKey);
+  CVelumError::Assert(item != nullptr, u"fToolbar_ButtonClick Button.Key "_s + aKey);
+  if (!item) return;
+  UpdateMenus();
+  item->trigger();
+}
+
+void CVelumFrame::Load() {
+  iTitle = windowTitle();
+  CVelumForm::Load();
+  UpdateToolbar();
+}
+
+void CVelumFrame::Unload() {
+  CVelumOptions::SaveOptions();
+  CVelumForm::Unload();
+}
+
+void CVelumFrame::closeEvent(QCloseEvent* aEvent) {
+  bool stillOpen = false;
+  CVelumGuard::Run(u"CVelumFrame.QueryUnload"_s, [&] {
+    stillOpen = true;
+    CVelumDialogLib::CloseStackStep(stillOpen);
+  });
+  aEvent->setAccepted(!stillOpen);
+  if (stillOpen) return;
+  // Settings that cannot be written must not keep the window open.
+  CVelumGuard::Run(u"CVelumFrame.Unload"_s, [this] { Unload(); });
+  iEndProcess();
+}
+
+void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
+  switch (aKind) {
+  case 0:
+    SetCaption(gStack ? gStack->Filename() : QString());
+    UpdateToolbar();
+    if (gStackView) gStackView->ExecScript(nullptr, u"openStack"_s);
+    break;
+  case 1:
+  case 3:
+  case 9:
+    if (gStackView) gStackView->RefreshViews(true, true);
+    break;
+  case 8:
+    SetCaption({});
+    UpdateToolbar();
+    break;
+  default:
+    break;
+  }
+}
+
+void CVelumFrame::SetCaption(const QString& aStackName) {
+  setWindowTitle(aStackName.isEmpty() ? iTitle : Literal(aStackName) + u" - "_s + iTitle);
+}
+
+void CVelumFrame::UpdateToolbar() {
+  for (const TVelumCommand& command : CVelumCommandTable::Toolbar()) {
+    auto* button = findChild<QAction*>(command.iAction.toString());
+    const bool built = CVelumCommandTable::IsBuilt(command);
+    button->setEnabled(built && CVelumCommandTable::IsMet(command.iNeed));
+    button->setToolTip(built ? button->text() : tr("%1 (comes later)").arg(button->text()));
+  }
+  iUi->fCmd->setEnabled(bool(gStack));
+  UpdateMenus();
+}
+
+void CVelumFrame::UpdateMenus() {
+  for (const TVelumCommand& command : CVelumCommandTable::Menus()) {
+    // A submenu is switched by its own action.
+    const auto* menu = findChild<QMenu*>(command.iAction.toString());
+    QAction* action = menu ? menu->menuAction() : findChild<QAction*>(command.iAction.toString());
+    const bool built = CVelumCommandTable::IsBuilt(command);
+    action->setEnabled(built && CVelumCommandTable::IsMet(command.iNeed));
+    action->setToolTip(built ? QString() : tr("Comes later"));
+  }
+}
+
+void CVelumFrame::FillHistory() {
+  int last = ENumHistory - 1;
+  while (last >= 0 && gFileHistory[static_cast<size_t>(last)].isEmpty()) --last;
+  // The oldest stands first.
+  for (int i = 0; i < ENumHistory; ++i) {
+    const QString path = i <= last ? gFileHistory[static_cast<size_t>(last - i)] : QString();
+    auto* item = findChild<QAction*>(u"fHistory"_s + QString::number(i));
+    item->setText(QFileInfo(path).fileName().replace(u'&', u"&&"_s));
+    item->setToolTip(path);
+    item->setData(path);
+    item->setVisible(i <= last);
+  }
+}
+
+void CVelumFrame::SetPhoneSize() {
+  if (!CVelumWinMan::FormIsLoaded(u"CVelumGenForm"_s)) return;
+  CVelumForm* form = CVelumWinMan::NameToForm(u"CVelumGenForm"_s);
+  form->SetPlace(QRectF(form->Place().topLeft(), CVelumLib::ClientSizeToWindow(EPhoneSize)), true);
+}
+
+void CVelumFrame::keyPressEvent(QKeyEvent* aEvent) {
+  struct TKey {
+    int iKey;
+    Qt::KeyboardModifiers iModifiers;
+    QStringView iButton;
+  };
+  static constexpr TKey keys[] = {{Qt::Key_PageUp, Qt::NoModifier, u"PrevCard"},
+                                  {Qt::Key_PageDown, Qt::NoModifier, u"NextCard"},
+                                  {Qt::Key_Left, Qt::AltModifier, u"BackInHistory"},
+                                  {Qt::Key_Right, Qt::AltModifier, u"ForwInHistory"}};
+  const Qt::KeyboardModifiers modifiers = aEvent->modifiers() & ~Qt::KeypadModifier;
+  for (const TKey& key : keys)
+    if (aEvent->key() == key.iKey && modifiers == key.iModifiers) {
+      findChild<QAction*>(key.iButton.toString())->trigger();
+      return;
+    }
+  QMainWindow::keyPressEvent(aEvent);
+}
+
+QAction* CVelumFrame::FindAction(const QString& aName) {
+  if (aName == u"fCmd"_s) return iUi->fCmd->menuAction();
+  const bool isCommand = iUi->fCmd->actions().contains(findChild<QAction*>(aName));
+  return isCommand ? findChild<QAction*>(aName) : nullptr;
+}
+
+QMenu* CVelumFrame::CmdMenu() {
+  return iUi->fCmd;
+}
+
+QIcon CVelumFrame::ToolbarIcon(const QString& aKey) {
+  return CVelumIcons::Icon(aKey);
+}
+
+void CVelumFrame::AddChild(QWidget* aForm) {
+  iUi->fArea->AddChild(aForm);
+}
+
+void CVelumFrame::RemoveChild(QWidget* aForm) {
+  iUi->fArea->RemoveChild(aForm);
+}
+
+void CVelumFrame::ShowChild(QWidget* aForm, bool aRaise) {
+  iUi->fArea->ShowChild(aForm, aRaise);
+}
+
+void CVelumFrame::HideChild(QWidget* aForm) {
+  iUi->fArea->HideChild(aForm);
+}
+
+bool CVelumFrame::CloseStack() {
+  bool stillOpen = false;
+  CVelumDialogLib::CloseStackStep(stillOpen);
+  return !stillOpen;
+}
+
+QWidget* CVelumFrame::ShowForm(const QString& aName) {
+  CVelumForm* form = CVelumWinMan::NameToForm(aName);
+  if (!form) return nullptr;
+  CVelumWinMan::ShowDialog(*form);
+  return form->Widget();
+}
+
+void CVelumFrame::ShowPicture() {
+  // The picture viewer comes later.
+}
+
+void CVelumFrame::AddToFileHistory(const QString& aPath) {
+  CVelumOptions::AddToFileHistory(aPath);
+}

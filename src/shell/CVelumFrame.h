@@ -1,0 +1,72 @@
+// The main window.
+#pragma once
+
+#include "runtime/CVelumFrameHost.h"
+#include "shell/CVelumStackCommands.h"
+#include "toolkit/CVelumForm.h"
+
+#include <QMainWindow>
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class CVelumFrame;
+}
+
+// Owns menus, toolbar, status bar and the area in which the card window and the card list stand. It holds no
+// document logic: a command opens a dialog, or calls the stack view, or one of the stack commands.
+class CVelumFrame final : public QMainWindow, public CVelumForm, public CVelumFrameHost {
+  Q_OBJECT
+
+public:
+  CVelumFrame();
+  ~CVelumFrame() override;
+
+  [[nodiscard]] CVelumStackCommands& Commands() { return iCommands; }
+  // How the process ends when the window has been unloaded; QCoreApplication::exit unless told otherwise.
+  void SetEndProcess(std::function<void()> aEnd) { iEndProcess = std::move(aEnd); }
+  // Sets what depends on the open stack: toolbar, commands menu, items of the menus.
+  void UpdateToolbar();
+
+  // CVelumForm
+  [[nodiscard]] QWidget* Widget() override { return this; }
+  void Load() override;
+  void Unload() override;
+  void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
+
+  // CVelumFrameHost
+  [[nodiscard]] QAction* FindAction(const QString& aName) override;
+  [[nodiscard]] QMenu* CmdMenu() override;
+  [[nodiscard]] QIcon ToolbarIcon(const QString& aKey) override;
+  void AddChild(QWidget* aForm) override;
+  void RemoveChild(QWidget* aForm) override;
+  void ShowChild(QWidget* aForm, bool aRaise) override;
+  void HideChild(QWidget* aForm) override;
+  [[nodiscard]] bool CloseStack() override;
+  QWidget* ShowForm(const QString& aName) override;
+  void ShowPicture() override;
+  void AddToFileHistory(const QString& aPath) override;
+
+protected:
+  // The query-unload and unload steps.
+  void closeEvent(QCloseEvent* aEvent) override;
+  // Page Up, Page Down, Alt+Left and Alt+Right where the window with the focus has no use for them.
+  void keyPressEvent(QKeyEvent* aEvent) override;
+
+private:
+  void ConnectMenus();
+  void ConnectToolbar();
+  void ButtonClick(const QString& aKey);
+  void UpdateMenus();
+  void FillHistory();
+  void SetCaption(const QString& aStackName);
+  void SetPhoneSize();
+
+  std::unique_ptr<Ui::CVelumFrame> iUi;
+  QString iTitle; // the caption as designed
+  CVelumStackCommands iCommands;
+  std::function<void()> iEndProcess;
+};
+
+// The main window; null before it is made.
+extern CVelumFrame* gFrame;

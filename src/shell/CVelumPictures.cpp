@@ -1,0 +1,71 @@
+#include "shell/CVelumPictures.h"
+
+#include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
+#include "runtime/CVelumStackView.h"
+#include "shell/CVelumFrame.h"
+#include "shell/CVelumMain.h"
+#include "shell/CVelumMsgForm.h"
+#include "shell/CVelumSave.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QPalette>
+#include <QPixmap>
+
+namespace {
+
+QPalette DarkPalette() {
+  QPalette palette(QColor(56, 56, 60), QColor(45, 45, 48));
+  palette.setColor(QPalette::Base, QColor(30, 30, 32));
+  palette.setColor(QPalette::Highlight, QColor(42, 130, 218));
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, QColor(130, 130, 134));
+  return palette;
+}
+
+void Settle() {
+  for (int i = 0; i < 5; ++i) QApplication::processEvents();
+}
+
+bool Grab(QWidget& aWindow, const QString& aPath) {
+  Settle();
+  return aWindow.grab().save(aPath);
+}
+
+bool WriteBoxes(const QString& aStem, const QString& aEnding) {
+  CVelumMsgForm message(gFrame);
+  message.SetClass(EMsgQuestion);
+  message.SetText(CVelumMsg::Text(
+      EMsgDeleteCardOk, gStackView && gStackView->CurCard() ? gStackView->CurCard()->Name() : QString()));
+  message.show();
+  CVelumSave save(QFileInfo(gStack ? gStack->Filename() : QString()).fileName(), gFrame);
+  save.show();
+  return Grab(message, aStem + u"question"_s + aEnding) && Grab(save, aStem + u"save"_s + aEnding);
+}
+
+bool WriteAll(const QString& aStem, const QString& aEnding) {
+  bool good = Grab(*gFrame, aStem + u"main"_s + aEnding);
+  Ref<CVelumCard> card;
+  if (gStackView && gStackView->OrderLast(card)) good = Grab(*gFrame, aStem + u"last"_s + aEnding) && good;
+  if (gStackView) static_cast<void>(gStackView->OrderFirst(card));
+  return WriteBoxes(aStem, aEnding) && good;
+}
+
+} // namespace
+
+int CVelumPictures::Write(const QString& aFolder, const QString& aStack) {
+  QDir().mkpath(aFolder);
+  CVelumMain::Main(aStack);
+  const QPalette light = QApplication::palette();
+  const QString ending = u"-%1x.png"_s.arg(gFrame->devicePixelRatio());
+  const QDir folder(aFolder);
+  bool good = WriteAll(folder.filePath(u"light-"_s), ending);
+  QApplication::setPalette(DarkPalette());
+  good = WriteAll(folder.filePath(u"dark-"_s), ending) && good;
+  QApplication::setPalette(light);
+  CVelumMain::End();
+  return good ? 0 : 1;
+}

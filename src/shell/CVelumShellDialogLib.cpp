@@ -1,0 +1,34 @@
+#include "shell/CVelumShellDialogLib.h"
+
+#include "model/CVelumStack.h"
+#include "shell/CVelumFrame.h"
+#include "shell/CVelumSave.h"
+
+#include <QFileInfo>
+
+namespace {
+
+QString StackTitle() {
+  const QString name = QFileInfo(gStack->Filename()).fileName();
+  return name.isEmpty() ? gStack->Name() : name;
+}
+
+} // namespace
+
+void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
+  aProceed = true;
+  aSave = false;
+  if (gStack && gStack->Changed()) {
+    CVelumSave(StackTitle(), gFrame).exec();
+    CVelumError::Assert(iDialogRes >= ESaveResSave && iDialogRes <= ESaveResBack,
+                        u"CheckLeaveStack iDialogRes "_s + QString::number(iDialogRes));
+    aSave = iDialogRes == ESaveResSave;
+    aProceed = iDialogRes != ESaveResBack;
+  }
+  CVelumSeams::EventPump().PumpPaint();
+}
+
+void CVelumDialogLib::CloseStackStep(bool& aStillOpen) {
+  if (gFrame) gFrame->Commands().CloseStack();
+  aStillOpen = bool(gStack);
+}

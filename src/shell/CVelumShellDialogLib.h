@@ -1,0 +1,11 @@
+// Functions of CVelumDialogLib that need the open stack and the main window.
+#pragma once
+
+namespace CVelumDialogLib {
+
+// Asks what to do with a changed stack. aProceed false: it stays open; aSave: it is to be saved first.
+void CheckLeaveStack(bool& aProceed, bool& aSave);
+// Runs the close command of the main window; aStillOpen tells whether a stack is open afterwards.
+void CloseStackStep(bool& aStillOpen);
+
+} // namespace CVelumDialogLib

@@ -1,0 +1,142 @@
+#include "shell/CVelumStackCommands.h"
+
+#include "core/CVelumDialogLib.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
+#include "persist/CVelumStackFile.h"
+#include "runtime/CVelumRuntimeLib.h"
+#include "runtime/CVelumStackView.h"
+#include "shell/CVelumOptions.h"
+#include "shell/CVelumShellDialogLib.h"
+#include "toolkit/CVelumGuard.h"
+
+namespace {
+
+// Runs a save. The record of the failure has been filled by the saver; one from elsewhere is filled here.
+template <class T> bool RunSave(T aSave) {
+  try {
+    aSave();
+    return true;
+  } catch (const CVelumException& e) {
+    if (e.Number() != CVelumError::GetErrorCode()) CVelumError::CatchError(u"CVelumFrame.SaveStack"_s);
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumFrame.SaveStack"_s);
+  }
+  if (CVelumError::GetErrorCode() != EMsgCouldNotSave) {
+    CVelumMsg::ShowLastError();
+    return false;
+  }
+  // A save that was refused before anything was written says why.
+  CVelumDialogLib::EndWait();
+  CVelumMsg::Show(EMsgCouldNotSave, EMsgCritical, CVelumError::GetErrorRecord().iSysDescr);
+  return false;
+}
+
+QString FolderOf(const QString& aPath) {
+  QString dir;
+  QString name;
+  CVelumLib::SplitPath(aPath, dir, name);
+  return dir;
+}
+
+} // namespace
+
+CVelumStackCommands::CVelumStackCommands(QWidget& aFrame)
+    : iFrame(aFrame),
+      fLoadDialog(u"Open Stack"_s, u"orv"_s, u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s) {}
+
+void CVelumStackCommands::OpenStack() {
+  if (fLoadDialog.InitDir().isEmpty()) fLoadDialog.SetInitDir(gOptions.iLoadDialogInitDir);
+  if (!fLoadDialog.ShowOpen(&iFrame)) return;
+  const QString path = fLoadDialog.FileName();
+  bool stillOpen = false;
+  CVelumDialogLib::CloseStackStep(stillOpen);
+  if (stillOpen) return;
+  CVelumLib::HandleLoadStack(path);
+  gOptions.iLoadDialogInitDir = FolderOf(path);
+}
+
+void CVelumStackCommands::OpenRecent(const QString& aPath) {
+  bool stillOpen = false;
+  CVelumDialogLib::CloseStackStep(stillOpen);
+  if (!stillOpen) CVelumLib::HandleLoadStack(aPath);
+}
+
+void CVelumStackCommands::SaveTo(const QString& aPath) {
+  CVelumStackFile file(aPath);
+  gStackView->UpdateRect();
+  CVelumDialogLib::BeginWait();
+  file.SaveStack(gStack, gStackView->State());
+  CVelumDialogLib::EndWait();
+}
+
+void CVelumStackCommands::SaveStack() {
+  if (!gStack || !gStackView) return;
+  if (gStack->Filename().isEmpty()) {
+    SaveStackAs();
+    return;
+  }
+  RunSave([this] {
+    gStackView->ValidateCurControl();
+    // A script that hears of the field may have closed the stack.
+    if (gStack && gStackView) SaveTo(gStack->Filename());
+  });
+}
+
+void CVelumStackCommands::SaveStackAs() {
+  if (!gStack || !gStackView || !fLoadDialog.ShowSave(&iFrame)) return;
+  const QString path = fLoadDialog.FileName();
+  RunSave([&] {
+    SaveTo(path);
+    gStack->SetFilename(path);
+    gStack->ResetChanged();
+    CVelumOptions::AddToFileHistory(path);
+    CVelumSeams::ChangeNotify(0);
+  });
+}
+
+void CVelumStackCommands::CloseStack() {
+  if (!gStack) return;
+  CVelumGuard::Run(u"CVelumFrame.fCloseStack"_s, [this] {
+    if (gStackView) gStackView->ValidateCurControl();
+    bool proceed = false;
+    bool save = false;
+    CVelumDialogLib::CheckLeaveStack(proceed, save);
+    if (!proceed) return;
+    if (save) {
+      SaveStack();
+      if (gStack && gStack->Changed()) return;
+    }
+    ReleaseStack();
+  });
+}
+
+void CVelumStackCommands::ReleaseStack() {
+  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::EventPump().PumpPaint();
+  if (gStack && gStack->BlobStore()) gStack->BlobStore()->CloseFile();
+  if (gStackView) gStackView->Release();
+  gStackView = nullptr;
+  gStack = nullptr;
+  CVelumSeams::ChangeNotify(8);
+}
+
+void CVelumStackCommands::DeleteCard() {
+  const Ref<CVelumCard> card = gStackView ? gStackView->CurCard() : nullptr;
+  if (!card) return;
+  CVelumGuard::Run(u"CVelumFrame.fDeleteCard"_s, [&] {
+    if (!CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, card->Name())) return;
+    CVelumSeams::ChangeNotify(9, nullptr, card.Get());
+    if (gStackView) gStackView->DeleteCard(card, nullptr);
+  });
+}
+
+void CVelumStackCommands::EmptyStack() {
+  if (!gStackView) return;
+  CVelumGuard::Run(u"CVelumFrame.fEmptyStack"_s, [] {
+    if (!CVelumMsg::Ask(EMsgEmptyStackOk, EMsgQuestion, CVelumMsg::EUndefParam)) return;
+    CVelumDialogLib::BeginWait();
+    gStackView->EmptyStack();
+    CVelumDialogLib::EndWait();
+  });
+}
