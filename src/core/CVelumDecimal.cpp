@@ -83,6 +83,7 @@ bool CVelumDecimal::Parse(std::string_view aPlain, double& aReal) {
 
 QString CVelumDecimal::ToText() const {
   QString text;
+  text.reserve(24);
   if (Negative()) text += u'-';
   if (Point() > EMaxWhole || Point() < -EMaxZeros)
     AppendExponent(text);

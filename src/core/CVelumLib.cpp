@@ -155,13 +155,14 @@ QString CVelumLib::ToCrLf(const QString& aText) {
 
 QString CVelumLib::ToUpperByLetter(const QString& aText) {
   QString text = aText;
+  QChar* const letters = text.data();
   for (qsizetype i = 0; i < text.size(); ++i) {
-    if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-      const char32_t letter = QChar::surrogateToUcs4(text[i], text[i + 1]);
-      text.replace(i, 2, QString::fromUcs4(std::array{QChar::toUpper(letter)}.data(), 1));
-      ++i;
-    } else if (text[i].toUpper() != text[i]) {
-      text[i] = text[i].toUpper();
+    if (letters[i].isHighSurrogate() && i + 1 < text.size() && letters[i + 1].isLowSurrogate()) {
+      const char32_t upper = QChar::toUpper(QChar::surrogateToUcs4(letters[i], letters[i + 1]));
+      letters[i++] = QChar(QChar::highSurrogate(upper));
+      letters[i] = QChar(QChar::lowSurrogate(upper));
+    } else {
+      letters[i] = letters[i].toUpper();
     }
   }
   return text;

@@ -252,14 +252,16 @@ QString CVelumLocale::Real(double aReal, int aDigits, bool aFixed) {
   const int digits = qMax(aDigits, 0);
   CVelumDecimal decimal(aReal);
   decimal.RoundTo(digits);
+  const TState& state = State();
   const auto digit = [&](int aPlace) { return QChar(static_cast<char16_t>(u'0' + decimal.DigitAt(aPlace))); };
   QString text;
+  text.reserve(32);
   if (decimal.Negative()) text += u'-';
   for (int place = -qMax(decimal.Point(), 1); place < 0; ++place) {
     text += digit(place);
-    if (place < -1 && (place + 1) % EGroup == 0) text += State().iGroup;
+    if (place < -1 && (place + 1) % EGroup == 0) text += state.iGroup;
   }
-  text += State().iPoint;
+  text += state.iPoint;
   const int decimals = aFixed ? digits : decimal.Decimals();
   for (int place = 0; place < decimals; ++place) text += digit(place);
   return text;

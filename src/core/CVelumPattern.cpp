@@ -4,6 +4,7 @@
 #include "core/CVelumObject.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -18,6 +19,16 @@ bool IsDigit(QChar aChar) {
 // Whether the character only steers the writing direction.
 bool IsDirectionMark(QChar aChar) {
   return aChar == QChar(0x200E) || aChar == QChar(0x200F) || aChar == QChar(0x061C);
+}
+
+// With zeros in front up to aWidth.
+void AppendNumber(QString& aText, int aNumber, qsizetype aWidth) {
+  std::array<char16_t, 12> digits;
+  size_t first = digits.size();
+  for (int rest = aNumber; rest > 0 && first > 0; rest /= 10)
+    digits[--first] = static_cast<char16_t>(u'0' + rest % 10);
+  while (first > 0 && static_cast<qsizetype>(digits.size() - first) < aWidth) digits[--first] = u'0';
+  aText += QStringView(digits.data() + first, digits.data() + digits.size());
 }
 
 QString WithoutBlanks(QString aText) {
@@ -129,13 +140,14 @@ CVelumPattern CVelumPattern::WithoutSecond() const {
 QString CVelumPattern::Write(const TVelumFields& aFields, const QString& aHalf) const {
   TVelumFields fields = aFields;
   QString text;
+  text.reserve(24);
   for (const TToken& token : iTokens) {
     if (token.iField == ENone)
       text += token.iText;
     else if (token.iField == EHalf)
       text += aHalf;
     else if (const int* number = NumberOf(token.iField, fields))
-      text += QString::number(*number).rightJustified(token.iField == EYear ? 4 : token.iWidth, u'0');
+      AppendNumber(text, *number, token.iField == EYear ? 4 : token.iWidth);
   }
   return text;
 }
@@ -202,7 +214,10 @@ qsizetype CVelumPattern::MatchNumber(const TToken& aToken, QStringView aText, qs
   return end;
 }
 
-QString CVelumPattern::Normal(QStringView aText) {
+QString CVelumPattern::Normal(const QString& aText) {
+  // What most users type.
+  if (std::all_of(aText.begin(), aText.end(), [](QChar aChar) { return aChar.unicode() < 128; }))
+    return aText.trimmed();
   QString text;
   text.reserve(aText.size());
   for (qsizetype i = 0; i < aText.size(); ++i) {

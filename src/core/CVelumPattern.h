@@ -38,7 +38,7 @@ public:
 
   // aText with all kinds of blanks as plain ones, digits of all scripts as 0 to 9, and without marks of the
   // writing direction; trimmed.
-  [[nodiscard]] static QString Normal(QStringView aText);
+  [[nodiscard]] static QString Normal(const QString& aText);
 
 private:
   enum EField : char16_t {

@@ -5,8 +5,8 @@
 #include "core/CVelumError.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumLocale.h"
+#include "core/CVelumNumScan.h"
 
-#include <QVarLengthArray>
 #include <cmath>
 #include <limits>
 
@@ -134,68 +134,6 @@ template <class F> TVelumValue ReadText(const QString& aText, const TVelumFieldI
     if (e.Number() >= 1000) throw;
   }
   return val;
-}
-
-// The characters of a number, with which std::from_chars can do the rest.
-class CNumberScan {
-public:
-  explicit CNumberScan(QStringView aText) : iText(aText) {}
-  [[nodiscard]] double Read();
-
-private:
-  [[nodiscard]] char16_t Peek();
-  void Take() { iPlain.append(static_cast<char>(iText[iPos++].unicode())); }
-  int TakeDigits();
-  void TakeExponent();
-
-  QStringView iText;
-  qsizetype iPos = 0;
-  QVarLengthArray<char, 64> iPlain;
-};
-
-// The next character that is no blank; 0 at the end.
-char16_t CNumberScan::Peek() {
-  while (iPos < iText.size() && (iText[iPos] == u' ' || (iText[iPos] >= u'\t' && iText[iPos] <= u'\r')))
-    ++iPos;
-  return iPos < iText.size() ? iText[iPos].unicode() : u'\0';
-}
-
-int CNumberScan::TakeDigits() {
-  int count = 0;
-  for (char16_t c = Peek(); c >= u'0' && c <= u'9'; c = Peek()) {
-    Take();
-    ++count;
-  }
-  return count;
-}
-
-// Without digits it is no exponent, and ends the number.
-void CNumberScan::TakeExponent() {
-  const qsizetype size = iPlain.size();
-  Take();
-  if (Peek() == u'-')
-    Take();
-  else if (Peek() == u'+')
-    ++iPos;
-  if (TakeDigits() == 0) iPlain.resize(size);
-}
-
-double CNumberScan::Read() {
-  if (Peek() == u'-')
-    Take();
-  else if (Peek() == u'+')
-    ++iPos;
-  int digits = TakeDigits();
-  if (Peek() == u'.') {
-    Take();
-    digits += TakeDigits();
-  }
-  if (digits == 0) return 0.0;
-  if (Peek() == u'E' || Peek() == u'e') TakeExponent();
-  double real = 0.0;
-  if (!CVelumDecimal::Parse({iPlain.data(), static_cast<size_t>(iPlain.size())}, real))
-    CVelumError::RaiseHost(EHostOverflow);
-  return real;
 }
 
 } // namespace
@@ -415,7 +353,7 @@ QString CVelumValue::TypeStr(int aType) {
 }
 
 double CVelumValue::LenientNum(QStringView aText) {
-  return CNumberScan(aText).Read();
+  return CVelumNumScan::Read(aText);
 }
 
 qint32 CVelumValue::RoundToInt(double aReal) {

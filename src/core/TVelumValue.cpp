@@ -62,10 +62,11 @@ TVelumValue TVelumValue::OfObj(int aTag, Ref<CVelumStored> aObj) {
 }
 
 TVelumValue TVelumValue::OfType(int aTag) {
-  if (aTag == EValStr) return OfStr({});
+  const auto tag = static_cast<qint16>(aTag);
+  if (tag == EValStr) return OfStr({});
   TVelumValue val;
-  if (aTag >= EValCard && aTag <= EValBlob) val.iSlot.iObj = nullptr;
-  val.iType = static_cast<qint16>(aTag);
+  if (tag >= EValCard && tag <= EValBlob) val.iSlot.iObj = nullptr;
+  val.iType = tag;
   return val;
 }
 

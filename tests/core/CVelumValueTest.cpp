@@ -457,6 +457,11 @@ TEST_F(CVelumValueTest, LenientScan) {
   EXPECT_EQ(LenientNum(u"12abc"), 12);
   EXPECT_EQ(LenientNum(u"  -12.5"), -12.5);
   EXPECT_EQ(LenientNum(u"+7"), 7);
+  EXPECT_EQ(LenientNum(u"-42   "), -42);
+  EXPECT_EQ(LenientNum(u"7  1"), 71);
+  EXPECT_EQ(LenientNum(u"999999999999999"), 999999999999999.0);
+  EXPECT_EQ(LenientNum(u"9007199254740993"), 9007199254740992.0);
+  EXPECT_EQ(LenientNum(u"123456789012345678"), 123456789012345680.0);
   EXPECT_EQ(LenientNum(u".5"), 0.5);
   EXPECT_EQ(LenientNum(u"5."), 5);
   EXPECT_EQ(LenientNum(u"1,234"), 1);

@@ -94,6 +94,12 @@ TEST(TVelumValue, ZeroOfEachTypeAndOfUnknownTags) {
   }
 }
 
+TEST(TVelumValue, TagsKeepTheirLowerSixteenBits) {
+  const TVelumValue val = TVelumValue::OfType(65536 + EValStr);
+  EXPECT_EQ(val.Type(), EValStr);
+  EXPECT_EQ(val.Str(), QString());
+}
+
 TEST(TVelumValue, CountsItsObject) {
   int alive = 0;
   {
