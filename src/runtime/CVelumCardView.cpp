@@ -107,10 +107,8 @@ void CVelumCardView::HideAll(CVelumGenForm& aForm) {
   for (CVelumBaseControl* base : aForm.Controls()) {
     base->SetVisible(false);
     if (base->Kind() == EBaseListView) base->SetPlace(EOutside, EOutside);
-    if (base->Kind() == EBasePictureBox)
-      ReleasePicture(*base);
-    else
-      base->Clear();
+    if (base->Kind() == EBasePictureBox) ReleasePicture(*base);
+    if (base->Kind() == EBaseListView || base->Kind() == EBaseRichTextBox) base->Clear();
   }
 }
 

@@ -264,7 +264,8 @@ void CVelumGenForm::mouseReleaseEvent(QMouseEvent* aEvent) {
 
 void CVelumGenForm::mouseDoubleClickEvent(QMouseEvent* aEvent) {
   QWidget::mouseDoubleClickEvent(aEvent);
-  CVelumSeams::Presenter().Tell(u"DblClick"_s);
+  // A passive control hands its events on; they are not the form's own.
+  if (!childAt(aEvent->position().toPoint())) CVelumSeams::Presenter().Tell(u"DblClick"_s);
 }
 
 void CVelumGenForm::closeEvent(QCloseEvent* aEvent) {

@@ -151,7 +151,7 @@ void CVelumStackView::UpdateRect() {
   rect.SetHeight(static_cast<float>(place.height()));
 }
 
-void CVelumStackView::SetCurCard(const Ref<CVelumCard>& aCard) {
+void CVelumStackView::SetCurCard(Ref<CVelumCard> aCard) {
   if (aCard == iCurCard || !Holds(aCard)) return;
   LeaveCurCard();
   Yield();
@@ -215,10 +215,13 @@ void CVelumStackView::ShowTitle() {
 void CVelumStackView::Relayout() {
   if (iCurObjChanged) ValidateCurControl();
   if (!iCurCard) return;
+  const Ref<CVelumControl> control = iCardView->FocusControl();
+  const int cursor = iCurObj ? iCurObj->Cursor() : 0;
   ForgetFocus();
   iCardView->ResetCurSet();
   ShowCurCard();
   FocusCurrent();
+  if (control && iCurObj && control->BaseControl() == iCurObj) iCurObj->SetCursor(cursor);
 }
 
 void CVelumStackView::BaseFormResize() {
@@ -236,7 +239,7 @@ void CVelumStackView::RefreshViews(bool aCardView, bool aCardList) {
   if (aCardList && iCardListOpen) OpenCardList();
 }
 
-void CVelumStackView::GoToCard(const Ref<CVelumCard>& aCard) {
+void CVelumStackView::GoToCard(Ref<CVelumCard> aCard) {
   if (!Holds(aCard)) return;
   SetCurCard(aCard);
   if (Holds(aCard)) iHistory.Add(aCard);
@@ -301,7 +304,7 @@ Ref<CVelumCard> CVelumStackView::AddCard(const Ref<CVelumControlSet>& aBackgroun
   return card;
 }
 
-void CVelumStackView::DeleteCard(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aExclude) {
+void CVelumStackView::DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude) {
   CVelumError::AssertObj(aCard->Stack() == iStack.Get(), this, u"DeleteCard"_s, u"stack"_s);
   if (!Holds(aCard)) return;
   iHistory.Remove(*aCard);
@@ -313,7 +316,7 @@ void CVelumStackView::DeleteCard(const Ref<CVelumCard>& aCard, const Ref<CVelumC
   if (iCurCard) iCurCard->UpdateCardLists();
 }
 
-void CVelumStackView::LeaveDeletedCard(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aExclude) {
+void CVelumStackView::LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude) {
   Ref<CVelumCard> other;
   if (iCardViewOpen && FindOtherCard(aExclude, other)) GoToCard(other);
   if (iCurCard == aCard) LeaveCurCard();

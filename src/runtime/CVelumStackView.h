@@ -40,6 +40,9 @@ public:
   // Whether a value of the current card was set since it was shown.
   [[nodiscard]] bool CardChanged() const { return iCardChanged; }
 
+  // Cards are taken by value where the current card, or an entry of the history, may be handed in: both
+  // change on the way.
+
   // Opens what the stored state says: the list if it was open, and the card window.
   void OpenViews();
   void OpenCardView();
@@ -58,7 +61,7 @@ public:
   // Lays out the card window anew; what is being typed is taken first.
   void BaseFormResize();
   void EmptyStack();
-  void GoToCard(const Ref<CVelumCard>& aCard);
+  void GoToCard(Ref<CVelumCard> aCard);
   void SetFocusToCardView();
   [[nodiscard]] bool GetCurCard(Ref<CVelumCard>& aCard) const;
   bool HistoryPrev(Ref<CVelumCard>& aCard);
@@ -70,11 +73,11 @@ public:
   // Appends a card with default values; the current card stays.
   Ref<CVelumCard> AddCard(const Ref<CVelumControlSet>& aBackground, const QString& aName);
   // When the current card goes, another one is shown, if possible not of aExclude (or nothing).
-  void DeleteCard(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aExclude);
+  void DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
   void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards);
   void UpdateAfterControlChange();
   // Sets a value for a script or a dialog, and shows it.
-  void SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId, const TVelumValue& aValue);
+  void SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue);
 
   // Events of the card window.
   void BaseObjChange(CVelumBaseControl* aObj);
@@ -93,7 +96,7 @@ public:
 
 private:
   void SetDefaultRects();
-  void SetCurCard(const Ref<CVelumCard>& aCard);
+  void SetCurCard(Ref<CVelumCard> aCard);
   void ShowCurCard();
   void ShowCurCardFailed(const Ref<CVelumCard>& aCard);
   void ShowTitle();
@@ -101,7 +104,7 @@ private:
   void FocusCurrent();
   void ForgetFocus();
   [[nodiscard]] bool FindOtherCard(const Ref<CVelumControlSet>& aExclude, Ref<CVelumCard>& aCard) const;
-  void LeaveDeletedCard(const Ref<CVelumCard>& aCard, const Ref<CVelumControlSet>& aExclude);
+  void LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
   [[nodiscard]] bool Holds(const Ref<CVelumCard>& aCard) const;
   [[nodiscard]] bool Bound(const CVelumBaseControl* aObj) const;
   void Touch(CVelumBaseControl* aObj);

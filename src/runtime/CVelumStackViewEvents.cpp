@@ -22,8 +22,7 @@ bool ScriptRuns() {
 
 } // namespace
 
-void CVelumStackView::SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId,
-                                   const TVelumValue& aValue) {
+void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue) {
   aCard->SetControlVal(aControlId, aValue);
   bool newTitle = false;
   if (aCard == iCurCard) {

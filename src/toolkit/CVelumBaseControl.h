@@ -102,7 +102,7 @@ public:
   void SetFocus();
 
   // Text or caption. Texts of several lines have CR LF at each line's end; else the text is as it was typed,
-  // no-break blanks included. SetText of what stands there already leaves cursor and selection alone.
+  // no-break blanks included. SetText of what the program has set already leaves cursor and selection alone.
   [[nodiscard]] virtual QString Text() const { return {}; }
   virtual void SetText(const QString& aText) { Q_UNUSED(aText); }
   // Most UTF-16 units that typing and pasting may bring a text to; a longer one that the program sets may
@@ -112,6 +112,9 @@ public:
   virtual void SetLocked(bool aLocked) { Q_UNUSED(aLocked); }
   // A grey text in an empty control.
   virtual void SetPlaceholder(const QString& aText) { Q_UNUSED(aText); }
+  // Place of the cursor in the text, in characters; 0 without one. Too large a place is the end.
+  [[nodiscard]] virtual int Cursor() const { return 0; }
+  virtual void SetCursor(int aPos) { Q_UNUSED(aPos); }
   // Drops what is shown and typed, without keeping any for undo.
   virtual void Clear() {}
 

@@ -29,7 +29,13 @@ void CVelumBasePictureBox::SetPlaceholder(const QString& aText) {
 }
 
 bool CVelumBasePictureBox::eventFilter(QObject* aWatched, QEvent* aEvent) {
-  if (aWatched == iLabel && aEvent->type() == QEvent::MouseButtonRelease) Notify(EBaseClick);
-  if (aWatched == iLabel && aEvent->type() == QEvent::MouseButtonDblClick) Notify(EBaseDblClick);
+  if (aWatched == iLabel && aEvent->type() == QEvent::MouseButtonRelease) {
+    Notify(EBaseClick);
+    return true; // a box around this one would get the same click
+  }
+  if (aWatched == iLabel && aEvent->type() == QEvent::MouseButtonDblClick) {
+    Notify(EBaseDblClick);
+    return true;
+  }
   return CVelumBaseControl::eventFilter(aWatched, aEvent);
 }

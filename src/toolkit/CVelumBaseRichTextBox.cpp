@@ -43,15 +43,17 @@ QString CVelumBaseRichTextBox::Text() const {
 }
 
 void CVelumBaseRichTextBox::SetText(const QString& aText) {
-  if (aText != Text()) {
-    {
-      const QScopedValueRollback setting(iSetting, true);
-      iEdit->setPlainText(aText);
-    }
-    iLimit = std::max(iMaxChar, StoredLen());
-    Notify(EBaseChange);
+  const bool same = aText == Text();
+  if (same && !iEdit->document()->isModified()) return;
+  const int cursor = same ? Cursor() : 0;
+  {
+    const QScopedValueRollback setting(iSetting, true);
+    // Also for the same text: what was typed before must not come back by undo.
+    iEdit->setPlainText(aText);
   }
-  iEdit->moveCursor(QTextCursor::Start);
+  iLimit = std::max(iMaxChar, StoredLen());
+  SetCursor(cursor);
+  Notify(EBaseChange);
 }
 
 void CVelumBaseRichTextBox::SetFont(const QFont& aFont) {
@@ -70,6 +72,16 @@ void CVelumBaseRichTextBox::SetLocked(bool aLocked) {
 
 void CVelumBaseRichTextBox::SetPlaceholder(const QString& aText) {
   iEdit->setPlaceholderText(aText);
+}
+
+int CVelumBaseRichTextBox::Cursor() const {
+  return iEdit->textCursor().position();
+}
+
+void CVelumBaseRichTextBox::SetCursor(int aPos) {
+  QTextCursor cursor = iEdit->textCursor();
+  cursor.setPosition(std::clamp(aPos, 0, iEdit->document()->characterCount() - 1));
+  iEdit->setTextCursor(cursor);
 }
 
 void CVelumBaseRichTextBox::Clear() {

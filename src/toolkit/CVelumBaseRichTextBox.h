@@ -10,12 +10,14 @@ public:
   CVelumBaseRichTextBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink);
   // Each line end that was typed or set reads as CR LF.
   [[nodiscard]] QString Text() const override;
-  // Also puts the cursor at the beginning.
+  // Another text begins with the cursor at its beginning.
   void SetText(const QString& aText) override;
   void SetFont(const QFont& aFont) override;
   void SetMaxChar(qint16 aMax) override;
   void SetLocked(bool aLocked) override;
   void SetPlaceholder(const QString& aText) override;
+  [[nodiscard]] int Cursor() const override;
+  void SetCursor(int aPos) override;
   void Clear() override;
 
 protected:

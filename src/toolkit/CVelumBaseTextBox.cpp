@@ -15,11 +15,14 @@ QString CVelumBaseTextBox::Text() const {
 }
 
 void CVelumBaseTextBox::SetText(const QString& aText) {
-  if (aText == iEdit->text()) return;
+  const bool same = aText == iEdit->text();
+  if (same && !iEdit->isModified()) return;
+  const int cursor = same ? iEdit->cursorPosition() : 0;
   // The widget cuts what is longer than its limit, also when the program sets it.
   iEdit->setMaxLength(std::max(iMaxChar, static_cast<int>(aText.size())));
+  // Also for the same text: what was typed before must not come back by undo.
   iEdit->setText(aText);
-  iEdit->home(false);
+  iEdit->setCursorPosition(cursor);
 }
 
 void CVelumBaseTextBox::SetMaxChar(qint16 aMax) {
@@ -33,6 +36,14 @@ void CVelumBaseTextBox::SetLocked(bool aLocked) {
 
 void CVelumBaseTextBox::SetPlaceholder(const QString& aText) {
   iEdit->setPlaceholderText(aText);
+}
+
+int CVelumBaseTextBox::Cursor() const {
+  return iEdit->cursorPosition();
+}
+
+void CVelumBaseTextBox::SetCursor(int aPos) {
+  iEdit->setCursorPosition(aPos);
 }
 
 void CVelumBaseTextBox::Clear() {

@@ -13,6 +13,8 @@ public:
   void SetMaxChar(qint16 aMax) override;
   void SetLocked(bool aLocked) override;
   void SetPlaceholder(const QString& aText) override;
+  [[nodiscard]] int Cursor() const override;
+  void SetCursor(int aPos) override;
   void Clear() override;
 
 private:
