@@ -70,14 +70,9 @@ private:
   [[nodiscard]] bool IsCounted() const { return iType == EValStr || IsObjType(); }
   // For a text or an object.
   void CopyFrom(const TVelumValue& aOther);
-  // Takes the slot and leaves aOther undefined.
+  // Takes the slot and leaves aOther undefined. A text may be moved by its bytes (Qt calls it relocatable).
   void MoveFrom(TVelumValue& aOther) noexcept {
-    if (aOther.iType == EValStr) {
-      new (&iSlot.iStr) QString(std::move(aOther.iSlot.iStr));
-      aOther.iSlot.iStr.~QString();
-    } else {
-      iSlot.CopyPlain(aOther.iSlot);
-    }
+    std::memcpy(static_cast<void*>(&iSlot), static_cast<const void*>(&aOther.iSlot), sizeof(TSlot));
     iType = std::exchange(aOther.iType, qint16{EValUndef});
   }
   // Gives up what the slot holds, and leaves the value undefined.

@@ -11,6 +11,7 @@ namespace {
 constexpr int EBlockMax = 512;
 constexpr int EMaxHome = 50'000'000; // beyond every capacity that a file may have
 constexpr quint64 EAllBits = ~quint64(0);
+constexpr quint8 ENoBit = 64;
 constexpr int EArrayTypeId = 5;
 constexpr int EArrayGen = 3;
 } // namespace
@@ -77,6 +78,7 @@ void CVelumCardOrder::InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBi
   if (aPos == iCount) {
     Append(aId, aNum);
     iBits.back() |= aBit;
+    SetBit(aId, aBit);
     return;
   }
   auto [block, index] = Locate(aPos);
@@ -93,6 +95,7 @@ void CVelumCardOrder::InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBi
   ++iCount;
   AddToTree(block->iNo, 1);
   SetHome(aId, block);
+  SetBit(aId, aBit);
 }
 
 void CVelumCardOrder::RemoveAt(qint32 aPos) {
@@ -128,8 +131,8 @@ void CVelumCardOrder::SetIdAt(qint32 aPos, qint32 aId) {
   const TPlace place = Locate(aPos);
   iChanged = true;
   place.iBlock->iIds[size_t(place.iIndex)] = aId;
-  iBits[size_t(place.iBlock->iNo)] = EAllBits;
   SetHome(aId, place.iBlock);
+  iBits[size_t(place.iBlock->iNo)] = BitsOf(*place.iBlock);
 }
 
 void CVelumCardOrder::Assign(const std::vector<qint32>& aIds, const std::vector<quint64>& aBits,
@@ -143,35 +146,28 @@ void CVelumCardOrder::Assign(const std::vector<qint32>& aIds, const std::vector<
     Grow(1);
     Append(aIds[i], 0);
     iBits.back() |= aBits[i];
+    SetBit(aIds[i], aBits[i]);
   }
   Renumber(aStep);
 }
 
 void CVelumCardOrder::Move(qint32 aFrom, qint32 aNum, qint32 aTo, qint32 aStep) {
   std::vector<qint32> ids;
-  std::vector<quint64> bits;
-  for (const auto& block : iBlocks) {
-    ids.insert(ids.end(), block->iIds.begin(), block->iIds.end());
-    bits.insert(bits.end(), block->iIds.size(), iBits[size_t(block->iNo)]);
-  }
+  for (const auto& block : iBlocks) ids.insert(ids.end(), block->iIds.begin(), block->iIds.end());
   static_cast<void>(CVelumChecked::Index(aFrom, iCount));
   static_cast<void>(CVelumChecked::Index(aNum, iCount - aFrom + 1));
   static_cast<void>(CVelumChecked::Index(aTo, iCount + 1));
-  const auto rotate = [&](auto& aList) {
-    const auto from = aList.begin() + aFrom;
-    if (aTo < aFrom)
-      std::rotate(aList.begin() + aTo, from, from + aNum);
-    else
-      std::rotate(from, from + aNum, aList.begin() + aTo);
-  };
-  rotate(ids);
-  rotate(bits);
+  const auto from = ids.begin() + aFrom;
+  if (aTo < aFrom)
+    std::rotate(ids.begin() + aTo, from, from + aNum);
+  else
+    std::rotate(from, from + aNum, ids.begin() + aTo);
   Grow(aNum);
+  const std::vector<quint8> bitNo = std::move(iBitNo);
   Clear();
-  for (size_t i = 0; i < ids.size(); ++i) {
-    Append(ids[i], 0);
-    iBits.back() |= bits[i];
-  }
+  for (const qint32 id : ids) Append(id, 0);
+  iBitNo = bitNo;
+  for (const auto& block : iBlocks) iBits[size_t(block->iNo)] = BitsOf(*block);
   Renumber(aStep);
 }
 
@@ -180,6 +176,7 @@ void CVelumCardOrder::Clear() {
   iBits.clear();
   iTree.clear();
   iHome.clear();
+  iBitNo.clear();
   iMemoNo = iMemoStart = iCount = 0;
   iChanged = true;
 }
@@ -187,6 +184,7 @@ void CVelumCardOrder::Clear() {
 void CVelumCardOrder::AddBit(qint32 aId, quint64 aBit) {
   if (aId < 0 || size_t(aId) >= iHome.size() || !iHome[size_t(aId)]) return;
   iBits[size_t(iHome[size_t(aId)]->iNo)] |= aBit;
+  SetBit(aId, aBit);
 }
 
 void CVelumCardOrder::ClearBits() {
@@ -283,7 +281,8 @@ void CVelumCardOrder::Split(TBlock& aBlock) {
   aBlock.iIds.resize(size_t(half));
   aBlock.iNums.resize(size_t(half));
   for (const qint32 id : second->iIds) SetHome(id, second.get());
-  iBits.insert(iBits.begin() + aBlock.iNo, iBits[size_t(aBlock.iNo)]);
+  iBits[size_t(aBlock.iNo)] = BitsOf(aBlock);
+  iBits.insert(iBits.begin() + aBlock.iNo + 1, BitsOf(*second));
   iBlocks.insert(iBlocks.begin() + aBlock.iNo + 1, std::move(second));
   RebuildTree();
 }
@@ -317,6 +316,21 @@ void CVelumCardOrder::SetHome(qint32 aId, TBlock* aBlock) {
   if (aId < 0 || aId >= EMaxHome) return;
   if (size_t(aId) >= iHome.size()) iHome.resize(std::max(size_t(aId) + 1, iHome.size() * 3 / 2));
   iHome[size_t(aId)] = aBlock;
+}
+
+void CVelumCardOrder::SetBit(qint32 aId, quint64 aBit) {
+  if (aId < 0 || aId >= EMaxHome) return;
+  if (size_t(aId) >= iBitNo.size()) iBitNo.resize(std::max(size_t(aId) + 1, iBitNo.size() * 3 / 2), ENoBit);
+  iBitNo[size_t(aId)] = static_cast<quint8>(std::countr_zero(aBit));
+}
+
+quint64 CVelumCardOrder::BitsOf(const TBlock& aBlock) const {
+  quint64 bits = 0;
+  for (const qint32 id : aBlock.iIds) {
+    const quint8 no = id >= 0 && size_t(id) < iBitNo.size() ? iBitNo[size_t(id)] : ENoBit;
+    bits |= no < ENoBit ? quint64(1) << no : EAllBits;
+  }
+  return bits;
 }
 
 // The capacity that an array would have after aNum more elements.

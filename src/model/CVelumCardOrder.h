@@ -73,6 +73,9 @@ private:
   void DropBlock(TBlock& aBlock);
   void Append(qint32 aId, qint32 aNum);
   void SetHome(qint32 aId, TBlock* aBlock);
+  void SetBit(qint32 aId, quint64 aBit);
+  // The bits of all cards of a block.
+  [[nodiscard]] quint64 BitsOf(const TBlock& aBlock) const;
   void Grow(qint32 aNum);
   void Clear();
   void Adopt(const CVelumArray& aArray);
@@ -81,6 +84,7 @@ private:
   std::vector<quint64> iBits; // per block: backgrounds that may occur there
   std::vector<qint32> iTree;  // Fenwick tree over the counts of the blocks
   std::vector<TBlock*> iHome; // by card id
+  std::vector<quint8> iBitNo; // by card id: which bit its background has; ENoBit when unknown
   mutable qint32 iMemoNo = 0; // block of the last access and its first position
   mutable qint32 iMemoStart = 0;
   qint32 iCount = 0;

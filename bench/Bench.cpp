@@ -1,0 +1,72 @@
+#include "Bench.h"
+
+#include "core/CVelumCollation.h"
+#include "core/CVelumLocale.h"
+#include "model/CVelumStack.h"
+
+#include <QDir>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <malloc.h>
+
+void Bench::Init() {
+  CVelumLocale::Init(u"en_US"_s);
+  CVelumModel::Install();
+}
+
+double Bench::Seconds(int aTimes, const std::function<void()>& aRun, const std::function<void()>& aPrepare) {
+  std::vector<double> times;
+  for (int i = 0; i < aTimes; ++i) {
+    if (aPrepare) aPrepare();
+    const auto start = std::chrono::steady_clock::now();
+    aRun();
+    times.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+  }
+  std::sort(times.begin(), times.end());
+  return times[times.size() / 2];
+}
+
+qint64 Bench::HeapBytes() {
+  const struct mallinfo2 info = mallinfo2();
+  return static_cast<qint64>(info.uordblks + info.hblkhd);
+}
+
+qint64 Bench::BlockBytes(const void* aBlock) {
+  constexpr qint64 head = 8;
+  return aBlock ? static_cast<qint64>(malloc_usable_size(const_cast<void*>(aBlock))) + head : 0;
+}
+
+QList<qint32> Bench::Counts(int aArgc, char** aArgv) {
+  QList<qint32> counts;
+  for (int i = 1; i < aArgc; ++i) counts.append(QString::fromLocal8Bit(aArgv[i]).toInt());
+  return counts.isEmpty() ? QList<qint32>{1000, 100000, 1000000} : counts;
+}
+
+QString Bench::TempPath(const QString& aName) {
+  return QDir::tempPath() + u"/orvelles-bench-"_s + aName;
+}
+
+void Bench::Row(const QList<QString>& aCells) {
+  std::printf("| %s |\n", qPrintable(QStringList(aCells).join(u" | "_s)));
+  std::fflush(stdout);
+}
+
+void Bench::Head(const QList<QString>& aCells) {
+  std::printf("\n");
+  Row(aCells);
+  Row(QList<QString>(aCells.size(), u"---"_s));
+}
+
+QString Bench::Ms(double aSeconds) {
+  return QString::number(aSeconds * 1e3, 'f', aSeconds < 0.1 ? 2 : 0) + u" ms"_s;
+}
+
+QString Bench::Each(double aSeconds, qint64 aNum) {
+  const double ns = aSeconds * 1e9 / static_cast<double>(std::max<qint64>(aNum, 1));
+  return ns < 10000 ? QString::number(ns, 'f', 0) + u" ns"_s : QString::number(ns / 1000, 'f', 1) + u" us"_s;
+}
+
+QString Bench::Ratio(double aA, double aB) {
+  return QString::number(aA / aB, 'f', 2);
+}

@@ -1,0 +1,35 @@
+// Timing, memory figures and tables for the measurements.
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <functional>
+
+namespace Bench {
+
+// Sets the locale up as the programs do (en_US), and installs the model. Call first.
+void Init();
+
+// Seconds that aRun takes; the median of aTimes runs. aPrepare runs before each, untimed.
+[[nodiscard]] double Seconds(int aTimes, const std::function<void()>& aRun,
+                             const std::function<void()>& aPrepare = {});
+// Bytes of heap in use, with the allocator's own heads.
+[[nodiscard]] qint64 HeapBytes();
+// Bytes that the allocator keeps for a block, with its head; 0 for nothing.
+[[nodiscard]] qint64 BlockBytes(const void* aBlock);
+
+// The numbers of cards to measure: the program's arguments, else 1,000, 100,000 and 1,000,000.
+[[nodiscard]] QList<qint32> Counts(int aArgc, char** aArgv);
+
+// A path in the folder for temporary files.
+[[nodiscard]] QString TempPath(const QString& aName);
+
+// One line of a markdown table.
+void Row(const QList<QString>& aCells);
+void Head(const QList<QString>& aCells);
+[[nodiscard]] QString Ms(double aSeconds);
+// Seconds of aNum operations as time of one.
+[[nodiscard]] QString Each(double aSeconds, qint64 aNum);
+[[nodiscard]] QString Ratio(double aA, double aB);
+
+} // namespace Bench
