@@ -13,6 +13,11 @@ void Init();
 // Seconds that aRun takes; the median of aTimes runs. aPrepare runs before each, untimed.
 [[nodiscard]] double Seconds(int aTimes, const std::function<void()>& aRun,
                              const std::function<void()>& aPrepare = {});
+// Runs aRun in a process of its own, so that it finds and leaves no used heap, and gives back the figures
+// that it returns. Ends the program when that process fails.
+[[nodiscard]] QList<double> InChild(const std::function<QList<double>()>& aRun);
+// The same aTimes times; the median of each figure.
+[[nodiscard]] QList<double> MedianInChildren(int aTimes, const std::function<QList<double>()>& aRun);
 // Bytes of heap in use, with the allocator's own heads.
 [[nodiscard]] qint64 HeapBytes();
 // Bytes that the allocator keeps for a block, with its head; 0 for nothing.
