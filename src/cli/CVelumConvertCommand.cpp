@@ -6,11 +6,11 @@
 namespace {
 
 int Run(const TVelumArgs& aArgs, CVelumTerminal&) {
-  const QString format = aArgs.Value(u"format"_s, u"binary"_s);
-  if (format == u"xml"_s) throw TVelumUsage{u"Stacks cannot be written as XML yet."_s};
-  if (format != u"binary"_s) throw TVelumUsage{u"There is no format '%1': binary or xml."_s.arg(format)};
+  const QString format = aArgs.Value(u"format"_s);
+  if (aArgs.Has(u"format"_s) && format != u"binary"_s && format != u"xml"_s)
+    throw TVelumUsage{u"There is no format '%1': binary or xml."_s.arg(format)};
   const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
-  open.iStack->SetFlag(EStaBinary, true);
+  if (!format.isEmpty()) open.iStack->SetFlag(EStaBinary, format == u"binary"_s);
   CVelumStackFile(aArgs.iOperands.at(1)).SaveStack(open.iStack, open.iView);
   return EExitDone;
 }
@@ -23,7 +23,7 @@ const TVelumCommand& CVelumCommands::Convert() {
       {u"IN"_s, u"OUT"_s},
       u"load a stack and save it as another file"_s,
       u"An OUT that exists is replaced once the new file is complete."_s,
-      {{u"format"_s, u"NAME"_s, u"binary (the default) or xml"_s}},
+      {{u"format"_s, u"NAME"_s, u"binary or xml; without it as the stack was"_s}},
       false,
       Run,
   };

@@ -153,6 +153,15 @@ TEST(CVelumConvertCommand, AFailedSaveLeavesNothingBehind) {
   EXPECT_TRUE(QDir(folder.Path()).isEmpty());
 }
 
+TEST(CVelumConvertCommand, XmlIsRefusedUntilItComes) {
+  const TempFolder folder;
+  const TCliResult result = CliRun::Run({u"convert"_s, CliRun::Data(u"one_card.Orvelle"_s),
+                                         folder.Path(u"out.xml"_s), u"--format"_s, u"xml"_s});
+  EXPECT_EQ(result.iStatus, 1);
+  EXPECT_TRUE(result.iErr.contains("XML stacks come with a later version")) << result.iErr.toStdString();
+  EXPECT_TRUE(QDir(folder.Path()).isEmpty());
+}
+
 TEST(CVelumConvertCommand, AFailedLoadLeavesTheOutputAsItWas) {
   const TempFolder folder;
   const QString out = folder.Write(u"out.Orvelle"_s, "old");
