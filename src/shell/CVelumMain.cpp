@@ -25,10 +25,10 @@ struct TInstalled {
 
 std::unique_ptr<TInstalled> gInstalled;
 
-void InstallSeams() {
+void InstallSeams(CVelumPresenter* aPresenter) {
   gInstalled = std::make_unique<TInstalled>();
   CVelumSeams::SetEventPump(&gInstalled->iPump);
-  CVelumSeams::SetPresenter(&gInstalled->iPresenter);
+  CVelumSeams::SetPresenter(aPresenter ? aPresenter : &gInstalled->iPresenter);
 }
 
 void InitLibraries() {
@@ -64,8 +64,8 @@ QString CVelumMain::StackPath(const QString& aCommandLine) {
   return path.isEmpty() || !file.exists() ? path : file.absoluteFilePath();
 }
 
-void CVelumMain::Main(const QString& aCommandLine) {
-  InstallSeams();
+void CVelumMain::Main(const QString& aCommandLine, CVelumPresenter* aPresenter) {
+  InstallSeams(aPresenter);
   InitLibraries();
   ShowFrame();
   // A failure here leaves the main window without a stack.

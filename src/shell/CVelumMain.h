@@ -1,11 +1,7 @@
 // Start-up.
 #pragma once
 
-#include "core/CVelumObject.h"
-
-#include <QStringList>
-
-class CVelumFrame;
+#include "core/CVelumSeams.h"
 
 namespace CVelumMain {
 
@@ -15,8 +11,8 @@ namespace CVelumMain {
 
 // Brings the program up in its fixed order: libraries, settings, window manager, main window; then opens the
 // stack of the command line, or the one that is to be opened at start. Needs a QApplication. The main window
-// lives until End.
-void Main(const QString& aCommandLine);
+// lives until End. Tests give a presenter of their own in place of message boxes.
+void Main(const QString& aCommandLine, CVelumPresenter* aPresenter = nullptr);
 // Takes back what Main installed, for tests.
 void End();
 

@@ -1,0 +1,544 @@
+#include "shell/CVelumFrame.h"
+
+#include "core/CVelumMsg.h"
+#include "runtime/CVelumGenForm.h"
+#include "shell/CVelumCommandTable.h"
+#include "shell/CVelumMain.h"
+#include "shell/CVelumOptions.h"
+#include "shell/CVelumSave.h"
+#include "shell/ShellTest.h"
+#include "toolkit/CVelumReg.h"
+#include "toolkit/CVelumToolkitLib.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QStatusBar>
+#include <QTest>
+#include <QTextEdit>
+#include <QToolBar>
+#include <QToolButton>
+
+namespace {
+
+class CVelumFrameTest : public ShellTest {
+protected:
+  static QToolButton* ButtonOf(const QString& aKey) {
+    const auto* toolbar = gFrame->findChild<QToolBar*>(u"fToolbar"_s);
+    return qobject_cast<QToolButton*>(toolbar->widgetForAction(Action(aKey)));
+  }
+  static void Click(const QString& aKey) { QTest::mouseClick(ButtonOf(aKey), Qt::LeftButton); }
+  static QStringList Captions(const QMenu& aMenu) {
+    QStringList captions;
+    for (const QAction* action : aMenu.actions())
+      captions.append(action->isSeparator() ? u"-"_s : action->text());
+    return captions;
+  }
+  static QMenu* Menu(const QString& aName) { return gFrame->findChild<QMenu*>(aName); }
+  static void Open(const QString& aMenu) { Q_EMIT Menu(aMenu)->aboutToShow(); }
+};
+
+} // namespace
+
+TEST_F(CVelumFrameTest, MenusHaveTheirItemsInOrder) {
+  Start();
+  QStringList titles;
+  for (const QAction* action : gFrame->menuBar()->actions())
+    if (action->isVisible()) titles.append(action->text());
+  EXPECT_EQ(titles, (QStringList{u"&Stack"_s, u"&Background"_s, u"&Card"_s, u"&Field"_s, u"&Cmds"_s,
+                                 u"&Orvelles"_s}));
+  EXPECT_EQ(Captions(*Menu(u"fStack"_s)),
+            (QStringList{u"&Open..."_s, u"Open &Recent"_s, u"&Save"_s, u"Save &as..."_s, u"&New..."_s,
+                         u"I&mport..."_s, u"&Export..."_s, u"-"_s, u"&Info..."_s, u"Searc&h..."_s,
+                         u"&Backgrounds..."_s, u"&Cards..."_s, u"&Fields && Controls"_s, u"Sort &Keys..."_s,
+                         u"Field &Values..."_s, u"-"_s, u"C&lose"_s}));
+  EXPECT_EQ(Captions(*Menu(u"fBackground"_s)), (QStringList{u"&Info..."_s, u"&Fields && Controls..."_s}));
+  EXPECT_EQ(Captions(*Menu(u"fCard"_s)), (QStringList{u"Sele&ct..."_s, u"&New..."_s, u"&Delete"_s,
+                                                      u"Delete &all"_s, u"-"_s, u"&Info..."_s}));
+  EXPECT_EQ(Captions(*Menu(u"fField"_s)), (QStringList{u"&Picture"_s, u"&Info..."_s}));
+  EXPECT_EQ(Captions(*Menu(u"fPicture"_s)), (QStringList{u"I&mport..."_s, u"&Show..."_s}));
+  EXPECT_EQ(Captions(*Menu(u"fOrvelles"_s)),
+            (QStringList{u"&Options..."_s, u"&Help..."_s, u"&About..."_s, u"&Close"_s}));
+  EXPECT_FALSE(Menu(u"fDevelopment"_s)->menuAction()->isVisible());
+  EXPECT_EQ(Captions(*Menu(u"fDevelopment"_s)), (QStringList{u"HTTP Server"_s, u"&Size 208x255"_s}));
+}
+
+TEST_F(CVelumFrameTest, ToolbarHasItsThirteenButtonsInOrder) {
+  Start();
+  QStringList keys;
+  for (const QAction* action : gFrame->findChild<QToolBar*>(u"fToolbar"_s)->actions()) {
+    if (action->isSeparator()) continue;
+    keys.append(action->objectName());
+    EXPECT_FALSE(action->icon().isNull()) << action->objectName().toStdString();
+    EXPECT_FALSE(action->text().isEmpty());
+  }
+  EXPECT_EQ(keys, (QStringList{u"NewStack"_s, u"OpenStack"_s, u"SaveStack"_s, u"FirstCard"_s, u"PrevCard"_s,
+                               u"NextCard"_s, u"LastCard"_s, u"BackInHistory"_s, u"ForwInHistory"_s,
+                               u"EditStack"_s, u"EditBackgrounds"_s, u"EditCards"_s, u"EditControls"_s}));
+  EXPECT_EQ(Action(u"ForwInHistory"_s)->toolTip(), u"Forward in History"_s);
+  EXPECT_EQ(Action(u"OpenStack"_s)->toolTip(), u"Open Stack"_s);
+}
+
+TEST_F(CVelumFrameTest, EveryToolbarButtonHasACommand) {
+  Start();
+  for (const TVelumCommand& command : CVelumCommandTable::Toolbar()) {
+    QAction* button = Action(command.iAction.toString());
+    button->setEnabled(true);
+    button->trigger();
+  }
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 0);
+}
+
+TEST_F(CVelumFrameTest, CommandsWithoutTheirWindowAreThereButDisabled) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  for (const char* name :
+       {"fNewStack",        "fImport",     "fExport",       "fEditStack",      "fSearch",
+        "fEditBackgrounds", "fEditCards",  "fEditControls", "fEditSortKeys",   "fEditValues",
+        "fEditBackground",  "fSelectCard", "fNewCard",      "fEditCard",       "fOptions",
+        "fAbout",           "NewStack",    "EditStack",     "EditBackgrounds", "EditCards",
+        "EditControls"}) {
+    EXPECT_FALSE(Action(QString::fromLatin1(name))->isEnabled()) << name;
+    EXPECT_TRUE(Action(QString::fromLatin1(name))->toolTip().contains(u"comes later"_s, Qt::CaseInsensitive))
+        << name;
+  }
+}
+
+TEST_F(CVelumFrameTest, CommandsFollowTheOpenStack) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start();
+  const QStringList ofStack{u"fSaveStack"_s,  u"fSaveStackAs"_s, u"fCloseStack"_s,   u"fDeleteCard"_s,
+                            u"fEmptyStack"_s, u"SaveStack"_s,    u"FirstCard"_s,     u"PrevCard"_s,
+                            u"NextCard"_s,    u"LastCard"_s,     u"BackInHistory"_s, u"ForwInHistory"_s};
+  const auto expect = [&](bool aOpen) {
+    for (const QString& name : ofStack) EXPECT_EQ(Action(name)->isEnabled(), aOpen) << name.toStdString();
+    EXPECT_EQ(gFrame->FindAction(u"fCmd"_s)->isEnabled(), aOpen);
+    for (const QString& name : {u"fOpenStack"_s, u"fHelp"_s, u"fClose"_s, u"OpenStack"_s})
+      EXPECT_TRUE(Action(name)->isEnabled()) << name.toStdString();
+  };
+  expect(false);
+  iPath = path;
+  Choose(u"fOpenStack"_s);
+  expect(true);
+  Choose(u"fCloseStack"_s);
+  expect(false);
+}
+
+TEST_F(CVelumFrameTest, OpenFollowsTheDialog) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start();
+  Choose(u"fOpenStack"_s); // cancelled
+  EXPECT_FALSE(gStack);
+  EXPECT_EQ(iPresenter.Count(), 0);
+  iPath = path;
+  Choose(u"fOpenStack"_s);
+  ASSERT_TRUE(gStack);
+  EXPECT_EQ(gFrame->windowTitle(), path + u" - Orvelles"_s);
+  EXPECT_EQ(CardName(), u"card 00"_s);
+  EXPECT_EQ(iRunner.iSent.count(u"openStack"_s), 1);
+  EXPECT_EQ(gOptions.iLoadDialogInitDir, iFolder.Path());
+  EXPECT_EQ(gFileHistory[0], path);
+  // A second stack replaces the first without a question, as nothing was changed.
+  iPath = CopyStack(u"b.Orvelle"_s);
+  Click(u"OpenStack"_s);
+  EXPECT_EQ(gStack->Filename(), iPath);
+  EXPECT_EQ(gFileHistory[0], iPath);
+  EXPECT_EQ(gFileHistory[1], path);
+}
+
+TEST_F(CVelumFrameTest, CancelledOpenLeavesTheStackAlone) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  Choose(u"fOpenStack"_s);
+  EXPECT_TRUE(gStack);
+  EXPECT_EQ(iDialogs, 1);
+}
+
+TEST_F(CVelumFrameTest, CaptionTakesTheNameLiterally) {
+  const QString path = CopyStack(u"a[*]b & c.Orvelle"_s);
+  Start(path);
+  EXPECT_EQ(gFrame->windowTitle(), QString(path + u" - Orvelles"_s).replace(u"[*]"_s, u"[*][*]"_s));
+}
+
+TEST_F(CVelumFrameTest, ToolbarLeafsThroughCardsAndHistory) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Click(u"NextCard"_s);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+  Click(u"LastCard"_s);
+  EXPECT_EQ(CardName(), u"card 12"_s);
+  Click(u"NextCard"_s);
+  EXPECT_EQ(CardName(), u"card 12"_s);
+  Click(u"PrevCard"_s);
+  EXPECT_EQ(CardName(), u"card 11"_s);
+  Click(u"FirstCard"_s);
+  EXPECT_EQ(CardName(), u"card 00"_s);
+  Click(u"BackInHistory"_s);
+  EXPECT_EQ(CardName(), u"card 11"_s);
+  Click(u"BackInHistory"_s);
+  EXPECT_EQ(CardName(), u"card 12"_s);
+  Click(u"ForwInHistory"_s);
+  EXPECT_EQ(CardName(), u"card 11"_s);
+}
+
+TEST_F(CVelumFrameTest, KeysLeafThroughCards) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  QTest::keyClick(gFrame, Qt::Key_PageDown);
+  QTest::keyClick(gFrame, Qt::Key_PageDown);
+  EXPECT_EQ(CardName(), u"card 02"_s);
+  QTest::keyClick(gFrame, Qt::Key_PageUp);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+  QTest::keyClick(gFrame, Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(CardName(), u"card 02"_s);
+  QTest::keyClick(gFrame, Qt::Key_Right, Qt::AltModifier);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+  QTest::keyClick(gFrame, Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+}
+
+TEST_F(CVelumFrameTest, KeysReachTheFrameThroughTheCardWindow) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  auto& form = gStackView->CardView()->ViewForm();
+  QTest::keyClick(&form, Qt::Key_PageDown);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+  // A text of several lines needs these keys itself.
+  QTextEdit text(&form);
+  text.show();
+  text.setFocus();
+  QTest::keyClick(&text, Qt::Key_PageDown);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+}
+
+TEST_F(CVelumFrameTest, ShortcutsOpenAndSave) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(gFrame));
+  iPath = path;
+  QTest::keyClick(gFrame, Qt::Key_O, Qt::ControlModifier);
+  ASSERT_TRUE(gStack);
+  Change();
+  QTest::keyClick(gFrame, Qt::Key_S, Qt::ControlModifier);
+  EXPECT_FALSE(gStack->Changed());
+}
+
+TEST_F(CVelumFrameTest, RecentListStandsOldestFirst) {
+  Start();
+  Open(u"fOpenRecent"_s);
+  for (const QAction* item : Menu(u"fOpenRecent"_s)->actions()) {
+    EXPECT_FALSE(item->isVisible());
+    EXPECT_EQ(item->text(), QString());
+    EXPECT_EQ(item->data().toString(), QString());
+  }
+  for (const QString& name : {u"/x/a.Orvelle"_s, u"/y/b & c.Orvelle"_s, u"/x/d.Orvelle"_s})
+    CVelumOptions::AddToFileHistory(name);
+  Open(u"fOpenRecent"_s);
+  EXPECT_EQ(Captions(*Menu(u"fOpenRecent"_s)).mid(0, 4),
+            (QStringList{u"a.Orvelle"_s, u"b && c.Orvelle"_s, u"d.Orvelle"_s, QString()}));
+  EXPECT_EQ(Action(u"fHistory0"_s)->data().toString(), u"/x/a.Orvelle"_s);
+  EXPECT_EQ(Action(u"fHistory2"_s)->data().toString(), u"/x/d.Orvelle"_s);
+  EXPECT_TRUE(Action(u"fHistory2"_s)->isVisible());
+  EXPECT_FALSE(Action(u"fHistory3"_s)->isVisible());
+  for (int i = 0; i < 9; ++i) CVelumOptions::AddToFileHistory(u"/n/"_s + QString::number(i));
+  Open(u"fOpenRecent"_s);
+  EXPECT_EQ(Action(u"fHistory0"_s)->text(), u"2"_s);
+  EXPECT_EQ(Action(u"fHistory6"_s)->text(), u"8"_s);
+}
+
+TEST_F(CVelumFrameTest, RecentFileOpens) {
+  const QString a = CopyStack(u"a.Orvelle"_s);
+  const QString b = CopyStack(u"b.Orvelle"_s);
+  Start(a);
+  CVelumOptions::AddToFileHistory(b);
+  Choose(u"fHistory1"_s); // the newest stands last
+  EXPECT_EQ(gStack->Filename(), b);
+  Choose(u"fHistory0"_s);
+  EXPECT_EQ(gStack->Filename(), a);
+}
+
+TEST_F(CVelumFrameTest, RecentFileThatIsGoneGivesTheMessageAndStaysInTheList) {
+  Start();
+  CVelumOptions::AddToFileHistory(u"/nowhere/a.Orvelle"_s);
+  Choose(u"fHistory0"_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgFileNotFound);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"/nowhere/a.Orvelle"_s));
+  EXPECT_EQ(gFileHistory[0], u"/nowhere/a.Orvelle"_s);
+  EXPECT_FALSE(gStack);
+}
+
+TEST_F(CVelumFrameTest, SaveWritesTheChangesAndThePlacesOfWindows) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start(path);
+  Change();
+  const QString descr = gStack->Descr();
+  CVelumForm* card = CVelumWinMan::NameToForm(u"CVelumGenForm"_s);
+  card->SetPlace(QRectF(150, 300, 4500, 4800), true);
+  Click(u"SaveStack"_s);
+  EXPECT_EQ(iPresenter.Count(), 0);
+  EXPECT_FALSE(gStack->Changed());
+  Choose(u"fCloseStack"_s);
+  CVelumOptions::AddToFileHistory(path);
+  Choose(u"fHistory0"_s);
+  ASSERT_TRUE(gStack);
+  EXPECT_EQ(gStack->Descr(), descr);
+  EXPECT_EQ(CVelumWinMan::NameToForm(u"CVelumGenForm"_s)->Place(), QRectF(150, 300, 4500, 4800));
+}
+
+TEST_F(CVelumFrameTest, FailedSaveIsShownAndLeavesTheStackOpenAndChanged) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  gStack->SetFilename(iFolder.Path(u"no/such/folder/a.Orvelle"_s));
+  Choose(u"fSaveStack"_s);
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_TRUE(gStack->Changed());
+  Click(u"NextCard"_s);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+}
+
+TEST_F(CVelumFrameTest, RefusedSaveSaysWhy) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  gStack->SetDescr(QString(20000, u'x'));
+  Choose(u"fSaveStack"_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgCouldNotSave);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"too long"_s)) << iPresenter.LastText().toStdString();
+  EXPECT_TRUE(gStack->Changed());
+}
+
+TEST_F(CVelumFrameTest, StackWithoutNameIsSavedAs) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  gStack->SetFilename({});
+  Choose(u"fSaveStack"_s);
+  EXPECT_EQ(iDialogs, 1);
+  EXPECT_EQ(gStack->Filename(), QString()); // cancelled, silently
+  EXPECT_EQ(iPresenter.Count(), 0);
+  iPath = iFolder.Path(u"new.Orvelle"_s);
+  Choose(u"fSaveStack"_s);
+  EXPECT_EQ(gStack->Filename(), iPath);
+  EXPECT_TRUE(QFile::exists(iPath));
+}
+
+TEST_F(CVelumFrameTest, SaveAsShowsTheNewNameAtOnceAndOpensAgain) {
+  const QString old = CopyStack(u"a.Orvelle"_s);
+  const QByteArray before = iFolder.Read(u"a.Orvelle"_s);
+  Start(old);
+  Change();
+  iRunner.iSent.clear();
+  iPath = iFolder.Path(u"b.Orvelle"_s);
+  Choose(u"fSaveStackAs"_s);
+  EXPECT_EQ(gFrame->windowTitle(), iPath + u" - Orvelles"_s);
+  EXPECT_EQ(gFileHistory[0], iPath);
+  EXPECT_EQ(gFileHistory[1], old);
+  EXPECT_FALSE(gStack->Changed());
+  EXPECT_EQ(iRunner.iSent.count(u"openStack"_s), 1);
+  EXPECT_EQ(iFolder.Read(u"a.Orvelle"_s), before);
+}
+
+TEST_F(CVelumFrameTest, FailedSaveAsKeepsTheName) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start(path);
+  iPath = iFolder.Path(u"no/such/folder/b.Orvelle"_s);
+  Choose(u"fSaveStackAs"_s);
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_EQ(gStack->Filename(), path);
+  EXPECT_EQ(gFrame->windowTitle(), path + u" - Orvelles"_s);
+  EXPECT_EQ(gFileHistory[0], path);
+}
+
+TEST_F(CVelumFrameTest, CloseOfAnUnchangedStackAsksNothing) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(gStack);
+  EXPECT_FALSE(gStackView);
+  EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
+  EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumGenForm"_s));
+  gFrame->Commands().CloseStack(); // nothing open: nothing happens
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
+TEST_F(CVelumFrameTest, CloseOfAChangedStackAsks) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  const QByteArray before = iFolder.Read(u"a.Orvelle"_s);
+  Start(path);
+  Change();
+  for (const QString& button : {u"fBackBut"_s, QString()}) { // Back, and the close box
+    AnswerSave(button);
+    Choose(u"fCloseStack"_s);
+    EXPECT_TRUE(iAsked);
+    ASSERT_TRUE(gStack);
+    EXPECT_TRUE(gStack->Changed());
+    EXPECT_EQ(iFolder.Read(u"a.Orvelle"_s), before);
+  }
+  AnswerSave(u"fDiscardBut"_s);
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(gStack);
+  EXPECT_EQ(iFolder.Read(u"a.Orvelle"_s), before);
+}
+
+TEST_F(CVelumFrameTest, CloseWithSaveWritesFirst) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  const QByteArray before = iFolder.Read(u"a.Orvelle"_s);
+  Start(path);
+  Change();
+  AnswerSave(u"fSaveBut"_s);
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(gStack);
+  EXPECT_NE(iFolder.Read(u"a.Orvelle"_s), before);
+}
+
+TEST_F(CVelumFrameTest, CloseStopsWhenTheSaveFailsOrIsCancelled) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  gStack->SetFilename({});
+  AnswerSave(u"fSaveBut"_s);
+  EXPECT_FALSE(gFrame->close()); // the name is asked for, and cancelled
+  EXPECT_EQ(iDialogs, 1);
+  EXPECT_TRUE(gStack);
+  EXPECT_FALSE(iEnded);
+  gStack->SetFilename(iFolder.Path(u"no/such/folder/a.Orvelle"_s));
+  AnswerSave(u"fSaveBut"_s);
+  EXPECT_FALSE(gFrame->close());
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_TRUE(gStack);
+  EXPECT_FALSE(iEnded);
+  EXPECT_TRUE(gFrame->isVisible());
+}
+
+TEST_F(CVelumFrameTest, ClosingTheWindowSavesSettingsAndEnds) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start(path);
+  gFrame->move(30, 40);
+  gFrame->resize(500, 400);
+  gOptions.iAutoLoadName = u"kept"_s;
+  EXPECT_TRUE(gFrame->close());
+  EXPECT_TRUE(iEnded);
+  EXPECT_FALSE(gStack);
+  CVelumOptions::LoadOptions();
+  EXPECT_EQ(gOptions.iAutoLoadName, u"kept"_s);
+  EXPECT_EQ(gFileHistory[0], path);
+  QString place;
+  bool found = false;
+  CVelumReg::GetVal(u"Windows"_s, u"CVelumFrame"_s, place, found, false);
+  EXPECT_EQ(place, u" 450, 600, 7500, 6000"_s);
+}
+
+TEST_F(CVelumFrameTest, CloseCommandOfTheProgramEndsIt) {
+  Start();
+  Choose(u"fClose"_s);
+  EXPECT_TRUE(iEnded);
+}
+
+TEST_F(CVelumFrameTest, SettingsThatCannotBeWrittenDoNotKeepTheWindowOpen) {
+  iFolder.Write(u"blocked"_s, "x");
+  CVelumReg::SetFolder(iFolder.Path(u"blocked"_s));
+  Start();
+  EXPECT_TRUE(gFrame->close());
+  EXPECT_TRUE(iEnded);
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 1);
+}
+
+TEST_F(CVelumFrameTest, CloseBoxOfTheCardWindowClosesTheStack) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  AnswerSave(u"fBackBut"_s);
+  QWidget* child = CVelumWinMan::NameToForm(u"CVelumGenForm"_s)->Widget()->parentWidget();
+  EXPECT_FALSE(child->close());
+  EXPECT_TRUE(gStack);
+  AnswerSave(u"fDiscardBut"_s);
+  child->close();
+  EXPECT_FALSE(gStack);
+}
+
+TEST_F(CVelumFrameTest, DeleteCardAsksByName) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Choose(u"fDeleteCard"_s);
+  EXPECT_EQ(iPresenter.LastText(), u"Delete card 'card 00'?"_s);
+  EXPECT_EQ(gStack->NumCards(), 13);
+  iPresenter.Answer(true);
+  Choose(u"fDeleteCard"_s);
+  EXPECT_EQ(gStack->NumCards(), 12);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+}
+
+TEST_F(CVelumFrameTest, EmptyStackAsks) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Choose(u"fEmptyStack"_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgEmptyStackOk);
+  EXPECT_EQ(gStack->NumCards(), 13);
+  iPresenter.Answer(true);
+  Choose(u"fEmptyStack"_s);
+  EXPECT_EQ(gStack->NumCards(), 0);
+  Choose(u"fDeleteCard"_s); // no card: nothing
+  EXPECT_EQ(iPresenter.Count(), 2);
+}
+
+TEST_F(CVelumFrameTest, FieldMenuNeedsAField) {
+  Start();
+  Open(u"fField"_s);
+  EXPECT_FALSE(Menu(u"fPicture"_s)->menuAction()->isEnabled());
+  EXPECT_FALSE(Action(u"fEditField"_s)->isEnabled());
+}
+
+TEST_F(CVelumFrameTest, ConditionsFollowStackCardAndField) {
+  using enum EVelumNeed;
+  Start();
+  EXPECT_TRUE(CVelumCommandTable::IsMet(Nothing));
+  for (const EVelumNeed need : {Stack, CurCard, Field, Picture})
+    EXPECT_FALSE(CVelumCommandTable::IsMet(need));
+  iPath = CopyStack(u"a.Orvelle"_s);
+  Choose(u"fOpenStack"_s);
+  EXPECT_TRUE(CVelumCommandTable::IsMet(Stack));
+  EXPECT_TRUE(CVelumCommandTable::IsMet(CurCard));
+  EXPECT_FALSE(CVelumCommandTable::IsMet(Picture));
+  iPresenter.Answer(true);
+  Choose(u"fEmptyStack"_s);
+  EXPECT_TRUE(CVelumCommandTable::IsMet(Stack));
+  EXPECT_FALSE(CVelumCommandTable::IsMet(CurCard));
+}
+
+TEST_F(CVelumFrameTest, HelpOpensThePageOfTheFrame) {
+  Start();
+  Choose(u"fHelp"_s);
+  EXPECT_EQ(iPresenter.HelpPages(), QList<QString>{u"Frame"_s});
+}
+
+TEST_F(CVelumFrameTest, HostFindsTheCommandsByTheirExactNames) {
+  Start();
+  for (int i = 0; i < 10; ++i) EXPECT_NE(gFrame->FindAction(u"fGenFunc%1"_s.arg(i)), nullptr);
+  EXPECT_NE(gFrame->FindAction(u"fNoCmd"_s), nullptr);
+  EXPECT_EQ(gFrame->FindAction(u"fCmd"_s), Menu(u"fCmd"_s)->menuAction());
+  for (const QString& name : {u"fGenFunc10"_s, u"FGENFUNC0"_s, u"fOpenStack"_s, QString()})
+    EXPECT_EQ(gFrame->FindAction(name), nullptr) << name.toStdString();
+  EXPECT_FALSE(gFrame->ToolbarIcon(u"SelectCard"_s).isNull());
+  EXPECT_TRUE(gFrame->ToolbarIcon(u"Nothing"_s).isNull());
+  EXPECT_EQ(gFrame->ShowForm(u"CVelumCardSelect"_s), nullptr);
+}
+
+TEST_F(CVelumFrameTest, PhoneSizeGivesTheClientAreaOfAPhone) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Action(u"fSize"_s)->trigger();
+  const QWidget* form = CVelumWinMan::NameToForm(u"CVelumGenForm"_s)->Widget();
+  EXPECT_NEAR(form->width(), 208 * 20 / 15.0, 1);
+  EXPECT_NEAR(form->height(), 255 * 20 / 15.0, 1);
+}
+
+TEST_F(CVelumFrameTest, NotificationsReachTheFrame) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  const QString other = u"/other.Orvelle"_s;
+  gStack->SetFilename(other);
+  CVelumSeams::ChangeNotify(0);
+  EXPECT_EQ(gFrame->windowTitle(), other + u" - Orvelles"_s);
+  for (const int kind : {1, 2, 3, 4, 5, 6, 9}) CVelumSeams::ChangeNotify(kind);
+  EXPECT_EQ(CardName(), u"card 00"_s);
+  EXPECT_EQ(iPresenter.Count(), 0);
+  CVelumSeams::ChangeNotify(8);
+  EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
+}
+
+TEST_F(CVelumFrameTest, SaveQuestionStandsInTheMiddleOfTheFrame) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  CVelumSave save(u"x"_s, gFrame);
+  save.show();
+  const QPoint middle = gFrame->frameGeometry().center() - QPoint(save.width() / 2, save.height() / 2);
+  EXPECT_LE((save.pos() - middle).manhattanLength(), 4);
+}

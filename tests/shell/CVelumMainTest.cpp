@@ -1,0 +1,134 @@
+#include "shell/CVelumMain.h"
+
+#include "core/CVelumDialogLib.h"
+#include "core/CVelumMsg.h"
+#include "runtime/CVelumRuntimeLib.h"
+#include "shell/CVelumOptions.h"
+#include "shell/ShellTest.h"
+#include "toolkit/CVelumReg.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QDir>
+
+using CVelumMainTest = ShellTest;
+
+TEST_F(CVelumMainTest, CommandLineIsTrimmedAndLosesItsQuotes) {
+  EXPECT_EQ(CVelumMain::StackPath({}), QString());
+  EXPECT_EQ(CVelumMain::StackPath(u"   "_s), QString());
+  EXPECT_EQ(CVelumMain::StackPath(u"  /no/a b.Orvelle "_s), u"/no/a b.Orvelle"_s);
+  EXPECT_EQ(CVelumMain::StackPath(u" \"/no/a b.Orvelle\" "_s), u"/no/a b.Orvelle"_s);
+  EXPECT_EQ(CVelumMain::StackPath(u"\"/no/a"_s), u"\"/no/a"_s);
+  EXPECT_EQ(CVelumMain::StackPath(u"/no/a\""_s), u"/no/a\""_s);
+  EXPECT_EQ(CVelumMain::StackPath(u"\"\""_s), QString());
+  try {
+    static_cast<void>(CVelumMain::StackPath(u"\""_s));
+    FAIL() << "no error";
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EHostBadCall);
+  }
+}
+
+TEST_F(CVelumMainTest, PathOfAFileThatIsThereBecomesAbsolute) {
+  CopyStack(u"a.Orvelle"_s);
+  const QString before = QDir::currentPath();
+  ASSERT_TRUE(QDir::setCurrent(iFolder.Path()));
+  EXPECT_EQ(CVelumMain::StackPath(u"a.Orvelle"_s), QDir::currentPath() + u"/a.Orvelle"_s);
+  EXPECT_EQ(CVelumMain::StackPath(u"b.Orvelle"_s), u"b.Orvelle"_s);
+  QDir::setCurrent(before);
+}
+
+TEST_F(CVelumMainTest, ShowsTheMainWindowWithoutStack) {
+  Start();
+  EXPECT_TRUE(gFrame->isVisible());
+  EXPECT_FALSE(gFrame->isModal());
+  EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
+  EXPECT_FALSE(gStack);
+  EXPECT_EQ(CVelumWinMan::FormCount(), 24);
+  EXPECT_EQ(CVelumWinMan::NameToForm(u"CVelumFrame"_s), gFrame);
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
+TEST_F(CVelumMainTest, OpensTheQuotedPathOfTheCommandLine) {
+  const QString path = CopyStack(u"a b.Orvelle"_s);
+  Start(u" \"%1\" "_s.arg(path));
+  ASSERT_TRUE(gStack);
+  EXPECT_EQ(gStack->Filename(), path);
+  EXPECT_EQ(CVelumDialogLib::WaitCount(), 0);
+}
+
+TEST_F(CVelumMainTest, LeadingQuoteAloneIsPartOfTheName) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start(u'"' + path);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgFileNotFound);
+  EXPECT_TRUE(iPresenter.LastText().contains(u'"' + path));
+  EXPECT_FALSE(gStack);
+  EXPECT_TRUE(gFrame->isVisible());
+}
+
+TEST_F(CVelumMainTest, SingleQuoteIsShownAsAHostError) {
+  Start(u"\""_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgSystemError);
+  EXPECT_TRUE(gFrame->isVisible());
+}
+
+TEST_F(CVelumMainTest, EmptyCommandLineOpensTheStackOfTheSettings) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, path, false);
+  Start(u"  "_s);
+  ASSERT_TRUE(gStack);
+  EXPECT_EQ(gStack->Filename(), path);
+}
+
+TEST_F(CVelumMainTest, CommandLineGoesBeforeTheSettings) {
+  CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, CopyStack(u"a.Orvelle"_s), false);
+  const QString path = CopyStack(u"b.Orvelle"_s);
+  Start(path);
+  EXPECT_EQ(gStack->Filename(), path);
+}
+
+TEST_F(CVelumMainTest, StackOfTheSettingsThatIsGoneGivesTheMessage) {
+  CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, u"/nowhere/a.Orvelle"_s, false);
+  Start();
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgFileNotFound);
+  EXPECT_FALSE(gStack);
+}
+
+TEST_F(CVelumMainTest, BrokenSettingsAreDefaultsWithoutAWord) {
+  QDir(iFolder.Path()).mkpath(u"settings/Brindleway"_s);
+  iFolder.Write(u"settings/Brindleway/Orvelles.conf"_s, "\x01\x02 rubbish\n[[[\nx");
+  CVelumReg::SetFolder(iFolder.Path(u"settings"_s));
+  Start();
+  EXPECT_EQ(iPresenter.Count(), 0);
+  EXPECT_TRUE(gOptions.iShowWelcome);
+  EXPECT_TRUE(gFrame->close());
+  EXPECT_TRUE(iFolder.Has(u"settings/Brindleway/Orvelles.conf.broken1"_s));
+}
+
+TEST_F(CVelumMainTest, DamagedStackLeavesTheOpenOneOpen) {
+  const QString good = CopyStack(u"a.Orvelle"_s);
+  Start(good);
+  const QByteArray bytes = iFolder.Read(u"a.Orvelle"_s);
+  for (const QByteArray& bad : {QByteArray(), QByteArray("no stack"), bytes.left(bytes.size() / 2)}) {
+    iPresenter.Clear();
+    const QString path = iFolder.Write(u"bad.Orvelle"_s, bad);
+    EXPECT_FALSE(CVelumLib::HandleLoadStack(path));
+    EXPECT_EQ(iPresenter.Count(), 1);
+    ASSERT_TRUE(gStack);
+    EXPECT_EQ(gStack->Filename(), good);
+    EXPECT_EQ(CardName(), u"card 00"_s);
+    EXPECT_EQ(CVelumDialogLib::WaitCount(), 0);
+  }
+}
+
+TEST_F(CVelumMainTest, FolderIsNoStack) {
+  Start(iFolder.Path());
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_FALSE(gStack);
+}
+
+TEST_F(CVelumMainTest, FrameComesBackWhereItWas) {
+  CVelumReg::PutVal(u"Windows"_s, u"CVelumFrame"_s, u" 300, 450, 7500, 6000"_s, false);
+  Start();
+  EXPECT_EQ(gFrame->pos(), QPoint(20, 30));
+  EXPECT_EQ(gFrame->size(), QSize(500, 400));
+}
