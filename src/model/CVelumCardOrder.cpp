@@ -10,6 +10,7 @@
 namespace {
 constexpr int EBlockMax = 512;
 constexpr int EMaxHome = 50'000'000; // beyond every capacity that a file may have
+constexpr qint32 EGroup = 64;
 constexpr quint64 EAllBits = ~quint64(0);
 constexpr quint8 ENoBit = 64;
 constexpr int EArrayTypeId = 5;
@@ -77,8 +78,8 @@ void CVelumCardOrder::InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBi
   Grow(1);
   if (aPos == iCount) {
     Append(aId, aNum);
-    iBits.back() |= aBit;
     SetBit(aId, aBit);
+    Mark(iBlocks.back()->iNo, aBit);
     return;
   }
   auto [block, index] = Locate(aPos);
@@ -91,7 +92,7 @@ void CVelumCardOrder::InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBi
   block->WorkOut();
   block->iIds.insert(block->iIds.begin() + index, aId);
   block->iNums.insert(block->iNums.begin() + index, aNum);
-  iBits[size_t(block->iNo)] |= aBit;
+  Mark(block->iNo, aBit);
   ++iCount;
   AddToTree(block->iNo, 1);
   SetHome(aId, block);
@@ -132,7 +133,7 @@ void CVelumCardOrder::SetIdAt(qint32 aPos, qint32 aId) {
   iChanged = true;
   place.iBlock->iIds[size_t(place.iIndex)] = aId;
   SetHome(aId, place.iBlock);
-  iBits[size_t(place.iBlock->iNo)] = BitsOf(*place.iBlock);
+  Mark(place.iBlock->iNo, BitsOf(*place.iBlock));
 }
 
 void CVelumCardOrder::Assign(const std::vector<qint32>& aIds, const std::vector<quint64>& aBits,
@@ -145,7 +146,7 @@ void CVelumCardOrder::Assign(const std::vector<qint32>& aIds, const std::vector<
   for (size_t i = 0; i < aIds.size(); ++i) {
     Grow(1);
     Append(aIds[i], 0);
-    iBits.back() |= aBits[i];
+    Mark(iBlocks.back()->iNo, aBits[i]);
     SetBit(aIds[i], aBits[i]);
   }
   Renumber(aStep);
@@ -167,13 +168,14 @@ void CVelumCardOrder::Move(qint32 aFrom, qint32 aNum, qint32 aTo, qint32 aStep) 
   Clear();
   for (const qint32 id : ids) Append(id, 0);
   iBitNo = bitNo;
-  for (const auto& block : iBlocks) iBits[size_t(block->iNo)] = BitsOf(*block);
+  for (const auto& block : iBlocks) Mark(block->iNo, BitsOf(*block));
   Renumber(aStep);
 }
 
 void CVelumCardOrder::Clear() {
   iBlocks.clear();
   iBits.clear();
+  iGroups.clear();
   iTree.clear();
   iHome.clear();
   iBitNo.clear();
@@ -183,33 +185,62 @@ void CVelumCardOrder::Clear() {
 
 void CVelumCardOrder::AddBit(qint32 aId, quint64 aBit) {
   if (aId < 0 || size_t(aId) >= iHome.size() || !iHome[size_t(aId)]) return;
-  iBits[size_t(iHome[size_t(aId)]->iNo)] |= aBit;
+  Mark(iHome[size_t(aId)]->iNo, aBit);
   SetBit(aId, aBit);
 }
 
 void CVelumCardOrder::ClearBits() {
   std::fill(iBits.begin(), iBits.end(), 0);
+  std::fill(iGroups.begin(), iGroups.end(), 0);
 }
 
 qint32 CVelumCardOrder::SkipForward(qint32 aPos, quint64 aBit) const {
   if (aPos < 0) aPos = 0;
   if (aPos >= iCount) return iCount;
-  qint32 no = Locate(aPos).iBlock->iNo;
-  if (iBits[size_t(no)] & aBit) return aPos;
-  const qint32 numBlocks = static_cast<qint32>(iBlocks.size());
-  do ++no;
-  while (no < numBlocks && !(iBits[size_t(no)] & aBit));
-  return no < numBlocks ? StartOf(no) : iCount;
+  const qint32 here = Locate(aPos).iBlock->iNo;
+  const qint32 no = BlockFrom(here, aBit);
+  if (no == here) return aPos;
+  return size_t(no) < iBlocks.size() ? StartOf(no) : iCount;
 }
 
 qint32 CVelumCardOrder::SkipBackward(qint32 aPos, quint64 aBit) const {
   if (aPos >= iCount) aPos = iCount - 1;
   if (aPos < 0) return -1;
-  qint32 no = Locate(aPos).iBlock->iNo;
-  if (iBits[size_t(no)] & aBit) return aPos;
-  do --no;
-  while (no >= 0 && !(iBits[size_t(no)] & aBit));
+  const qint32 here = Locate(aPos).iBlock->iNo;
+  const qint32 no = BlockUpTo(here, aBit);
+  if (no == here) return aPos;
   return no < 0 ? -1 : StartOf(no) + iBlocks[size_t(no)]->Count() - 1;
+}
+
+void CVelumCardOrder::Mark(qint32 aBlockNo, quint64 aBit) {
+  iBits[size_t(aBlockNo)] |= aBit;
+  iGroups[size_t(aBlockNo / EGroup)] |= aBit;
+}
+
+void CVelumCardOrder::RebuildGroups() {
+  iGroups.assign(iBits.size() / EGroup + 1, 0);
+  for (size_t no = 0; no < iBits.size(); ++no) iGroups[no / EGroup] |= iBits[no];
+}
+
+// The first block from aBlockNo on with aBit, or the number of blocks.
+qint32 CVelumCardOrder::BlockFrom(qint32 aBlockNo, quint64 aBit) const {
+  const qint32 num = static_cast<qint32>(iBlocks.size());
+  qint32 no = aBlockNo;
+  while (no < num && !(iBits[size_t(no)] & aBit)) {
+    ++no;
+    while (no < num && no % EGroup == 0 && !(iGroups[size_t(no / EGroup)] & aBit)) no += EGroup;
+  }
+  return std::min(no, num);
+}
+
+// The last block up to aBlockNo with aBit, or -1.
+qint32 CVelumCardOrder::BlockUpTo(qint32 aBlockNo, quint64 aBit) const {
+  qint32 no = aBlockNo;
+  while (no >= 0 && !(iBits[size_t(no)] & aBit)) {
+    --no;
+    while (no >= 0 && no % EGroup == EGroup - 1 && !(iGroups[size_t(no / EGroup)] & aBit)) no -= EGroup;
+  }
+  return no;
 }
 
 Ref<CVelumArray> CVelumCardOrder::ToArray() const {
@@ -270,6 +301,7 @@ void CVelumCardOrder::RebuildTree() {
     if (next < iTree.size()) iTree[next] += iTree[i];
   }
   iMemoNo = iMemoStart = 0;
+  RebuildGroups();
 }
 
 void CVelumCardOrder::Split(TBlock& aBlock) {
@@ -300,6 +332,7 @@ void CVelumCardOrder::Append(qint32 aId, qint32 aNum) {
     // The node of a new last block covers blocks before it.
     const qint32 no = static_cast<qint32>(iBlocks.size()) - 1;
     iBlocks.back()->iNo = no;
+    if (size_t(no / EGroup) >= iGroups.size()) iGroups.push_back(0);
     if (iTree.empty()) iTree.push_back(0);
     iTree.push_back(StartOf(no) - StartOf((no + 1) & no));
   }
@@ -362,6 +395,7 @@ void CVelumCardOrder::Adopt(const CVelumArray& aArray) {
     Append(val.Type() == EValInt ? val.Int() : ENoInt, aArray.IntKeyAt(i));
   }
   iBits.assign(iBlocks.size(), EAllBits);
+  RebuildGroups();
   iChanged = false;
 }
 

@@ -67,6 +67,10 @@ private:
 
   [[nodiscard]] TPlace Locate(qint32 aPos) const;
   [[nodiscard]] qint32 StartOf(qint32 aBlockNo) const;
+  void Mark(qint32 aBlockNo, quint64 aBit);
+  void RebuildGroups();
+  [[nodiscard]] qint32 BlockFrom(qint32 aBlockNo, quint64 aBit) const;
+  [[nodiscard]] qint32 BlockUpTo(qint32 aBlockNo, quint64 aBit) const;
   void AddToTree(qint32 aBlockNo, qint32 aDelta);
   void RebuildTree();
   void Split(TBlock& aBlock);
@@ -81,11 +85,12 @@ private:
   void Adopt(const CVelumArray& aArray);
 
   std::vector<std::unique_ptr<TBlock>> iBlocks;
-  std::vector<quint64> iBits; // per block: backgrounds that may occur there
-  std::vector<qint32> iTree;  // Fenwick tree over the counts of the blocks
-  std::vector<TBlock*> iHome; // by card id
-  std::vector<quint8> iBitNo; // by card id: which bit its background has; ENoBit when unknown
-  mutable qint32 iMemoNo = 0; // block of the last access and its first position
+  std::vector<quint64> iBits;   // per block: backgrounds that may occur there
+  std::vector<quint64> iGroups; // the same for each EGroup blocks
+  std::vector<qint32> iTree;    // Fenwick tree over the counts of the blocks
+  std::vector<TBlock*> iHome;   // by card id
+  std::vector<quint8> iBitNo;   // by card id: which bit its background has; ENoBit when unknown
+  mutable qint32 iMemoNo = 0;   // block of the last access and its first position
   mutable qint32 iMemoStart = 0;
   qint32 iCount = 0;
   bool iChanged = true;

@@ -86,7 +86,7 @@ void CVelumStack::ReportAllChanged(const CVelumControlSet& aBackground) {
   Ref<CVelumCard> first;
   Ref<CVelumCard> last;
   qint32 index = 0;
-  if (!GetFirstCardInBackground(aBackground.Id(), first, index)) return;
+  if (aBackground.NumCards() == 0 || !GetFirstCardInBackground(aBackground.Id(), first, index)) return;
   if (!GetLastCardInBackground(aBackground.Id(), last)) return;
   ChangeCard(*first);
   const qint32 num = iChangeInfo.iNumCardsChanged + aBackground.NumCards() - 1;

@@ -157,6 +157,33 @@ TEST(CVelumCardOrder, SkipsToABackground) {
   EXPECT_EQ(order.SkipForward(0, one), 3000);
 }
 
+// The same beside a plain search, with more blocks than a group of them holds.
+TEST(CVelumCardOrder, SkipsOverGroupsOfBlocks) {
+  CVelumCardOrder order;
+  const quint64 one = CVelumCardOrder::BackgroundBit(1);
+  const quint64 rare = CVelumCardOrder::BackgroundBit(5);
+  const std::vector<qint32> rares = {3, 40000, 40001, 90000, 119999};
+  constexpr qint32 num = 120000;
+  for (qint32 id = 0; id < num; ++id)
+    order.InsertAt(id, id, id + 1, std::binary_search(rares.begin(), rares.end(), id) ? rare : one);
+  for (qint32 pos = 0; pos < num; pos += 331) {
+    const auto next = std::lower_bound(rares.begin(), rares.end(), pos);
+    ASSERT_NE(next, rares.end());
+    const qint32 to = order.SkipForward(pos, rare);
+    ASSERT_GE(to, pos);
+    ASSERT_LE(to, *next);
+    ASSERT_GT(to, *next - 512);
+    const qint32 back = order.SkipBackward(pos, rare);
+    ASSERT_LE(back, pos);
+    if (next == rares.begin()) continue;
+    ASSERT_GE(back, *(next - 1));
+    ASSERT_LT(back, *(next - 1) + 512);
+  }
+  for (qint32 i = 0; i < 50000; ++i) order.RemoveAt(0);
+  EXPECT_GT(order.SkipForward(0, rare), 40000 - 1024);
+  EXPECT_LE(order.SkipForward(0, rare), 40000);
+}
+
 // The bytes are those of an array, its growth figures included.
 TEST(CVelumCardOrder, WritesWhatAnArrayWrites) {
   CVelumCardOrder order;
