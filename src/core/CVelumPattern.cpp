@@ -38,25 +38,26 @@ QString WithoutBlanks(QString aText) {
 } // namespace
 
 CVelumPattern::CVelumPattern(const QString& aFormat) {
-  for (qsizetype i = 0; i < aFormat.size();) {
+  bool quoted = false;
+  for (qsizetype i = 0, end = 0; i < aFormat.size(); i = end) {
     const QChar c = aFormat[i];
-    qsizetype end = i + 1;
+    end = i + 1;
     if (c == u'\'') {
-      end = aFormat.indexOf(u'\'', i + 1);
-      if (end < 0) end = aFormat.size();
-      // Two quotes are one quote.
-      AddText(end == i + 1 ? u"'"_s : aFormat.sliced(i + 1, end - i - 1));
-      ++end;
+      // Two quotes are one quote, inside and outside of quoted text.
+      const bool twice = end < aFormat.size() && aFormat[end] == c;
+      if (twice)
+        AddText(aFormat[end++]);
+      else
+        quoted = !quoted;
+    } else if (quoted || !IsAsciiLetter(c)) {
+      AddText(c);
     } else if (c == u'A' || c == u'a' || c == u'B') {
       if (end < aFormat.size() && aFormat[end].toUpper() == u'P') ++end;
       AddLetters(u'a', 1);
-    } else if (IsAsciiLetter(c)) {
+    } else {
       while (end < aFormat.size() && aFormat[end] == c) ++end;
       AddLetters(c, end - i);
-    } else {
-      AddText(QString(c));
     }
-    i = end;
   }
   Drop(EZone);
 }

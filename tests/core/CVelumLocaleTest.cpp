@@ -252,6 +252,19 @@ TEST_F(CVelumLocaleTest, ReadsWholeNumbers) {
   EXPECT_EQ(Int(u""_s), std::nullopt);
 }
 
+TEST_F(CVelumLocaleTest, NamesOfLocales) {
+  Init(u"de_DE.UTF-8"_s);
+  EXPECT_EQ(ShortDate(29221), u"01.01.1980"_s);
+  // Of no locale: as in C.
+  Init(u"nonsense"_s);
+  EXPECT_EQ(ShortDate(29221), u"1980-01-01"_s);
+  // The user's, whatever it is.
+  Init();
+  EXPECT_EQ(Moment(ShortDate(29221)), 29221);
+  EXPECT_EQ(Moment(LongTime(0.75)), 0.75);
+  EXPECT_EQ(Number(Real(-1234.5, 8, false)), -1234.5);
+}
+
 // What is shown in a field must be the same value when it is read again.
 TEST_F(CVelumLocaleTest, EveryLocaleReadsWhatItWrites) {
   const QList<QLocale> all =
