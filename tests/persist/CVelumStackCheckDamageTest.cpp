@@ -43,20 +43,21 @@ protected:
   TempFolder iFolder;
 };
 
-TEST_P(CVelumStackCheckDamageTest, EveryChangedByteIsSurvived) {
+// Every third byte: loading after any change of any byte has a test of its own.
+TEST_P(CVelumStackCheckDamageTest, ChangedBytesAreSurvived) {
   ASSERT_FALSE(HasProblem(iBytes));
   for (const bool answer : {false, true}) {
     ScriptedPresenter presenter;
     presenter.SetDefaultAnswer(answer);
     int found = 0;
-    for (qsizetype i = 0; i < iBytes.size(); ++i) {
+    for (qsizetype i = 0; i < iBytes.size(); i += 3) {
       const char old = iBytes[i];
       const std::array values{0, 255, old ^ 0x80, old + 1};
       QByteArray bytes = iBytes;
       bytes[i] = static_cast<char>(values[static_cast<size_t>(i % 4)]);
       found += HasProblem(bytes);
     }
-    EXPECT_GT(found, iBytes.size() / 10);
+    EXPECT_GT(found, iBytes.size() / 30);
   }
 }
 
