@@ -122,6 +122,7 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
 
   Ref<CVelumCard> card;
   qint32 index = 0;
+  SampleLayout::AddLeafing(*stack, *start.iBackground);
   for (const auto& [name, set] : {std::pair{u"Countries"_s, country.iBackground},
                                   {u"Mountains"_s, mountain.iBackground},
                                   {u"Rivers"_s, river.iBackground}}) {
@@ -130,7 +131,6 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
     SampleLayout::AddLeafing(*stack, *set);
     SampleLayout::AddGoTo(*stack, *set, u"Start"_s, first->Id());
   }
-  SampleLayout::AddLeafing(*stack, *start.iBackground);
   SetDays(*stack);
   return stack;
 }

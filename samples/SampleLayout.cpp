@@ -92,6 +92,7 @@ TStartLayout SampleLayout::Start(CVelumStack& aStack) {
   background->SetBackColor(Rgb(226, 238, 246));
   const Ref<CVelumControl> text = AddNotes(aStack, *background, u"Welcome"_s);
   text->SetLabel(QString());
+  text->SetVisChar(90);
   text->SetFlag(EConReadOnly, true);
   return {background, text->Id()};
 }
