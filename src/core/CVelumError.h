@@ -26,6 +26,7 @@ enum EHost : qint32 {
   EHostIndex = 9,
   EHostDivisionByZero = 11,
   EHostTypeMismatch = 13,
+  EHostInterrupt = 18,
   EHostFileNotFound = 53,
   EHostDiskFull = 61,
   EHostPermissionDenied = 70,

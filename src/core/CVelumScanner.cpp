@@ -1,0 +1,411 @@
+#include "core/CVelumScanner.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumValue.h"
+
+#include <cmath>
+
+using namespace CVelumError;
+
+namespace {
+
+struct TSymText {
+  qint32 iSym;
+  const char16_t* iText;
+};
+
+const TSymText ESymTexts[] = {
+    {ESymIdent, u"<ident>"},   {ESymNumber, u"<number>"}, {ESymString, u"<string>"},
+    {ESymHashOld, u"#"},       {ESymComma, u","},         {ESymLParen, u"("},
+    {ESymRParen, u")"},        {ESymDot, u"."},           {ESymEqual, u"="},
+    {ESymLess, u"<"},          {ESymGreater, u">"},       {ESymSlash, u"/"},
+    {ESymQuestion, u"?"},      {ESymStar, u"*"},          {ESymPlus, u"+"},
+    {ESymMinus, u"-"},         {ESymNotEqual, u"<>"},     {ESymLessEqual, u"<="},
+    {ESymGreaterEqual, u">="}, {ESymHash, u"#"},          {ESymAmpersand, u"&"},
+    {ESymLink, u"<link>"},     {ESymChar, u"<char>"},     {ESymBold, u"**"},
+    {ESymItalic, u"//"},       {ESymUnderline, u"__"},    {ESymKeyword, u"<keyword>"},
+    {ESymOther, u"<other>"},   {ESymEol, u"<eol>"},       {ESymEof, u"<eof>"},
+};
+
+bool IsDigitChar(int aCh) {
+  return aCh >= '0' && aCh <= '9';
+}
+
+bool IsIdentChar(int aCh, int aIndex) {
+  return (aCh >= 'A' && aCh <= 'Z') || (aCh >= 'a' && aCh <= 'z') || aCh == '_' ||
+         (aIndex >= 1 && IsDigitChar(aCh));
+}
+
+qint32 SingleCharSym(int aCh) {
+  switch (aCh) {
+  case '(':
+    return ESymLParen;
+  case ')':
+    return ESymRParen;
+  case '.':
+    return ESymDot;
+  case ',':
+    return ESymComma;
+  case '/':
+    return ESymSlash;
+  case '?':
+    return ESymQuestion;
+  case '=':
+    return ESymEqual;
+  case '*':
+    return ESymStar;
+  case '+':
+    return ESymPlus;
+  case '-':
+    return ESymMinus;
+  case '&':
+    return ESymAmpersand;
+  case '#':
+    return ESymHash;
+  default:
+    return ESymOther;
+  }
+}
+
+const QString ECrLf = u"\r\n"_s;
+// A chunk of GetLongAllUntil moves when it is longer than this.
+constexpr qsizetype EChunkLen = 100;
+
+} // namespace
+
+void CVelumScanner::DefKeyword(const QString& aName, qint16 aId) {
+  if (iKeywords.size() >= EMaxKeywords) RaiseHost(EHostIndex);
+  iKeywords.push_back({aName.toUpper(), aId});
+}
+
+QString CVelumScanner::KeywStr(qint16 aId) const {
+  for (const TKeyword& keyword : iKeywords) {
+    if (keyword.iId == aId) return keyword.iName;
+  }
+  AssertObj(false, this, u"KeywStr"_s, u"found"_s);
+  return {};
+}
+
+QString CVelumScanner::SymStr(qint32 aSym) {
+  for (const TSymText& entry : ESymTexts) {
+    if (entry.iSym == aSym) return QString::fromUtf16(entry.iText);
+  }
+  return {};
+}
+
+void CVelumScanner::GetChar() {
+  iCh = iPos < iLen ? iLine.at(iPos++).unicode() : ENoChar;
+}
+
+void CVelumScanner::SetLine(const QString& aLine) {
+  const auto len = CVelumChecked::Narrow<qint16>(aLine.size() + 1);
+  if (!iLineMode) iLineNum = CVelumChecked::Add(iLineNum, 1);
+  iLine = aLine + QChar(EEolMarker);
+  iPos = 0;
+  iLen = len;
+  GetChar();
+}
+
+void CVelumScanner::BeginFile() {
+  AssertObj(bool(iFile), this, u"BeginFile"_s, u"Start file set"_s);
+  iLineMode = false;
+  iLineNum = 0;
+  ReadFileLine();
+}
+
+void CVelumScanner::ReadFileLine() {
+  AssertObj(!iEof, this, u"ReadFileLine"_s, u"ReadFileLine eof"_s);
+  QString line;
+  iEof = !CVelumChecked::Deref(iFile).ReadLine(line);
+  if (!iEof) SetLine(line);
+}
+
+bool CVelumScanner::IsKeyword(const QString& aName, qint16& aId) const {
+  const QString upper = aName.toUpper();
+  for (const TKeyword& keyword : iKeywords) {
+    if (keyword.iName == upper) {
+      aId = keyword.iId;
+      return true;
+    }
+  }
+  return false;
+}
+
+void CVelumScanner::GetIdent(qint32& aSym, QString& aStr, qint16& aKeyword) {
+  while (IsIdentChar(iCh, 1)) {
+    aStr += Ch();
+    GetChar();
+  }
+  aSym = IsKeyword(aStr, aKeyword) ? ESymKeyword : ESymIdent;
+}
+
+void CVelumScanner::GetNumber(QString& aStr) {
+  while (IsDigitChar(iCh)) {
+    aStr += Ch();
+    GetChar();
+  }
+}
+
+void CVelumScanner::GetString(QString& aStr) {
+  aStr.clear();
+  GetChar();
+  while (iCh != '"' && !AtEol()) {
+    aStr += Ch();
+    GetChar();
+  }
+  if (iCh == '"') GetChar();
+}
+
+// Everything that is one character, or an operator of two; the text is the first character in any case.
+qint32 CVelumScanner::GetSpecial(QString& aStr) {
+  const int first = iCh;
+  aStr = Ch();
+  GetChar();
+  if (first == '<' && iCh == '>') {
+    GetChar();
+    return ESymNotEqual;
+  }
+  if ((first == '<' || first == '>') && iCh == '=') {
+    GetChar();
+    return first == '<' ? ESymLessEqual : ESymGreaterEqual;
+  }
+  if (first == '<') return ESymLess;
+  if (first == '>') return ESymGreater;
+  return SingleCharSym(first);
+}
+
+void CVelumScanner::GetSym(qint32& aSym, QString& aStr, qint16& aKeyword) {
+  aStr.clear();
+  aKeyword = 0;
+  for (;;) {
+    if (iEof) {
+      aSym = ESymEof;
+      return;
+    }
+    if (IsIdentChar(iCh, 0)) return GetIdent(aSym, aStr, aKeyword);
+    if (IsDigitChar(iCh)) {
+      aSym = ESymNumber;
+      return GetNumber(aStr);
+    }
+    if (iCh == ' ') {
+      GetChar();
+    } else if (AtEol()) {
+      if (iLineMode) {
+        aSym = ESymEol;
+        return;
+      }
+      ReadFileLine();
+    } else if (iCh == '#' && iStripComments) {
+      aStr = Ch();
+      iCh = EEolMarker;
+    } else if (iCh == '"') {
+      aSym = ESymString;
+      return GetString(aStr);
+    } else {
+      aSym = GetSpecial(aStr);
+      return;
+    }
+  }
+}
+
+void CVelumScanner::SkipBlanks() {
+  while (iCh == ' ') GetChar();
+}
+
+void CVelumScanner::GetCsvSym(CVelumFile& aFile, qint32& aSym, QString& aStr) {
+  aStr.clear();
+  aSym = ESymString;
+  SkipBlanks();
+  if (AtEol()) {
+    aSym = ESymEol;
+  } else if (AtDelim()) {
+    GetChar();
+  } else if (iCh == '"') {
+    GetQuotedCell(aFile, aSym, aStr);
+  } else {
+    while (!AtDelim() && !AtEol()) {
+      aStr += Ch();
+      GetChar();
+    }
+    if (AtDelim()) GetChar();
+  }
+}
+
+// The next line of a cell that goes on there: its line end and its first character join the cell unseen, so
+// that a quote there does not close it. Of an empty line the end marker stays the look-ahead.
+bool CVelumScanner::ContinueCell(CVelumFile& aFile, QString& aStr) {
+  QString line;
+  if (!aFile.ReadLine(line)) return false;
+  SetLine(line);
+  aStr += ECrLf;
+  if (!AtEol()) {
+    aStr += Ch();
+    GetChar();
+  }
+  return true;
+}
+
+void CVelumScanner::GetQuotedCell(CVelumFile& aFile, qint32& aSym, QString& aStr) {
+  GetChar();
+  for (;;) {
+    if (AtEol()) {
+      if (!ContinueCell(aFile, aStr)) {
+        aSym = ESymEof;
+        return;
+      }
+    } else if (iCh == '"') {
+      GetChar();
+      if (iCh != '"') break;
+      aStr += u"\"\""_s;
+      GetChar();
+    } else {
+      aStr += Ch();
+      GetChar();
+    }
+  }
+  if (AtDelim()) {
+    GetChar();
+    SkipBlanks();
+  }
+}
+
+void CVelumScanner::GetWikiSym(qint32& aSym, QString& aStr) {
+  aStr.clear();
+  if (iEof) {
+    aSym = ESymEof;
+    return;
+  }
+  if (AtEol()) {
+    aSym = ESymEol;
+    return;
+  }
+  switch (iCh) {
+  case '*':
+    return WikiDouble(ESymBold, aSym, aStr);
+  case '/':
+    return WikiDouble(ESymItalic, aSym, aStr);
+  case '_':
+    return WikiDouble(ESymUnderline, aSym, aStr);
+  case '\\':
+    return WikiDouble(ESymBackslash, aSym, aStr);
+  case '[':
+    return WikiLink(aSym, aStr);
+  case '\r':
+    return WikiBreak(aSym, aStr);
+  default:
+    aSym = ESymChar;
+    aStr = Ch();
+    GetChar();
+  }
+}
+
+void CVelumScanner::WikiDouble(qint32 aKind, qint32& aSym, QString& aStr) {
+  const int first = iCh;
+  aSym = ESymChar;
+  aStr = Ch();
+  GetChar();
+  if (iCh != first) return;
+  aSym = aKind;
+  aStr += Ch();
+  GetChar();
+}
+
+void CVelumScanner::WikiLink(qint32& aSym, QString& aStr) {
+  GetChar();
+  if (iCh != '[') {
+    aSym = ESymChar;
+    aStr = u"["_s;
+    return;
+  }
+  aSym = ESymLink;
+  GetChar();
+  while (!AtEol()) {
+    if (iCh == ']') {
+      GetChar();
+      if (iCh == ']') {
+        GetChar();
+        return;
+      }
+      if (AtEol()) return;
+      aStr += u']';
+    } else {
+      aStr += Ch();
+      GetChar();
+    }
+  }
+}
+
+void CVelumScanner::WikiBreak(qint32& aSym, QString& aStr) {
+  GetChar();
+  if (iCh != '\n') {
+    aSym = ESymChar;
+    aStr = u"\r"_s;
+    return;
+  }
+  aSym = ESymLineBreak;
+  aStr = ECrLf;
+  GetChar();
+  if (iCh != '\r') return;
+  GetChar();
+  if (iCh == '\n') GetChar();
+  aSym = ESymParagraph;
+  aStr = ECrLf + ECrLf;
+}
+
+void CVelumScanner::GetAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof) {
+  aStr.clear();
+  aEof = iEof;
+  while (!aEof && iCh != aCh.unicode()) {
+    if (!AtEol()) {
+      aStr += Ch();
+      GetChar();
+    } else if (iLineMode) {
+      aEof = true;
+    } else {
+      if (aKeepEol) aStr += ECrLf;
+      ReadFileLine();
+      aEof = iEof;
+    }
+  }
+}
+
+void CVelumScanner::GetLongAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof) {
+  aStr.clear();
+  QString chunk;
+  aEof = iEof;
+  while (!aEof && iCh != aCh.unicode()) {
+    if (!AtEol()) {
+      chunk += Ch();
+      GetChar();
+      if (chunk.size() > EChunkLen) {
+        aStr += chunk;
+        chunk.clear();
+      }
+    } else if (iLineMode) {
+      aEof = true;
+    } else {
+      if (aKeepEol) aStr += ECrLf;
+      ReadFileLine();
+      aEof = iEof;
+    }
+  }
+  aStr += chunk;
+}
+
+void CVelumScanner::FilterNumberStr(const QString& aStr, const QString& aDecimalSep, QString& aFiltered) {
+  SetLine(aStr);
+  QString kept;
+  for (; !AtEol(); GetChar()) {
+    if (IsDigitChar(iCh) || iCh == '+' || iCh == '-' || aDecimalSep == Ch()) kept += Ch();
+  }
+  aFiltered = kept;
+}
+
+bool CVelumScanner::IsShortNumberStr(const QString& aStr) {
+  SetLine(aStr);
+  for (; !AtEol(); GetChar()) {
+    if (!IsDigitChar(iCh) && iCh != '+' && iCh != '-') return false;
+  }
+  const double num = std::nearbyint(CVelumValue::LenientNum(aStr));
+  return num >= std::numeric_limits<qint16>::min() && num <= std::numeric_limits<qint16>::max();
+}

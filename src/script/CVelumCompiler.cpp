@@ -1,0 +1,606 @@
+#include "script/CVelumCompiler.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumValue.h"
+#include "script/CVelumByteCode.h"
+
+using namespace CVelumError;
+
+namespace {
+
+// Ids of the keywords: their place in the table below.
+enum EKw : qint16 {
+  EKwPut,
+  EKwInto,
+  EKwField,
+  EKwOf,
+  EKwCard,
+  EKwOn,
+  EKwEnd,
+  EKwGo,
+  EKwTo,
+  EKwNext,
+  EKwIf,
+  EKwThen,
+  EKwIs,
+  EKwAnswer,
+  EKwNot,
+  EKwAnd,
+  EKwOr,
+  EKwRepeat,
+  EKwWhile,
+  EKwFor,
+  EKwEach,
+  EKwRandom,
+  EKwExit,
+  EKwElse,
+  EKwNumber,
+  EKwCards,
+  EKwBackground,
+  EKwReturn,
+  EKwTab,
+  EKwThe,
+  EKwDate,
+  EKwSend,
+};
+
+const char16_t* const EKeywords[] = {
+    u"Put",    u"Into",   u"Field",      u"Of",     u"Card", u"On",     u"End",  u"Go",
+    u"To",     u"Next",   u"If",         u"Then",   u"Is",   u"Answer", u"Not",  u"And",
+    u"Or",     u"Repeat", u"While",      u"For",    u"Each", u"Random", u"Exit", u"Else",
+    u"Number", u"Cards",  u"Background", u"Return", u"Tab",  u"The",    u"Date", u"Send",
+};
+
+} // namespace
+
+// Counts the nesting while it lives.
+class CVelumCompiler::CDepth {
+public:
+  explicit CDepth(int& aDepth) : iDepth(aDepth) {
+    if (iDepth >= EMaxDepth) RaiseHost(EHostOutOfMemory);
+    ++iDepth;
+  }
+  ~CDepth() { --iDepth; }
+  CDepth(const CDepth&) = delete;
+  CDepth& operator=(const CDepth&) = delete;
+
+private:
+  int& iDepth;
+};
+
+CVelumCompiler::CVelumCompiler() : iVarNames(MakeRef<CVelumArray>(EArrStrKey, EValInt)) {
+  iScanner.SetStripComments(true);
+  qint16 id = 0;
+  for (const char16_t* keyword : EKeywords) iScanner.DefKeyword(QString::fromUtf16(keyword), id++);
+}
+
+// ---- Emission
+
+void CVelumCompiler::CodeByte(int aByte) {
+  iCode.append(static_cast<char>(aByte));
+}
+
+void CVelumCompiler::CodeInt(qint16 aInt) {
+  CodeByte(aInt & 0xFF);
+  CodeByte((aInt >> 8) & 0xFF);
+}
+
+// A string literal: its tag, its length in one byte, its characters.
+void CVelumCompiler::CodeStr() {
+  const QByteArray bytes = CVelumLib::ToCodePage(iSymStr);
+  if (iSymStr.size() > EMaxStrLen || bytes.size() > EMaxStrLen) RaiseHost(EHostBadCall);
+  CodeByte(EValStr);
+  CodeByte(static_cast<int>(bytes.size()));
+  iCode += bytes;
+}
+
+qint16 CVelumCompiler::CodePos() const {
+  return CVelumChecked::Narrow<qint16>(iCode.size());
+}
+
+void CVelumCompiler::CodeJump(int aOp, qint16& aPatch) {
+  CodeByte(aOp);
+  aPatch = CodePos();
+  CodeInt(0);
+}
+
+void CVelumCompiler::CodePatch(qint16 aValue, qint16 aPos) {
+  CVelumChecked::Index<qsizetype>(aPos + 1, iCode.size());
+  iCode[aPos] = static_cast<char>(aValue & 0xFF);
+  iCode[aPos + 1] = static_cast<char>((aValue >> 8) & 0xFF);
+}
+
+void CVelumCompiler::CodeSlot(const QString& aName) {
+  const qint16 slot = VarSlot(aName);
+  CodeByte(EOpPushInt);
+  CodeInt(slot);
+}
+
+void CVelumCompiler::PushExit(qint16 aPos) {
+  if (iNumExits >= EMaxExits) RaiseHost(EHostIndex);
+  iExits[static_cast<size_t>(iNumExits++)] = aPos;
+}
+
+void CVelumCompiler::ResolveExits(int aMark, qint16 aTarget) {
+  while (iNumExits > aMark) CodePatch(aTarget, iExits[static_cast<size_t>(--iNumExits)]);
+}
+
+// ---- Symbols and lines
+
+void CVelumCompiler::NextSym() {
+  iScanner.GetSym(iSym, iSymStr, iSymKw);
+}
+
+bool CVelumCompiler::IsKw(qint16 aKw) const {
+  return iSym == ESymKeyword && iSymKw == aKw;
+}
+
+void CVelumCompiler::CheckSymIsKw(qint16 aKw) {
+  if (!IsKw(aKw)) Error(u"CheckSymIsKw"_s, EMsgWrongKeyword, iScanner.KeywStr(aKw), iSymStr);
+}
+
+void CVelumCompiler::CheckSymIsSym(qint32 aSym) {
+  if (iSym != aSym) Error(u"CheckSymIsSym"_s, EMsgWrongSymbol, CVelumScanner::SymStr(aSym), iSymStr);
+}
+
+void CVelumCompiler::AddLineLen() {
+  if (iCurLine > 0) iCharPos += static_cast<qint32>(iLines.at(iCurLine - 1).size()) + 2;
+}
+
+// Blanks only: tabs are symbols of no rule.
+static QString TrimBlanks(const QString& aText) {
+  qsizetype from = 0;
+  qsizetype to = aText.size();
+  while (from < to && aText.at(from) == u' ') ++from;
+  while (to > from && aText.at(to - 1) == u' ') --to;
+  return aText.mid(from, to - from);
+}
+
+// Walks on to the next line with a symbol on it. Lines with nothing but a comment get a line mark too.
+bool CVelumCompiler::NextLine() {
+  while (iCurLine < iLines.size()) {
+    const QString line = TrimBlanks(iLines.at(iCurLine++));
+    if (!line.isEmpty()) {
+      CodeByte(EOpLine);
+      CodeInt(static_cast<qint16>(iCurLine - 1));
+      iScanner.SetLine(line);
+      NextSym();
+      if (iSym != ESymEol) return true;
+    }
+    AddLineLen();
+  }
+  return false;
+}
+
+void CVelumCompiler::GetNextLine() {
+  AddLineLen();
+  if (!NextLine()) Error(u"GetNextLine"_s, EMsgSourceEnd, QString(), QString());
+}
+
+// Names live as long as the compile, but slots start anew with each handler: a name of an earlier handler
+// keeps the slot that it had there.
+qint16 CVelumCompiler::VarSlot(const QString& aName) {
+  TVelumElem elem;
+  qint32 next = 0;
+  if (iVarNames->ReadByStrKey(aName, elem, next)) return static_cast<qint16>(elem.iVal.Int());
+  iVarNames->InitElem(elem);
+  elem.iStrKey = aName;
+  elem.iVal = TVelumValue::OfInt(iNumVars);
+  iVarNames->CreateStrKey(elem);
+  const qint16 slot = iNumVars;
+  CVelumLib::Inc(iNumVars);
+  return slot;
+}
+
+void CVelumCompiler::Error(const QString& aProc, qint32 aMsg, const QString& aParam0,
+                           const QString& aParam1) {
+  iError.iMsg = aMsg;
+  iError.iParam0 = aParam0;
+  iError.iParam1 = aParam1;
+  iError.iLineIndex = qMax(iCurLine - 1, 0);
+  iError.iLine = iLines.value(iError.iLineIndex);
+  iError.iStart = iCharPos;
+  iError.iEnd = iCharPos + static_cast<qint32>(iError.iLine.size());
+  iError.iPos = iScanner.LinePos();
+  Throw(EMsgCompileError, u"CVelumCompiler."_s + aProc, QString(), QString());
+}
+
+// ---- The grammar
+
+void CVelumCompiler::Compile(const QString& aSource, CVelumArray& aHandlers) {
+  iLines.clear();
+  CVelumLib::SplitLines(aSource, iLines);
+  if (iLines.size() > EMaxLines) RaiseHost(EHostIndex);
+  iCurLine = 0;
+  iVarNames->Clear();
+  iDepth = 0;
+  while (iCurLine < iLines.size()) CompHandler(aHandlers);
+}
+
+void CVelumCompiler::CompHandler(CVelumArray& aHandlers) {
+  iCharPos = 0;
+  for (qint32 i = 0; i < iCurLine; ++i) iCharPos += static_cast<qint32>(iLines.at(i).size()) + 2;
+  iCode.clear();
+  CodeInt(0); // generation
+  if (!NextLine()) return;
+  AssertObj(IsKw(EKwOn), this, u"Compile"_s, u"Compile On"_s);
+  NextSym();
+  AssertObj(iSym == ESymIdent, this, u"Compile"_s, u"Compile Ident"_s);
+  const QString name = iSymStr;
+  NextSym();
+  const QString param = iSym == ESymIdent ? iSymStr : QString();
+  qint16 patch = 0;
+  CodeJump(EOpEnter, patch);
+  iNumVars = 0;
+  if (!param.isEmpty()) {
+    CodeByte(EOpPushParam);
+    CodeSlot(param);
+    CodeByte(EOpStoreVar);
+  }
+  GetNextLine();
+  CompStatementsUntil(EKwEnd, EKwEnd);
+  CodeByte(EOpLeave);
+  CodeInt(iNumVars);
+  CodePatch(iNumVars, patch);
+  TVelumElem elem;
+  aHandlers.InitElem(elem);
+  elem.iStrKey = name;
+  elem.iVal = TVelumValue::OfStr(CVelumLib::BytesToHex(iCode, false));
+  aHandlers.CreateStrKey(elem);
+}
+
+// Statements from the line in work on, until one that begins with either keyword.
+void CVelumCompiler::CompStatementsUntil(qint16 aKw1, qint16 aKw2) {
+  while (!IsKw(aKw1) && !IsKw(aKw2)) {
+    CompStatement();
+    GetNextLine();
+  }
+}
+
+void CVelumCompiler::CompStatement() {
+  if (iSym == ESymIdent) return CompAssignment();
+  AssertObj(iSym == ESymKeyword, this, u"CompStatement"_s, u"CompileLine keyword"_s);
+  switch (iSymKw) {
+  case EKwPut:
+    return CompPut();
+  case EKwGo:
+    return CompGo();
+  case EKwIf:
+    return CompIf();
+  case EKwAnswer:
+    return CompAnswer();
+  case EKwRepeat:
+    return CompRepeat();
+  case EKwExit:
+    return CompExit();
+  case EKwSend:
+    return CompSend();
+  default:
+    AssertObj(false, this, u"CompStatement"_s, u"CompStatement keyword id"_s);
+  }
+}
+
+void CVelumCompiler::CompAssignment() {
+  const QString name = iSymStr;
+  NextSym();
+  CheckSymIsSym(ESymEqual);
+  NextSym();
+  CompExpr();
+  CodeSlot(name);
+  CodeByte(EOpStoreVar);
+}
+
+void CVelumCompiler::CompPut() {
+  NextSym();
+  CompExpr();
+  CheckSymIsKw(EKwInto);
+  NextSym();
+  CheckSymIsKw(EKwField);
+  NextSym();
+  CompFieldRef();
+  CodeByte(EOpPutField);
+}
+
+// factor [OF CARD factor]: the card stands behind the field in the source, but ahead of it in the code.
+void CVelumCompiler::CompFieldRef() {
+  QByteArray outer;
+  outer.swap(iCode);
+  CompFactor();
+  const QByteArray field = iCode;
+  iCode = outer;
+  if (IsKw(EKwOf)) {
+    NextSym();
+    CheckSymIsKw(EKwCard);
+    NextSym();
+    CompFactor();
+    CodeByte(EOpValToCard);
+  } else {
+    CodeByte(EOpPushCurCard);
+  }
+  iCode += field;
+  CodeByte(EOpValToControl);
+}
+
+void CVelumCompiler::CompGo() {
+  NextSym();
+  if (IsKw(EKwTo)) NextSym();
+  if (IsKw(EKwNext)) {
+    NextSym();
+    CheckSymIsKw(EKwCard);
+    CodeByte(EOpGoNextCard);
+    return;
+  }
+  if (IsKw(EKwCard)) NextSym();
+  CompExpr();
+  CodeByte(EOpGoToCard);
+}
+
+void CVelumCompiler::CompAnswer() {
+  NextSym();
+  CompExpr();
+  CodeByte(EOpAnswer);
+}
+
+// The rest of "End If" or "End Repeat".
+void CVelumCompiler::CompEnd(qint16 aKw) {
+  NextSym();
+  CheckSymIsKw(aKw);
+}
+
+// What stands behind Then on its line is dropped with that line.
+void CVelumCompiler::CompIf() {
+  NextSym();
+  CompExpr();
+  CheckSymIsKw(EKwThen);
+  qint16 patch = 0;
+  CodeJump(EOpJumpIfFalse, patch);
+  GetNextLine();
+  CompStatementsUntil(EKwElse, EKwEnd);
+  if (IsKw(EKwElse)) {
+    const qint16 elsePatch = patch;
+    CodeJump(EOpJump, patch);
+    CodePatch(CodePos(), elsePatch);
+    GetNextLine();
+    CompStatementsUntil(EKwEnd, EKwEnd);
+  }
+  CompEnd(EKwIf);
+  CodePatch(CodePos(), patch);
+}
+
+void CVelumCompiler::CompRepeat() {
+  NextSym();
+  if (IsKw(EKwWhile)) return CompRepeatWhile();
+  CheckSymIsKw(EKwFor);
+  CompRepeatFor();
+}
+
+void CVelumCompiler::CompRepeatWhile() {
+  const int mark = iNumExits;
+  const qint16 top = CodePos();
+  NextSym();
+  CompExpr();
+  qint16 patch = 0;
+  CodeJump(EOpJumpIfFalse, patch);
+  GetNextLine();
+  CompStatementsUntil(EKwEnd, EKwEnd);
+  CompEnd(EKwRepeat);
+  CodeByte(EOpJump);
+  CodeInt(top);
+  CodePatch(CodePos(), patch);
+  ResolveExits(mark, CodePos());
+}
+
+void CVelumCompiler::CompRepeatFor() {
+  const int mark = iNumExits;
+  NextSym();
+  CheckSymIsKw(EKwEach);
+  NextSym();
+  CheckSymIsKw(EKwCard);
+  NextSym();
+  CheckSymIsSym(ESymIdent);
+  CodeSlot(iSymStr);
+  NextSym();
+  const bool withBackground = IsKw(EKwOf);
+  if (withBackground) {
+    NextSym();
+    CheckSymIsKw(EKwBackground);
+    NextSym();
+    CompFactor();
+    CodeByte(EOpValToBackground);
+  }
+  qint16 firstPatch = 0;
+  CodeJump(withBackground ? EOpFirstCardInBackground : EOpFirstCard, firstPatch);
+  const qint16 top = CodePos();
+  GetNextLine();
+  CompStatementsUntil(EKwEnd, EKwEnd);
+  CompEnd(EKwRepeat);
+  qint16 nextPatch = 0;
+  CodeJump(withBackground ? EOpNextCardInBackground : EOpNextCard, nextPatch);
+  CodeByte(EOpJump);
+  CodeInt(top);
+  const qint16 exit = CodePos();
+  CodePatch(exit, firstPatch);
+  CodePatch(exit, nextPatch);
+  ResolveExits(mark, exit);
+  for (int i = 0; i < 3; ++i) CodeByte(EOpPop);
+}
+
+// Outside a loop nothing resolves the jump: it stays to position 0, and its entry stays in iExits.
+void CVelumCompiler::CompExit() {
+  NextSym();
+  CheckSymIsKw(EKwRepeat);
+  qint16 pos = 0;
+  CodeJump(EOpJump, pos);
+  PushExit(pos);
+  NextSym();
+}
+
+void CVelumCompiler::CompSend() {
+  NextSym();
+  CompExpr();
+  CheckSymIsKw(EKwTo);
+  NextSym(); // the word that says what kind of target this is
+  NextSym();
+  CompFieldRef();
+  CodeByte(EOpSend);
+}
+
+void CVelumCompiler::CompExpr() {
+  CompSimple();
+  int op = 0;
+  if (iSym == ESymEqual || IsKw(EKwIs)) op = EOpEqual;
+  if (iSym == ESymGreater) op = EOpGreater;
+  if (iSym == ESymGreaterEqual) op = EOpGreaterEqual;
+  if (iSym == ESymLess) op = EOpLess;
+  if (iSym == ESymLessEqual) op = EOpLessEqual;
+  if (iSym == ESymNotEqual) op = EOpNotEqual;
+  if (op == 0) return;
+  NextSym();
+  CompSimple();
+  CodeByte(op);
+}
+
+// A leading sign is skipped and has no effect.
+void CVelumCompiler::CompSimple() {
+  if (iSym == ESymPlus || iSym == ESymMinus) NextSym();
+  CompTerm();
+  for (;;) {
+    int op = 0;
+    if (iSym == ESymPlus) op = EOpAdd;
+    if (iSym == ESymMinus) op = EOpSub;
+    if (IsKw(EKwOr)) op = EOpOr;
+    if (iSym == ESymAmpersand) op = EOpConcat;
+    if (op == 0) return;
+    NextSym();
+    CompTerm();
+    CodeByte(op);
+  }
+}
+
+void CVelumCompiler::CompTerm() {
+  CompFactor();
+  for (;;) {
+    int op = 0;
+    if (iSym == ESymStar) op = EOpMul;
+    if (iSym == ESymSlash) op = EOpDiv;
+    if (IsKw(EKwAnd)) op = EOpAnd;
+    if (op == 0) return;
+    NextSym();
+    CompFactor();
+    CodeByte(op);
+  }
+}
+
+void CVelumCompiler::CompFactor() {
+  const CDepth depth(iDepth);
+  switch (iSym) {
+  case ESymIdent:
+    CodeSlot(iSymStr);
+    CodeByte(EOpPushVarVal);
+    return NextSym();
+  case ESymNumber:
+    return CompNumber();
+  case ESymString:
+    CodeByte(EOpPushStr);
+    CodeStr();
+    return NextSym();
+  case ESymLParen:
+    return CompParens();
+  case ESymKeyword:
+    return CompKeywordFactor();
+  default:
+    Error(u"CompFactor"_s, EMsgBadExpression, iSymStr, QString());
+  }
+}
+
+void CVelumCompiler::CompKeywordFactor() {
+  switch (iSymKw) {
+  case EKwNot:
+    NextSym();
+    CompFactor();
+    return CodeByte(EOpNot);
+  case EKwField:
+    return CompField();
+  case EKwRandom:
+    return CompRandom();
+  case EKwNumber:
+    return CompNumberOfCards();
+  case EKwReturn:
+    CodeByte(EOpPushReturn);
+    return NextSym();
+  case EKwTab:
+    CodeByte(EOpPushTab);
+    return NextSym();
+  case EKwThe:
+    return CompTheDate();
+  default:
+    Error(u"CompFactor"_s, EMsgBadExpression, iSymStr, QString());
+  }
+}
+
+void CVelumCompiler::CompNumber() {
+  bool ok = false;
+  const qint16 num = iSymStr.toShort(&ok);
+  if (!ok) RaiseHost(EHostOverflow);
+  CodeByte(EOpPushInt);
+  CodeInt(num);
+  NextSym();
+}
+
+void CVelumCompiler::CompParens() {
+  NextSym();
+  CompExpr();
+  CheckSymIsSym(ESymRParen);
+  NextSym();
+}
+
+void CVelumCompiler::CompField() {
+  NextSym();
+  CompFieldRef();
+  CodeByte(EOpGetField);
+}
+
+void CVelumCompiler::CompRandom() {
+  NextSym();
+  const qint16 count = iSym == ESymLParen ? CompFunctionCall() : qint16(0);
+  CodeByte(EOpPushInt);
+  CodeInt(count);
+  CodeByte(EOpRandom);
+}
+
+// Arguments up to the closing parenthesis, which stays the current symbol. Returns their number.
+qint16 CVelumCompiler::CompFunctionCall() {
+  qint16 count = 0;
+  do {
+    NextSym();
+    CompExpr();
+    CVelumLib::Inc(count);
+    if (iSym != ESymComma && iSym != ESymRParen)
+      Error(u"CompFunctionCall"_s, EMsgBadParamList, QString(), QString());
+  } while (iSym == ESymComma);
+  return count;
+}
+
+void CVelumCompiler::CompNumberOfCards() {
+  NextSym();
+  CheckSymIsKw(EKwOf);
+  NextSym();
+  CheckSymIsKw(EKwCards);
+  NextSym();
+  if (!IsKw(EKwOf)) return CodeByte(EOpNumCards);
+  NextSym();
+  CheckSymIsKw(EKwBackground);
+  NextSym();
+  CompFactor();
+  CodeByte(EOpValToBackground);
+  CodeByte(EOpNumCardsOfBackground);
+}
+
+void CVelumCompiler::CompTheDate() {
+  NextSym();
+  if (!IsKw(EKwDate)) Error(u"CompFactor"_s, EMsgBadExpression, iSymStr, QString());
+  CodeByte(EOpPushDate);
+  NextSym();
+}

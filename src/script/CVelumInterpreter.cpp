@@ -1,0 +1,380 @@
+#include "script/CVelumInterpreter.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumValue.h"
+
+#include <chrono>
+
+using namespace CVelumError;
+
+Ref<CVelumInterpreter> gInterpreter;
+
+namespace {
+
+// Instructions between two looks at the clock, and milliseconds between two runs of events: as often as a
+// person can notice, without paying for an empty queue at every instruction.
+constexpr int EClockSteps = 32;
+constexpr qint64 EPumpMs = 1;
+// The progress bar moves on every 100 instructions, but is drawn at most this often (milliseconds).
+constexpr int EProgressSteps = 100;
+constexpr qint64 EProgressMs = 50;
+// Handlers that stay decoded.
+constexpr qsizetype EMaxDecoded = 200;
+// iFrame of a handler that has not entered its frame: any slot is out of bounds.
+constexpr qint32 ENoFrame = ENoShort;
+
+} // namespace
+
+CVelumInterpreter::CVelumInterpreter()
+    : iLeftConst(MakeRef<CVelumVar>(EValInt)), iRightConst(MakeRef<CVelumVar>(EValInt)) {
+  const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+  iRandom.seed(static_cast<quint32>(now ^ (now >> 32)));
+  ResetState();
+}
+
+CVelumInterpreter::~CVelumInterpreter() = default;
+
+// ---- Life of a script
+
+void CVelumInterpreter::ResetState() {
+  iRunning = false;
+  iBreak = false;
+  for (TVarRef& entry : iStack) entry = nullptr;
+  iSp = 0;
+  iFrame = 0;
+  for (TFrame& frame : iFrames) frame = TFrame();
+  iNumFrames = 0;
+  iCode = nullptr;
+  iObj = nullptr;
+  iPendingCode = nullptr;
+  iPendingObj = nullptr;
+  iPendingCard = nullptr;
+}
+
+void CVelumInterpreter::Reset() {
+  ResetState();
+  RunDeferred();
+}
+
+void CVelumInterpreter::BreakAndThen(std::function<void()> aCommand) {
+  if (!iRunning) return aCommand();
+  iDeferred = std::move(aCommand);
+  Break();
+}
+
+void CVelumInterpreter::RunDeferred() {
+  if (!iDeferred) return;
+  const std::function<void()> command = std::exchange(iDeferred, nullptr);
+  command();
+}
+
+QString CVelumInterpreter::Code() const {
+  return iCode ? QString::fromLatin1(iCode->Bytes()) : u"**Null Context**"_s;
+}
+
+Ref<CVelumScripted> CVelumInterpreter::LocateAndExecScript(const Ref<CVelumCard>& aCard,
+                                                           const Ref<CVelumControl>& aControl,
+                                                           const QString& aMsg) {
+  if (aControl && TryScript(aControl, aMsg)) return aControl;
+  if (!aCard) return nullptr;
+  // A script may delete the card, or let go of the stack.
+  const Ref<CVelumControlSet> background = aCard->Background();
+  const Ref<CVelumStack> stack = aCard->Stack();
+  if (TryScript(aCard, aMsg)) return aCard;
+  if (background && TryScript(background, aMsg)) return background;
+  if (stack && TryScript(stack, aMsg)) return stack;
+  return nullptr;
+}
+
+bool CVelumInterpreter::TryScript(const Ref<CVelumScripted>& aObj, const QString& aMsg) {
+  const Ref<CVelumArray> script = aObj->Script();
+  if (!script) return false;
+  QString code;
+  qint32 next = 0;
+  if (!script->ReadStr(aMsg, code, next)) return false;
+  Execute(aObj, code);
+  return true;
+}
+
+Ref<CVelumDecodedCode> CVelumInterpreter::Decoded(const QString& aHex) {
+  const auto known = iDecoded.constFind(aHex);
+  if (known != iDecoded.constEnd()) return *known;
+  if (iDecoded.size() >= EMaxDecoded) iDecoded.clear();
+  return *iDecoded.insert(aHex, MakeRef<CVelumDecodedCode>(aHex));
+}
+
+void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& aCode) {
+  const Ref<CVelumCard> card = CVelumChecked::Deref(iHost).CurCard();
+  const Ref<CVelumDecodedCode> code = Decoded(aCode);
+  if (iRunning) {
+    iPendingObj = aObj;
+    iPendingCode = code;
+    iPendingCard = card;
+    return;
+  }
+  iTaken = 0;
+  iSteps = 0;
+  iPercent = 0;
+  iBudget = 0;
+  iSincePump.start();
+  iSinceProgress.start();
+  StartCode(aObj, code, card);
+  Run();
+  RunDeferred();
+}
+
+void CVelumInterpreter::StartCode(const Ref<CVelumScripted>& aObj, const Ref<CVelumDecodedCode>& aCode,
+                                  const Ref<CVelumCard>& aCard) {
+  iObj = aObj;
+  iCode = aCode;
+  iIp = 0;
+  iBreak = false;
+  iFrame = ENoFrame;
+  iLine = ENoInt;
+  iCard = aCard;
+  iRunning = true;
+  AssertObj(CodeInt() == 0, this, u"Execute"_s, u"gen"_s);
+}
+
+void CVelumInterpreter::PushFrame() {
+  if (iNumFrames >= EMaxFrames) RaiseHost(EHostIndex);
+  iFrames[static_cast<size_t>(iNumFrames++)] = {iObj, iCode, iIp, iFrame, iLine, iCard};
+}
+
+void CVelumInterpreter::PopFrame() {
+  if (iNumFrames <= 0) RaiseHost(EHostIndex);
+  TFrame& frame = iFrames[static_cast<size_t>(--iNumFrames)];
+  iObj = frame.iObj;
+  iCode = frame.iCode;
+  iIp = frame.iIp;
+  iFrame = frame.iFrame;
+  iLine = frame.iLine;
+  iCard = frame.iCard;
+  frame = TFrame();
+}
+
+// What came in while events ran: a break, or another handler. False when the script is over.
+bool CVelumInterpreter::Attend() {
+  if (iBreak) {
+    CVelumSeams::Presenter().Tell(u"Script breaked"_s);
+    ResetState();
+    return false;
+  }
+  PushFrame();
+  const Ref<CVelumDecodedCode> code = std::exchange(iPendingCode, nullptr);
+  const Ref<CVelumScripted> obj = std::exchange(iPendingObj, nullptr);
+  const Ref<CVelumCard> card = std::exchange(iPendingCard, nullptr);
+  StartCode(obj, code, card);
+  return true;
+}
+
+void CVelumInterpreter::Tick() {
+  iBudget = EClockSteps;
+  if (!iPumpAlways && iSincePump.elapsed() < EPumpMs) return;
+  CVelumSeams::EventPump().Pump();
+  iSincePump.start();
+}
+
+void CVelumInterpreter::CountSteps(int aSteps) {
+  if (iLimit > 0) {
+    iTaken += aSteps;
+    if (iTaken > iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
+  }
+  iSteps += aSteps;
+  if (iSteps < EProgressSteps) return;
+  iSteps -= EProgressSteps;
+  iPercent = iPercent >= 99 ? 0 : iPercent + 1;
+  if (iSinceProgress.elapsed() < EProgressMs) return;
+  iSinceProgress.start();
+  iHost->ShowProgress(iPercent);
+  PumpSoon();
+}
+
+void CVelumInterpreter::Run() {
+  for (;;) {
+    if (--iBudget < 0 || iPumpAlways) Tick();
+    if ((iBreak || iPendingCode) && !Attend()) return;
+    if (!iPumpAlways && iIp >= 0 && iIp < iCode->Bytes().size()) {
+      const TInstr& instr = iCode->At(iIp);
+      if (instr.iKind >= EFusedPushVar && ExecFused(instr)) {
+        CountSteps(instr.iCount);
+        continue;
+      }
+    }
+    CountSteps(1);
+    if (!ExecSingle()) break;
+  }
+  ResetState();
+  iHost->ShowProgress(100);
+}
+
+// ---- Code and stack
+
+int CVelumInterpreter::CodeByte() {
+  const QByteArray& bytes = iCode->Bytes();
+  AssertObj(iIp < iCode->HexLen(), this, u"CodeByte"_s, u"CodeByte codeLen"_s);
+  CVelumChecked::Index<qsizetype>(iIp, bytes.size());
+  return static_cast<quint8>(bytes.at(iIp++));
+}
+
+qint16 CVelumInterpreter::CodeInt() {
+  const int low = CodeByte();
+  const int high = CodeByte();
+  return CVelumChecked::Narrow<qint16>(low + 256 * high);
+}
+
+void CVelumInterpreter::Push(TVarRef aVar) {
+  const CVelumVar& var = CVelumChecked::Deref(aVar);
+  AssertObj(var.GetValue().Type() != EValUndef, this, u"Push"_s, u"Push undef"_s);
+  AssertObj(var.ValType() != EValUndef, this, u"Push"_s, u"Push undef"_s);
+  iStack[static_cast<size_t>(CVelumChecked::Index(iSp, EStackSize))] = std::move(aVar);
+  ++iSp;
+}
+
+CVelumInterpreter::TVarRef CVelumInterpreter::Pop() {
+  AssertObj(iSp >= 1, this, u"Pop"_s, u"Pop sp"_s);
+  const qint32 top = CVelumChecked::Index(iSp - 1, EStackSize);
+  iSp = top;
+  return std::exchange(iStack[static_cast<size_t>(top)], nullptr);
+}
+
+const CVelumInterpreter::TVarRef& CVelumInterpreter::Peek(int aDepth) const {
+  return iStack[static_cast<size_t>(CVelumChecked::Index(iSp - 1 - aDepth, EStackSize))];
+}
+
+CVelumInterpreter::TVarRef& CVelumInterpreter::Slot(qint32 aSlot) {
+  return iStack[static_cast<size_t>(CVelumChecked::Index(CVelumChecked::Add(iFrame, aSlot), EStackSize))];
+}
+
+// The variable of a slot, or null where anything is unusual.
+CVelumVar* CVelumInterpreter::SlotFast(qint16 aSlot) const {
+  const qint32 index = iFrame + aSlot;
+  return index >= 0 && index < EStackSize ? iStack[static_cast<size_t>(index)].Get() : nullptr;
+}
+
+void CVelumInterpreter::SetVarVal(qint16 aSlot, const Ref<CVelumVar>& aVar) {
+  Slot(aSlot) = aVar;
+}
+
+void CVelumInterpreter::RunFail(const QString& aProc, qint32 aMsg, const QString& aParam0,
+                                const QString& aParam1) {
+  iError = {aMsg, aParam0, aParam1, iObj, iLine};
+  Throw(EMsgRunError, u"CVelumInterpreter."_s + aProc, QString(), QString());
+}
+
+bool CVelumInterpreter::ExecSingle() {
+  return Dispatch(CodeByte());
+}
+
+bool CVelumInterpreter::Dispatch(int aOp) {
+  switch (aOp) {
+  case EOpPushStr:
+    ExecPushStr();
+    break;
+  case EOpValToCard:
+    ExecValToCard();
+    break;
+  case EOpValToControl:
+    ExecValToControl();
+    break;
+  case EOpPutField:
+    ExecPutField();
+    break;
+  case EOpStop:
+    return false;
+  case EOpGoNextCard:
+    ExecGoNextCard();
+    break;
+  case EOpJumpIfFalse:
+    ExecJumpIfFalse();
+    break;
+  case EOpGetField:
+    ExecGetField();
+    break;
+  case EOpAnswer:
+    ExecAnswer();
+    break;
+  case EOpPushVarVal:
+    ExecPushVarVal();
+    break;
+  case EOpStoreVar:
+    ExecStoreVar();
+    break;
+  case EOpPushInt:
+    Push(MakeRef<CVelumVar>(TVelumValue::OfInt(CodeInt())));
+    break;
+  case EOpLine:
+    iLine = CodeInt();
+    break;
+  case EOpGoToCard:
+    ExecGoToCard();
+    break;
+  case EOpNot:
+    ExecNot();
+    break;
+  case EOpNegate:
+    ExecNegate();
+    break;
+  case EOpPushCurCard:
+    ExecPushCurCard();
+    break;
+  case EOpJump:
+    ExecJump();
+    break;
+  case EOpFirstCard:
+    ExecFirstCard();
+    break;
+  case EOpNextCard:
+    ExecNextCard();
+    break;
+  case EOpRandom:
+    ExecRandom();
+    break;
+  case EOpNumCards:
+    ExecNumCards();
+    break;
+  case EOpValToBackground:
+    ExecValToBackground();
+    break;
+  case EOpFirstCardInBackground:
+    ExecFirstCardInBackground();
+    break;
+  case EOpNextCardInBackground:
+    ExecNextCardInBackground();
+    break;
+  case EOpEnter:
+    ExecEnter();
+    break;
+  case EOpLeave:
+    return ExecLeave();
+  case EOpPushReturn:
+    Push(MakeRef<CVelumVar>(TVelumValue::OfStr(u"\r\n"_s)));
+    break;
+  case EOpPushTab:
+    Push(MakeRef<CVelumVar>(TVelumValue::OfStr(u"\t"_s)));
+    break;
+  case EOpPushDate:
+    Push(MakeRef<CVelumVar>(TVelumValue::OfDate(CVelumValue::Today())));
+    break;
+  case EOpPushParam:
+    Push(MakeRef<CVelumVar>(TVelumValue::OfStr(iParamVal)));
+    break;
+  case EOpNumCardsOfBackground:
+    ExecNumCardsOfBackground();
+    break;
+  case EOpPop:
+    ExecPop();
+    break;
+  case EOpSend:
+    ExecSend();
+    break;
+  default:
+    if (IsBinaryOp(aOp)) {
+      ExecBinOp(aOp);
+      break;
+    }
+    AssertObj(false, this, u"Execute"_s, u"Execute instr"_s);
+  }
+  return true;
+}

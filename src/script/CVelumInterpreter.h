@@ -1,0 +1,193 @@
+// The stack machine that runs compiled handlers.
+#pragma once
+
+#include "script/CVelumDecoder.h"
+#include "script/CVelumScriptHost.h"
+#include "script/CVelumVar.h"
+
+#include <QElapsedTimer>
+#include <QHash>
+#include <array>
+#include <functional>
+#include <random>
+
+// The last run-time error.
+struct TRunError {
+  qint32 iMsg = 0; // EMsg...
+  QString iParam0;
+  QString iParam1;
+  Ref<CVelumScripted> iObj; // owner of the script
+  qint32 iLine = ENoInt;    // source line index, from 0
+};
+
+// Runs one script at a time. A handler that is to start while one runs (a Go, a Send, an event that comes in
+// while events are let run) becomes the one pending handler and starts at the next instruction. Byte code
+// comes out of files and is not trusted: every operand, slot, target and tag is checked as it runs; what is
+// wrong ends in an assertion, a run-time error (EMsgRunError, see GetError) or a host error, after which the
+// caller calls Reset.
+class CVelumInterpreter final : public CVelumObject {
+public:
+  // Entries of the one stack of variables, temporaries and nested handlers, and suspended handlers; more are
+  // host error 9.
+  static constexpr int EStackSize = 21;
+  static constexpr int EMaxFrames = 11;
+
+  CVelumInterpreter();
+  ~CVelumInterpreter() override;
+
+  [[nodiscard]] QString ObjDescr() const override {
+    return u"CVelumInterpreter ip="_s + QString::number(iIp);
+  }
+  // The open stack as scripts see it; not owned, null when no stack is open.
+  void SetHost(CVelumScriptHost* aHost) { iHost = aHost; }
+  [[nodiscard]] bool Running() const { return iRunning; }
+  // Looks for a handler of aMsg in control, card, background and stack, in that order, and runs the first.
+  // aControl may be nothing. Returns the owner of that handler, nothing when there is none.
+  Ref<CVelumScripted> LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
+                                          const QString& aMsg);
+  // The message parameter; kept across calls.
+  [[nodiscard]] const QString& ParamVal() const { return iParamVal; }
+  void SetParamVal(const QString& aVal) { iParamVal = aVal; }
+  void SetVarVal(qint16 aSlot, const Ref<CVelumVar>& aVar);
+  // Stops the script at its next instruction.
+  void Break() { iBreak = true; }
+  // Stops the running script, and does aCommand when it has ended; at once when none runs. For commands that
+  // close, replace or empty the stack.
+  void BreakAndThen(std::function<void()> aCommand);
+  void Reset();
+  [[nodiscard]] const TRunError& GetError() const { return iError; }
+  // "**Null Context**" between scripts; for a running one its bytes.
+  [[nodiscard]] QString Code() const;
+
+  // Instructions that a script may take, its nested handlers included; 0 is no limit. Beyond, host error 18.
+  void SetLimit(qint64 aLimit) { iLimit = aLimit; }
+  // Lets events run before every single instruction: the letter of the rule, for tests.
+  void SetPumpAlways(bool aAlways) { iPumpAlways = aAlways; }
+  void SeedRandom(quint32 aSeed) { iRandom.seed(aSeed); }
+
+private:
+  using TVarRef = Ref<CVelumVar>;
+  struct TFrame {
+    Ref<CVelumScripted> iObj;
+    Ref<CVelumDecodedCode> iCode;
+    qint32 iIp = 0;
+    qint32 iFrame = 0;
+    qint32 iLine = ENoInt;
+    Ref<CVelumCard> iCard;
+  };
+
+  // Life of a script.
+  [[nodiscard]] bool TryScript(const Ref<CVelumScripted>& aObj, const QString& aMsg);
+  void Execute(const Ref<CVelumScripted>& aObj, const QString& aCode);
+  void Run();
+  void RunDeferred();
+  void ResetState();
+  void StartCode(const Ref<CVelumScripted>& aObj, const Ref<CVelumDecodedCode>& aCode,
+                 const Ref<CVelumCard>& aCard);
+  [[nodiscard]] Ref<CVelumDecodedCode> Decoded(const QString& aHex);
+  void PushFrame();
+  void PopFrame();
+  [[nodiscard]] bool Attend();
+  void Tick();
+  void CountSteps(int aSteps);
+  void PumpSoon() { iBudget = 0; }
+
+  // Code and stack.
+  [[nodiscard]] int CodeByte();
+  [[nodiscard]] qint16 CodeInt();
+  void Push(TVarRef aVar);
+  [[nodiscard]] TVarRef Pop();
+  [[nodiscard]] const TVarRef& Peek(int aDepth) const;
+  [[nodiscard]] TVarRef& Slot(qint32 aSlot);
+  [[nodiscard]] CVelumVar* SlotFast(qint16 aSlot) const;
+  [[nodiscard]] CVelumVar* OperandVar(const TOperand& aOperand, const TVarRef& aConst) const;
+  [[noreturn]] void RunFail(const QString& aProc, qint32 aMsg, const QString& aParam0,
+                            const QString& aParam1 = {});
+
+  // Instructions. Each returns false when the script is over.
+  [[nodiscard]] bool Dispatch(int aOp);
+  [[nodiscard]] bool ExecSingle();
+  // Whether it could be done; false leaves everything as it was.
+  [[nodiscard]] bool ExecFused(const TInstr& aInstr);
+  [[nodiscard]] bool FusedBinary(const TInstr& aInstr);
+  [[nodiscard]] bool FusedInts(const TInstr& aInstr, qint32 aLeft, qint32 aRight);
+  [[nodiscard]] bool FusedAppend(const TInstr& aInstr, CVelumVar& aLeft, const CVelumVar& aRight);
+  void FinishBinary(const TInstr& aInstr, const TVarRef& aResult);
+  void StoreVar(qint32 aSlot, const TVarRef& aVar);
+  void ExecPushStr();
+  void ExecValToCard();
+  void ExecValToControl();
+  void ExecValToBackground();
+  void ExecPutField();
+  void ExecGetField();
+  void ExecGoNextCard();
+  void ExecGoToCard();
+  void ExecUpdateCard();
+  void ExecJumpIfFalse();
+  void ExecJump() { iIp = CodeInt(); }
+  void ExecAnswer();
+  void ExecPushVarVal();
+  void ExecStoreVar();
+  void ExecNot();
+  void ExecNegate();
+  void ExecBinOp(int aOp);
+  void ExecPushCurCard();
+  void ExecRandom();
+  void ExecNumCards();
+  void ExecNumCardsOfBackground();
+  void ExecFirstCard();
+  void ExecNextCard();
+  void ExecFirstCardInBackground();
+  void ExecNextCardInBackground();
+  void ExecEnter();
+  [[nodiscard]] bool ExecLeave();
+  void ExecPop() { static_cast<void>(Pop()); }
+  void ExecSend();
+  void StepWalk(bool aFound, const Ref<CVelumCard>& aCard, qint32 aIndex, const TVarRef& aCardVar,
+                const TVarRef& aPos, qint16 aTarget);
+  [[nodiscard]] Ref<CVelumCard> CardOfVar(const CVelumVar& aVar, const QString& aProc);
+  [[nodiscard]] CVelumStack& OpenStack() const;
+
+  // Arithmetic.
+  void CheckOpTypes(const CVelumVar& aLeft, const CVelumVar& aRight, int aType);
+  [[nodiscard]] TVarRef BinResult(int aOp, const CVelumVar& aLeft, const CVelumVar& aRight);
+  [[nodiscard]] TVarRef Concat(const CVelumVar& aLeft, const CVelumVar& aRight);
+  [[nodiscard]] TVelumValue Arithmetic(int aOp, const CVelumVar& aLeft, const CVelumVar& aRight);
+  [[nodiscard]] bool Comparison(int aOp, const CVelumVar& aLeft, const CVelumVar& aRight);
+
+  CVelumScriptHost* iHost = nullptr;
+  std::array<TVarRef, EStackSize> iStack;
+  qint32 iSp = 0;
+  Ref<CVelumDecodedCode> iCode; // nothing between scripts
+  qint32 iIp = 0;
+  qint32 iFrame = 0;
+  qint32 iLine = ENoInt;
+  QString iParamVal;
+  Ref<CVelumCard> iCard;
+  std::array<TFrame, EMaxFrames> iFrames;
+  int iNumFrames = 0;
+  bool iRunning = false;
+  Ref<CVelumDecodedCode> iPendingCode;
+  Ref<CVelumScripted> iPendingObj;
+  Ref<CVelumCard> iPendingCard;
+  bool iBreak = false;
+  TRunError iError;
+  Ref<CVelumScripted> iObj;
+  std::function<void()> iDeferred;
+
+  QHash<QString, Ref<CVelumDecodedCode>> iDecoded; // the handlers met lately
+  int iBudget = 0;                                 // instructions until the clock is looked at
+  int iSteps = 0;
+  int iPercent = 0;
+  qint64 iLimit = 0;
+  qint64 iTaken = 0;
+  bool iPumpAlways = false;
+  TVarRef iLeftConst; // cells for the numbers of fused instructions
+  TVarRef iRightConst;
+  QElapsedTimer iSincePump;
+  QElapsedTimer iSinceProgress;
+  std::mt19937 iRandom;
+};
+
+// The one interpreter of the program.
+extern Ref<CVelumInterpreter> gInterpreter;
