@@ -36,6 +36,11 @@ template <class T> [[nodiscard]] T Index(T aIndex, T aCount) {
   return aIndex;
 }
 
+// The same as a check alone.
+template <class T> void CheckIndex(T aIndex, T aCount) {
+  if (aIndex < 0 || aIndex >= aCount) CVelumError::RaiseHost(EHostIndex);
+}
+
 // *aRef; host error 91 for nothing.
 template <class T> [[nodiscard]] T& Deref(const Ref<T>& aRef) {
   if (!aRef) CVelumError::RaiseHost(EHostObjectNotSet);

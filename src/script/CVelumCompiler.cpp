@@ -107,7 +107,7 @@ void CVelumCompiler::CodeJump(int aOp, qint16& aPatch) {
 }
 
 void CVelumCompiler::CodePatch(qint16 aValue, qint16 aPos) {
-  CVelumChecked::Index<qsizetype>(aPos + 1, iCode.size());
+  CVelumChecked::CheckIndex<qsizetype>(aPos + 1, iCode.size());
   iCode[aPos] = static_cast<char>(aValue & 0xFF);
   iCode[aPos + 1] = static_cast<char>((aValue >> 8) & 0xFF);
 }

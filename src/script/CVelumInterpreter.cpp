@@ -214,7 +214,7 @@ void CVelumInterpreter::Run() {
 int CVelumInterpreter::CodeByte() {
   const QByteArray& bytes = iCode->Bytes();
   AssertObj(iIp < iCode->HexLen(), this, u"CodeByte"_s, u"CodeByte codeLen"_s);
-  CVelumChecked::Index<qsizetype>(iIp, bytes.size());
+  CVelumChecked::CheckIndex<qsizetype>(iIp, bytes.size());
   return static_cast<quint8>(bytes.at(iIp++));
 }
 

@@ -36,7 +36,7 @@ QString GeneralReal(double aReal) {
 
 void CheckByte(const QByteArray& aCode, qint32 aIp, const CVelumObject* aObj, const QString& aProc) {
   AssertObj(aIp >= 0 && aIp < aCode.size(), aObj, aProc, aProc + u" len"_s);
-  CVelumChecked::Index<qsizetype>(aIp, aCode.size());
+  CVelumChecked::CheckIndex<qsizetype>(aIp, aCode.size());
 }
 
 } // namespace
