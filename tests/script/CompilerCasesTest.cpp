@@ -1,5 +1,5 @@
 // Sources with the byte code or the failure that comes of them.
-#include "CaseFiles.h"
+#include "support/CaseFiles.h"
 
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
