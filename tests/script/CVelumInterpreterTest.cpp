@@ -224,9 +224,9 @@ TEST_F(CVelumInterpreterTest, DrawsRandomNumbers) {
 }
 
 TEST_F(CVelumInterpreterTest, OnlyTheLastOfSeveralEventsRuns) {
-  class Pump final : public CVelumEventPump {
+  class CWork final : public CVelumEventPump {
   public:
-    explicit Pump(std::function<void()> aWork) : iWork(std::move(aWork)) {}
+    explicit CWork(std::function<void()> aWork) : iWork(std::move(aWork)) {}
     void Pump() override {
       if (iWork) std::exchange(iWork, nullptr)();
     }
@@ -234,7 +234,7 @@ TEST_F(CVelumInterpreterTest, OnlyTheLastOfSeveralEventsRuns) {
   };
   SetScript(*Control(u"T"_s),
             u"On a\nAnswer \"a\"\nEnd\nOn b\nAnswer \"b\"\nEnd\nOn c\nAnswer \"c\"\nEnd\n"_s);
-  Pump pump([this] {
+  CWork pump([this] {
     for (const QString& msg : {u"a"_s, u"b"_s, u"c"_s})
       iInterpreter->LocateAndExecScript(Card(u"one"_s), Control(u"T"_s), msg);
   });
@@ -245,9 +245,9 @@ TEST_F(CVelumInterpreterTest, OnlyTheLastOfSeveralEventsRuns) {
 }
 
 TEST_F(CVelumInterpreterTest, IsStoppedByABreak) {
-  class Pump final : public CVelumEventPump {
+  class CWork final : public CVelumEventPump {
   public:
-    explicit Pump(CVelumInterpreter& aInterpreter) : iInterpreter(aInterpreter) {}
+    explicit CWork(CVelumInterpreter& aInterpreter) : iInterpreter(aInterpreter) {}
     void Pump() override {
       if (++iCount == 3) iInterpreter.BreakAndThen([this] { iDone = !iInterpreter.Running(); });
     }
@@ -255,7 +255,7 @@ TEST_F(CVelumInterpreterTest, IsStoppedByABreak) {
     int iCount = 0;
     bool iDone = false;
   };
-  Pump pump(*iInterpreter);
+  CWork pump(*iInterpreter);
   CVelumSeams::SetEventPump(&pump);
   EXPECT_EQ(Run(u"Repeat While 1 = 1\nx = 1\nEnd Repeat"_s), Answers{u"Script breaked"_s});
   CVelumSeams::SetEventPump(nullptr);
