@@ -283,7 +283,7 @@ TEST_F(CVelumInterpreterTest, ChecksCodeAsItRuns) {
   EXPECT_EQ(CodeFails(Handler({1, 11, 5, 65})), EMsgAssertFailed) << "a text longer than the code";
   EXPECT_EQ(CodeFails(Handler({1, 12, 0})), EMsgAssertFailed) << "a literal of another type";
   EXPECT_EQ(CodeFails(Handler({13, 0, 0, 11})), EHostIndex) << "a variable without a frame";
-  EXPECT_EQ(CodeFails(Handler({38, 2, 0, 46, 16})), EMsgAssertFailed);
+  EXPECT_EQ(CodeFails(Handler({38, 2, 0, 46, 16})), EHostObjectNotSet);
   EXPECT_EQ(CodeFails(Handler({38, 1, 0, 10})), EHostObjectNotSet) << "an entry with nothing in it";
   EXPECT_EQ(CodeFails(Handler({5})), 0) << "stop";
 }
