@@ -63,6 +63,10 @@ public:
   [[nodiscard]] CVelumStored* Obj() const { return IsObjType() ? iSlot.iObj : nullptr; }
   [[nodiscard]] qint32 Int0() const { return iType == EValIntPair ? iSlot.iPair[0] : 0; }
   [[nodiscard]] qint32 Int1() const { return iType == EValIntPair ? iSlot.iPair[1] : 0; }
+  // Replaces the number of an integer in place; nothing for any other tag.
+  void ReplaceInt(qint32 aInt) {
+    if (iType == EValInt) iSlot.iInt = aInt;
+  }
   // Appends to a text in place; nothing for any other tag.
   void AppendStr(QStringView aStr) {
     if (iType == EValStr) iSlot.iStr += aStr;

@@ -1,5 +1,6 @@
 #include "script/CVelumDecoder.h"
 
+#include "core/CVelumConst.h"
 #include "core/CVelumLib.h"
 
 namespace {
@@ -8,8 +9,10 @@ bool IsComparison(int aOp) {
   return aOp == EOpEqual || (aOp >= EOpGreater && aOp <= EOpNotEqual);
 }
 
-// Bytes of an instruction with a 16-bit operand.
+// Bytes of an instruction with a 16-bit operand, and of a literal ahead of its characters.
 constexpr qint32 ENumLen = 3;
+// Literals that are kept decoded.
+constexpr size_t EMaxLiterals = 10000;
 
 } // namespace
 
@@ -45,6 +48,13 @@ bool CVelumDecodedCode::DecodeFused(qint32 aPos, TInstr& aInstr) const {
     aInstr.iNext = pos + ENumLen + 1;
     return true;
   }
+  if (ByteAt(pos) == EOpConcat && ReadNum(pos + 1, EOpPushInt, aInstr.iArg) &&
+      ByteAt(pos + 1 + ENumLen) == EOpStoreVar) {
+    aInstr.iKind = EFusedConcatStore;
+    aInstr.iCount = 3;
+    aInstr.iNext = pos + ENumLen + 2;
+    return true;
+  }
   if (!ReadOperand(pos, aInstr.iLeft)) return false;
   const qint32 behindLeft = pos;
   const bool binary = ReadOperand(pos, aInstr.iRight) && IsBinaryOp(ByteAt(pos));
@@ -71,14 +81,44 @@ bool CVelumDecodedCode::DecodeFused(qint32 aPos, TInstr& aInstr) const {
   return true;
 }
 
-void CVelumDecodedCode::Decode(qint32 aPos, TInstr& aInstr) const {
+// A whole text literal; a code has fewer positions than a number can count.
+bool CVelumDecodedCode::DecodeLiteral(qint32 aPos, TInstr& aInstr) {
+  if (ByteAt(aPos) != EOpPushStr || ByteAt(aPos + 1) != EValStr || iLiterals.size() > EMaxLiterals)
+    return false;
+  const int len = ByteAt(aPos + 2);
+  if (len < 0 || aPos + ENumLen + len > iBytes.size()) return false;
+  aInstr.iKind = EFusedPushStr;
+  aInstr.iArg = static_cast<qint16>(iLiterals.size());
+  aInstr.iNext = aPos + ENumLen + len;
+  iLiterals.push_back(CVelumLib::FromCodePage(iBytes.mid(aPos + ENumLen, len)));
+  return true;
+}
+
+bool CVelumDecodedCode::DecodeAny(qint32 aPos, TInstr& aInstr) {
   TInstr fused;
-  if (DecodeFused(aPos, fused)) {
+  if (DecodeLiteral(aPos, fused) || DecodeFused(aPos, fused)) {
     aInstr = fused;
-    return;
+    return true;
   }
-  aInstr.iKind = static_cast<quint8>(ByteAt(aPos));
-  aInstr.iNext = aPos + ENumLen;
-  if (ReadNum(aPos, EOpLine, aInstr.iArg)) aInstr.iKind = EFusedLine;
-  if (ReadNum(aPos, EOpJump, aInstr.iArg)) aInstr.iKind = EFusedJump;
+  fused = TInstr();
+  if (!ReadNum(aPos, EOpJump, fused.iArg)) return false;
+  fused.iKind = EFusedJump;
+  fused.iNext = aPos + ENumLen;
+  aInstr = fused;
+  return true;
+}
+
+void CVelumDecodedCode::Decode(qint32 aPos, TInstr& aInstr) {
+  if (DecodeAny(aPos, aInstr)) return;
+  aInstr = TInstr();
+  aInstr.iKind = EFusedNone;
+  qint16 line = 0;
+  if (!ReadNum(aPos, EOpLine, line)) return;
+  if (!DecodeAny(aPos + ENumLen, aInstr)) {
+    aInstr.iKind = EFusedLine;
+    aInstr.iNext = aPos + ENumLen;
+  } else {
+    aInstr.iCount = static_cast<quint8>(aInstr.iCount + 1);
+  }
+  aInstr.iLine = line;
 }

@@ -13,8 +13,9 @@ Ref<CVelumInterpreter> gInterpreter;
 namespace {
 
 // Instructions between two looks at the clock, and milliseconds between two runs of events: as often as a
-// person can notice, without paying for an empty queue at every instruction.
-constexpr int EClockSteps = 32;
+// person can notice, without paying for an empty queue at every instruction. What takes longer than the
+// simplest instructions asks for a look itself (PumpSoon).
+constexpr int EClockSteps = 200;
 constexpr qint64 EPumpMs = 1;
 // The progress bar moves on every 100 instructions, but is drawn at most this often (milliseconds).
 constexpr int EProgressSteps = 100;
@@ -114,11 +115,11 @@ void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& 
     return;
   }
   iTaken = 0;
-  iSteps = 0;
-  iPercent = 0;
   iBudget = 0;
-  iSincePump.start();
-  iSinceProgress.start();
+  iGranted = 0;
+  iClock.start();
+  iNextPump = EPumpMs;
+  iNextProgress = EProgressMs;
   StartCode(aObj, code, card);
   Run();
   RunDeferred();
@@ -169,41 +170,35 @@ bool CVelumInterpreter::Attend() {
   return true;
 }
 
+// Every few instructions: the limit, and by the clock the progress bar and events.
 void CVelumInterpreter::Tick() {
-  iBudget = EClockSteps;
-  if (!iPumpAlways && iSincePump.elapsed() < EPumpMs) return;
+  const int steps = iGranted - iBudget;
+  iGranted = iBudget = iPumpAlways ? 1 : EClockSteps;
+  iTaken += steps;
+  if (iLimit > 0 && iTaken > iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
+  const qint64 now = iClock.elapsed();
+  if (now >= iNextProgress) {
+    iNextProgress = now + EProgressMs;
+    iHost->ShowProgress(static_cast<int>(iTaken / EProgressSteps % 100));
+  }
+  if (!iPumpAlways && now < iNextPump) return;
   CVelumSeams::EventPump().Pump();
-  iSincePump.start();
+  iNextPump = iClock.elapsed() + EPumpMs;
 }
 
-void CVelumInterpreter::CountSteps(int aSteps) {
-  if (iLimit > 0) {
-    iTaken += aSteps;
-    if (iTaken > iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
-  }
-  iSteps += aSteps;
-  if (iSteps < EProgressSteps) return;
-  iSteps -= EProgressSteps;
-  iPercent = iPercent >= 99 ? 0 : iPercent + 1;
-  if (iSinceProgress.elapsed() < EProgressMs) return;
-  iSinceProgress.start();
-  iHost->ShowProgress(iPercent);
-  PumpSoon();
+void CVelumInterpreter::PumpSoon() {
+  iGranted -= iBudget;
+  iBudget = 0;
 }
 
 void CVelumInterpreter::Run() {
   for (;;) {
-    if (--iBudget < 0 || iPumpAlways) Tick();
+    if (iBudget <= 0) Tick();
     if ((iBreak || iPendingCode) && !Attend()) return;
-    if (!iPumpAlways && iIp >= 0 && iIp < iCode->Bytes().size()) {
-      const TInstr& instr = iCode->At(iIp);
-      if (instr.iKind >= EFusedPushVar && ExecFused(instr)) {
-        CountSteps(instr.iCount);
-        continue;
-      }
-    }
-    CountSteps(1);
-    if (!ExecSingle()) break;
+    if (!iPumpAlways) RunFused();
+    if (iBudget <= 0) continue;
+    --iBudget;
+    if (!Dispatch(CodeByte())) break;
   }
   ResetState();
   iHost->ShowProgress(100);
@@ -247,12 +242,6 @@ CVelumInterpreter::TVarRef& CVelumInterpreter::Slot(qint32 aSlot) {
   return iStack[static_cast<size_t>(CVelumChecked::Index(CVelumChecked::Add(iFrame, aSlot), EStackSize))];
 }
 
-// The variable of a slot, or null where anything is unusual.
-CVelumVar* CVelumInterpreter::SlotFast(qint16 aSlot) const {
-  const qint32 index = iFrame + aSlot;
-  return index >= 0 && index < EStackSize ? iStack[static_cast<size_t>(index)].Get() : nullptr;
-}
-
 void CVelumInterpreter::SetVarVal(qint16 aSlot, const Ref<CVelumVar>& aVar) {
   Slot(aSlot) = aVar;
 }
@@ -261,10 +250,6 @@ void CVelumInterpreter::RunFail(const QString& aProc, qint32 aMsg, const QString
                                 const QString& aParam1) {
   iError = {aMsg, aParam0, aParam1, iObj, iLine};
   Throw(EMsgRunError, u"CVelumInterpreter."_s + aProc, QString(), QString());
-}
-
-bool CVelumInterpreter::ExecSingle() {
-  return Dispatch(CodeByte());
 }
 
 bool CVelumInterpreter::Dispatch(int aOp) {

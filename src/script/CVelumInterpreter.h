@@ -89,8 +89,8 @@ private:
   void PopFrame();
   [[nodiscard]] bool Attend();
   void Tick();
-  void CountSteps(int aSteps);
-  void PumpSoon() { iBudget = 0; }
+  // Lets events run before the next instruction, if a millisecond has passed.
+  void PumpSoon();
 
   // Code and stack.
   [[nodiscard]] int CodeByte();
@@ -99,19 +99,33 @@ private:
   [[nodiscard]] TVarRef Pop();
   [[nodiscard]] const TVarRef& Peek(int aDepth) const;
   [[nodiscard]] TVarRef& Slot(qint32 aSlot);
-  [[nodiscard]] CVelumVar* SlotFast(qint16 aSlot) const;
+  // The variable of a slot, or null where anything is unusual.
+  [[nodiscard]] CVelumVar* SlotFast(qint16 aSlot) const {
+    const auto index = static_cast<quint32>(iFrame + aSlot);
+    return index < EStackSize ? iStack[index].Get() : nullptr;
+  }
+  // A number, or a variable that holds one.
+  [[nodiscard]] bool OperandInt(const TOperand& aOperand, qint32& aInt) const {
+    aInt = aOperand.iNum;
+    if (!aOperand.iIsSlot) return true;
+    const CVelumVar* var = SlotFast(aOperand.iNum);
+    if (!var || var->ValType() != EValInt) return false;
+    aInt = var->IntVal();
+    return true;
+  }
   [[nodiscard]] CVelumVar* OperandVar(const TOperand& aOperand, const TVarRef& aConst) const;
   [[noreturn]] void RunFail(const QString& aProc, qint32 aMsg, const QString& aParam0,
                             const QString& aParam1 = {});
 
   // Instructions. Each returns false when the script is over.
   [[nodiscard]] bool Dispatch(int aOp);
-  [[nodiscard]] bool ExecSingle();
-  // Whether it could be done; false leaves everything as it was.
+  // Runs fused instructions until the budget is used up or one is not fused, or cannot be done as it is.
+  void RunFused();
   [[nodiscard]] bool ExecFused(const TInstr& aInstr);
   [[nodiscard]] bool FusedBinary(const TInstr& aInstr);
-  [[nodiscard]] bool FusedInts(const TInstr& aInstr, qint32 aLeft, qint32 aRight);
+  [[nodiscard]] bool FusedInts(const TInstr& aInstr);
   [[nodiscard]] bool FusedAppend(const TInstr& aInstr, CVelumVar& aLeft, const CVelumVar& aRight);
+  [[nodiscard]] bool FusedConcatStore(const TInstr& aInstr);
   void FinishBinary(const TInstr& aInstr, const TVarRef& aResult);
   void StoreVar(qint32 aSlot, const TVarRef& aVar);
   void ExecPushStr();
@@ -176,16 +190,16 @@ private:
   std::function<void()> iDeferred;
 
   QHash<QString, Ref<CVelumDecodedCode>> iDecoded; // the handlers met lately
-  int iBudget = 0;                                 // instructions until the clock is looked at
-  int iSteps = 0;
-  int iPercent = 0;
+  int iBudget = 0;                                 // instructions until the next Tick
+  int iGranted = 0;                                // what iBudget began with
   qint64 iLimit = 0;
   qint64 iTaken = 0;
   bool iPumpAlways = false;
   TVarRef iLeftConst; // cells for the numbers of fused instructions
   TVarRef iRightConst;
-  QElapsedTimer iSincePump;
-  QElapsedTimer iSinceProgress;
+  QElapsedTimer iClock; // since the script began; the rest in its milliseconds
+  qint64 iNextPump = 0;
+  qint64 iNextProgress = 0;
   std::mt19937 iRandom;
 };
 

@@ -5,7 +5,7 @@
 namespace {
 
 // The result of an operator on two numbers, if it is a number that fits.
-bool IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
+inline bool IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
   switch (aOp) {
   case EOpAdd:
     return !__builtin_add_overflow(aLeft, aRight, &aResult);
@@ -19,7 +19,7 @@ bool IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
 }
 
 // Whether aOp compares, and what comes out of it.
-bool IntCompare(int aOp, qint32 aLeft, qint32 aRight, bool& aResult) {
+inline bool IntCompare(int aOp, qint32 aLeft, qint32 aRight, bool& aResult) {
   switch (aOp) {
   case EOpEqual:
     aResult = aLeft == aRight;
@@ -49,11 +49,26 @@ constexpr int ERoom = 2;
 
 } // namespace
 
-bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
+void CVelumInterpreter::RunFused() {
+  while (iBudget > 0 && iIp >= 0 && iIp < iCode->Bytes().size()) {
+    const TInstr& instr = iCode->At(iIp);
+    if (instr.iKind == EFusedNone) return;
+    const qint32 oldLine = iLine;
+    const int count = instr.iCount;
+    if (instr.iLine >= 0) iLine = instr.iLine;
+    if (!ExecFused(instr)) {
+      iLine = oldLine;
+      return;
+    }
+    iBudget -= count;
+  }
+}
+
+inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
   switch (aInstr.iKind) {
   case EFusedLine:
-    iLine = aInstr.iArg;
-    break;
+    iIp = aInstr.iNext;
+    return true;
   case EFusedJump:
     iIp = aInstr.iArg;
     return true;
@@ -61,25 +76,30 @@ bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
     CVelumVar* var = SlotFast(aInstr.iArg);
     if (!var || iSp >= EStackSize) return false;
     iStack[static_cast<size_t>(iSp++)] = var;
-    break;
+    iIp = aInstr.iNext;
+    return true;
   }
-  case EFusedStore: {
+  case EFusedPushStr:
+    if (iSp >= EStackSize) return false;
+    iStack[static_cast<size_t>(iSp++)] = MakeRef<CVelumVar>(TVelumValue::OfStr(iCode->Literal(aInstr.iArg)));
+    iIp = aInstr.iNext;
+    return true;
+  case EFusedStore:
     if (iSp < 1 || iSp >= EStackSize || !iStack[static_cast<size_t>(iSp - 1)] || !SlotFast(aInstr.iArg))
       return false;
     iIp = aInstr.iNext;
     StoreVar(aInstr.iArg, Pop());
     return true;
-  }
+  case EFusedConcatStore:
+    return FusedConcatStore(aInstr);
   default:
-    return FusedBinary(aInstr);
+    return FusedInts(aInstr) || FusedBinary(aInstr);
   }
-  iIp = aInstr.iNext;
-  return true;
 }
 
 CVelumVar* CVelumInterpreter::OperandVar(const TOperand& aOperand, const TVarRef& aConst) const {
   if (aOperand.iIsSlot) return SlotFast(aOperand.iNum);
-  aConst->SetIntFast(aOperand.iNum);
+  aConst->ReplaceInt(aOperand.iNum);
   return aConst.Get();
 }
 
@@ -89,25 +109,42 @@ bool CVelumInterpreter::FusedBinary(const TInstr& aInstr) {
   CVelumVar* right = OperandVar(aInstr.iRight, iRightConst);
   if (!left || !right) return false;
   if (aInstr.iKind == EFusedBinStore && !SlotFast(aInstr.iArg)) return false;
-  if (left->ValType() == EValInt && right->ValType() == EValInt &&
-      FusedInts(aInstr, left->IntVal(), right->IntVal()))
-    return true;
   if (FusedAppend(aInstr, *left, *right)) return true;
   FinishBinary(aInstr, BinResult(aInstr.iOp, *left, *right));
   return true;
 }
 
-bool CVelumInterpreter::FusedInts(const TInstr& aInstr, qint32 aLeft, qint32 aRight) {
-  bool holds = false;
-  if (aInstr.iKind == EFusedCmpJump && IntCompare(aInstr.iOp, aLeft, aRight, holds)) {
+// Numbers that are compared ahead of a jump, or whose sum and the like goes to a variable: most of a loop.
+inline bool CVelumInterpreter::FusedInts(const TInstr& aInstr) {
+  qint32 left = 0;
+  qint32 right = 0;
+  if (iSp < 0 || iSp + ERoom > EStackSize || !OperandInt(aInstr.iLeft, left) ||
+      !OperandInt(aInstr.iRight, right))
+    return false;
+  if (aInstr.iKind == EFusedCmpJump) {
+    bool holds = false;
+    if (!IntCompare(aInstr.iOp, left, right, holds)) return false;
     iIp = holds ? aInstr.iNext : aInstr.iArg;
     return true;
   }
   if (aInstr.iKind != EFusedBinStore) return false;
   CVelumVar* target = SlotFast(aInstr.iArg);
   qint32 result = 0;
-  if (target->ValType() != EValInt || !IntResult(aInstr.iOp, aLeft, aRight, result)) return false;
-  target->SetIntFast(result);
+  if (!target || target->ValType() != EValInt || !IntResult(aInstr.iOp, left, right, result)) return false;
+  target->ReplaceInt(result);
+  iIp = aInstr.iNext;
+  return true;
+}
+
+// The same where x was pushed by other instructions: the cell under it is that of s itself.
+bool CVelumInterpreter::FusedConcatStore(const TInstr& aInstr) {
+  if (iSp < 2 || iSp >= EStackSize) return false;
+  CVelumVar* target = SlotFast(aInstr.iArg);
+  const auto left = static_cast<size_t>(iSp - 2);
+  if (!target || target->ValType() != EValStr || !(iStack[left] == target) || !iStack[left + 1]) return false;
+  target->AppendStr(iStack[left + 1]->ToStr());
+  ExecPop();
+  ExecPop();
   iIp = aInstr.iNext;
   return true;
 }

@@ -16,6 +16,9 @@ namespace {
 constexpr double EMinDate = -657434.0;
 constexpr double EMaxDate = 2958465.0;
 
+// Characters whose copying takes longer than an instruction should.
+constexpr qsizetype ELongText = 2000;
+
 TVelumValue CheckedDate(double aDate) {
   if (!(aDate >= EMinDate && aDate <= EMaxDate + 1)) RaiseHost(EHostOverflow);
   return TVelumValue::OfDate(aDate);
@@ -64,7 +67,8 @@ void CVelumInterpreter::ExecPushStr() {
 void CVelumInterpreter::ExecPushVarVal() {
   const TVarRef slot = Pop();
   const CVelumVar& slotVar = Deref(slot);
-  AssertObj(slotVar.ValType() == EValInt, this, u"ExecPushVarVal"_s, u"int "_s + slotVar.TypeStr());
+  if (slotVar.ValType() != EValInt)
+    AssertObj(false, this, u"ExecPushVarVal"_s, u"int "_s + slotVar.TypeStr());
   TVarRef& var = Slot(slotVar.IntVal());
   if (!var) var = MakeRef<CVelumVar>(EValStr);
   Push(var);
@@ -122,10 +126,10 @@ bool CVelumInterpreter::ExecLeave() {
 void CVelumInterpreter::ExecRandom() {
   const TVarRef count = Pop();
   const qint32 numArg = Deref(count).ToInt();
-  AssertObj(numArg == 1, this, u"ExecRandom"_s, u"numArg "_s + QString::number(numArg));
+  if (numArg != 1) AssertObj(false, this, u"ExecRandom"_s, u"numArg "_s + QString::number(numArg));
   const TVarRef var = Pop();
   const qint32 arg = Deref(var).ToInt();
-  AssertObj(arg >= 1, this, u"ExecRandom"_s, u"arg "_s + QString::number(arg));
+  if (arg < 1) AssertObj(false, this, u"ExecRandom"_s, u"arg "_s + QString::number(arg));
   constexpr double steps = 1 << 24; // single precision
   const double r = static_cast<double>(iRandom() >> 8) / steps;
   Push(NewInt(static_cast<qint32>(std::floor(r * arg + 1))));
@@ -373,6 +377,7 @@ CVelumInterpreter::TVarRef CVelumInterpreter::BinResult(int aOp, const CVelumVar
 CVelumInterpreter::TVarRef CVelumInterpreter::Concat(const CVelumVar& aLeft, const CVelumVar& aRight) {
   TVarRef result = NewVar(TVelumValue::OfStr(aLeft.ToStr()));
   result->AppendStr(aRight.ToStr());
+  if (result->StrVal().size() > ELongText) PumpSoon();
   return result;
 }
 

@@ -35,11 +35,32 @@ QString GeneralReal(double aReal) {
 }
 
 void CheckByte(const QByteArray& aCode, qint32 aIp, const CVelumObject* aObj, const QString& aProc) {
-  AssertObj(aIp >= 0 && aIp < aCode.size(), aObj, aProc, aProc + u" len"_s);
+  if (aIp >= 0 && aIp < aCode.size()) return;
+  AssertObj(false, aObj, aProc, aProc + u" len"_s);
   CVelumChecked::CheckIndex<qsizetype>(aIp, aCode.size());
 }
 
 } // namespace
+
+namespace {
+
+// Cells that are free to be used again. One thread runs scripts.
+constexpr int EMaxFreeCells = 64;
+void* gFreeCells[EMaxFreeCells];
+int gNumFreeCells = 0;
+
+} // namespace
+
+void* CVelumVar::operator new(size_t aSize) {
+  return gNumFreeCells > 0 ? gFreeCells[--gNumFreeCells] : ::operator new(aSize);
+}
+
+void CVelumVar::operator delete(void* aCell) noexcept {
+  if (aCell && gNumFreeCells < EMaxFreeCells)
+    gFreeCells[gNumFreeCells++] = aCell;
+  else
+    ::operator delete(aCell);
+}
 
 CVelumVar::CVelumVar(int aType) : iType(aType), iValue(TVelumValue::OfType(aType)) {
   AssertObj(aType != EValUndef, this, u"Construct"_s, u"undef"_s);
@@ -124,7 +145,7 @@ void CVelumVar::LetControlSetVal(const Ref<CVelumControlSet>& aSet) {
 }
 
 int CVelumVar::CheckedCommonType(const CVelumVar& aVar, const QString& aProc) const {
-  AssertObj(TypesCompatible(iType, aVar.iType), this, aProc, u"type "_s + TypeStr());
+  if (!TypesCompatible(iType, aVar.iType)) AssertObj(false, this, aProc, u"type "_s + TypeStr());
   return CommonType(iType, aVar.iType);
 }
 
@@ -165,7 +186,7 @@ bool CVelumVar::Gt(const CVelumVar& aVar) const {
 }
 
 void CVelumVar::Assign(const CVelumVar& aVar) {
-  AssertObj(iType == aVar.iType, this, u"Assign"_s, u"type "_s + TypeStr());
+  if (iType != aVar.iType) AssertObj(false, this, u"Assign"_s, u"type "_s + TypeStr());
   const bool known = (iType >= EValStr && iType <= EValBoolean) || iType == EValCard || iType == EValControl;
   AssertObj(known, this, u"Assign"_s, u"Type"_s);
   if (known && iType == aVar.iType) iValue = aVar.iValue;
@@ -250,7 +271,7 @@ double CVelumVar::ToReal() const {
 void CVelumVar::GetFromCode(const QByteArray& aCode, qint32& aIp) {
   CheckByte(aCode, aIp, this, u"CodeByte"_s);
   const int type = static_cast<quint8>(aCode.at(aIp++));
-  AssertObj(type == iType, this, u"GetFromCode"_s, u"type "_s + QString::number(type));
+  if (type != iType) AssertObj(false, this, u"GetFromCode"_s, u"type "_s + QString::number(type));
   CheckByte(aCode, aIp, this, u"CodeByte"_s);
   const int len = static_cast<quint8>(aCode.at(aIp++));
   if (len > 0) CheckByte(aCode, aIp + len - 1, this, u"CodeChar"_s);

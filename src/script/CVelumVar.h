@@ -66,8 +66,12 @@ public:
   }
   // Characters that a text built by a script may have (64 MiB); more is host error 7.
   static constexpr qsizetype EMaxTextLen = 32 * 1024 * 1024;
-  // Int cells in the loops of the interpreter: no checks, the caller has looked at ValType.
-  void SetIntFast(qint32 aInt) { iValue = TVelumValue::OfInt(aInt); }
+  // For Int cells in the loops of the interpreter.
+  void ReplaceInt(qint32 aInt) { iValue.ReplaceInt(aInt); }
+
+  // Cells come and go with every instruction: a few are kept for the next.
+  static void* operator new(size_t aSize);
+  static void operator delete(void* aCell) noexcept;
 
 private:
   void Let(int aType, const QString& aProc, TVelumValue aVal);
