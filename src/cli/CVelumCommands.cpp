@@ -1,7 +1,8 @@
 #include "cli/CVelumCommands.h"
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
-  static const QList<const TVelumCommand*> all{&Info(), &Check(), &Convert(), &Search(), &Cards()};
+  static const QList<const TVelumCommand*> all{&Info(),  &Check(),   &Convert(), &Search(),
+                                               &Cards(), &Compile(), &Run()};
   return all;
 }
 

@@ -11,6 +11,8 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& Convert();
 [[nodiscard]] const TVelumCommand& Search();
 [[nodiscard]] const TVelumCommand& Cards();
+[[nodiscard]] const TVelumCommand& Compile();
+[[nodiscard]] const TVelumCommand& Run();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();

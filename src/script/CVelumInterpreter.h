@@ -2,6 +2,7 @@
 #pragma once
 
 #include "script/CVelumDecoder.h"
+#include "script/CVelumRunError.h"
 #include "script/CVelumScriptHost.h"
 #include "script/CVelumVar.h"
 
@@ -10,15 +11,6 @@
 #include <array>
 #include <functional>
 #include <random>
-
-// The last run-time error.
-struct TRunError {
-  qint32 iMsg = 0; // EMsg...
-  QString iParam0;
-  QString iParam1;
-  Ref<CVelumScripted> iObj; // owner of the script
-  qint32 iLine = ENoInt;    // source line index, from 0
-};
 
 // Runs one script at a time. A handler that is to start while one runs (a Go, a Send, an event that comes in
 // while events are let run) becomes the one pending handler and starts at the next instruction. Byte code

@@ -1,0 +1,19 @@
+// The last run-time error of a script.
+#pragma once
+
+#include "model/CVelumScripted.h"
+
+struct TRunError {
+  qint32 iMsg = 0; // EMsg...
+  QString iParam0;
+  QString iParam1;
+  Ref<CVelumScripted> iObj; // owner of the script
+  qint32 iLine = ENoInt;    // source line index, from 0
+};
+
+namespace CVelumRunError {
+
+// Where it happened, for people: "Script of background 'Page', line 3".
+[[nodiscard]] QString Place(const TRunError& aError);
+
+} // namespace CVelumRunError
