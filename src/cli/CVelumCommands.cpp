@@ -2,7 +2,7 @@
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
   static const QList<const TVelumCommand*> all{&Info(),  &Check(),   &Convert(), &Search(),
-                                               &Cards(), &Compile(), &Run()};
+                                               &Cards(), &Compile(), &RunMessage()};
   return all;
 }
 

@@ -12,7 +12,7 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& Search();
 [[nodiscard]] const TVelumCommand& Cards();
 [[nodiscard]] const TVelumCommand& Compile();
-[[nodiscard]] const TVelumCommand& Run();
+[[nodiscard]] const TVelumCommand& RunMessage();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();

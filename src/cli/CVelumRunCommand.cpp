@@ -65,7 +65,7 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Run() {
+const TVelumCommand& CVelumCommands::RunMessage() {
   static const TVelumCommand command{
       u"run"_s,
       {u"STACK"_s, u"MESSAGE"_s},
@@ -77,7 +77,7 @@ const TVelumCommand& CVelumCommands::Run() {
        {u"save"_s, u"OUT"_s, u"save the stack as OUT when all went well"_s},
        {u"limit"_s, u"N"_s, u"stop the scripts after N instructions (no limit)"_s}},
       false,
-      ::Run,
+      Run,
   };
   return command;
 }
