@@ -242,3 +242,11 @@ void CVelumCardView::PaintWallPaper(QPainter& aPainter, const CVelumCard& aCard)
   aPainter.drawPixmap(QPointF((outer.width() - size.width()) / 2, (outer.height() - size.height()) / 2),
                       picture);
 }
+
+void CVelumCardView::ShowProgress(int aPercent) {
+  if (!CVelumWinMan::FormIsLoaded(iName)) return;
+  CVelumGenForm& form = ViewForm();
+  CVelumBaseControl* progress = form.FindControl(u"fProgress"_s);
+  const CVelumBaseControl* box = form.FindControl(u"fProgressBox"_s);
+  progress->SetSize(box->Width() * static_cast<float>(aPercent) / 100, progress->Height());
+}

@@ -42,6 +42,8 @@ public:
   // Gives up the pictures before the form closes.
   void PrepareClose();
   void SetTitle(const QString& aTitle);
+  // How full the bar of a running script is, 0 to 100.
+  void ShowProgress(int aPercent);
 
   // The base control shows aVal. Asserts when it cannot.
   void SetBaseControlVal(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard);

@@ -5,7 +5,6 @@
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
-#include "runtime/CVelumScriptRunner.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
 
@@ -13,7 +12,6 @@
 #include <cmath>
 
 Ref<CVelumStackView> gStackView;
-CVelumScriptRunner* gScriptRunner = nullptr;
 
 namespace {
 

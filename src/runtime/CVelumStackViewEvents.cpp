@@ -4,8 +4,8 @@
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
 #include "runtime/CVelumFrameHost.h"
-#include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
+#include "runtime/CVelumViewScriptHost.h"
 #include "toolkit/CVelumToolkitLib.h"
 
 #include <QScopedValueRollback>
@@ -16,8 +16,15 @@ const QString gReadOnly = u"Read-only!"_s;
 // The longest text that a document can hold.
 constexpr qsizetype EMaxText = 15000;
 
+// Until there is an editor to mark the line in, the message names owner and line.
+void ShowRunError(const TRunError& aError) {
+  const QString text = CVelumMsg::Text(aError.iMsg, aError.iParam0, aError.iParam1);
+  CVelumSeams::Presenter().Message(aError.iMsg, EMsgCritical, CVelumMsg::Name(aError.iMsg),
+                                   text + u"\r\n\r\n"_s + CVelumRunError::Place(aError));
+}
+
 bool ScriptRuns() {
-  return gScriptRunner && gScriptRunner->Running();
+  return gInterpreter && gInterpreter->Running();
 }
 
 } // namespace
@@ -220,19 +227,24 @@ void CVelumStackView::UpdateCardInList() {
 
 void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg) {
   const Ref<CVelumObject> obj = aObj ? aObj : Ref<CVelumObject>(iCurCard);
-  if (!obj || !gScriptRunner) return;
+  if (!obj || !gInterpreter) return;
   try {
     RunMessage(obj, aMsg);
   } catch (...) {
     CVelumError::CatchError(u"CVelumStackView.ExecScript"_s);
-    if (CVelumError::GetErrorCode() != EMsgRunError) CVelumMsg::ShowLastError();
-    gScriptRunner->Reset();
+    const bool inScript = CVelumError::GetErrorCode() == EMsgRunError;
+    const TRunError error = gInterpreter->GetError();
+    gInterpreter->Reset();
+    if (inScript)
+      ShowRunError(error);
+    else
+      CVelumMsg::ShowLastError();
   }
 }
 
 void CVelumStackView::RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg) {
   if (auto* control = dynamic_cast<CVelumControl*>(aObj.Get()))
-    gScriptRunner->LocateAndExecScript(iCurCard, control, aMsg, aObj);
+    gInterpreter->LocateAndExecScript(iCurCard, control, aMsg);
   else if (auto* card = dynamic_cast<CVelumCard*>(aObj.Get()))
-    gScriptRunner->LocateAndExecScript(card, nullptr, aMsg, aObj);
+    gInterpreter->LocateAndExecScript(card, nullptr, aMsg);
 }

@@ -3,6 +3,7 @@
 #include "core/CVelumMsg.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
+#include "script/CVelumInterpreter.h"
 #include "shell/CVelumCommandTable.h"
 #include "shell/CVelumIcons.h"
 #include "shell/CVelumOptions.h"
@@ -39,6 +40,9 @@ CVelumFrame::CVelumFrame()
   setWindowIcon(CVelumIcons::AppIcon());
   ConnectMenus();
   ConnectToolbar();
+  iScriptBar = new CVelumScriptBar(this);
+  iUi->fStatusBar->addPermanentWidget(iScriptBar);
+  iScriptBar->hide();
   gFrame = this;
   gFrameHost = this;
 }
@@ -52,18 +56,22 @@ void CVelumFrame::ConnectMenus() {
   const auto on = [this](QAction* aAction, auto aCommand) {
     connect(aAction, &QAction::triggered, this, [aCommand] { CVelumGuard::Run(u"CVelumFrame"_s, aCommand); });
   };
-  on(iUi->fOpenStack, [this] { iCommands.OpenStack(); });
+  // These close, replace or empty the stack: a running script ends first.
+  const auto onIdle = [&on](QAction* aAction, auto aCommand) {
+    on(aAction, [aCommand] { CVelumDialogLib::WhenNoScriptRuns(aCommand); });
+  };
+  onIdle(iUi->fOpenStack, [this] { iCommands.OpenStack(); });
   on(iUi->fSaveStack, [this] { iCommands.SaveStack(); });
   on(iUi->fSaveStackAs, [this] { iCommands.SaveStackAs(); });
-  on(iUi->fCloseStack, [this] { iCommands.CloseStack(); });
-  on(iUi->fDeleteCard, [this] { iCommands.DeleteCard(); });
-  on(iUi->fEmptyStack, [this] { iCommands.EmptyStack(); });
+  onIdle(iUi->fCloseStack, [this] { iCommands.CloseStack(); });
+  onIdle(iUi->fDeleteCard, [this] { iCommands.DeleteCard(); });
+  onIdle(iUi->fEmptyStack, [this] { iCommands.EmptyStack(); });
   on(iUi->fHelp, [this] { CVelumMsg::ShowHelp(Name(), {}); });
   on(iUi->fClose, [this] { close(); });
   on(iUi->fSize, [this] { SetPhoneSize(); });
   for (int i = 0; i < ENumHistory; ++i) {
     QAction* item = findChild<QAction*>(u"fHistory"_s + QString::number(i));
-    on(item, [this, item] { iCommands.OpenRecent(item->data().toString()); });
+    onIdle(item, [this, item] { iCommands.OpenRecent(item->data().toString()); });
   }
   for (int i = 0; i < ENumGenFunc; ++i) {
     QAction* item = FindAction(u"fGenFunc"_s + QString::number(i));
@@ -129,6 +137,10 @@ void CVelumFrame::Unload() {
 }
 
 void CVelumFrame::closeEvent(QCloseEvent* aEvent) {
+  if (gInterpreter && gInterpreter->Running()) {
+    aEvent->ignore();
+    return CVelumDialogLib::WhenNoScriptRuns([this] { close(); });
+  }
   bool stillOpen = false;
   CVelumGuard::Run(u"CVelumFrame.QueryUnload"_s, [&] {
     stillOpen = true;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/CVelumFrameHost.h"
+#include "shell/CVelumScriptBar.h"
 #include "shell/CVelumStackCommands.h"
 #include "toolkit/CVelumForm.h"
 
@@ -25,6 +26,8 @@ public:
   [[nodiscard]] CVelumStackCommands& Commands() { return iCommands; }
   // How the process ends when the window has been unloaded; QCoreApplication::exit unless told otherwise.
   void SetEndProcess(std::function<void()> aEnd) { iEndProcess = std::move(aEnd); }
+  // Where a running script shows; never null.
+  [[nodiscard]] CVelumScriptBar* ScriptBar() const { return iScriptBar; }
   // Sets what depends on the open stack: toolbar, commands menu, items of the menus.
   void UpdateToolbar();
 
@@ -66,6 +69,7 @@ private:
   QString iTitle; // the caption as designed
   CVelumStackCommands iCommands;
   std::function<void()> iEndProcess;
+  CVelumScriptBar* iScriptBar = nullptr;
 };
 
 // The main window; null before it is made.

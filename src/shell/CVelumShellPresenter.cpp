@@ -1,5 +1,6 @@
 #include "shell/CVelumShellPresenter.h"
 
+#include "shell/CVelumFrame.h"
 #include "shell/CVelumHelpForm.h"
 #include "shell/CVelumMsgForm.h"
 #include "toolkit/CVelumWinMan.h"
@@ -41,4 +42,8 @@ void CVelumShellPresenter::Tell(const QString& aText) {
 
 void CVelumShellPresenter::HelpPage(const QString& aPage) {
   CVelumHelpForm::ShowPage(aPage);
+}
+
+void CVelumShellPresenter::ScriptProgress(int aSteps) {
+  if (gFrame) gFrame->ScriptBar()->ShowProgress(aSteps);
 }

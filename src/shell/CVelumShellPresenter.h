@@ -9,4 +9,5 @@ public:
   bool Message(qint32 aMsg, EMsgClass aClass, const QString& aName, const QString& aText) override;
   void Tell(const QString& aText) override;
   void HelpPage(const QString& aPage) override;
+  void ScriptProgress(int aSteps) override;
 };

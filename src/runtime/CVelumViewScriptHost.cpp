@@ -1,0 +1,45 @@
+#include "runtime/CVelumViewScriptHost.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumSeams.h"
+#include "runtime/CVelumStackView.h"
+
+namespace {
+
+// A script cannot outlive the view: what closes the stack breaks it first. Host error 91 all the same.
+CVelumStackView& View() {
+  return CVelumChecked::Deref(gStackView);
+}
+
+} // namespace
+
+Ref<CVelumStack> CVelumViewScriptHost::Stack() {
+  return View().Stack();
+}
+
+Ref<CVelumCard> CVelumViewScriptHost::CurCard() {
+  return gStackView ? gStackView->CurCard() : nullptr;
+}
+
+void CVelumViewScriptHost::GoToCard(const Ref<CVelumCard>& aCard) {
+  View().GoToCard(aCard);
+}
+
+void CVelumViewScriptHost::GoToNextCard() {
+  Ref<CVelumCard> card;
+  static_cast<void>(View().OrderNext(card));
+}
+
+void CVelumViewScriptHost::SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId,
+                                        const TVelumValue& aVal) {
+  View().SetCardValue(aCard, aControlId, aVal);
+}
+
+void CVelumViewScriptHost::Answer(const QString& aText) {
+  CVelumSeams::Presenter().Tell(aText);
+}
+
+void CVelumViewScriptHost::ShowProgress(int aPercent) {
+  if (gStackView && gStackView->CardView()) gStackView->CardView()->ShowProgress(aPercent);
+  CVelumSeams::Presenter().ScriptProgress(aPercent);
+}
