@@ -270,6 +270,10 @@ void CVelumFrame::HideChild(QWidget* aForm) {
 }
 
 bool CVelumFrame::CloseStack() {
+  if (gInterpreter && gInterpreter->Running()) {
+    CVelumDialogLib::WhenNoScriptRuns([this] { static_cast<void>(CloseStack()); });
+    return false;
+  }
   bool stillOpen = false;
   CVelumDialogLib::CloseStackStep(stillOpen);
   return !stillOpen;
