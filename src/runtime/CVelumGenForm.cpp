@@ -2,8 +2,8 @@
 
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
-#include "runtime/CVelumViewScriptHost.h"
 #include "toolkit/CVelumBaseButton.h"
 #include "toolkit/CVelumBaseCheckBox.h"
 #include "toolkit/CVelumBaseColor.h"
@@ -200,7 +200,7 @@ void CVelumGenForm::OnClick(CVelumBaseControl& aBase, bool&) {
   }
   // A click on the progress display stops the running script; on a picture it will change its size.
   const bool progress = aBase.Name() == u"fProgress" || aBase.Name() == u"fProgressBox";
-  if (progress && gInterpreter) gInterpreter->Break();
+  if (progress && gScriptRunner) gScriptRunner->Break();
 }
 
 void CVelumGenForm::OnCheckClick(CVelumBaseControl& aBase, bool&) {

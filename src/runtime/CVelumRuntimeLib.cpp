@@ -8,7 +8,6 @@
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumStackView.h"
-#include "runtime/CVelumViewScriptHost.h"
 #include "toolkit/CVelumBaseMeasure.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
@@ -33,9 +32,6 @@ namespace CVelumLib {
 
 void InitRuntime() {
   CVelumWinMan::SetFactory(u"CVelumGenForm"_s, [] { return new CVelumGenForm; });
-  static CVelumViewScriptHost host;
-  gInterpreter = MakeRef<CVelumInterpreter>();
-  gInterpreter->SetHost(&host);
   CVelumFont font;
   font.SetDefaults();
   CVelumScreenMeasure::InstallMetrics(MakeToolkitFont(font, false));

@@ -5,6 +5,7 @@
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumScriptRunner.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
 
@@ -12,6 +13,7 @@
 #include <cmath>
 
 Ref<CVelumStackView> gStackView;
+CVelumScriptRunner* gScriptRunner = nullptr;
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
 #include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
-#include "runtime/CVelumViewScriptHost.h"
 #include "toolkit/CVelumToolkitLib.h"
 
 #include <QScopedValueRollback>
@@ -24,7 +24,7 @@ void ShowRunError(const TRunError& aError) {
 }
 
 bool ScriptRuns() {
-  return gInterpreter && gInterpreter->Running();
+  return gScriptRunner && gScriptRunner->Running();
 }
 
 } // namespace
@@ -227,14 +227,14 @@ void CVelumStackView::UpdateCardInList() {
 
 void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg) {
   const Ref<CVelumObject> obj = aObj ? aObj : Ref<CVelumObject>(iCurCard);
-  if (!obj || !gInterpreter) return;
+  if (!obj || !gScriptRunner) return;
   try {
     RunMessage(obj, aMsg);
   } catch (...) {
     CVelumError::CatchError(u"CVelumStackView.ExecScript"_s);
     const bool inScript = CVelumError::GetErrorCode() == EMsgRunError;
-    const TRunError error = gInterpreter->GetError();
-    gInterpreter->Reset();
+    const TRunError error = gScriptRunner->RunError();
+    gScriptRunner->Reset();
     if (inScript)
       ShowRunError(error);
     else
@@ -244,7 +244,7 @@ void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& a
 
 void CVelumStackView::RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg) {
   if (auto* control = dynamic_cast<CVelumControl*>(aObj.Get()))
-    gInterpreter->LocateAndExecScript(iCurCard, control, aMsg);
+    gScriptRunner->LocateAndExecScript(iCurCard, control, aMsg);
   else if (auto* card = dynamic_cast<CVelumCard*>(aObj.Get()))
-    gInterpreter->LocateAndExecScript(card, nullptr, aMsg);
+    gScriptRunner->LocateAndExecScript(card, nullptr, aMsg);
 }

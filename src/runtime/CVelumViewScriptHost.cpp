@@ -13,6 +13,22 @@ CVelumStackView& View() {
 
 } // namespace
 
+CVelumViewScriptHost::CVelumViewScriptHost() {
+  gInterpreter = MakeRef<CVelumInterpreter>();
+  gInterpreter->SetHost(this);
+  gScriptRunner = this;
+}
+
+CVelumViewScriptHost::~CVelumViewScriptHost() {
+  gScriptRunner = nullptr;
+  gInterpreter = nullptr;
+}
+
+void CVelumViewScriptHost::LocateAndExecScript(const Ref<CVelumCard>& aCard,
+                                               const Ref<CVelumControl>& aControl, const QString& aMsg) {
+  gInterpreter->LocateAndExecScript(aCard, aControl, aMsg);
+}
+
 Ref<CVelumStack> CVelumViewScriptHost::Stack() {
   return View().Stack();
 }

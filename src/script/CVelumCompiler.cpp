@@ -8,6 +8,8 @@
 
 using namespace CVelumError;
 
+Ref<CVelumCompiler> gCompiler;
+
 namespace {
 
 // Ids of the keywords: their place in the table below.

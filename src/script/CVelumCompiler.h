@@ -112,3 +112,6 @@ private:
   qint32 iCharPos = 0;
   int iDepth = 0;
 };
+
+// The one compiler of the program.
+extern Ref<CVelumCompiler> gCompiler;

@@ -5,6 +5,8 @@
 #include "model/CVelumStack.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
+#include "runtime/CVelumViewScriptHost.h"
+#include "script/CVelumCompiler.h"
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumShellPresenter.h"
@@ -20,6 +22,7 @@ namespace {
 struct TInstalled {
   CVelumToolkitPump iPump;
   CVelumShellPresenter iPresenter;
+  std::unique_ptr<CVelumViewScriptHost> iScripts;
   std::unique_ptr<CVelumFrame> iFrame;
 };
 
@@ -37,6 +40,8 @@ void InitLibraries() {
   CVelumOptions::LoadOptions();
   CVelumWinMan::InitWinMan();
   CVelumLib::InitRuntime();
+  gCompiler = MakeRef<CVelumCompiler>();
+  gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();
 }
 
 void ShowFrame() {
@@ -78,6 +83,7 @@ void CVelumMain::End() {
   if (gStackView) gStackView->Release();
   gStackView = nullptr;
   gStack = nullptr;
+  gCompiler = nullptr;
   CVelumSeams::SetChangeSink(nullptr);
   CVelumWinMan::SetFactory(u"CVelumFrame"_s, {});
   CVelumSeams::SetEventPump(nullptr);

@@ -60,7 +60,7 @@ QWidget* FakeFrame::ShowForm(const QString& aName) {
 }
 
 void FakeRunner::LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
-                                     const QString& aMsg, const Ref<CVelumObject>&) {
+                                     const QString& aMsg) {
   QString sent = aMsg + u' ' + (aCard ? aCard->Name() : u"-"_s);
   if (aControl) sent += u'.' + aControl->Name();
   iSent.append(sent);

@@ -57,7 +57,7 @@ public:
   FakeRunner() { gScriptRunner = this; }
   ~FakeRunner() override { gScriptRunner = nullptr; }
   void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
-                           const QString& aMsg, const Ref<CVelumObject>& aObj) override;
+                           const QString& aMsg) override;
   [[nodiscard]] bool Running() const override { return iRunning; }
   void Break() override { ++iBreaks; }
   void Reset() override { ++iResets; }

@@ -1,0 +1,26 @@
+// What the open stack's windows need of the interpreter.
+#pragma once
+
+#include "script/CVelumRunError.h"
+
+#include "model/CVelumCard.h"
+
+class CVelumScriptRunner {
+public:
+  virtual ~CVelumScriptRunner() = default;
+  // Looks for a handler of aMsg on the control (or nothing), the card, its background and the stack, and runs
+  // the first one.
+  virtual void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
+                                   const QString& aMsg) = 0;
+  // Whether a script runs.
+  [[nodiscard]] virtual bool Running() const = 0;
+  // Stops the running script; harmless when none runs.
+  virtual void Break() = 0;
+  // To be called when a script has failed.
+  virtual void Reset() = 0;
+  // What it failed with, when that was EMsgRunError.
+  [[nodiscard]] virtual TRunError RunError() const { return {}; }
+};
+
+// The installed runner; while it is null no handler is found and no script runs.
+extern CVelumScriptRunner* gScriptRunner;
