@@ -31,9 +31,19 @@ protected:
     iCardB = AddCard(u"b"_s);
     Open();
   }
+  // Does aWork in the first turn of events in which a script runs.
+  void WhenRunning(const std::function<void()>& aWork) {
+    iTimer.callOnTimeout(&Form(), [this, aWork] {
+      if (!gInterpreter->Running()) return;
+      iTimer.stop();
+      aWork();
+    });
+    iTimer.start(0);
+  }
   void Click() { QTest::mouseClick(Base(iButton).Widget(), Qt::LeftButton); }
 
   CVelumViewScriptHost iHost;
+  QTimer iTimer;
   Ref<CVelumControl> iNumber;
   Ref<CVelumControl> iButton;
   Ref<CVelumCard> iCardA;
@@ -88,10 +98,7 @@ TEST_F(CVelumViewScriptHostTest, AClickOnTheProgressStopsAnEndlessLoop) {
   CVelumToolkitPump pump;
   CVelumSeams::SetEventPump(&pump);
   OpenWithButton(u"On select\nRepeat While 1 = 1\nx = 1\nEnd Repeat\nEnd\n"_s);
-  QTimer::singleShot(0, &Form(), [this] {
-    EXPECT_TRUE(gInterpreter->Running());
-    QTest::mouseClick(Pool(u"fProgressBox"_s).Widget(), Qt::LeftButton);
-  });
+  WhenRunning([this] { QTest::mouseClick(Pool(u"fProgressBox"_s).Widget(), Qt::LeftButton); });
   Click();
   CVelumSeams::SetEventPump(nullptr);
   EXPECT_FALSE(gInterpreter->Running());
@@ -103,7 +110,7 @@ TEST_F(CVelumViewScriptHostTest, AnEventDuringAScriptRunsAsANestedHandler) {
   CVelumSeams::SetEventPump(&pump);
   OpenWithButton(
       u"On select\nPut Field \"N\" + 1 Into Field \"N\"\nRepeat While Field \"N\" < 2\nx = 1\nEnd Repeat\nEnd\n"_s);
-  QTimer::singleShot(0, &Form(), [this] { Click(); });
+  WhenRunning([this] { Click(); });
   Click();
   CVelumSeams::SetEventPump(nullptr);
   EXPECT_EQ(TextOf(iCardA, iNumber), u"2"_s);
@@ -115,7 +122,7 @@ TEST_F(CVelumViewScriptHostTest, AScriptSurvivesTheDeletionOfItsCard) {
   CVelumToolkitPump pump;
   CVelumSeams::SetEventPump(&pump);
   gInterpreter->SetPumpAlways(true);
-  QTimer::singleShot(0, &Form(), [this] { View().DeleteCard(iCardA, nullptr); });
+  WhenRunning([this] { View().DeleteCard(iCardA, nullptr); });
   Click();
   gInterpreter->SetPumpAlways(false);
   CVelumSeams::SetEventPump(nullptr);
