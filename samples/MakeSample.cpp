@@ -1,6 +1,7 @@
 // Makes the sample stack from the facts in the folder data.
 #include "SampleData.h"
 #include "SampleLayout.h"
+#include "SampleScripts.h"
 #include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
@@ -65,6 +66,11 @@ void AddRiver(CVelumStack& aStack, const TRiverLayout& aLayout, const TRiver& aR
   card->SetControlVal(aLayout.iNotes, TVelumValue::OfStr(aRiver.iNotes));
 }
 
+const QString EWorkshopText =
+    u"Three buttons with a script each, and a field that has one too.\r\n\r\n"
+    u"Count adds one to the field. Type a number above 99 there and leave the field, and it answers. Report "
+    u"walks over all countries and adds up their people. Surprise me goes to any card."_s;
+
 QString WelcomeText(qsizetype aCountries, qsizetype aMountains, qsizetype aRivers) {
   return u"Welcome.\r\n\r\n"
          u"This stack holds %1 countries, %2 mountains and %3 rivers: a card for each, and a background for "
@@ -72,8 +78,8 @@ QString WelcomeText(qsizetype aCountries, qsizetype aMountains, qsizetype aRiver
          u"Leaf with the buttons below, or look for anything you like: a capital, a name, a year. Which "
          u"country has a lake that turns pink? Which mountain was never climbed?\r\n\r\n"
          u"Every value can be changed. Give a mountain another height, and its card moves to its new place: "
-         u"mountains and rivers are kept sorted. Countries can be sorted by their sort keys."_s
-             .arg(aCountries)
+         u"mountains and rivers are kept sorted.\r\n\r\n"
+         u"In the workshop a few scripts show what a stack can do by itself."_s.arg(aCountries)
              .arg(aMountains)
              .arg(aRivers);
 }
@@ -103,6 +109,8 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   stack->SetFont(MakeRef<CVelumFont>(u"DejaVu Sans"_s, ENoShort, ENoInt));
 
   const TStartLayout start = SampleLayout::Start(*stack);
+  const TStartLayout workshop = SampleLayout::Workshop(*stack);
+  SampleScripts::AddTo(*stack, *workshop.iBackground);
   const TCountryLayout country = SampleLayout::Countries(*stack);
   const TMountainLayout mountain = SampleLayout::Mountains(*stack);
   const TRiverLayout river = SampleLayout::Rivers(*stack);
@@ -116,13 +124,15 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   const Ref<CVelumCard> first = AddCard(*stack, start.iBackground, u"Start"_s);
   first->SetControlVal(start.iText,
                        TVelumValue::OfStr(WelcomeText(countries.size(), mountains.size(), rivers.size())));
+  const Ref<CVelumCard> second = AddCard(*stack, workshop.iBackground, u"Workshop"_s);
+  second->SetControlVal(workshop.iText, TVelumValue::OfStr(EWorkshopText));
   for (const TCountry& each : countries) AddCountry(*stack, country, each);
   for (const TMountain& each : mountains) AddMountain(*stack, mountain, each);
   for (const TRiver& each : rivers) AddRiver(*stack, river, each);
 
   Ref<CVelumCard> card;
   qint32 index = 0;
-  SampleLayout::AddLeafing(*stack, *start.iBackground);
+  SampleLayout::AddLeafing(*stack, *start.iBackground, false);
   for (const auto& [name, set] : {std::pair{u"Countries"_s, country.iBackground},
                                   {u"Mountains"_s, mountain.iBackground},
                                   {u"Rivers"_s, river.iBackground}}) {
@@ -131,6 +141,8 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
     SampleLayout::AddLeafing(*stack, *set);
     SampleLayout::AddGoTo(*stack, *set, u"Start"_s, first->Id());
   }
+  SampleLayout::AddGoTo(*stack, *start.iBackground, u"Workshop"_s, second->Id());
+  SampleLayout::AddGoTo(*stack, *workshop.iBackground, u"Start"_s, first->Id());
   SetDays(*stack);
   return stack;
 }

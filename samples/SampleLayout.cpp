@@ -97,6 +97,15 @@ TStartLayout SampleLayout::Start(CVelumStack& aStack) {
   return {background, text->Id()};
 }
 
+TStartLayout SampleLayout::Workshop(CVelumStack& aStack) {
+  const Ref<CVelumControlSet> background =
+      NewBackground(aStack, u"Workshop"_s, u"What scripts can do."_s, Rgb(244, 240, 226));
+  const Ref<CVelumControl> text = AddNotes(aStack, *background, u"What is here"_s);
+  text->SetLabel(QString());
+  text->SetFlag(EConReadOnly, true);
+  return {background, text->Id()};
+}
+
 TCountryLayout SampleLayout::Countries(CVelumStack& aStack) {
   TCountryLayout layout;
   layout.iBackground =
@@ -157,7 +166,7 @@ void SampleLayout::AddGoTo(CVelumStack& aStack, CVelumControlSet& aBackground, c
   button->SetVisChar(ENoShort); // as wide as its caption
 }
 
-void SampleLayout::AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground) {
+void SampleLayout::AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground, bool aWithFirst) {
   const std::array<std::pair<QString, EStdCmd>, 7> buttons{{{u"First card"_s, EStdFirstCard},
                                                             {u"Previous card"_s, EStdPrevCard},
                                                             {u"Next card"_s, EStdNextCard},
@@ -166,6 +175,7 @@ void SampleLayout::AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground
                                                             {u"Forward"_s, EStdForwInHistory},
                                                             {u"List of cards"_s, EStdShowCardList}}};
   for (const auto& [name, cmd] : buttons) {
+    if (cmd == EStdFirstCard && !aWithFirst) continue;
     const Ref<CVelumControl> button = AddButton(aStack, aBackground, name, cmd);
     button->SetFlag(EConPictButton, true);
     button->SetVisChar(2);

@@ -30,14 +30,15 @@ namespace SampleLayout {
 [[nodiscard]] qint32 ContinentColor(const QString& aContinent);
 
 [[nodiscard]] TStartLayout Start(CVelumStack& aStack);
+[[nodiscard]] TStartLayout Workshop(CVelumStack& aStack);
 [[nodiscard]] TCountryLayout Countries(CVelumStack& aStack);
 [[nodiscard]] TMountainLayout Mountains(CVelumStack& aStack);
 [[nodiscard]] TRiverLayout Rivers(CVelumStack& aStack);
 
 // A button at the bottom of a background's cards that goes to a card.
 void AddGoTo(CVelumStack& aStack, CVelumControlSet& aBackground, const QString& aName, qint32 aCardId);
-// The row of leafing buttons at the bottom.
-void AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground);
+// The row of leafing buttons at the bottom; the stack's first card needs none that leads to it.
+void AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground, bool aWithFirst = true);
 // Orders the cards of a background by a field of Integer type, highest first, and keeps them so.
 void KeepSorted(CVelumStack& aStack, CVelumControlSet& aBackground, const QString& aName, qint32 aControlId);
 // A sort key for the user to sort by.
