@@ -109,11 +109,11 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   stack->SetFont(MakeRef<CVelumFont>(u"DejaVu Sans"_s, ENoShort, ENoInt));
 
   const TStartLayout start = SampleLayout::Start(*stack);
-  const TStartLayout workshop = SampleLayout::Workshop(*stack);
-  SampleScripts::AddTo(*stack, *workshop.iBackground);
   const TCountryLayout country = SampleLayout::Countries(*stack);
   const TMountainLayout mountain = SampleLayout::Mountains(*stack);
   const TRiverLayout river = SampleLayout::Rivers(*stack);
+  const TStartLayout workshop = SampleLayout::Workshop(*stack);
+  SampleScripts::AddTo(*stack, *workshop.iBackground);
   SampleLayout::KeepSorted(*stack, *mountain.iBackground, u"Height"_s, mountain.iHeight);
   SampleLayout::KeepSorted(*stack, *river.iBackground, u"Length"_s, river.iLength);
   SampleLayout::AddSortKey(*stack, *country.iBackground, u"Population"_s, country.iPeople, EWayDescending);

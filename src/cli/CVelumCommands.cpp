@@ -1,7 +1,7 @@
 #include "cli/CVelumCommands.h"
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
-  static const QList<const TVelumCommand*> all{&Info(),  &Check(),   &Convert(), &Search(),
+  static const QList<const TVelumCommand*> all{&Info(),  &Check(),   &Convert(),   &Search(),
                                                &Cards(), &Compile(), &RunMessage()};
   return all;
 }

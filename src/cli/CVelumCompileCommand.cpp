@@ -75,8 +75,9 @@ const TVelumCommand& CVelumCommands::Compile() {
   static const TVelumCommand command{
       u"compile"_s,
       {u"FILE"_s},
-      u"compile a script, and print a line per handler: its name and its code"_s,
-      u"The code is in hexadecimal. An error is told as FILE:LINE:COLUMN: EMsgName: text."_s,
+      u"compile a script and print a line per handler"_s,
+      u"A line has the name, a blank and the code in hexadecimal. An error is told as\n"
+      "FILE:LINE:COLUMN: EMsgName: text."_s,
       {{u"coding"_s, u"NAME"_s, u"latin1 (the default: the Windows code page) or utf8"_s}},
       true,
       Run,

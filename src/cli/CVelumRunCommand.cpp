@@ -70,7 +70,8 @@ const TVelumCommand& CVelumCommands::RunMessage() {
       u"run"_s,
       {u"STACK"_s, u"MESSAGE"_s},
       u"send a message, and print a line for every answer of its scripts"_s,
-      u"The handler is looked for in the field, the card, its background and the stack."_s,
+      u"The handler is looked for in the field, the card, its background and the\n"
+      "stack."_s,
       {{u"card"_s, u"NAME"_s, u"the card to send it to (the first one)"_s},
        {u"field"_s, u"NAME"_s, u"the field or button to send it to (none)"_s},
        {u"param"_s, u"TEXT"_s, u"the parameter of the message"_s},

@@ -41,7 +41,8 @@ void InitLibraries() {
   CVelumWinMan::InitWinMan();
   CVelumLib::InitRuntime();
   gCompiler = MakeRef<CVelumCompiler>();
-  gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();
+  // Whoever starts the program may have put another one in.
+  if (!gScriptRunner) gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();
 }
 
 void ShowFrame() {

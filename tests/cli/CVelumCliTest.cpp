@@ -13,7 +13,7 @@
 
 namespace {
 
-const QStringList ECommands{u"info"_s, u"check"_s, u"convert"_s, u"search"_s, u"cards"_s};
+const QStringList ECommands{u"info"_s, u"check"_s, u"convert"_s, u"search"_s, u"cards"_s, u"compile"_s, u"run"_s};
 
 QByteArray ReadText(const QString& aPath) {
   QFile file(QStringLiteral(ORVELLES_SOURCE) + aPath);
@@ -87,7 +87,7 @@ QByteArrayList Completions(const QStringList& aWords) {
 
 TEST(CVelumCli, TheShellCompletesCommandsOptionsAndValues) {
   const QString program = u"orvelles-cli"_s;
-  EXPECT_EQ(Completions({program, u"c"_s}), (QByteArrayList{"check", "convert", "cards"}));
+  EXPECT_EQ(Completions({program, u"c"_s}), (QByteArrayList{"check", "convert", "cards", "compile"}));
   EXPECT_EQ(Completions({program, u"cards"_s, u"--ba"_s}), QByteArrayList{"--background"});
   EXPECT_EQ(Completions({program, u"convert"_s, u"--format"_s, u"b"_s}), QByteArrayList{"binary"});
   EXPECT_EQ(Completions({program, u"info"_s, u"--js"_s}), QByteArrayList{"--json"});

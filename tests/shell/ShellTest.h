@@ -15,8 +15,7 @@ class NotingRunner final : public CVelumScriptRunner {
 public:
   NotingRunner() { gScriptRunner = this; }
   ~NotingRunner() override { gScriptRunner = nullptr; }
-  void LocateAndExecScript(const Ref<CVelumCard>&, const Ref<CVelumControl>&, const QString& aMsg,
-                           const Ref<CVelumObject>&) override {
+  void LocateAndExecScript(const Ref<CVelumCard>&, const Ref<CVelumControl>&, const QString& aMsg) override {
     iSent.append(aMsg);
     if (iOnMessage) iOnMessage(aMsg);
   }
