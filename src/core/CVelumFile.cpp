@@ -332,6 +332,16 @@ void CVelumFile::DropBuffer() {
   Device().Drop();
 }
 
+void CVelumFile::LockShared() {
+  CVelumOs::LockShared(Device().iFd);
+}
+
+bool CVelumFile::TryLockAlone() {
+  if (CVelumOs::TryLock(Device().iFd, iFilename)) return true;
+  LockShared();
+  return false;
+}
+
 void CVelumFile::SetWriteGuard(CVelumWriteGuard* aGuard) {
   Device().iGuard = aGuard;
 }

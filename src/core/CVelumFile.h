@@ -69,6 +69,11 @@ public:
   void Flush();
   // The same, and brings the file to the disk.
   void Sync();
+  // Takes the shared lock of the file (instead of the other, when held), if it can be had at once.
+  void LockShared();
+  // Takes the lock of the file for itself alone, instead of a shared one; false when somebody else, here or
+  // in another program, has the file locked. The shared lock is then held again.
+  [[nodiscard]] bool TryLockAlone();
   // aGuard (or null) is asked before bytes go to the file. The caller keeps it alive.
   void SetWriteGuard(CVelumWriteGuard* aGuard);
   // Forgets all that is buffered, also what was to be written. The position stays.

@@ -167,8 +167,9 @@ void Rename(const QString& aFrom, const QString& aTo) {
 }
 
 bool Link(const QString& aFrom, const QString& aTo) {
-  RaiseOnFault(EOsCall::Link, aTo);
-  if (::link(QFile::encodeName(aFrom).constData(), QFile::encodeName(aTo).constData()) == 0) return true;
+  errno = Fault(EOsCall::Link, aTo);
+  if (errno == 0 && ::link(QFile::encodeName(aFrom).constData(), QFile::encodeName(aTo).constData()) == 0)
+    return true;
   if (errno == EPERM || errno == EOPNOTSUPP || errno == EMLINK || errno == EACCES) return false;
   Raise(errno, aTo);
 }
@@ -189,7 +190,12 @@ bool TryLock(int aFd, const QString& aPath) {
   RaiseOnFault(EOsCall::Lock, aPath);
   if (Retry([&] { return ::flock(aFd, LOCK_EX | LOCK_NB); }) == 0) return true;
   if (errno == EWOULDBLOCK) return false;
+  if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS) return true;
   Raise(errno, aPath);
+}
+
+void LockShared(int aFd) {
+  static_cast<void>(Retry([&] { return ::flock(aFd, LOCK_SH | LOCK_NB); }));
 }
 
 void CopyMode(int aFd, const QString& aPath, const QString& aLike) {

@@ -61,8 +61,11 @@ void Rename(const QString& aFrom, const QString& aTo);
 void Unlink(const QString& aPath);
 // Unlink where a failure changes nothing.
 void RemoveQuietly(const QString& aPath);
-// Takes the lock of a file without waiting; false when another holder has it.
+// Takes the lock of a file without waiting; false when another holder has it. On file systems without locks
+// it is always had.
 [[nodiscard]] bool TryLock(int aFd, const QString& aPath);
+// Takes a shared lock without waiting, instead of the other if that is held; a failure is none.
+void LockShared(int aFd);
 // Gives the file the permissions and, as far as allowed, the owner of aLike.
 void CopyMode(int aFd, const QString& aPath, const QString& aLike);
 

@@ -66,6 +66,7 @@ void CVelumBlobStore::SetFile(const QString& aFilename) {
   if (iFile) return;
   auto file = MakeRef<CVelumFile>(aFilename, EFilReadWrite);
   file->OpenFile();
+  file->LockShared();
   iFile = file;
   NoteFileId();
 }
@@ -113,7 +114,7 @@ void CVelumBlobStore::AddBlob(const Ref<CVelumBlob>& aBlob) {
   elem.iIntKey = blob.Id();
   elem.iVal = TVelumValue::OfInt(ENoInt);
   iIndex->CreateIntKey(elem);
-  if (CVelumRecord::gRecorder) CVelumRecord::gRecorder->Added(*this, "Blob", blob, blob.Id());
+  if (CVelumRecord::gRecorder) CVelumRecord::gRecorder->Added(*this, "Blobs", blob, blob.Id());
   AddToCache(aBlob);
   iChanged = true;
 }
@@ -223,19 +224,21 @@ void CVelumBlobStore::DeletePlace(qint32 aPosIndex) {
 
 void CVelumBlobStore::DeleteBlob(qint32 aId) {
   qint32 originalId = ReadBlob(aId, true)->OriginalId();
-  qint32 at = iIndex->FindIntKey(aId);
-  qint32 posIndex = iIndex->ValRef(at).Int();
-  if (posIndex != ENoInt && Flag(EBstFileBased)) DeletePlace(posIndex);
-  if (Ref<CVelumBlob> blob = Cached(aId)) {
+  Ref<CVelumBlob> blob = Cached(aId);
+  if (blob) {
+    // Asked before anything is changed: on a no the tables must still agree.
     CVelumError::AssertObj(blob->RefCount() == 0, this, u"DeleteBlob"_s, u"refCount"_s);
     CVelumError::AssertObj(blob->DynRefCount() == 1, this, u"DeleteBlob"_s, u"dynRefCount"_s);
-    if (CVelumRecord::gRecorder) CVelumRecord::gRecorder->Removed(*this, "Blob", *blob, aId);
-    iCache->DeleteIntKey(aId);
-  } else if (CVelumRecord::gRecorder) {
-    CVelumRecord::gRecorder->Removed(*this, "Blob", CVelumBlob(aId), aId);
   }
+  qint32 posIndex = iIndex->ValRef(iIndex->FindIntKey(aId)).Int();
+  if (posIndex != ENoInt && Flag(EBstFileBased)) DeletePlace(posIndex);
+  if (blob) iCache->DeleteIntKey(aId);
   iIndex->DeleteIntKey(aId);
   iChanged = true;
+  if (CVelumRecord::gRecorder) {
+    Ref<CVelumBlob> gone = blob ? blob : MakeRef<CVelumBlob>(aId);
+    CVelumRecord::gRecorder->Removed(*this, "Blobs", *gone, aId);
+  }
   if (originalId != ENoInt) {
     Ref<CVelumBlob> original = ReadBlob(originalId, false);
     DecRefCount(original);
@@ -330,14 +333,25 @@ Ref<CVelumBlob> CVelumBlobStore::BlobToMove(qint32 aId, const TPlace& aPlace) {
   return blob ? blob : ReadFrom(OpenedFile(), aPlace.iPos, aId, false);
 }
 
+// The id of the blob that has a place; ENoInt when none has.
+qint32 CVelumBlobStore::IdOfPlace(qint32 aPosIndex) const {
+  for (qint32 i = 0; i < iIndex->Count(); ++i)
+    if (iIndex->ValRef(i).Int() == aPosIndex) return iIndex->IntKeyAt(i);
+  return ENoInt;
+}
+
 void CVelumBlobStore::MovePlacesBefore(qint32 aPos) {
   qint32 num = 0;
   while (num < iPosTab->Count() && PlaceAt(num).iPos < aPos) ++num;
   if (num == 0) return;
+  // The last of them may reach beyond aPos, where others will be written before its turn comes.
+  qint32 lastId = IdOfPlace(num - 1);
+  Ref<CVelumBlob> last = lastId == ENoInt ? nullptr : BlobToMove(lastId, PlaceAt(num - 1));
   for (qint32 i = 0; i < iIndex->Count(); ++i) {
     qint32 posIndex = iIndex->ValRef(i).Int();
     if (posIndex >= num) continue;
-    Ref<CVelumBlob> blob = BlobToMove(iIndex->IntKeyAt(i), PlaceAt(posIndex));
+    qint32 id = iIndex->IntKeyAt(i);
+    Ref<CVelumBlob> blob = id == lastId ? last : BlobToMove(id, PlaceAt(posIndex));
     qint32 newIndex = FindPlace(blob->ExtLen(), aPos, num);
     WriteAt(*blob, newIndex, OpenedFile());
     iIndex->SetValAt(i + 1, TVelumValue::OfInt(newIndex));

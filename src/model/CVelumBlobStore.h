@@ -26,7 +26,8 @@ public:
   [[nodiscard]] bool HasBlobsOnFile() const { return iPosTab->Count() > 0; }
   // The first position behind the blob area.
   [[nodiscard]] qint32 BehindPos() const;
-  // Opens aFilename for reading and writing when no file is open; otherwise nothing.
+  // Opens aFilename for reading and writing when no file is open; otherwise nothing. The open file bears a
+  // shared lock, so that nobody else saves into it.
   void SetFile(const QString& aFilename);
   void CloseFile();
   // The state of the open file when it was opened or noted last; empty when none is open.
@@ -99,7 +100,8 @@ private:
   [[nodiscard]] TPlace PlaceAt(qint32 aPosIndex) const;
   [[nodiscard]] Ref<CVelumBlob> Cached(qint32 aId) const;
   [[nodiscard]] Ref<CVelumBlob> ReadFrom(CVelumFile& aFile, qint32 aPos, qint32 aId, bool aInfoOnly);
-  // The blob of an element of iIndex that has a place, from the cache or past it.
+  [[nodiscard]] qint32 IdOfPlace(qint32 aPosIndex) const;
+  // The blob at a place, from the cache or past it.
   [[nodiscard]] Ref<CVelumBlob> BlobToMove(qint32 aId, const TPlace& aPlace);
   // First fit for aLen bytes at or behind aStartPos among the places from aIndex on; adds the place and
   // returns its index.

@@ -147,6 +147,10 @@ void CVelumStack::LinkNames() {
 }
 
 void CVelumStack::LinkKeys() {
+  for (qint32 i = 0; i < iSortKey->Count(); ++i) {
+    const CVelumSortKey* key = SortKeyAt(i);
+    CVelumError::ThrowBadStruct(key && key->Id() == iSortKey->IntKeyAt(i), this, EProc, u"sortKey"_s);
+  }
   for (qint32 i = 0; i < iKeyIndex->Count(); ++i) {
     const Ref<CVelumArray> index = KeyIndexAt(i);
     CVelumError::ThrowBadStruct(static_cast<bool>(index), this, EProc, u"keyIndex"_s);

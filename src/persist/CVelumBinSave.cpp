@@ -67,10 +67,12 @@ bool CVelumBinSave::OtherVersionIsThere() const {
   return there.Exists() && there != iStore.FileId();
 }
 
-// Only a file that is known, and that has blobs worth leaving where they are.
+// Only a file that is known, that has blobs worth leaving where they are, and that nobody else has open: the
+// tables of others would no longer tell where the blobs are.
 bool CVelumBinSave::CanWriteInPlace() const {
-  return iStack.Filename() == iFilename && iStore.FileId().Exists() &&
-         CVelumOs::IdOf(iPath) == iStore.FileId() && iStore.HasBlobsOnFile() && iStore.IsSound();
+  bool known =
+      iStack.Filename() == iFilename && iStore.FileId().Exists() && CVelumOs::IdOf(iPath) == iStore.FileId();
+  return known && iStore.HasBlobsOnFile() && iStore.IsSound() && iStore.File()->TryLockAlone();
 }
 
 void CVelumBinSave::WriteStackData(CVelumFile& aFile) {
@@ -110,11 +112,13 @@ void CVelumBinSave::WriteInPlace() {
   } catch (...) {
     file->DropBuffer();
     file->SetWriteGuard(nullptr);
+    file->LockShared();
     iWritten = journal.Finished();
     if (!iWritten) RollBack(journal);
     throw;
   }
   file->SetWriteGuard(nullptr);
+  file->LockShared();
   iWritten = true;
 }
 
@@ -130,6 +134,7 @@ void CVelumBinSave::WriteBeside() {
   CVelumNewFile target(iPath);
   auto file = MakeRef<CVelumFile>(target.Path(), EFilReadWrite);
   file->OpenFile();
+  file->LockShared();
   WriteStackData(*file);
   iStore.WriteAllTo(file, iBlobPos);
   WriteTable(*file);
