@@ -22,6 +22,8 @@ protected:
 
   // Loads aBytes. A clean error is fine; a stack must be one that can be read, saved and loaded again.
   void Try(const QByteArray& aBytes) {
+    // A new file each time: the system waits for the disk when an old one is cut and written again.
+    QFile::remove(iFolder.Path(u"t.Orvelle"_s));
     QString path = iFolder.Write(u"t.Orvelle"_s, aBytes);
     StackMaker doc;
     try {

@@ -142,11 +142,12 @@ TEST_F(CVelumJournalTest, EveryPrefixAndChangedByteOfAJournalIsSafe) {
   QByteArray spoilt = Doc();
   QByteArray whole = iFolder.Read(u"d-journal"_s);
   auto expectOldOrSpoilt = [&](const QByteArray& aJournal) {
-    QFile::resize(iPath, 0);
     QFile doc(iPath);
     ASSERT_TRUE(doc.open(QIODevice::ReadWrite)); // keeps the inode
     doc.write(spoilt);
+    doc.resize(spoilt.size());
     doc.close();
+    QFile::remove(iFolder.Path(u"d-journal"_s));
     iFolder.Write(u"d-journal"_s, aJournal);
     (void)CVelumJournal::Recover(iPath, NotWhole);
     EXPECT_EQ(Doc().size(), 300);
