@@ -77,8 +77,8 @@ void CVelumArray::ReadElems(CVelumFile& aFile, qint32 aCount) {
     ++iMax;
   }
   if (iMax != aCount)
-    CVelumError::ThrowBadStruct(false, this, u"CVelumArray.Internalize"_s,
-                                u"count="_s + QString::number(aCount));
+    CVelumLib::CheckRead(aFile, false, this, u"CVelumArray.Internalize"_s,
+                         u"count="_s + QString::number(aCount));
   ApplyShape();
 }
 

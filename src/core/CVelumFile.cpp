@@ -298,6 +298,7 @@ void CVelumFile::AssertLen(bool aCond, const QString& aProc, qint32 aLen) const 
 
 void CVelumFile::SeekPos(qint64 aPos) {
   AssertHandle(u"SeekPos"_s);
+  iPastEnd = false;
   Device().Seek(ToPos(aPos));
 }
 
@@ -366,6 +367,7 @@ void CVelumFile::ReadSlow(char* aTo, qint64 aLen) {
   AssertRead(u"ReadRawBytes"_s);
   qint64 len = Device().Read(aTo, aLen);
   std::memset(aTo + len, 0, static_cast<size_t>(aLen - len));
+  if (len < aLen) iPastEnd = true;
 }
 
 void CVelumFile::WriteSlow(const char* aFrom, qint64 aLen) {

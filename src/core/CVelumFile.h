@@ -61,6 +61,8 @@ public:
   void SeekPos(qint64 aPos);
   [[nodiscard]] qint64 CurrentPos();
   [[nodiscard]] qint64 Size();
+  // Whether zeros stood in for bytes that the file lacks, in any read since the last seek.
+  [[nodiscard]] bool PastEnd() const { return iPastEnd; }
   // Bytes between the present position and the end of the file, never negative.
   [[nodiscard]] qint64 BytesLeft();
   // The identity and state of the open file, with all that is buffered written.
@@ -160,6 +162,7 @@ private:
   qint32 iCoding = ECodLatin1;
   bool iFirstLine = false;
   bool iIsOpen = false;
+  bool iPastEnd = false;
   qint16 iFileNum = ENoShort;
   // Unread bytes, or free room, of the buffer of iDevice; at most one of the two is not empty.
   const char* iRead = nullptr;

@@ -89,4 +89,8 @@ void WriteBinObjStart(CVelumFile& aFile, int aTypeId, int aGen);
 // Reads and checks the frame; returns the generation.
 [[nodiscard]] int ReadBinObjStart(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen);
 
+// ThrowBadStruct, but not once the file has ended: then the next frame that is read tells what is missing.
+void CheckRead(const CVelumFile& aFile, bool aCond, const CVelumObject* aObj, const QString& aProc,
+               const QString& aDetail);
+
 } // namespace CVelumLib

@@ -34,4 +34,9 @@ int ReadBinObjStart(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen) {
   return gen;
 }
 
+void CheckRead(const CVelumFile& aFile, bool aCond, const CVelumObject* aObj, const QString& aProc,
+               const QString& aDetail) {
+  CVelumError::ThrowBadStruct(aCond || aFile.PastEnd(), aObj, aProc, aDetail);
+}
+
 } // namespace CVelumLib

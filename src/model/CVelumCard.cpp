@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumFile.h"
+#include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
@@ -159,8 +160,27 @@ void CVelumCard::Internalize(CVelumFile& aFile) {
   iModTime = NormalTime(aFile.ReadInt());
   iValue->Internalize(aFile);
   const bool keyedByInt = (iValue->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
-  CVelumError::ThrowBadStruct(keyedByInt, this, u"CVelumCard.Internalize"_s, u"value"_s);
+  CVelumLib::CheckRead(aFile, keyedByInt, this, u"CVelumCard.Internalize"_s, u"value"_s);
   iChanged = false;
+}
+
+// A file can hold the values in an order in which they would not be found. Of two values of a field the first
+// one stays. False if nothing was wrong.
+bool CVelumCard::SortValues() {
+  qint32 i = 1;
+  while (i < iValue->Count() && iValue->IntKeyAt(i - 1) < iValue->IntKeyAt(i)) ++i;
+  if (i >= iValue->Count()) return false;
+  const Ref<CVelumArray> sorted = NewValues();
+  for (i = 0; i < iValue->Count(); ++i) {
+    TVelumElem elem;
+    sorted->InitElem(elem);
+    elem.iIntKey = iValue->IntKeyAt(i);
+    elem.iVal = iValue->ValRef(i);
+    if (sorted->FindIntKey(elem.iIntKey) < 0 && elem.iVal.Type() != EValUndef) sorted->CreateIntKey(elem);
+  }
+  sorted->SetChanged(false);
+  iValue = sorted;
+  return true;
 }
 
 void CVelumCard::Externalize(CVelumFile& aFile) {

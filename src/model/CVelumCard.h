@@ -71,6 +71,7 @@ private:
   [[nodiscard]] bool StoreVal(qint32 aId, const TVelumValue& aVal);
   void CountBlob(const TVelumValue& aVal, bool aUp);
   void UpdateCardList(CVelumControl& aControl);
+  [[nodiscard]] bool SortValues();
   void TakeDefaultList(CVelumControl& aControl);
   void Touch();
 

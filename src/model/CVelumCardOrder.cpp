@@ -9,7 +9,6 @@
 
 namespace {
 constexpr int EBlockMax = 512;
-constexpr int EMaxHome = 50'000'000; // beyond every capacity that a file may have
 constexpr qint32 EGroup = 64;
 constexpr quint64 EAllBits = ~quint64(0);
 constexpr quint8 ENoBit = 64;
@@ -346,13 +345,13 @@ void CVelumCardOrder::Append(qint32 aId, qint32 aNum) {
 }
 
 void CVelumCardOrder::SetHome(qint32 aId, TBlock* aBlock) {
-  if (aId < 0 || aId >= EMaxHome) return;
+  if (aId < 0 || aId >= iIdBound) return;
   if (size_t(aId) >= iHome.size()) iHome.resize(std::max(size_t(aId) + 1, iHome.size() * 3 / 2));
   iHome[size_t(aId)] = aBlock;
 }
 
 void CVelumCardOrder::SetBit(qint32 aId, quint64 aBit) {
-  if (aId < 0 || aId >= EMaxHome) return;
+  if (aId < 0 || aId >= iIdBound) return;
   if (size_t(aId) >= iBitNo.size()) iBitNo.resize(std::max(size_t(aId) + 1, iBitNo.size() * 3 / 2), ENoBit);
   iBitNo[size_t(aId)] = static_cast<quint8>(std::countr_zero(aBit));
 }
@@ -378,8 +377,8 @@ void CVelumCardOrder::Internalize(CVelumFile& aFile) {
   auto array = MakeRef<CVelumArray>();
   array->Internalize(aFile);
   const bool keyedByInt = (array->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
-  CVelumError::ThrowBadStruct(keyedByInt && array->Type() == EValInt, &aFile,
-                              u"CVelumCardOrder.Internalize"_s, u"flags"_s);
+  CVelumLib::CheckRead(aFile, keyedByInt && array->Type() == EValInt, &aFile,
+                       u"CVelumCardOrder.Internalize"_s, u"flags"_s);
   Adopt(*array);
 }
 

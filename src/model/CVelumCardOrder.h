@@ -53,12 +53,18 @@ public:
   // The same as an array of keys and ids.
   [[nodiscard]] Ref<CVelumArray> ToArray() const;
 
+  // Ids from aBound on have no place in memory of their own: they are not found by PosOf. So a damaged id
+  // does not cost memory; to be lifted when the ids have been checked.
+  void SetIdBound(qint32 aBound) { iIdBound = aBound; }
+  void LiftIdBound() { iIdBound = EMaxId; }
+
   // Leaves all bits set.
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  static constexpr qint32 EMaxId = 50'000'000; // beyond every capacity that a file may have
   struct TBlock;
   struct TPlace {
     TBlock* iBlock;
@@ -93,6 +99,7 @@ private:
   mutable qint32 iMemoNo = 0;   // block of the last access and its first position
   mutable qint32 iMemoStart = 0;
   qint32 iCount = 0;
+  qint32 iIdBound = EMaxId;
   bool iChanged = true;
   // Members of the array on file that only travel along.
   qint32 iId = ENoInt;

@@ -317,7 +317,7 @@ void CVelumControl::InternalizeListCol(CVelumFile& aFile) {
   iListCol = MakeRef<CVelumArray>();
   iListCol->Internalize(aFile);
   const bool plain = (iListCol->Flags() & (EArrStrKey | EArrIntKey | EArrMixed)) == 0;
-  CVelumError::ThrowBadStruct(plain && iListCol->Type() == EValInt, this, EReadProc, u"ListCol"_s);
+  CVelumLib::CheckRead(aFile, plain && iListCol->Type() == EValInt, this, EReadProc, u"ListCol"_s);
 }
 
 void CVelumControl::Internalize(CVelumFile& aFile) {
@@ -325,7 +325,7 @@ void CVelumControl::Internalize(CVelumFile& aFile) {
   iDescr = aFile.ReadStr();
   iLabel = aFile.ReadStr();
   iConType = aFile.ReadShort();
-  CVelumError::ThrowBadStruct(IsConType(iConType), this, EReadProc, u"ConType"_s);
+  CVelumLib::CheckRead(aFile, IsConType(iConType), this, EReadProc, u"ConType"_s);
   iDefaultVal = aFile.ReadStr();
   iVisLines = aFile.ReadShort();
   iVisChar = aFile.ReadShort();

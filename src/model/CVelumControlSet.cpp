@@ -216,11 +216,16 @@ void CVelumControlSet::Internalize(CVelumFile& aFile) {
   iIdIndex->Internalize(aFile);
   iKeyIndexId = aFile.ReadInt();
   iKeyIndex = nullptr;
+  iLoadProblem.clear();
+  if (!aFile.PastEnd()) CheckLoaded();
+  iChanged = false;
+}
+
+void CVelumControlSet::CheckLoaded() {
   CheckSet();
   const bool agrees = IdIndexAgrees();
   if (DropEmptySlots() > 0 || !agrees) RebuildIdIndex();
-  iLoadProblem = agrees ? QString() : ObjDescr() + u": the index of the field ids was wrong"_s;
-  iChanged = false;
+  if (!agrees) iLoadProblem = ObjDescr() + u": the index of the field ids was wrong"_s;
 }
 
 void CVelumControlSet::Externalize(CVelumFile& aFile) {

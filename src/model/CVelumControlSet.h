@@ -65,6 +65,7 @@ public:
   [[nodiscard]] qint64 ExtLen() const override;
 
 private:
+  void CheckLoaded();
   void CheckSet() const;
   [[nodiscard]] qint32 DropEmptySlots();
   [[nodiscard]] bool IdIndexAgrees() const;

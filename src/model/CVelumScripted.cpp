@@ -111,7 +111,7 @@ int CVelumScripted::InternalizeCommon(CVelumFile& aFile, int aTypeId, int aMinGe
   if (aFile.ReadShort() != 0) {
     Ref<CVelumArray> script = MakeRef<CVelumArray>();
     script->Internalize(aFile);
-    CVelumError::ThrowBadStruct(IsScriptArray(*script), this, EReadProc, u"script"_s);
+    CVelumLib::CheckRead(aFile, IsScriptArray(*script), this, EReadProc, u"script"_s);
     Extras().iScript = std::move(script);
   }
   if (aFile.ReadBoolean()) {

@@ -166,6 +166,10 @@ private:
   [[nodiscard]] qint32 PlaceCard(const Ref<CVelumCard>& aCard);
   void AddName(const CVelumCard& aCard);
   void AddKey(CVelumCard& aCard, CVelumControlSet& aBackground);
+  void RemoveName(const CVelumCard& aCard);
+  [[nodiscard]] Ref<CVelumCard> FirstOfKept(const Ref<CVelumCard>& aCard) const;
+  [[nodiscard]] Ref<CVelumCard> KnownBefore(const Ref<CVelumCard>& aBeforeCard,
+                                            const CVelumCard& aCard) const;
   void InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard);
   [[nodiscard]] qint32 NumBefore(qint32 aPos);
   void RemoveCardOrder(const CVelumCard& aCard);

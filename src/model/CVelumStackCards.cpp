@@ -22,18 +22,19 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
   CVelumCard& card = CVelumChecked::Deref(aCard);
   CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card.BackgroundId()));
   if (card.Stack()) CVelumError::RaiseHost(EHostBadCall);
+  const bool byKey = background.Flag(ECseKeepCardsSorted) && iCard->Count() < iBulkStart;
+  Ref<CVelumCard> before;
+  // What can fail does so before anything is changed.
+  if (byKey)
+    static_cast<void>(CVelumChecked::Deref(background.KeyIndex().Get()));
+  else
+    before = KnownBefore(FirstOfKept(aBeforeCard), card);
   const bool dirty = card.Dirty();
   card.SetId(PlaceCard(aCard));
   card.SetStack(this);
   card.SetDirty(dirty);
-  Ref<CVelumCard> before = aBeforeCard;
-  const CVelumControlSet* beforeBackground = before ? FindBackground(before->BackgroundId()) : nullptr;
-  if (beforeBackground && beforeBackground->Flag(ECseKeepCardsSorted)) {
-    qint32 index = 0;
-    if (!GetFirstCardInBackground(beforeBackground->Id(), before, index)) before = nullptr;
-  }
   background.SetNumCards(background.NumCards() + 1);
-  if (background.Flag(ECseKeepCardsSorted) && !InBulk(card))
+  if (byKey)
     AddKey(card, background);
   else
     InsertCardOrder(aCard, before);
@@ -42,6 +43,16 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
   iChangeInfo.iCardListChanged = true;
   CVelumRecord::Added(*this, "Card", card, card.Id());
   if (aWithDefaults) card.InitAllVal();
+}
+
+// The first card of the background of aCard if that one is kept sorted: what is put before it must not part
+// its cards.
+Ref<CVelumCard> CVelumStack::FirstOfKept(const Ref<CVelumCard>& aCard) const {
+  const CVelumControlSet* background = aCard ? FindBackground(aCard->BackgroundId()) : nullptr;
+  if (!background || !background->Flag(ECseKeepCardsSorted)) return aCard;
+  Ref<CVelumCard> first;
+  qint32 index = 0;
+  return GetFirstCardInBackground(background->Id(), first, index) ? first : nullptr;
 }
 
 // Appends to iCard; the index is the card's id.
@@ -58,6 +69,21 @@ void CVelumStack::AddName(const CVelumCard& aCard) {
   elem.iStrKey = aCard.Name();
   elem.iVal = TVelumValue::OfInt(aCard.Id());
   iNameIndex->CreateStrKey(elem);
+}
+
+// The entry of the card itself. Of very many cards of one name any entry goes.
+void CVelumStack::RemoveName(const CVelumCard& aCard) {
+  constexpr qint32 most = 200;
+  TVelumElem elem;
+  qint32 next = 0;
+  if (iNameIndex->ReadByStrKey(aCard.Name(), elem, next)) {
+    for (qint32 i = qMax(next - most, 0); i < qMin(next + most, iNameIndex->Count()); ++i) {
+      if (iNameIndex->ValRef(i).Int() != aCard.Id() || iNameIndex->StrKeyAt(i) != aCard.Name()) continue;
+      iNameIndex->DeleteAt(i);
+      return;
+    }
+  }
+  iNameIndex->DeleteStrKey(aCard.Name());
 }
 
 void CVelumStack::AddKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
@@ -105,7 +131,7 @@ void CVelumStack::RenameCard(const Ref<CVelumCard>& aCard, const QString& aName)
   CVelumCard& card = CVelumChecked::Deref(aCard);
   CVelumError::Assert(card.Stack() == this, u"RenameCard stack"_s);
   if (card.Stack() != this) return;
-  if (!InBulk(card)) iNameIndex->DeleteStrKey(card.Name());
+  if (!InBulk(card)) RemoveName(card);
   card.SetName(aName);
   if (!InBulk(card)) AddName(card);
   Ref<CVelumControl> control;

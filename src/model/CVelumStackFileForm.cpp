@@ -1,13 +1,17 @@
 // The stack on file, and what is put right and connected after reading.
 #include "core/CVelumChecked.h"
 #include "core/CVelumFile.h"
+#include "core/CVelumLib.h"
 #include "model/CVelumStack.h"
+
+#include <limits>
 
 using CVelumModel::ObjAs;
 
 namespace {
 constexpr int ETypeId = 3;
 constexpr int EGen = 4;
+constexpr int EViewTypeId = 4;
 constexpr qsizetype EMaxProblems = 100;
 constexpr qint32 EKeyBits = EArrStrKey | EArrIntKey;
 const QString EProc = u"CVelumStack.Internalize"_s;
@@ -18,10 +22,18 @@ Ref<CVelumArray> ReadArray(CVelumFile& aFile) {
   return array;
 }
 
+// Whether integer keys stand in the order in which they are searched; other arrays see to it themselves.
+bool Ascending(const CVelumArray& aArray) {
+  const bool keyed = (aArray.Flags() & EArrIntKey) != 0;
+  for (qint32 i = 1; keyed && i < aArray.Count(); ++i)
+    if (aArray.IntKeyAt(i - 1) >= aArray.IntKeyAt(i)) return false;
+  return true;
+}
+
 // An array with the kind of key and the element type without which its lookups would mean nothing.
 void Require(const CVelumArray& aArray, qint32 aKeyBits, qint32 aType, const QString& aWhat) {
   const bool ok = (aArray.Flags() & EKeyBits) == aKeyBits && aArray.Type() == aType;
-  CVelumError::ThrowBadStruct(ok, &aArray, EProc, aWhat);
+  CVelumError::ThrowBadStruct(ok && Ascending(aArray), &aArray, EProc, aWhat);
 }
 } // namespace
 
@@ -51,10 +63,13 @@ void CVelumStack::Internalize(CVelumFile& aFile) {
 void CVelumStack::InternalizeArrays(CVelumFile& aFile) {
   iBackground = ReadArray(aFile);
   iCard = ReadArray(aFile);
+  iOrder.SetIdBound(iCard->Count());
   iOrder.Internalize(aFile);
   iNameIndex = ReadArray(aFile);
   iSortKey = ReadArray(aFile);
   iKeyIndex = ReadArray(aFile);
+  // In a file that ended before, the view's frame, which comes next, is the first thing that fails.
+  if (aFile.PastEnd()) static_cast<void>(CVelumLib::ReadBinObjStart(aFile, EViewTypeId, 0, 0));
   Require(*iBackground, EArrIntKey, EValControlSet, u"background"_s);
   Require(*iCard, 0, EValCard, u"card"_s);
   Require(*iNameIndex, EArrStrKey, EValInt, u"nameIndex"_s);
@@ -88,6 +103,7 @@ void CVelumStack::LinkCards() {
       background = FindBackground(card->BackgroundId());
     CVelumError::ThrowBadStruct(background, card, EProc, u"card background"_s);
     card->SetStack(this);
+    if (card->SortValues()) NoteProblem(u"The values of card %1 were out of order"_s.arg(i));
     if (card->iId == i) continue;
     NoteProblem(u"Card %1 bears the id %2"_s.arg(i).arg(card->iId));
     card->iId = i;
@@ -98,6 +114,7 @@ void CVelumStack::LinkCards() {
 void CVelumStack::LinkOrder() {
   std::vector<bool> seen(size_t(iCard->Count()), false);
   iOrder.ClearBits();
+  qint32 lastNum = std::numeric_limits<qint32>::min();
   for (qint32 pos = 0; pos < iOrder.Count();) {
     const qint32 id = iOrder.IdAt(pos);
     CVelumCard* card = FindCard(id);
@@ -109,9 +126,12 @@ void CVelumStack::LinkOrder() {
       continue;
     }
     seen[size_t(id)] = true;
-    LinkOrderSlot(*card, iOrder.NumAt(pos));
-    ++pos;
+    const qint32 num = iOrder.NumAt(pos++);
+    if (num <= lastNum) NoteProblem(u"The order number %1 of card %2 does not ascend"_s.arg(num).arg(id));
+    lastNum = num;
+    LinkOrderSlot(*card, num);
   }
+  iOrder.LiftIdBound();
   for (qint32 id = 0; id < iCard->Count(); ++id) {
     CVelumCard* card = seen[size_t(id)] ? nullptr : FindCard(id);
     if (!card) continue;

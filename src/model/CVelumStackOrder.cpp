@@ -136,6 +136,15 @@ void CVelumStack::InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelum
   CVelumRecord::Added(*this, "OrderIndex", *aCard, num);
 }
 
+// aBeforeCard if aCard can be put before it, else nothing. Asked before a card leaves its place, so that it
+// is never without one.
+Ref<CVelumCard> CVelumStack::KnownBefore(const Ref<CVelumCard>& aBeforeCard, const CVelumCard& aCard) const {
+  if (!aBeforeCard) return nullptr;
+  const bool known = iOrder.PosOf(aBeforeCard->Id()) >= 0 && aBeforeCard.Get() != &aCard;
+  CVelumError::Assert(known, u"AddCard aBeforeCard OrderNum found"_s);
+  return known ? aBeforeCard : nullptr;
+}
+
 // The number of a card that is to stand before the position; renumbers when there is no room.
 qint32 CVelumStack::NumBefore(qint32 aPos) {
   for (int pass = 0;; ++pass) {
@@ -164,8 +173,9 @@ void CVelumStack::RemoveCardOrder(const CVelumCard& aCard) {
 }
 
 void CVelumStack::MoveCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard) {
-  RemoveCardOrder(CVelumChecked::Deref(aCard));
-  InsertCardOrder(aCard, aBeforeCard);
+  const Ref<CVelumCard> before = KnownBefore(aBeforeCard, CVelumChecked::Deref(aCard));
+  RemoveCardOrder(*aCard);
+  InsertCardOrder(aCard, before);
   iChangeInfo.iCardListChanged = true;
 }
 

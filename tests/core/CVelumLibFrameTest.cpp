@@ -54,4 +54,27 @@ TEST_F(CVelumLibFrameTest, WrongGeneration) {
   EXPECT_EQ(gLastError.iProc, u"CVelumLib.ReadBinObjStart"_s);
 }
 
+TEST_F(CVelumLibFrameTest, ChecksAreLeftToTheNextFrameOnceTheFileEnded) {
+  CVelumFile file(iFolder.Write(u"f"_s, QByteArray(6, 'x')), EFilRead);
+  file.OpenFile();
+  const auto check = [&file](bool aCond) {
+    CVelumLib::CheckRead(file, aCond, &file, u"Proc"_s, u"detail"_s);
+  };
+  static_cast<void>(file.ReadInt());
+  EXPECT_FALSE(file.PastEnd());
+  EXPECT_NO_THROW(check(true));
+  EXPECT_THROW(check(false), CVelumException);
+  EXPECT_EQ(gLastError.iMsgId, EMsgBadStruct);
+  EXPECT_EQ(gLastError.iP1, u"Proc: detail"_s);
+  static_cast<void>(file.ReadShort());
+  EXPECT_FALSE(file.PastEnd()) << "the last byte was there";
+  static_cast<void>(file.ReadShort());
+  EXPECT_TRUE(file.PastEnd());
+  EXPECT_NO_THROW(check(false));
+  file.SeekPos(4);
+  EXPECT_FALSE(file.PastEnd());
+  static_cast<void>(file.ReadInt());
+  EXPECT_TRUE(file.PastEnd()) << "half of it was missing";
+}
+
 } // namespace

@@ -243,4 +243,17 @@ TEST(CVelumCardOrder, SurvivesAnyId) {
   EXPECT_EQ(order.PosOf(7), -1);
 }
 
+TEST(CVelumCardOrder, IdsBeyondTheBoundHaveNoPlace) {
+  CVelumCardOrder order;
+  order.SetIdBound(10);
+  order.InsertAt(0, 9, 100, 1);
+  order.InsertAt(1, 40'000'000, 200, 1);
+  EXPECT_EQ(order.PosOf(9), 0);
+  EXPECT_EQ(order.PosOf(40'000'000), -1);
+  EXPECT_EQ(order.IdAt(1), 40'000'000);
+  order.LiftIdBound();
+  order.InsertAt(2, 11, 300, 1);
+  EXPECT_EQ(order.PosOf(11), 2);
+}
+
 } // namespace

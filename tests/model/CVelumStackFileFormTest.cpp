@@ -272,4 +272,62 @@ TEST(CVelumStackFileForm, EveryPrefixIsSafe) {
   EXPECT_TRUE(damaged.Try(bytes));
 }
 
+// What is missing shows in the first frame that is not there, whatever is wrong with what was read as zeros.
+TEST(CVelumStackFileForm, APrefixFailsAtAFrame) {
+  TFileBed bed;
+  const Ref<CVelumArray> script = MakeRef<CVelumArray>(EArrStrKey, EValStr);
+  TVelumElem elem;
+  script->InitElem(elem);
+  elem.iStrKey = u"openCard"_s;
+  elem.iVal = TVelumValue::OfStr(u"0A"_s);
+  script->CreateStrKey(elem);
+  bed.iTown->SetScript(script);
+  const QByteArray bytes = Stored(*bed.iStack);
+  for (qsizetype len = 0; len < bytes.size(); ++len) {
+    const qint32 number = Raised([&] { static_cast<void>(LoadStack(bytes.left(len))); });
+    const bool generation = number == 1001 && gLastError.iP1 == u"got= 0"_s;
+    const bool frame = number == 1006 && gLastError.iP1.startsWith(u"CVelumLib.ReadBinObjStart: typeId"_s);
+    EXPECT_TRUE(generation || frame) << len << ": " << number << ' ' << gLastError.iP1.toStdString();
+  }
+}
+
+TEST(CVelumStackFileForm, ValuesOutOfOrderAreSorted) {
+  const TFileBed bed;
+  const Ref<CVelumCard> card = bed.AddCard(bed.iFirst, u"both"_s);
+  card->SetControlVal(bed.iSize->Id(), TVelumValue::OfInt(5));
+  card->SetControlVal(bed.iNote->Id(), TVelumValue::OfStr(u"noted"_s));
+  const QByteArray size = Bytes().Int(bed.iSize->Id()).Short(EValInt).Int(5);
+  const QByteArray note = Bytes().Int(bed.iNote->Id()).Short(EValStr).Str(u"noted"_s);
+  const Ref<CVelumStack> read = LoadStack(Replaced(Stored(*bed.iStack), size + note, note + size));
+  EXPECT_EQ(read->LoadProblems(),
+            QStringList({u"The values of card %1 were out of order"_s.arg(card->Id())}));
+  const Ref<CVelumCard> again = read->GetCardById(card->Id());
+  EXPECT_EQ(again->GetControlVal(bed.iSize->Id(), false).Int(), 5);
+  EXPECT_EQ(again->GetControlVal(bed.iNote->Id(), false).Str(), u"noted"_s);
+  EXPECT_FALSE(read->Changed());
+
+  const QByteArray twice = Bytes().Int(bed.iSize->Id()).Short(EValStr).Str(u"noted"_s);
+  const Ref<CVelumStack> first = LoadStack(Replaced(Stored(*bed.iStack), note, twice));
+  EXPECT_EQ(first->GetCardById(card->Id())->GetControlVal(bed.iSize->Id(), false).Int(), 5);
+  EXPECT_EQ(first->GetCardById(card->Id())->Value().Count(), 1);
+}
+
+TEST(CVelumStackFileForm, OrderNumbersThatDoNotAscendAreNoted) {
+  const TFileBed bed;
+  const qint32 num = bed.iList->OrderNum();
+  const QByteArray elem = OrderElem(num, bed.iList->Id());
+  const Ref<CVelumStack> read = LoadStack(Replaced(Stored(*bed.iStack), elem, OrderElem(1, bed.iList->Id())));
+  EXPECT_EQ(read->LoadProblems().size(), 2);
+  EXPECT_EQ(read->LoadProblems().value(0),
+            u"The order number 1 of card %1 does not ascend"_s.arg(bed.iList->Id()));
+}
+
+TEST(CVelumStackFileForm, BackgroundsOutOfOrderFailCleanly) {
+  const TFileBed bed;
+  const QByteArray bytes = Stored(*bed.iStack);
+  const QByteArray second = Bytes().Int(bed.iSecond->Id()).Short(EValControlSet).Short(1);
+  const QByteArray other = Bytes().Int(-1).Short(EValControlSet).Short(1);
+  EXPECT_EQ(Raised([&] { static_cast<void>(LoadStack(Replaced(bytes, second, other))); }), 1006);
+}
+
 } // namespace

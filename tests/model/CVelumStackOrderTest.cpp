@@ -151,7 +151,17 @@ TEST(CVelumStackOrder, BeforeACardThatIsNotThereAsserts) {
   const Ref<CVelumCard> a = bed.AddCard(bed.iFirst, u"a"_s);
   const Ref<CVelumCard> gone = bed.AddCard(bed.iFirst, u"b"_s);
   bed.iStack->DeleteCard(gone);
-  EXPECT_EQ(AssertText([&] { bed.iStack->MoveCard(a, gone); }), u"AddCard aBeforeCard OrderNum found"_s);
+  const QString text = u"AddCard aBeforeCard OrderNum found"_s;
+  EXPECT_EQ(AssertText([&] { bed.iStack->MoveCard(a, gone); }), text);
+  EXPECT_EQ(AssertText([&] { bed.iStack->MoveCard(a, a); }), text);
+  qint32 num = 0;
+  EXPECT_EQ(bed.iStack->GetCardIndex(*a, num), 0) << "the card keeps its place";
+  const auto late = MakeRef<CVelumCard>(u"late"_s, bed.iFirst);
+  EXPECT_EQ(AssertText([&] { bed.iStack->AddCard(late, gone, false); }), text);
+  EXPECT_EQ(bed.iStack->Cards().Count(), 1);
+  EXPECT_EQ(late->Stack(), nullptr);
+  EXPECT_EQ(RaisedOverruled([&] { bed.iStack->AddCard(late, gone, false); }), -1);
+  EXPECT_EQ(bed.iStack->GetCardIndex(*late, num), 1);
 }
 
 TEST(CVelumStackOrder, WalksStepByStep) {

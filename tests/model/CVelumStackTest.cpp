@@ -187,6 +187,21 @@ TEST(CVelumStack, RenameCardMovesTheName) {
   EXPECT_EQ(AssertText([&] { bed.iStack->RenameCard(loose, u"y"_s); }), u"RenameCard stack"_s);
 }
 
+TEST(CVelumStack, RenameCardMovesTheEntryOfThatCard) {
+  TSampleStack bed;
+  QList<Ref<CVelumCard>> cards;
+  for (int i = 0; i < 5; ++i) cards.append(bed.AddCard(bed.iFirst, u"Ann"_s));
+  for (int i = 0; i < 4; ++i) {
+    bed.iStack->RenameCard(cards[i], u"Bob %1"_s.arg(i));
+    Ref<CVelumCard> found;
+    ASSERT_TRUE(bed.iStack->GetCard(u"Ann"_s, found));
+    EXPECT_EQ(found->Name(), u"Ann"_s);
+    ASSERT_TRUE(bed.iStack->GetCard(u"Bob %1"_s.arg(i), found));
+    EXPECT_EQ(found, cards[i]);
+  }
+  EXPECT_EQ(bed.iStack->NameIndex().Count(), 5);
+}
+
 TEST(CVelumStack, RenameCardWritesTheNameField) {
   TSampleStack bed;
   bed.iNote->SetFlag(EConCardName, true);
