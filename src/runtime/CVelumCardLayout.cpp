@@ -136,6 +136,7 @@ void CVelumCardLayout::PlaceHeader(CVelumCard& aCard) {
   auto& label = Next<CVelumBaseLabel>(EBaseLabel);
   iCardNameLabel = &label;
   label.SetText(u"Card Name"_s);
+  label.SetNudge(0);
   const float height = Metrics(label, aCard, nullptr).iLineHeight;
   label.SetPlace(iLabelGap[0], iNextY[0]);
   label.SetSize(iForm->OuterWidth(), height);
@@ -201,6 +202,8 @@ void CVelumCardLayout::PlaceLabel(TPlace& aPlace) {
   label.SetSize(metrics.iCharWidth, metrics.iLineHeight);
   label.SetPlace(std::max(iValueLeft - metrics.iCharWidth - iLabelGap[aPlace.iDir], iGap),
                  iNextY[aPlace.iDir] + aPlace.iSign * metrics.iLineHeight + 2);
+  // To the eye it stands on the line of the value's text, which is padded by half as much on each side.
+  label.SetNudge(iDir * CVelumSeams::Metrics().iLabelWidth / 2);
   label.SetBackColor(iForm->BackColor());
   aPlace.iControl.SetBaseLabel(&label);
 }

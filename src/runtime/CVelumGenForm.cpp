@@ -19,6 +19,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
@@ -145,9 +146,7 @@ float CVelumGenForm::OuterWidth() {
 void CVelumGenForm::SetBackColor(qint32 aColor) {
   if (aColor == iBackColor) return;
   iBackColor = aColor;
-  QPalette palette;
-  if (aColor != ENoInt) palette.setColor(QPalette::Window, CVelumBaseColor::ToColor(aColor));
-  setPalette(palette);
+  setPalette(CVelumBaseColor::CardPalette(aColor, QGuiApplication::palette()));
 }
 
 void CVelumGenForm::SetCaption(const QString& aCaption) {

@@ -6,6 +6,7 @@ CVelumBaseCheckBox::CVelumBaseCheckBox(const QString& aName, QWidget* aParent, C
     : CVelumBaseControl(EBaseCheckBox, aName, new QCheckBox(aParent), aSink),
       iBox(static_cast<QCheckBox*>(Widget())) {
   iBox->setAutoFillBackground(true);
+  iBox->setBackgroundRole(QPalette::Window);
   connect(iBox, &QCheckBox::stateChanged, this, [this] { Notify(EBaseClick); });
 }
 

@@ -5,7 +5,11 @@
 
 namespace {
 
+// Of an adapted text, and below which black is given up for white.
+constexpr double EGoodContrast = 4.5;
 constexpr double EMinContrast = 3.0;
+// The plain grey that Qt's styles are drawn for.
+const QColor gLightButton(239, 239, 239);
 
 double Linear(double aChannel) {
   return aChannel <= 0.04045 ? aChannel / 12.92 : std::pow((aChannel + 0.055) / 1.055, 2.4);
@@ -24,7 +28,7 @@ QColor Readable(const QColor& aColor, const QColor& aBack) {
           ? QColor(Qt::white)
           : QColor(Qt::black);
   QColor result = aColor;
-  for (int step = 1; step <= 10 && CVelumBaseColor::Contrast(result, aBack) < EMinContrast; ++step) {
+  for (int step = 1; step <= 10 && CVelumBaseColor::Contrast(result, aBack) < EGoodContrast; ++step) {
     auto mix = [step](int aFrom, int aTo) { return aFrom + (aTo - aFrom) * step / 10; };
     result = QColor(mix(aColor.red(), with.red()), mix(aColor.green(), with.green()),
                     mix(aColor.blue(), with.blue()));
@@ -60,6 +64,18 @@ TVelumColors Resolve(qint32 aFore, qint32 aBack, const QColor& aPalBack) {
   const QColor back = ToColor(aBack);
   if (foreSet) return {ToColor(aFore), back};
   return {Contrast(Qt::black, back) >= EMinContrast ? QColor(Qt::black) : QColor(Qt::white), back};
+}
+
+QPalette CardPalette(qint32 aBack, const QPalette& aDesktop) {
+  if (aBack == ENoInt) return {};
+  const bool dark = Luminance(aDesktop.color(QPalette::Base)) < Luminance(aDesktop.color(QPalette::Text));
+  QPalette palette = dark ? QPalette(gLightButton) : QPalette();
+  const QColor back = ToColor(aBack);
+  palette.setColor(QPalette::Window, back);
+  const QColor text = Contrast(Qt::black, back) >= EMinContrast ? Qt::black : Qt::white;
+  for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
+    palette.setColor(group, QPalette::WindowText, text);
+  return palette;
 }
 
 } // namespace CVelumBaseColor

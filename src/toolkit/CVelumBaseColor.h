@@ -4,6 +4,7 @@
 #include "core/CVelumConst.h"
 
 #include <QColor>
+#include <QPalette>
 
 // A colour pair to paint with. An invalid colour: the palette's own is right.
 struct TVelumColors {
@@ -24,5 +25,10 @@ namespace CVelumBaseColor {
 // gets only as much lighter or darker as it must to be read; an unset text on a stated background is black,
 // or white where black could not be read.
 [[nodiscard]] TVelumColors Resolve(qint32 aFore, qint32 aBack, const QColor& aPalBack);
+
+// The palette of a form with the background aBack (0xBBGGRR) on a desktop with the palette aDesktop. With
+// ENoInt it is the desktop's. A stated background is the paper of a card: on it everything that states no
+// colour is as on a light desktop, boxes white and their text black, also when the desktop is dark.
+[[nodiscard]] QPalette CardPalette(qint32 aBack, const QPalette& aDesktop);
 
 } // namespace CVelumBaseColor

@@ -78,9 +78,15 @@ void CVelumBaseControl::SetSize(float aWidth, float aHeight) {
   ApplyPlace();
 }
 
+void CVelumBaseControl::SetNudge(float aTwips) {
+  iNudge = aTwips;
+  ApplyPlace();
+}
+
 void CVelumBaseControl::ApplyPlace() {
-  const QPoint from(CVelumTwips::ToPixel(iLeft), CVelumTwips::ToPixel(iTop));
-  const QPoint to(CVelumTwips::ToPixel(iLeft + iWidth), CVelumTwips::ToPixel(iTop + iHeight));
+  const float top = iTop + iNudge;
+  const QPoint from(CVelumTwips::ToPixel(iLeft), CVelumTwips::ToPixel(top));
+  const QPoint to(CVelumTwips::ToPixel(iLeft + iWidth), CVelumTwips::ToPixel(top + iHeight));
   iWidget->setGeometry(from.x(), from.y(), std::max(0, to.x() - from.x()), std::max(0, to.y() - from.y()));
 }
 

@@ -77,6 +77,8 @@ public:
   [[nodiscard]] float Height() const { return iHeight; }
   void SetPlace(float aLeft, float aTop);
   void SetSize(float aWidth, float aHeight);
+  // Draws the control so much lower than its place says, as a label beside a field whose text has a padding.
+  void SetNudge(float aTwips);
   void SetTop(float aTop) { SetPlace(iLeft, aTop); }
   void SetHeight(float aHeight) { SetSize(iWidth, aHeight); }
   // Whether it is to be seen as far as it goes itself.
@@ -138,6 +140,7 @@ private:
   float iTop = 0;
   float iWidth = 0;
   float iHeight = 0;
+  float iNudge = 0;
   qint32 iForeColor = ENoInt;
   qint32 iBackColor = ENoInt;
   QString iTag;

@@ -73,6 +73,15 @@ TEST_F(CVelumBaseControlTest, EdgesAreRoundedEachByItselfSoThatNeighboursNeither
   EXPECT_EQ(first.Height(), 217.3F) << "the exact size is kept";
 }
 
+TEST_F(CVelumBaseControlTest, ANudgeIsSeenButNotTold) {
+  CVelumBaseLabel label(u"fLabel"_s, &iForm);
+  label.SetPlace(0, 150);
+  label.SetSize(300, 150);
+  label.SetNudge(60);
+  EXPECT_EQ(label.Widget()->geometry(), QRect(0, 14, 20, 10));
+  EXPECT_EQ(label.Top(), 150);
+}
+
 TEST_F(CVelumBaseControlTest, PlacesBeyondAnyScreenAreHeld) {
   CVelumBaseLabel label(u"fLabel"_s, &iForm);
   label.SetPlace(1.0e30F, -1.0e30F);
@@ -370,7 +379,7 @@ TEST(CVelumBaseColorTest, ContrastIsOneToTwentyOne) {
 TEST(CVelumBaseColorTest, TextOnTheDesktopsBackgroundCanBeRead) {
   const QColor dark(30, 30, 30);
   const TVelumColors navy = CVelumBaseColor::Resolve(0x800000, ENoInt, dark);
-  EXPECT_GE(CVelumBaseColor::Contrast(navy.iText, dark), 3.0);
+  EXPECT_GE(CVelumBaseColor::Contrast(navy.iText, dark), 4.5);
   EXPECT_GT(navy.iText.blue(), navy.iText.red()) << "it stays blue";
   EXPECT_EQ(CVelumBaseColor::Resolve(0x800000, ENoInt, Qt::white).iText, QColor(0, 0, 128));
 }
@@ -379,6 +388,19 @@ TEST(CVelumBaseColorTest, TextOnAStatedBackgroundIsBlackUnlessThatCannotBeRead) 
   EXPECT_EQ(CVelumBaseColor::Resolve(0, 0x00FFFF, Qt::black).iText, QColor(Qt::black));
   EXPECT_EQ(CVelumBaseColor::Resolve(0, 0x400000, Qt::black).iText, QColor(Qt::white));
   EXPECT_EQ(CVelumBaseColor::Resolve(0x010101, 0x020202, Qt::white).iText, QColor(1, 1, 1));
+}
+
+TEST(CVelumBaseColorTest, AStatedCardIsLightPaperOnADarkDesktopToo) {
+  QPalette dark(QColor(50, 50, 50), QColor(45, 45, 45));
+  dark.setColor(QPalette::Base, QColor(20, 20, 20));
+  dark.setColor(QPalette::Text, Qt::white);
+  const QPalette card = CVelumBaseColor::CardPalette(0xC0FFFF, dark);
+  EXPECT_EQ(card.color(QPalette::Window), QColor(255, 255, 192));
+  EXPECT_EQ(card.color(QPalette::Base), QColor(Qt::white));
+  EXPECT_EQ(card.color(QPalette::Text), QColor(Qt::black));
+  EXPECT_EQ(card.color(QPalette::WindowText), QColor(Qt::black));
+  EXPECT_EQ(CVelumBaseColor::CardPalette(0x400000, dark).color(QPalette::WindowText), QColor(Qt::white));
+  EXPECT_EQ(CVelumBaseColor::CardPalette(ENoInt, dark).resolveMask(), QPalette().resolveMask());
 }
 
 TEST(CVelumBaseMeasureTest, MeanWidthIsThatOfTheSampleOfSeventyTwo) {
