@@ -356,6 +356,7 @@ void CVelumCardLayout::PlaceButton(TPlace& aPlace) {
 void CVelumCardLayout::SetButtonFace(CVelumBaseButton& aButton, const CVelumControl& aControl) {
   // The caption is measured in the font measured last, so it is shown in that font.
   aButton.SetFont(iMeasure.Font());
+  aButton.Widget()->setAccessibleName(aControl.Label());
   if (!aControl.Flag(EConPictButton) || !aControl.Flag(EConStdCmd)) {
     aButton.SetText(aControl.Label());
     aButton.SetPicture({}, {});

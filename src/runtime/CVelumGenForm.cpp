@@ -219,6 +219,8 @@ void CVelumGenForm::OnPaste(CVelumBaseControl& aBase, bool&) {
 }
 
 void CVelumGenForm::OnValidate(CVelumBaseControl& aBase, bool& ioCancel) {
+  // A menu opens over a field that keeps the focus: only what was typed is to be taken then.
+  if (aBase.HasFocus() && !gStackView->CurObjChanged()) return;
   // Anything that was typed elsewhere meanwhile is taken by the same rule.
   if (gStackView->CurObj() == &aBase)
     gStackView->BaseObjValidate(&aBase, ioCancel);

@@ -32,6 +32,8 @@ public:
   [[nodiscard]] CVelumCardView* CardView() const { return iCardView.get(); }
   [[nodiscard]] Ref<CVelumCard> CurCard() const { return iCurCard; }
   [[nodiscard]] CVelumBaseControl* CurObj() const { return iCurObj; }
+  // Whether the user has changed it since it got the focus.
+  [[nodiscard]] bool CurObjChanged() const { return iCurObjChanged; }
   [[nodiscard]] const CVelumHistory& History() const { return iHistory; }
   [[nodiscard]] bool CardViewIsOpen() const { return iCardViewOpen; }
   [[nodiscard]] bool CardListIsOpen() const { return iCardListOpen; }

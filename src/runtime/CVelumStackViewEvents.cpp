@@ -101,7 +101,9 @@ void CVelumStackView::ValidateCurControl() {
 }
 
 void CVelumStackView::BaseFormLostFocus() {
-  ValidateCurControl();
+  // The focus itself goes next, and comes back with an event of its own.
+  bool cancel = false;
+  if (iCurObj && iCurObj->Visible()) BaseObjValidate(iCurObj, cancel);
 }
 
 void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {

@@ -351,7 +351,12 @@ TEST_F(CVelumStackViewTest, AMenuTakesTheValueAndWhatIsTypedNextIsTakenToo) {
   menu.popup({0, 0});
   QCoreApplication::processEvents();
   EXPECT_EQ(TextOf(iCards[0], iName), u"Ad"_s);
+  EXPECT_EQ(iRunner.iSent, QStringList{u"closeField a.Name"_s});
   menu.close();
+  menu.popup({0, 0});
+  QCoreApplication::processEvents();
+  menu.close();
+  EXPECT_EQ(iRunner.iSent.size(), 1) << "without a change a menu leaves no field";
   EXPECT_EQ(View().CardView()->FocusControl(), iName.Get()) << "a menu does not take the field away";
   QTest::keyClicks(Base(iName).Widget(), u"a"_s);
   View().GoToCard(iCards[1]);
@@ -366,6 +371,7 @@ TEST_F(CVelumStackViewTest, AnotherWindowTakesTheValue) {
   other.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
   EXPECT_EQ(TextOf(iCards[0], iName), u"Ada"_s);
+  EXPECT_EQ(iRunner.iSent, QStringList{u"closeField a.Name"_s}) << "it was left once";
   iFrame.iArea.activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&iFrame.iArea));
   QTest::keyClicks(Base(iName).Widget(), u"!"_s);
