@@ -114,7 +114,7 @@ void CVelumBlobStore::AddBlob(const Ref<CVelumBlob>& aBlob) {
   elem.iIntKey = blob.Id();
   elem.iVal = TVelumValue::OfInt(ENoInt);
   iIndex->CreateIntKey(elem);
-  if (CVelumRecord::gRecorder) CVelumRecord::gRecorder->Added(*this, "Blobs", blob, blob.Id());
+  if (CVelumRecord::gRecorder) CVelumRecord::gRecorder->Added(*this, "Blob", blob, blob.Id());
   AddToCache(aBlob);
   iChanged = true;
 }
@@ -237,7 +237,7 @@ void CVelumBlobStore::DeleteBlob(qint32 aId) {
   iChanged = true;
   if (CVelumRecord::gRecorder) {
     Ref<CVelumBlob> gone = blob ? blob : MakeRef<CVelumBlob>(aId);
-    CVelumRecord::gRecorder->Removed(*this, "Blobs", *gone, aId);
+    CVelumRecord::gRecorder->Removed(*this, "Blob", *gone, aId);
   }
   if (originalId != ENoInt) {
     Ref<CVelumBlob> original = ReadBlob(originalId, false);
