@@ -13,7 +13,8 @@
 
 namespace {
 
-const QStringList ECommands{u"info"_s, u"check"_s, u"convert"_s, u"search"_s, u"cards"_s, u"compile"_s, u"run"_s};
+const QStringList ECommands{u"info"_s,  u"check"_s,   u"convert"_s, u"search"_s,
+                            u"cards"_s, u"compile"_s, u"run"_s};
 
 QByteArray ReadText(const QString& aPath) {
   QFile file(QStringLiteral(ORVELLES_SOURCE) + aPath);
@@ -76,11 +77,11 @@ TEST(CVelumCli, NoLineOfHelpIsWiderThanATerminal) {
 QByteArrayList Completions(const QStringList& aWords) {
   const QString script = QStringLiteral(ORVELLES_SOURCE) + u"/docs/completion/orvelles-cli"_s;
   const TCliResult result = CliRun::RunProgram(
-      u"bash"_s, QStringList{u"-c"_s,
-                             u"source \"$0\"; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _orvelles_cli; "
-                             "printf '%s\\n' \"${COMPREPLY[@]}\""_s,
-                             script} +
-                     aWords);
+      u"env"_s, QStringList{u"LC_ALL=C"_s, u"bash"_s, u"-c"_s,
+                            u"source \"$0\"; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _orvelles_cli; "
+                            "printf '%s\\n' \"${COMPREPLY[@]}\""_s,
+                            script} +
+                    aWords);
   EXPECT_EQ(result.iErr, QByteArray());
   return result.iOut.trimmed().split('\n');
 }
