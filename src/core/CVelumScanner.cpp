@@ -406,6 +406,12 @@ bool CVelumScanner::IsShortNumberStr(const QString& aStr) {
   for (; !AtEol(); GetChar()) {
     if (!IsDigitChar(iCh) && iCh != '+' && iCh != '-') return false;
   }
-  const double num = std::nearbyint(CVelumValue::LenientNum(aStr));
+  double num = 0;
+  try {
+    num = std::nearbyint(CVelumValue::LenientNum(aStr));
+  } catch (const CVelumException& e) {
+    if (e.Number() != EHostOverflow) throw;
+    return false;
+  }
   return num >= std::numeric_limits<qint16>::min() && num <= std::numeric_limits<qint16>::max();
 }

@@ -246,6 +246,7 @@ void CVelumCompiler::CompHandler(CVelumArray& aHandlers) {
   CodeByte(EOpLeave);
   CodeInt(iNumVars);
   CodePatch(iNumVars, patch);
+  static_cast<void>(CodePos()); // positions count in 16 bits
   TVelumElem elem;
   aHandlers.InitElem(elem);
   elem.iStrKey = name;

@@ -27,6 +27,18 @@ constexpr qint32 ENoFrame = ENoShort;
 
 } // namespace
 
+// Counts a loop of instructions while it lives.
+class CVelumInterpreter::CLoop {
+public:
+  explicit CLoop(int& aLoops) : iLoops(aLoops) { ++iLoops; }
+  ~CLoop() { --iLoops; }
+  CLoop(const CLoop&) = delete;
+  CLoop& operator=(const CLoop&) = delete;
+
+private:
+  int& iLoops;
+};
+
 CVelumInterpreter::CVelumInterpreter()
     : iLeftConst(MakeRef<CVelumVar>(EValInt)), iRightConst(MakeRef<CVelumVar>(EValInt)) {
   const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
@@ -48,14 +60,14 @@ void CVelumInterpreter::ResetState() {
   iNumFrames = 0;
   iCode = nullptr;
   iObj = nullptr;
-  iPendingCode = nullptr;
+  iPendingCode.clear();
   iPendingObj = nullptr;
   iPendingCard = nullptr;
 }
 
 void CVelumInterpreter::Reset() {
   ResetState();
-  RunDeferred();
+  if (iLoops == 0) RunDeferred();
 }
 
 void CVelumInterpreter::BreakAndThen(std::function<void()> aCommand) {
@@ -107,10 +119,9 @@ Ref<CVelumDecodedCode> CVelumInterpreter::Decoded(const QString& aHex) {
 
 void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& aCode) {
   const Ref<CVelumCard> card = CVelumChecked::Deref(iHost).CurCard();
-  const Ref<CVelumDecodedCode> code = Decoded(aCode);
   if (iRunning) {
     iPendingObj = aObj;
-    iPendingCode = code;
+    iPendingCode = aCode;
     iPendingCard = card;
     return;
   }
@@ -120,9 +131,12 @@ void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& 
   iClock.start();
   iNextPump = EPumpMs;
   iNextProgress = EProgressMs;
-  StartCode(aObj, code, card);
-  Run();
-  RunDeferred();
+  {
+    const CLoop loop(iLoops);
+    StartCode(aObj, Decoded(aCode), card);
+    Run();
+  }
+  if (iLoops == 0) RunDeferred();
 }
 
 void CVelumInterpreter::StartCode(const Ref<CVelumScripted>& aObj, const Ref<CVelumDecodedCode>& aCode,
@@ -138,8 +152,10 @@ void CVelumInterpreter::StartCode(const Ref<CVelumScripted>& aObj, const Ref<CVe
   AssertObj(CodeInt() == 0, this, u"Execute"_s, u"gen"_s);
 }
 
+// A suspended handler keeps the length of its hexadecimal text in 16 bits.
 void CVelumInterpreter::PushFrame() {
   if (iNumFrames >= EMaxFrames) RaiseHost(EHostIndex);
+  static_cast<void>(CVelumChecked::Narrow<qint16>(iCode->HexLen()));
   iFrames[static_cast<size_t>(iNumFrames++)] = {iObj, iCode, iIp, iFrame, iLine, iCard};
 }
 
@@ -163,19 +179,22 @@ bool CVelumInterpreter::Attend() {
     return false;
   }
   PushFrame();
-  const Ref<CVelumDecodedCode> code = std::exchange(iPendingCode, nullptr);
+  const QString code = std::exchange(iPendingCode, QString());
   const Ref<CVelumScripted> obj = std::exchange(iPendingObj, nullptr);
   const Ref<CVelumCard> card = std::exchange(iPendingCard, nullptr);
-  StartCode(obj, code, card);
+  StartCode(obj, Decoded(code), card);
   return true;
 }
 
 // Every few instructions: the limit, and by the clock the progress bar and events.
 void CVelumInterpreter::Tick() {
   const int steps = iGranted - iBudget;
-  iGranted = iBudget = iPumpAlways ? 1 : EClockSteps;
   iTaken += steps;
-  if (iLimit > 0 && iTaken > iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
+  iGranted = iBudget = iPumpAlways ? 1 : EClockSteps;
+  if (iLimit > 0) {
+    if (iTaken >= iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
+    iGranted = iBudget = static_cast<int>(qMin<qint64>(iBudget, iLimit - iTaken));
+  }
   const qint64 now = iClock.elapsed();
   if (now >= iNextProgress) {
     iNextProgress = now + EProgressMs;
@@ -194,7 +213,8 @@ void CVelumInterpreter::PumpSoon() {
 void CVelumInterpreter::Run() {
   for (;;) {
     if (iBudget <= 0) Tick();
-    if ((iBreak || iPendingCode) && !Attend()) return;
+    if (!iCode) return; // an event, or the last instruction, ended in a Reset
+    if ((iBreak || !iPendingCode.isEmpty()) && !Attend()) return;
     if (!iPumpAlways) RunFused();
     if (iBudget <= 0) continue;
     --iBudget;

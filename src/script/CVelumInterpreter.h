@@ -46,6 +46,8 @@ public:
   // Stops the running script, and does aCommand when it has ended; at once when none runs. For commands that
   // close, replace or empty the stack.
   void BreakAndThen(std::function<void()> aCommand);
+  // Ends all handlers. From within a script (an event that failed) the loop of instructions ends as soon as
+  // it is returned to.
   void Reset();
   [[nodiscard]] const TRunError& GetError() const { return iError; }
   // "**Null Context**" between scripts; for a running one its bytes.
@@ -58,6 +60,7 @@ public:
   void SeedRandom(quint32 aSeed) { iRandom.seed(aSeed); }
 
 private:
+  class CLoop;
   using TVarRef = Ref<CVelumVar>;
   struct TFrame {
     Ref<CVelumScripted> iObj;
@@ -173,7 +176,8 @@ private:
   std::array<TFrame, EMaxFrames> iFrames;
   int iNumFrames = 0;
   bool iRunning = false;
-  Ref<CVelumDecodedCode> iPendingCode;
+  int iLoops = 0;       // loops of instructions that are on the program's own stack
+  QString iPendingCode; // hexadecimal
   Ref<CVelumScripted> iPendingObj;
   Ref<CVelumCard> iPendingCard;
   bool iBreak = false;

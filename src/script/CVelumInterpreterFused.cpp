@@ -52,7 +52,7 @@ constexpr int ERoom = 2;
 void CVelumInterpreter::RunFused() {
   while (iBudget > 0 && iIp >= 0 && iIp < iCode->Bytes().size()) {
     const TInstr& instr = iCode->At(iIp);
-    if (instr.iKind == EFusedNone) return;
+    if (instr.iKind == EFusedNone || instr.iCount > iBudget) return;
     const qint32 oldLine = iLine;
     const int count = instr.iCount;
     if (instr.iLine >= 0) iLine = instr.iLine;

@@ -25,7 +25,7 @@ public:
 
   // Reading checks nothing: the slot of another type gives its zero.
   [[nodiscard]] const QString& StrVal() const { return iValue.Str(); }
-  [[nodiscard]] qint32 IntVal() const { return iType == EValInt ? iValue.Int() : 0; }
+  [[nodiscard]] qint32 IntVal() const { return iValue.Int(); }
   [[nodiscard]] double RealVal() const { return iValue.Real(); }
   [[nodiscard]] double DateVal() const { return iValue.Date(); }
   [[nodiscard]] double TimeVal() const { return iValue.Time(); }

@@ -107,6 +107,9 @@ TEST(CVelumScanner, AssertsOnAnUnknownKeywordId) {
   CVelumScanner scanner;
   EXPECT_THROW(static_cast<void>(scanner.KeywStr(3)), CVelumException);
   EXPECT_TRUE(presenter.LastText().contains(u"found"_s));
+  EXPECT_EQ(CVelumError::GetErrorRecord().iProc, u"KeywStr"_s);
+  presenter.SetDefaultAnswer(true);
+  EXPECT_EQ(scanner.KeywStr(3), QString());
 }
 
 TEST(CVelumScanner, TakesAHundredAndOneKeywords) {
@@ -156,6 +159,8 @@ TEST(CVelumScanner, StripsCommentsOnlyWhenTold) {
   scanner.SetStripComments(true);
   EXPECT_EQ(Symbols(scanner, u"   "_s), (QList<TSym>{{ESymEol, {}}}));
   EXPECT_EQ(Symbols(scanner, u"a # b"_s), (QList<TSym>{{ESymIdent, u"a"_s}, {ESymEol, u"#"_s}}));
+  EXPECT_EQ(Symbols(scanner, u"# b"_s), (QList<TSym>{{ESymEol, u"#"_s}}));
+  EXPECT_EQ(Symbols(scanner, u"\"#\""_s).first(), (TSym{ESymString, u"#"_s}));
 }
 
 TEST(CVelumScanner, RepeatsTheEndOfALine) {
@@ -189,18 +194,28 @@ TEST(CVelumScanner, RefusesALineThatItsPositionsCannotCount) {
 }
 
 TEST(CVelumScanner, NamesItsSymbols) {
-  EXPECT_EQ(CVelumScanner::SymStr(ESymIdent), u"<ident>"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymHashOld), u"#"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymNotEqual), u"<>"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymGreaterEqual), u">="_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymBold), u"**"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymItalic), u"//"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymUnderline), u"__"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(ESymLineBreak), QString());
-  EXPECT_EQ(CVelumScanner::SymStr(ESymParagraph), QString());
-  EXPECT_EQ(CVelumScanner::SymStr(ESymBackslash), QString());
-  EXPECT_EQ(CVelumScanner::SymStr(ESymEof), u"<eof>"_s);
-  EXPECT_EQ(CVelumScanner::SymStr(42), QString());
+  const std::pair<qint32, const char16_t*> names[] = {
+      {0, u"<ident>"},  {1, u"<number>"}, {2, u"<string>"}, {3, u"#"},   {4, u","},
+      {5, u"("},        {6, u")"},        {7, u"."},        {8, u"="},   {9, u"<"},
+      {10, u">"},       {11, u"/"},       {12, u"?"},       {13, u"*"},  {14, u"+"},
+      {15, u"-"},       {16, u"<>"},      {17, u"<="},      {18, u">="}, {19, u"#"},
+      {20, u"&"},       {50, u"<link>"},  {51, u"<char>"},  {52, u""},   {53, u"**"},
+      {54, u"//"},      {55, u"__"},      {56, u""},        {57, u""},   {97, u"<keyword>"},
+      {98, u"<other>"}, {99, u"<eol>"},   {100, u"<eof>"},  {-1, u""},   {21, u""},
+      {42, u""},        {101, u""}};
+  for (const auto& [sym, name] : names)
+    EXPECT_EQ(CVelumScanner::SymStr(sym), QString::fromUtf16(name)) << sym;
+}
+
+TEST(CVelumScanner, BeginsInLineMode) {
+  CVelumScanner scanner;
+  EXPECT_EQ(scanner.LineNum(), 0);
+  EXPECT_EQ(scanner.LinePos(), 0);
+  EXPECT_FALSE(scanner.StripComments());
+  EXPECT_EQ(scanner.CsvDelim(), u","_s);
+  scanner.SetLine(u"a"_s);
+  EXPECT_EQ(scanner.LineNum(), 0);
+  EXPECT_EQ(scanner.LinePos(), 1) << "the look-ahead is taken";
 }
 
 TEST_F(ScannerFile, ReadsSymbolsOverLines) {
@@ -227,6 +242,28 @@ TEST_F(ScannerFile, AssertsThatThereIsAFile) {
   CVelumScanner scanner;
   EXPECT_THROW(scanner.BeginFile(), CVelumException);
   EXPECT_TRUE(presenter.LastText().contains(u"Start file set"_s));
+  presenter.SetDefaultAnswer(true);
+  EXPECT_THROW(scanner.BeginFile(), CVelumException) << "overruled, there is still no file";
+}
+
+TEST_F(ScannerFile, ReadsOneFileOnly) {
+  ScriptedPresenter presenter;
+  CVelumScanner scanner;
+  scanner.SetFile(Open(""));
+  scanner.BeginFile();
+  qint32 sym = 0;
+  QString str;
+  qint16 keyword = 0;
+  scanner.GetSym(sym, str, keyword);
+  EXPECT_EQ(sym, ESymEof);
+  scanner.GetWikiSym(sym, str);
+  EXPECT_EQ(sym, ESymEof);
+  bool eof = false;
+  scanner.GetAllUntil(u'<', true, str, eof);
+  EXPECT_TRUE(eof);
+  scanner.SetFile(Open("a\r\n"));
+  EXPECT_THROW(scanner.BeginFile(), CVelumException);
+  EXPECT_TRUE(presenter.LastText().contains(u"ReadFileLine eof"_s));
 }
 
 TEST_F(ScannerFile, ReadsCsvCells) {
@@ -249,6 +286,15 @@ TEST_F(ScannerFile, CarriesAQuotedCellOverLines) {
 TEST_F(ScannerFile, KeepsAnEmptyLineInsideAQuotedCell) {
   EXPECT_EQ(Cells("\"x\r\n\r\ny\",z\r\n"), u"x\r\n\r\ny|z|\n"_s);
   EXPECT_EQ(Cells("\"\r\n\r\n"), u"\r\n<eof>"_s);
+}
+
+TEST_F(ScannerFile, EndsACellAtTheCharacterOne) {
+  EXPECT_EQ(Cells("a\x01"
+                  "b,c\r\n"),
+            u"a|\n"_s);
+  EXPECT_EQ(Cells("\"a\x01"
+                  "b\",c\r\nd\",e\r\n"),
+            u"a\r\nd|e|\n"_s);
 }
 
 TEST(CVelumScanner, ReadsWikiMarkup) {
@@ -315,6 +361,6 @@ TEST(CVelumScanner, TellsShortNumbers) {
   CVelumScanner scanner;
   for (const QString& yes : {u""_s, u"-"_s, u"12-3"_s, u"32767"_s, u"-32768"_s, u"+5"_s})
     EXPECT_TRUE(scanner.IsShortNumberStr(yes)) << yes.toStdString();
-  for (const QString& no : {u"32768"_s, u"-32769"_s, u"1.5"_s, u"a"_s, u" 1"_s})
+  for (const QString& no : {QString(400, u'9'), u"32768"_s, u"-32769"_s, u"1.5"_s, u"a"_s, u" 1"_s})
     EXPECT_FALSE(scanner.IsShortNumberStr(no)) << no.toStdString();
 }

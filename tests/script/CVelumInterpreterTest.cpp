@@ -2,6 +2,7 @@
 
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "support/Assertions.h"
 
 #include <random>
 
@@ -24,6 +25,22 @@ protected:
 };
 
 using Answers = QList<QString>;
+
+// Does its work in one turn of events, and nothing in the others.
+class CWork final : public CVelumEventPump {
+public:
+  explicit CWork(std::function<void()> aWork, int aTurn = 1) : iWork(std::move(aWork)), iTurn(aTurn) {
+    CVelumSeams::SetEventPump(this);
+  }
+  ~CWork() override { CVelumSeams::SetEventPump(nullptr); }
+  void Pump() override {
+    if (--iTurn == 0) iWork();
+  }
+
+private:
+  std::function<void()> iWork;
+  int iTurn;
+};
 
 } // namespace
 
@@ -224,49 +241,83 @@ TEST_F(CVelumInterpreterTest, DrawsRandomNumbers) {
 }
 
 TEST_F(CVelumInterpreterTest, OnlyTheLastOfSeveralEventsRuns) {
-  class CWork final : public CVelumEventPump {
-  public:
-    explicit CWork(std::function<void()> aWork) : iWork(std::move(aWork)) {}
-    void Pump() override {
-      if (iWork) std::exchange(iWork, nullptr)();
-    }
-    std::function<void()> iWork;
-  };
   SetScript(*Control(u"T"_s),
             u"On a\nAnswer \"a\"\nEnd\nOn b\nAnswer \"b\"\nEnd\nOn c\nAnswer \"c\"\nEnd\n"_s);
-  CWork pump([this] {
+  const CWork work([this] {
     for (const QString& msg : {u"a"_s, u"b"_s, u"c"_s})
       iInterpreter->LocateAndExecScript(Card(u"one"_s), Control(u"T"_s), msg);
   });
-  CVelumSeams::SetEventPump(&pump);
   iInterpreter->SetPumpAlways(true);
   EXPECT_EQ(Run(u"Answer \"end\""_s), (Answers{u"c"_s, u"end"_s}));
-  CVelumSeams::SetEventPump(nullptr);
 }
 
 TEST_F(CVelumInterpreterTest, IsStoppedByABreak) {
-  class CWork final : public CVelumEventPump {
-  public:
-    explicit CWork(CVelumInterpreter& aInterpreter) : iInterpreter(aInterpreter) {}
-    void Pump() override {
-      if (++iCount == 3) iInterpreter.BreakAndThen([this] { iDone = !iInterpreter.Running(); });
-    }
-    CVelumInterpreter& iInterpreter;
-    int iCount = 0;
-    bool iDone = false;
-  };
-  CWork pump(*iInterpreter);
-  CVelumSeams::SetEventPump(&pump);
+  bool done = false;
+  const CWork work([&] { iInterpreter->BreakAndThen([&] { done = !iInterpreter->Running(); }); }, 3);
   EXPECT_EQ(Run(u"Repeat While 1 = 1\nx = 1\nEnd Repeat"_s), Answers{u"Script breaked"_s});
-  CVelumSeams::SetEventPump(nullptr);
-  EXPECT_TRUE(pump.iDone) << "the command comes after the script";
+  EXPECT_TRUE(done) << "the command comes after the script";
   EXPECT_FALSE(iInterpreter->Running());
+  EXPECT_EQ(iInterpreter->Code(), u"**Null Context**"_s);
+}
+
+// An event that fails while a script runs resets the interpreter under the running loop.
+TEST_F(CVelumInterpreterTest, EndsWhenItIsResetWhileItRuns) {
+  bool done = false;
+  const CWork work(
+      [&] {
+        iInterpreter->BreakAndThen([&] { done = true; });
+        iInterpreter->Reset();
+        EXPECT_FALSE(done) << "the command waits for the loop to end";
+      },
+      2);
+  EXPECT_EQ(Run(u"Answer 1\nRepeat While 1 = 1\nx = 1\nEnd Repeat"_s), Answers{u"1"_s});
+  EXPECT_TRUE(done);
+  EXPECT_EQ(Run(u"Answer 2"_s), Answers{u"2"_s});
+}
+
+TEST_F(CVelumInterpreterTest, IgnoresAPendingHandlerWithoutCode) {
+  const Ref<CVelumControl> field = Control(u"T"_s);
+  SetScript(*field, u"On a\nAnswer 1\nEnd\n"_s);
+  field->Script()->SetValAt(1, TVelumValue::OfStr(QString()));
+  EXPECT_EQ(Run(u"Send \"a\" To Field \"T\"\nAnswer 2"_s), Answers{u"2"_s});
+  field->Script()->SetValAt(1, TVelumValue::OfStr(u"no hexadecimal"_s));
+  EXPECT_NE(RunFails(u"Send \"a\" To Field \"T\"\nAnswer 2"_s), 0);
+}
+
+TEST_F(CVelumInterpreterTest, SharesTheParameterWithNestedHandlers) {
+  SetScript(*Control(u"T"_s), u"On a p\nAnswer \"inner \" & p\nEnd\n"_s);
+  iInterpreter->SetParamVal(u"given"_s);
+  EXPECT_EQ(Run(u"Send \"a\" To Field \"T\"\nAnswer p"_s), (Answers{u"inner given"_s, u"given"_s}));
+}
+
+TEST_F(CVelumInterpreterTest, GoesOnWhereItWasSuspended) {
+  SetScript(*Control(u"T"_s), u"On a\nx = 5\nGo \"two\"\nEnd\n"_s);
+  EXPECT_EQ(Run(u"x = 1\nSend \"a\" To Field \"T\"\nAnswer x\nAnswer Field \"T\""_s),
+            (Answers{u"1"_s, u"hello"_s}))
+      << "with its variables and its card";
+  EXPECT_EQ(iHost->CurCard().Get(), Card(u"two"_s).Get());
+}
+
+TEST_F(CVelumInterpreterTest, SuspendsNoHandlerThatSixteenBitsCannotCount) {
+  const QString sum = u"x = 1"_s + QString(u"+1"_s).repeated(4080);
+  SetScript(*Control(u"T"_s), u"On a\nAnswer 1\nEnd\n"_s);
+  const QString send = u"\nSend \"a\" To Field \"T\""_s;
+  EXPECT_EQ(Run(sum + send), Answers{u"1"_s});
+  EXPECT_EQ(RunFails(sum + u"+1+1+1+1+1+1+1"_s + send), EHostOverflow);
 }
 
 TEST_F(CVelumInterpreterTest, KeepsToALimit) {
   iInterpreter->SetLimit(1000);
   EXPECT_EQ(RunFails(u"Repeat While 1 = 1\nx = 1\nEnd Repeat"_s), EHostInterrupt);
   EXPECT_EQ(Run(u"Answer 1"_s), Answers{u"1"_s});
+  // Three line marks, entering, storing the parameter (3), answering (2), leaving.
+  for (const bool single : {false, true}) {
+    iInterpreter->SetPumpAlways(single);
+    iInterpreter->SetLimit(10);
+    EXPECT_EQ(Run(u"Answer 1"_s), Answers{u"1"_s});
+    iInterpreter->SetLimit(9);
+    EXPECT_EQ(RunFails(u"Answer 1"_s), EHostInterrupt);
+  }
 }
 
 // ---- Byte code that no compiler made
@@ -286,6 +337,59 @@ TEST_F(CVelumInterpreterTest, ChecksCodeAsItRuns) {
   EXPECT_EQ(CodeFails(Handler({38, 2, 0, 46, 16})), EHostObjectNotSet);
   EXPECT_EQ(CodeFails(Handler({38, 1, 0, 10})), EHostObjectNotSet) << "an entry with nothing in it";
   EXPECT_EQ(CodeFails(Handler({5})), 0) << "stop";
+}
+
+TEST_F(CVelumInterpreterTest, NamesWhatIsWrongWithCode) {
+  const auto assertion = [this](const QByteArray& aCode) { return Assertions::Of([&] { RunCode(aCode); }); };
+  EXPECT_EQ(assertion(QByteArray("\1\0", 2)), "Execute|gen");
+  EXPECT_EQ(assertion(QByteArray()), "CodeByte|CodeByte codeLen");
+  EXPECT_EQ(assertion(Handler({30, 255, 127})), "CodeByte|CodeByte codeLen");
+  EXPECT_EQ(assertion(Handler({46})), "Pop|Pop sp");
+  EXPECT_EQ(assertion(Handler({38, 1, 0, 1, 11, 0, 11})), "ExecPushVarVal|int String");
+  for (const int byte : {0, 48, 255}) EXPECT_EQ(assertion(Handler({byte})), "Execute|Execute instr") << byte;
+  iHost->SetCurCard(nullptr);
+  EXPECT_EQ(assertion(Handler({29})), "ExecPushCurCard|found");
+}
+
+TEST_F(CVelumInterpreterTest, HasTwentyOneEntries) {
+  std::vector<int> pushes;
+  for (int i = 0; i < 21; ++i) pushes.insert(pushes.end(), {13, 0, 0});
+  QByteArray code(2, '\0');
+  for (const int byte : pushes) code.append(static_cast<char>(byte));
+  EXPECT_EQ(CodeFails(code + '\x05'), 0);
+  EXPECT_EQ(CodeFails(code + QByteArray("\x0D\0\0\x05", 4)), EHostIndex);
+  EXPECT_EQ(CodeFails(Handler({38, 3, 0, 13, 17, 0, 11, 5})), 0) << "slot 17 is entry 17";
+  EXPECT_EQ(CodeFails(Handler({38, 3, 0, 13, 21, 0, 11, 5})), EHostIndex);
+  EXPECT_EQ(CodeFails(Handler({13, 0, 0, 38, 3, 0, 13, 20, 0, 11, 5})), EHostIndex);
+  iInterpreter->SetVarVal(20, MakeRef<CVelumVar>(EValInt));
+  EXPECT_THROW(iInterpreter->SetVarVal(21, MakeRef<CVelumVar>(EValInt)), CVelumException);
+  EXPECT_THROW(iInterpreter->SetVarVal(-1, MakeRef<CVelumVar>(EValInt)), CVelumException);
+}
+
+TEST_F(CVelumInterpreterTest, TakesCardsAndBackgroundsAsTheyAre) {
+  EXPECT_EQ(
+      Run(u"Repeat For Each Card c\nGo c\nEnd Repeat\nGo 1 / 1\nGo \"2\" + \"0\"\nAnswer Field \"T\" Of Card 1"_s),
+      Answers{u"hello"_s});
+  EXPECT_EQ(iHost->CurCard().Get(), Card(u"two"_s).Get()) << "a Float is a number, too";
+  // "Page" 35 35 45: how many cards a background has that was given as one
+  const auto before = iPresenter.Told().size();
+  RunCode(Handler({38, 0, 0, 1, 11, 4, 'P', 'a', 'g', 'e', 35, 35, 45, 10, 39, 0, 0}));
+  EXPECT_EQ(iPresenter.Told().mid(before), Answers{u"4"_s});
+}
+
+TEST_F(CVelumInterpreterTest, KeepsTheTypeOfAWalksVariable) {
+  EXPECT_EQ(Assertions::Of([this] { Run(u"Repeat For Each Card c\nc = 1\nEnd Repeat"_s); }),
+            "LetCardVal|type");
+  EXPECT_EQ(Run(u"Repeat For Each Card c\nIf c = c Then\nExit Repeat\nEnd If\nEnd Repeat\nAnswer c"_s),
+            Answers{u"one"_s});
+  EXPECT_EQ(
+      Run(u"Repeat For Each Card c\nRepeat For Each Card d\nn = n & \"i\"\nEnd Repeat\nEnd Repeat\nAnswer n"_s),
+      Answers{QString(16, u'i')});
+}
+
+TEST_F(CVelumInterpreterTest, AssertsOnFieldsWithoutAValue) {
+  EXPECT_EQ(Assertions::Of([this] { Run(u"Answer Field \"C\""_s); }), "Assert|ConToValType type");
+  EXPECT_EQ(Assertions::Of([this] { Run(u"Answer Field \"P\""_s); }), "Assert|SetZero type");
 }
 
 TEST_F(CVelumInterpreterTest, NegatesByType) {
