@@ -10,6 +10,10 @@ if(ORVELLES_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(ORVELLES_LIBFUZZER)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
   set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
