@@ -161,6 +161,11 @@ void CVelumCard::Internalize(CVelumFile& aFile) {
   iValue->Internalize(aFile);
   const bool keyedByInt = (iValue->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
   CVelumLib::CheckRead(aFile, keyedByInt, this, u"CVelumCard.Internalize"_s, u"value"_s);
+  // Without this flag no value of another field could be set.
+  if (!(iValue->Flags() & EArrMixed)) {
+    iValue->SetFlags(iValue->Flags() | EArrMixed);
+    iValue->SetChanged(false);
+  }
   iChanged = false;
 }
 

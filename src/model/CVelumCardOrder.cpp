@@ -193,6 +193,13 @@ void CVelumCardOrder::ClearBits() {
   std::fill(iGroups.begin(), iGroups.end(), 0);
 }
 
+void CVelumCardOrder::RenewPlaces() {
+  for (const auto& block : iBlocks) {
+    for (const qint32 id : block->iIds) SetHome(id, block.get());
+    Mark(block->iNo, BitsOf(*block));
+  }
+}
+
 qint32 CVelumCardOrder::SkipForward(qint32 aPos, quint64 aBit) const {
   if (aPos < 0) aPos = 0;
   if (aPos >= iCount) return iCount;

@@ -46,6 +46,9 @@ public:
   void AddBit(qint32 aId, quint64 aBit);
   // No block has any bit: to be followed by AddBit for all cards.
   void ClearBits();
+  // Finds every card anew where it stands: a card that stood twice is not found once RemoveAt took one of
+  // them.
+  void RenewPlaces();
   // The first position >= aPos, or the last one <= aPos, in a block with aBit; Count() or -1 without one.
   [[nodiscard]] qint32 SkipForward(qint32 aPos, quint64 aBit) const;
   [[nodiscard]] qint32 SkipBackward(qint32 aPos, quint64 aBit) const;

@@ -180,6 +180,7 @@ void CVelumCard::UpdateCardLists() {
     if (control && control->Flag(EConCardList)) UpdateCardList(*control);
   }
   SetDirty(false);
+  iStack->iListRun.push_back(this);
 }
 
 // The same list for all cards of the background: computed once for all of them.

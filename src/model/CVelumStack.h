@@ -154,9 +154,11 @@ private:
   void StoreKeys(CVelumCard& aCard, qint32 aControlId);
   void ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumControlSet& aBackground);
   void TakeName(CVelumCard& aCard, const QString& aName);
-  // Lists that are computed from lists nest; false when too deep.
+  // Lists that are computed from lists nest; false when too deep. What goes stale meanwhile does so when the
+  // outermost update is left, and the cards that were computed in it stay clean: lists that select each other
+  // would otherwise be computed without end.
   [[nodiscard]] bool EnterListUpdate();
-  void LeaveListUpdate() { --iListUpdates; }
+  void LeaveListUpdate();
 
   void MakeContainers();
   [[nodiscard]] CVelumSortKey* SortKeyAt(qint32 aIndex) const;
@@ -164,6 +166,7 @@ private:
   [[nodiscard]] bool InBulk(const CVelumCard& aCard) const { return aCard.Id() >= iBulkStart; }
 
   [[nodiscard]] qint32 PlaceCard(const Ref<CVelumCard>& aCard);
+  void DropHalfAdded(CVelumCard& aCard, CVelumControlSet& aBackground, bool aByKey);
   void AddName(const CVelumCard& aCard);
   void AddKey(CVelumCard& aCard, CVelumControlSet& aBackground);
   void RemoveName(const CVelumCard& aCard);
@@ -214,6 +217,8 @@ private:
   static constexpr qint32 EBulkOff = std::numeric_limits<qint32>::max();
   qint32 iBulkStart = EBulkOff; // id of the first card added in bulk mode
   int iListUpdates = 0;
+  std::vector<Ref<CVelumCard>> iListRun; // cards whose lists were computed in the outermost update
+  bool iListsStale = false;              // SetCardListsDirty was called in it
   int iNamePasses = 0;
   quint32 iListBasis = 1;
   CVelumCardFinder iCardFinder;

@@ -34,15 +34,33 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
   card.SetStack(this);
   card.SetDirty(dirty);
   background.SetNumCards(background.NumCards() + 1);
-  if (byKey)
-    AddKey(card, background);
-  else
-    InsertCardOrder(aCard, before);
-  if (!InBulk(card)) AddName(card);
+  try {
+    if (byKey)
+      AddKey(card, background);
+    else
+      InsertCardOrder(aCard, before);
+    if (!InBulk(card)) AddName(card);
+  } catch (...) {
+    DropHalfAdded(card, background, byKey);
+    throw;
+  }
   SetCardListsDirty(nullptr);
   iChangeInfo.iCardListChanged = true;
   CVelumRecord::Added(*this, "Card", card, card.Id());
   if (aWithDefaults) card.InitAllVal();
+}
+
+// Takes a card that could not be added out of all places that it has got so far.
+void CVelumStack::DropHalfAdded(CVelumCard& aCard, CVelumControlSet& aBackground, bool aByKey) {
+  const Ref<CVelumCard> card = &aCard; // the slot may hold the last reference
+  qint32 at = 0;
+  if (const Ref<CVelumArray> index = aByKey ? aBackground.KeyIndex() : nullptr)
+    if (index->GetIntIndex(aCard.Id(), at)) index->DeleteAt(at);
+  if (iOrder.PosOf(aCard.Id()) >= 0) RemoveCardOrder(aCard);
+  aBackground.SetNumCards(aBackground.NumCards() - 1);
+  iCard->SetObj(aCard.Id(), nullptr);
+  iCard->SetToLastObj();
+  aCard.SetStack(nullptr);
 }
 
 // The first card of the background of aCard if that one is kept sorted: what is put before it must not part

@@ -14,6 +14,7 @@ constexpr int EGen = 4;
 constexpr int EViewTypeId = 4;
 constexpr qsizetype EMaxProblems = 100;
 constexpr qint32 EKeyBits = EArrStrKey | EArrIntKey;
+constexpr qint32 ENameFlags = EArrStrKey | EArrDuplicates | EArrExactCase;
 const QString EProc = u"CVelumStack.Internalize"_s;
 
 Ref<CVelumArray> ReadArray(CVelumFile& aFile) {
@@ -115,6 +116,7 @@ void CVelumStack::LinkOrder() {
   std::vector<bool> seen(size_t(iCard->Count()), false);
   iOrder.ClearBits();
   qint32 lastNum = std::numeric_limits<qint32>::min();
+  bool twice = false;
   for (qint32 pos = 0; pos < iOrder.Count();) {
     const qint32 id = iOrder.IdAt(pos);
     CVelumCard* card = FindCard(id);
@@ -123,6 +125,7 @@ void CVelumStack::LinkOrder() {
           (card ? u"The order holds card %1 twice"_s : u"The order holds card %1, which is not there"_s)
               .arg(id));
       iOrder.RemoveAt(pos);
+      twice = twice || card;
       continue;
     }
     seen[size_t(id)] = true;
@@ -131,6 +134,7 @@ void CVelumStack::LinkOrder() {
     lastNum = num;
     LinkOrderSlot(*card, num);
   }
+  if (twice) iOrder.RenewPlaces();
   iOrder.LiftIdBound();
   for (qint32 id = 0; id < iCard->Count(); ++id) {
     CVelumCard* card = seen[size_t(id)] ? nullptr : FindCard(id);
@@ -152,10 +156,12 @@ void CVelumStack::LinkOrderSlot(CVelumCard& aCard, qint32 aNum) {
   iOrder.AddBit(aCard.Id(), CVelumCardOrder::BackgroundBit(background.Id()));
 }
 
-// The name of a card and its key share one text. Older versions wrote the index in collation order.
+// The name of a card and its key share one text. Older versions wrote the index in collation order; with
+// other flags cards could not be added or found by name.
 void CVelumStack::LinkNames() {
-  if (!(iNameIndex->Flags() & EArrExactCase)) {
-    iNameIndex->SetFlags(iNameIndex->Flags() | EArrExactCase);
+  if (const qint32 flags = iNameIndex->Flags(); flags != ENameFlags) {
+    if ((flags | EArrExactCase) != ENameFlags) NoteProblem(u"The name index had the flags %1"_s.arg(flags));
+    iNameIndex->SetFlags(ENameFlags);
     iNameIndex->EnsureSorted();
     iNameIndex->SetChanged(true);
   }
@@ -175,7 +181,11 @@ void CVelumStack::LinkKeys() {
     const Ref<CVelumArray> index = KeyIndexAt(i);
     CVelumError::ThrowBadStruct(static_cast<bool>(index), this, EProc, u"keyIndex"_s);
     Require(*index, EArrStrKey, EValInt, u"keyIndex"_s);
-    if (!(index->Flags() & EArrSortKey)) continue;
+    if (!(index->Flags() & EArrSortKey)) {
+      if (index->SortKeyId() == ENoInt) continue;
+      NoteProblem(u"Key index %1 had the flags %2"_s.arg(iKeyIndex->IntKeyAt(i)).arg(index->Flags()));
+      index->SetFlags(index->Flags() | EArrSortKey);
+    }
     const Ref<CVelumSortKey> key = SortKey(index->SortKeyId());
     CVelumError::ThrowBadStruct(static_cast<bool>(key), this, EProc, u"sortKey"_s);
     index->SetSortKey(key);

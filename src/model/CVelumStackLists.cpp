@@ -3,8 +3,10 @@
 #include "core/CVelumValue.h"
 #include "model/CVelumStack.h"
 
+#include <QScopeGuard>
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace {
 constexpr int EMaxListUpdates = 20;
@@ -72,6 +74,10 @@ bool CVelumStack::FindBySelControl(const CVelumControl& aControl, Ref<CVelumCont
 }
 
 void CVelumStack::SetCardListsDirty(const Ref<CVelumControlSet>& aBackground) {
+  if (iListUpdates > 0) {
+    iListsStale = true;
+    return;
+  }
   NewListBasis();
   Ref<CVelumControlSet> background;
   for (qint32 i = 0; GetNextBackground(background, i);) {
@@ -101,7 +107,17 @@ bool CVelumStack::EnterListUpdate() {
   return true;
 }
 
+void CVelumStack::LeaveListUpdate() {
+  if (--iListUpdates > 0) return;
+  const std::vector<Ref<CVelumCard>> computed = std::exchange(iListRun, {});
+  if (!std::exchange(iListsStale, false)) return;
+  SetCardListsDirty(nullptr);
+  for (const Ref<CVelumCard>& card : computed) card->SetDirty(false);
+}
+
 void CVelumStack::PrepareForSave() {
+  static_cast<void>(EnterListUpdate());
+  const auto leave = qScopeGuard([this] { LeaveListUpdate(); });
   Ref<CVelumCard> card;
   for (qint32 i = 0; GetNextCard(card, i);)
     if (card->Dirty()) card->UpdateCardLists();

@@ -100,6 +100,48 @@ TEST_F(CVelumCardLists, ShortListsStayCleanAfterALoad) {
   EXPECT_FALSE(read->GetCardById(iX->Id())->Dirty());
 }
 
+// Each list changes what the others select: every card is computed once, and then it is enough.
+TEST(CVelumCardListsOfMany, ThatSelectEachOtherEnd) {
+  TSampleStack sample;
+  sample.iSome->SetSelBackgroundId(sample.iSecond->Id());
+  sample.iSome->SetSelControlId(sample.iSome->Id());
+  sample.iSome->SetListCol(nullptr);
+  sample.iStack->SetControlDynFlags();
+  Ref<CVelumCard> card;
+  for (int i = 0; i < 60; ++i) {
+    card = sample.AddCard(sample.iSecond, QString::number(i));
+    card->SetControlVal(sample.iKey->Id(), TVelumValue::OfStr({}));
+  }
+  EXPECT_FALSE(card->GetControlVal(sample.iSome->Id(), true).Str().isEmpty());
+  EXPECT_FALSE(card->Dirty());
+  sample.iStack->PrepareForSave();
+  EXPECT_FALSE(card->Dirty());
+}
+
+// A list that selects by the lists of other cards is stale when one of them has become another.
+TEST_F(CVelumCardLists, ThatSelectByListsFollowThem) {
+  const auto set = MakeRef<CVelumControlSet>(u"Third"_s, iSample.iStack->IdGen().NextId());
+  iSample.iStack->AddBackground(set);
+  const Ref<CVelumControl> key = iSample.AddField(set, u"Key"_s, EConText);
+  const Ref<CVelumControl> lists = iSample.AddField(set, u"Lists"_s, EConList);
+  lists->SetFlag(EConCardList, true);
+  lists->SetSelBackgroundId(iSample.iSecond->Id());
+  lists->SetSelControlId(iSample.iSome->Id());
+  lists->SetRefControlId(key->Id());
+  iSample.iStack->SetControlDynFlags();
+  const Ref<CVelumCard> third = iSample.AddCard(set, u"third"_s);
+  third->SetControlVal(key->Id(), TVelumValue::OfStr(u"0\tn\t"_s));
+  const auto text = [&] { return third->GetControlVal(lists->Id(), true).Str(); };
+  EXPECT_EQ(text(), QString());
+  iAnn->SetControlVal(iSample.iNote->Id(), TVelumValue::OfStr(u"n"_s));
+  iAnn->SetControlVal(iSample.iTown->Id(), TVelumValue::OfStr(u"Bern"_s));
+  EXPECT_EQ(text(), u"2\tX\r\n3\tY"_s);
+  iX->SetControlVal(iSample.iKey->Id(), TVelumValue::OfStr(u"Graz"_s));
+  EXPECT_EQ(Some(*iX), QString());
+  EXPECT_TRUE(third->Dirty()) << "the list of another card has changed";
+  EXPECT_EQ(text(), u"3\tY"_s);
+}
+
 TEST(CVelumCardListsOfMany, AreComputedTogetherInLinearTime) {
   TSampleStack sample;
   constexpr int many = 3000;

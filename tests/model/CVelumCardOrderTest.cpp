@@ -243,6 +243,24 @@ TEST(CVelumCardOrder, SurvivesAnyId) {
   EXPECT_EQ(order.PosOf(7), -1);
 }
 
+TEST(CVelumCardOrder, ACardThatStoodTwiceIsFoundWhereItIsLeft) {
+  constexpr qint32 num = 1200; // more than two blocks
+  const quint64 bit = CVelumCardOrder::BackgroundBit(3);
+  Bytes bytes;
+  bytes.Array(EArrIntKey, EValInt, num);
+  for (qint32 i = 0; i < num; ++i) bytes.Int(100 * (i + 1)).Short(EValInt).Int(i + 1 < num ? i : 5);
+  CVelumCardOrder order;
+  Load(order, bytes);
+  order.ClearBits();
+  order.AddBit(5, bit);
+  order.RemoveAt(num - 1);
+  order.RenewPlaces();
+  EXPECT_EQ(order.PosOf(5), 5);
+  EXPECT_EQ(order.NumOf(5), 600);
+  EXPECT_EQ(order.PosOf(num - 2), num - 2);
+  EXPECT_LE(order.SkipForward(0, bit), 5);
+}
+
 TEST(CVelumCardOrder, IdsBeyondTheBoundHaveNoPlace) {
   CVelumCardOrder order;
   order.SetIdBound(10);

@@ -451,6 +451,16 @@ TEST(CVelumCard, ValuesMustBeKeyedByControl) {
   EXPECT_EQ(Raised([&] { Load(card, bytes); }), 1006);
 }
 
+TEST(CVelumCard, ValuesOfAllTypesCanBeSetWhateverTheFileSays) {
+  Bytes bytes;
+  bytes.Common(1, 1, u"A"_s, 0, 0).Int(100).Int(0).Int(ENoInt).Int(0).Int(ENoInt).Int(0);
+  bytes.Array(EArrIntKey, EValStr, 0);
+  CVelumCard card;
+  Load(card, bytes);
+  EXPECT_EQ(card.Value().Flags(), EArrIntKey | EArrMixed);
+  EXPECT_FALSE(card.Changed());
+}
+
 TEST(CVelumCard, StaysSmall) {
   EXPECT_LE(sizeof(CVelumCard), 128U);
 }

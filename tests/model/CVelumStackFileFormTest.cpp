@@ -119,6 +119,37 @@ TEST(CVelumStackFileForm, AnOldNameIndexIsUpgraded) {
   EXPECT_FALSE(read->GetCard(u"b"_s, card));
 }
 
+// With the flags of other arrays cards could not be added, or not be found.
+TEST(CVelumStackFileForm, OtherFlagsOfTheNameIndexArePutRight) {
+  TFileBed bed;
+  bed.iStack->DeleteAllCards();
+  for (const QString& name : {u"a"_s, u"B"_s}) bed.AddCard(bed.iSecond, name);
+  const QByteArray bytes = Stored(*bed.iStack);
+  for (const qint32 flags : {41 - EArrDuplicates, 41 | EArrSortKey, 41 | EArrMixed}) {
+    const Ref<CVelumStack> read =
+        LoadStack(Replaced(bytes, Bytes().Array(41, EValInt, 2), Bytes().Array(flags, EValInt, 2)));
+    EXPECT_EQ(read->NameIndex().Flags(), 41);
+    EXPECT_EQ(read->LoadProblems(), QStringList{u"The name index had the flags %1"_s.arg(flags)});
+    Ref<CVelumCard> card;
+    EXPECT_TRUE(read->GetCard(u"a"_s, card));
+    read->AddCard(MakeRef<CVelumCard>(u"a"_s, read->Background(bed.iSecond->Id())), nullptr, false);
+    EXPECT_EQ(read->NumCards(), 3);
+  }
+}
+
+TEST(CVelumStackFileForm, AKeyIndexOfASortKeyIsInItsOrder) {
+  const TFileBed bed;
+  const Ref<CVelumArray> keys = bed.iFirst->KeyIndex();
+  const auto head = [&](qint32 aFlags) {
+    return QByteArray(Bytes().Short(5).Short(3).Int(keys->Id()).Int(aFlags));
+  };
+  const qint32 flags = EArrStrKey | EArrSortKey;
+  const Ref<CVelumStack> read = LoadStack(Replaced(Stored(*bed.iStack), head(flags), head(EArrStrKey)));
+  EXPECT_EQ(read->KeyIndex(keys->Id())->Flags(), flags);
+  EXPECT_EQ(read->LoadProblems(), QStringList{u"Key index %1 had the flags 1"_s.arg(keys->Id())});
+  EXPECT_EQ(Names(*read), u"in Bern,in Graz,in Wien,list"_s);
+}
+
 // A file of another locale: the key index is in the local order first, then the order follows it.
 TEST(CVelumStackFileForm, OrderIsCorrectedByTheKeyIndex) {
   const TFileBed bed;
@@ -167,6 +198,27 @@ TEST(CVelumStackFileForm, OrderOfCardsThatAreNotThere) {
     read->DeleteAllCards();
     EXPECT_EQ(read->NumCards(), 0);
   }
+}
+
+TEST(CVelumStackFileForm, ACardThatStandsTwiceFarApartKeepsItsFirstPlace) {
+  const TSampleStack bed;
+  CVelumModel::Install();
+  const Ref<CVelumCard> lone = bed.AddCard(bed.iSecond, u"lone"_s);
+  for (int i = 0; i < 1200; ++i) bed.AddCard(bed.iFirst, u"card"_s);
+  const qint32 last = 1200;
+  const QByteArray bytes = Stored(*bed.iStack);
+  const Ref<CVelumStack> read =
+      LoadStack(Replaced(bytes, OrderElem(100 * (last + 1), last), OrderElem(100 * (last + 1), lone->Id())));
+  EXPECT_EQ(read->LoadProblems().size(), 2);
+  EXPECT_EQ(read->NumCards(), last + 1);
+  Ref<CVelumCard> card;
+  qint32 cursor = 0;
+  ASSERT_TRUE(read->GetFirstCardInBackground(bed.iSecond->Id(), card, cursor));
+  EXPECT_EQ(card->Name(), u"lone"_s);
+  qint32 num = 0;
+  EXPECT_EQ(read->GetCardIndex(*card, num), 0);
+  EXPECT_EQ(RaisedOverruled([&] { read->DeleteAllCards(); }), -1);
+  EXPECT_EQ(read->NumCards(), 0);
 }
 
 TEST(CVelumStackFileForm, ANumberThatDiffersIsNoted) {

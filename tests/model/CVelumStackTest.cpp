@@ -117,6 +117,27 @@ TEST(CVelumStack, ACardIsNotAddedTwiceNorWithoutItsBackground) {
   EXPECT_EQ(bed.iStack->Cards().Count(), 1);
 }
 
+TEST(CVelumStack, ACardThatCannotBeAddedLeavesNothingBehind) {
+  TSampleStack bed;
+  const auto key = MakeRef<CVelumSortKey>(bed.iStack->IdGen().NextId(), u"Key"_s, bed.iFirst->Id());
+  bed.iStack->AddSortKey(key);
+  bed.iFirst->SetFlag(ECseKeepCardsSorted, true);
+  bed.iStack->NewIndexForSortKey(key);
+  bed.AddCard(bed.iFirst, u"Ann"_s);
+  key->AddKeyPart(EConText, 4711, EWayAscending, 10); // a field that is not there
+  const auto card = MakeRef<CVelumCard>(u"Bob"_s, bed.iFirst);
+  EXPECT_EQ(AssertText([&] { bed.iStack->AddCard(card, nullptr, false); }), u"background control"_s);
+  EXPECT_FALSE(card->Stack());
+  EXPECT_EQ(bed.iStack->NumCards(), 1);
+  EXPECT_EQ(bed.iStack->Cards().Count(), 1);
+  EXPECT_EQ(bed.iStack->NumBackgroundCards(bed.iFirst->Id()), 1);
+  EXPECT_EQ(bed.iFirst->KeyIndex()->Count(), 1);
+  EXPECT_EQ(bed.iStack->NameIndex().Count(), 1);
+  card->SetBackground(bed.iSecond);
+  bed.iStack->AddCard(card, nullptr, false);
+  EXPECT_EQ(card->Id(), 1);
+}
+
 TEST(CVelumStack, LastIdIsGivenAgain) {
   TSampleStack bed;
   bed.AddCard(bed.iFirst, u"a"_s);
