@@ -27,18 +27,17 @@ def walk():
 
 
 def text():
+    # With a counter of its own the text is copied at each turn.
     s = ""
-    i = 0
-    while i < 1000 * 1000:
-        i = i + 1
-        s = s + "abc"
+    for _ in range(1000 * 1000):
+        s += "abc"
 
 
 def rand():
     i = 0
     while i < 1000 * 1000:
         i = i + 1
-        x = random.randint(1, 6)
+        x = int(random.random() * 6) + 1
 
 
 for name, work in (("loop", loop), ("walk", walk), ("text", text), ("random", rand)):

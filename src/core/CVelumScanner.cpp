@@ -3,6 +3,7 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumValue.h"
 
+#include <algorithm>
 #include <cmath>
 
 using namespace CVelumError;
@@ -120,10 +121,13 @@ void CVelumScanner::ReadFileLine() {
   if (!iEof) SetLine(line);
 }
 
+// aName holds letters of ASCII, digits and "_" only.
 bool CVelumScanner::IsKeyword(const QString& aName, qint16& aId) const {
-  const QString upper = aName.toUpper();
+  const auto upper = [](QChar aCh) { return aCh >= u'a' && aCh <= u'z' ? QChar(aCh.unicode() - 32) : aCh; };
+  const auto same = [&](QChar aA, QChar aB) { return upper(aA) == aB; };
   for (const TKeyword& keyword : iKeywords) {
-    if (keyword.iName == upper) {
+    if (keyword.iName.size() == aName.size() &&
+        std::equal(aName.begin(), aName.end(), keyword.iName.begin(), same)) {
       aId = keyword.iId;
       return true;
     }
@@ -131,28 +135,26 @@ bool CVelumScanner::IsKeyword(const QString& aName, qint16& aId) const {
   return false;
 }
 
+// Appends the characters from the look-ahead on for which aHolds; it does not for the end marker.
+template <class THolds> void CVelumScanner::GetWhile(const THolds& aHolds, QString& aStr) {
+  const qsizetype from = iPos - 1;
+  while (aHolds(iCh)) GetChar();
+  aStr.append(QStringView(iLine).sliced(from, iPos - 1 - from));
+}
+
 void CVelumScanner::GetIdent(qint32& aSym, QString& aStr, qint16& aKeyword) {
-  while (IsIdentChar(iCh, 1)) {
-    aStr += Ch();
-    GetChar();
-  }
+  GetWhile([](int aCh) { return IsIdentChar(aCh, 1); }, aStr);
   aSym = IsKeyword(aStr, aKeyword) ? ESymKeyword : ESymIdent;
 }
 
 void CVelumScanner::GetNumber(QString& aStr) {
-  while (IsDigitChar(iCh)) {
-    aStr += Ch();
-    GetChar();
-  }
+  GetWhile(IsDigitChar, aStr);
 }
 
 void CVelumScanner::GetString(QString& aStr) {
-  aStr.clear();
+  aStr.resize(0);
   GetChar();
-  while (iCh != '"' && !AtEol()) {
-    aStr += Ch();
-    GetChar();
-  }
+  GetWhile([](int aCh) { return aCh != '"' && aCh != EEolMarker; }, aStr);
   if (iCh == '"') GetChar();
 }
 
@@ -175,7 +177,7 @@ qint32 CVelumScanner::GetSpecial(QString& aStr) {
 }
 
 void CVelumScanner::GetSym(qint32& aSym, QString& aStr, qint16& aKeyword) {
-  aStr.clear();
+  aStr.resize(0); // keeps its memory for the next symbol
   aKeyword = 0;
   for (;;) {
     if (iEof) {

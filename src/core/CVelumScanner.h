@@ -104,6 +104,7 @@ private:
   [[nodiscard]] bool AtEol() const { return iCh == EEolMarker || iCh == ENoChar; }
   [[nodiscard]] bool AtDelim() const { return !iCsvDelim.isEmpty() && iCh == iCsvDelim.front().unicode(); }
   [[nodiscard]] bool IsKeyword(const QString& aName, qint16& aId) const;
+  template <class THolds> void GetWhile(const THolds& aHolds, QString& aStr);
   void GetIdent(qint32& aSym, QString& aStr, qint16& aKeyword);
   void GetNumber(QString& aStr);
   void GetString(QString& aStr);

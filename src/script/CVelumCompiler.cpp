@@ -184,6 +184,12 @@ void CVelumCompiler::GetNextLine() {
 // Names live as long as the compile, but slots start anew with each handler: a name of an earlier handler
 // keeps the slot that it had there.
 qint16 CVelumCompiler::VarSlot(const QString& aName) {
+  const auto known = iSlots.constFind(aName);
+  if (known != iSlots.constEnd()) return *known;
+  return *iSlots.insert(aName, FindSlot(aName));
+}
+
+qint16 CVelumCompiler::FindSlot(const QString& aName) {
   TVelumElem elem;
   qint32 next = 0;
   if (iVarNames->ReadByStrKey(aName, elem, next)) return static_cast<qint16>(elem.iVal.Int());
@@ -217,6 +223,7 @@ void CVelumCompiler::Compile(const QString& aSource, CVelumArray& aHandlers) {
   if (iLines.size() > EMaxLines) RaiseHost(EHostIndex);
   iCurLine = 0;
   iVarNames->Clear();
+  iSlots.clear();
   iDepth = 0;
   while (iCurLine < iLines.size()) CompHandler(aHandlers);
 }
@@ -311,8 +318,7 @@ void CVelumCompiler::CompFieldRef() {
   QByteArray outer;
   outer.swap(iCode);
   CompFactor();
-  const QByteArray field = iCode;
-  iCode = outer;
+  const QByteArray field = std::exchange(iCode, std::move(outer));
   if (IsKw(EKwOf)) {
     NextSym();
     CheckSymIsKw(EKwCard);

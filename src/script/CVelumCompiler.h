@@ -5,6 +5,7 @@
 #include "core/CVelumScanner.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <array>
 
@@ -66,6 +67,7 @@ private:
   void GetNextLine();
   void AddLineLen();
   [[nodiscard]] qint16 VarSlot(const QString& aName);
+  [[nodiscard]] qint16 FindSlot(const QString& aName);
   [[noreturn]] void Error(const QString& aProc, qint32 aMsg, const QString& aParam0, const QString& aParam1);
 
   // The grammar.
@@ -105,6 +107,7 @@ private:
   QList<QString> iLines;
   qint32 iCurLine = 0;
   Ref<CVelumArray> iVarNames;
+  QHash<QString, qint16> iSlots; // the same, for the spellings met so far
   qint16 iNumVars = 0;
   std::array<qint16, EMaxExits> iExits{};
   int iNumExits = 0;

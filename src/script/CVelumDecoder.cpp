@@ -11,8 +11,10 @@ bool IsComparison(int aOp) {
 
 // Bytes of an instruction with a 16-bit operand, and of a literal ahead of its characters.
 constexpr qint32 ENumLen = 3;
-// Literals that are kept decoded.
-constexpr size_t EMaxLiterals = 10000;
+// Texts, and fields, that are kept decoded.
+constexpr size_t EMaxKept = 10000;
+// Line marks that join an instruction.
+constexpr int EMaxMarks = 100;
 
 } // namespace
 
@@ -31,94 +33,169 @@ bool CVelumDecodedCode::ReadNum(qint32 aPos, quint8 aOp, qint16& aNum) const {
   return true;
 }
 
-// A variable's value (13 s, 11) or a number (13 n).
-bool CVelumDecodedCode::ReadOperand(qint32& aPos, TOperand& aOperand) const {
-  if (!ReadNum(aPos, EOpPushInt, aOperand.iNum)) return false;
-  aPos += ENumLen;
-  aOperand.iIsSlot = ByteAt(aPos) == EOpPushVarVal;
-  if (aOperand.iIsSlot) ++aPos;
-  return true;
+// 13 s, 12
+bool CVelumDecodedCode::ReadSlotStore(qint32 aPos, qint16& aSlot) const {
+  return ReadNum(aPos, EOpPushInt, aSlot) && ByteAt(aPos + ENumLen) == EOpStoreVar;
 }
 
-bool CVelumDecodedCode::DecodeFused(qint32 aPos, TInstr& aInstr) const {
-  qint32 pos = aPos;
-  if (ReadNum(pos, EOpPushInt, aInstr.iArg) && ByteAt(pos + ENumLen) == EOpStoreVar) {
-    aInstr.iKind = EFusedStore;
-    aInstr.iCount = 2;
-    aInstr.iNext = pos + ENumLen + 1;
-    return true;
-  }
-  if (ByteAt(pos) == EOpConcat && ReadNum(pos + 1, EOpPushInt, aInstr.iArg) &&
-      ByteAt(pos + 1 + ENumLen) == EOpStoreVar) {
-    aInstr.iKind = EFusedConcatStore;
-    aInstr.iCount = 3;
-    aInstr.iNext = pos + ENumLen + 2;
-    return true;
-  }
-  if (!ReadOperand(pos, aInstr.iLeft)) return false;
-  const qint32 behindLeft = pos;
-  const bool binary = ReadOperand(pos, aInstr.iRight) && IsBinaryOp(ByteAt(pos));
-  if (!binary) {
-    aInstr.iKind = EFusedPushVar;
-    aInstr.iCount = 2;
-    aInstr.iArg = aInstr.iLeft.iNum;
-    aInstr.iNext = behindLeft;
-    return aInstr.iLeft.iIsSlot;
-  }
-  aInstr.iOp = static_cast<quint8>(ByteAt(pos++));
-  aInstr.iKind = EFusedBinPush;
-  aInstr.iCount = static_cast<quint8>(3 + (aInstr.iLeft.iIsSlot ? 1 : 0) + (aInstr.iRight.iIsSlot ? 1 : 0));
-  if (IsComparison(aInstr.iOp) && ReadNum(pos, EOpJumpIfFalse, aInstr.iArg)) {
-    aInstr.iKind = EFusedCmpJump;
-    aInstr.iCount = static_cast<quint8>(aInstr.iCount + 1);
-    pos += ENumLen;
-  } else if (ReadNum(pos, EOpPushInt, aInstr.iArg) && ByteAt(pos + ENumLen) == EOpStoreVar) {
-    aInstr.iKind = EFusedBinStore;
-    aInstr.iCount = static_cast<quint8>(aInstr.iCount + 2);
-    pos += ENumLen + 1;
-  }
-  aInstr.iNext = pos;
-  return true;
-}
-
-// A whole text literal; a code has fewer positions than a number can count.
-bool CVelumDecodedCode::DecodeLiteral(qint32 aPos, TInstr& aInstr) {
-  if (ByteAt(aPos) != EOpPushStr || ByteAt(aPos + 1) != EValStr || iLiterals.size() > EMaxLiterals)
-    return false;
+// A whole literal.
+bool CVelumDecodedCode::ReadText(qint32& aPos, QString& aText) const {
+  if (ByteAt(aPos) != EOpPushStr || ByteAt(aPos + 1) != EValStr) return false;
   const int len = ByteAt(aPos + 2);
   if (len < 0 || aPos + ENumLen + len > iBytes.size()) return false;
-  aInstr.iKind = EFusedPushStr;
-  aInstr.iArg = static_cast<qint16>(iLiterals.size());
-  aInstr.iNext = aPos + ENumLen + len;
-  iLiterals.push_back(CVelumLib::FromCodePage(iBytes.mid(aPos + ENumLen, len)));
+  aText = CVelumLib::FromCodePage(iBytes.mid(aPos + ENumLen, len));
+  aPos += ENumLen + len;
   return true;
+}
+
+bool CVelumDecodedCode::ReadField(qint32& aPos, TOperand& aOperand) {
+  qint32 pos = aPos;
+  TFieldOperand field;
+  quint8 count = 4;
+  if (ByteAt(pos) == EOpPushCurCard) {
+    ++pos;
+  } else {
+    if (!ReadNum(pos, EOpPushInt, field.iCardSlot) || ByteAt(pos + ENumLen) != EOpPushVarVal ||
+        ByteAt(pos + ENumLen + 1) != EOpValToCard)
+      return false;
+    pos += ENumLen + 2;
+    count = 6;
+  }
+  field.iByName = ReadText(pos, field.iName);
+  qint16 num = 0;
+  if (!field.iByName) {
+    if (!ReadNum(pos, EOpPushInt, num)) return false;
+    pos += ENumLen;
+  }
+  field.iNum = num - 1;
+  if (ByteAt(pos) != EOpValToControl || ByteAt(pos + 1) != EOpGetField || iFields.size() > EMaxKept)
+    return false;
+  aPos = pos + 2;
+  aOperand = {TOperand::EField, count, static_cast<qint16>(iFields.size())};
+  iFields.push_back(field);
+  return true;
+}
+
+bool CVelumDecodedCode::ReadOperand(qint32& aPos, TOperand& aOperand) {
+  if (ReadField(aPos, aOperand)) return true;
+  QString text;
+  if (iTexts.size() <= EMaxKept && ReadText(aPos, text)) {
+    aOperand = {TOperand::EText, 1, static_cast<qint16>(iTexts.size())};
+    iTexts.push_back(text);
+    return true;
+  }
+  qint16 num = 0;
+  if (!ReadNum(aPos, EOpPushInt, num)) return false;
+  aPos += ENumLen;
+  aOperand = {TOperand::ENum, 1, num};
+  if (ByteAt(aPos) != EOpPushVarVal) return true;
+  ++aPos;
+  aOperand = {TOperand::ESlot, 2, num};
+  return true;
+}
+
+bool CVelumDecodedCode::DecodeStore(qint32 aPos, TInstr& aInstr) const {
+  if (ReadSlotStore(aPos, aInstr.iArg)) {
+    aInstr.iKind = EFusedStore;
+    aInstr.iCount = 2;
+    aInstr.iNext = aPos + ENumLen + 1;
+    return true;
+  }
+  const int op = ByteAt(aPos);
+  if (!IsBinaryOp(op) || !ReadSlotStore(aPos + 1, aInstr.iArg)) return false;
+  aInstr.iKind = EFusedTopStore;
+  aInstr.iOp = static_cast<quint8>(op);
+  aInstr.iCount = 3;
+  aInstr.iNext = aPos + ENumLen + 2;
+  return true;
+}
+
+bool CVelumDecodedCode::DecodeWalk(qint32 aPos, TInstr& aInstr) const {
+  const int op = ByteAt(aPos);
+  qint16 top = 0;
+  if (op != EOpNextCard && op != EOpNextCardInBackground) return false;
+  if (!ReadNum(aPos, static_cast<quint8>(op), aInstr.iArg) || !ReadNum(aPos + ENumLen, EOpJump, top))
+    return false;
+  aInstr.iKind = EFusedNextCard;
+  aInstr.iOp = static_cast<quint8>(op);
+  aInstr.iCount = 2;
+  aInstr.iNext = top;
+  return true;
+}
+
+bool CVelumDecodedCode::DecodeJump(qint32 aPos, TInstr& aInstr) const {
+  if (!ReadNum(aPos, EOpJump, aInstr.iArg)) return false;
+  aInstr.iKind = EFusedJump;
+  aInstr.iNext = aPos + ENumLen;
+  return true;
+}
+
+// Two operands and a binary operator, or what can be made of one operand alone.
+bool CVelumDecodedCode::DecodeOperands(qint32 aPos, TInstr& aInstr) {
+  qint32 pos = aPos;
+  if (!ReadOperand(pos, aInstr.iLeft)) return false;
+  const qint32 behindLeft = pos;
+  if (ReadOperand(pos, aInstr.iRight) && (IsBinaryOp(ByteAt(pos)) || ByteAt(pos) == EOpRandom)) {
+    DecodeBinary(pos, aInstr);
+    return true;
+  }
+  aInstr.iCount = aInstr.iLeft.iCount;
+  aInstr.iNext = behindLeft;
+  if (ReadSlotStore(behindLeft, aInstr.iArg)) {
+    aInstr.iKind = EFusedStoreOperand;
+    aInstr.iCount = static_cast<quint8>(aInstr.iCount + 2);
+    aInstr.iNext = behindLeft + ENumLen + 1;
+    return true;
+  }
+  static constexpr EFused kinds[] = {EFusedNone, EFusedPushVar, EFusedPushStr, EFusedPushField};
+  aInstr.iKind = kinds[aInstr.iLeft.iKind];
+  aInstr.iArg = aInstr.iLeft.iNum;
+  return aInstr.iKind != EFusedNone;
+}
+
+// The operator at aPos, and what takes its result.
+void CVelumDecodedCode::DecodeBinary(qint32 aPos, TInstr& aInstr) const {
+  const qint32 pos = aPos + 1;
+  aInstr.iOp = static_cast<quint8>(ByteAt(aPos));
+  aInstr.iKind = EFusedBinPush;
+  int count = aInstr.iLeft.iCount + aInstr.iRight.iCount + 1;
+  aInstr.iNext = pos;
+  if (IsComparison(aInstr.iOp) && ReadNum(pos, EOpJumpIfFalse, aInstr.iArg)) {
+    aInstr.iKind = EFusedCmpJump;
+    count += 1;
+    aInstr.iNext = pos + ENumLen;
+  } else if (ReadSlotStore(pos, aInstr.iArg)) {
+    aInstr.iKind = EFusedBinStore;
+    count += 2;
+    aInstr.iNext = pos + ENumLen + 1;
+  }
+  aInstr.iCount = static_cast<quint8>(count);
 }
 
 bool CVelumDecodedCode::DecodeAny(qint32 aPos, TInstr& aInstr) {
   TInstr fused;
-  if (DecodeLiteral(aPos, fused) || DecodeFused(aPos, fused)) {
-    aInstr = fused;
-    return true;
-  }
-  fused = TInstr();
-  if (!ReadNum(aPos, EOpJump, fused.iArg)) return false;
-  fused.iKind = EFusedJump;
-  fused.iNext = aPos + ENumLen;
+  if (!DecodeStore(aPos, fused) && !DecodeOperands(aPos, fused) && !DecodeJump(aPos, fused) &&
+      !DecodeWalk(aPos, fused))
+    return false;
   aInstr = fused;
   return true;
 }
 
+// Line marks ahead of an instruction join it; of several the last one counts.
 void CVelumDecodedCode::Decode(qint32 aPos, TInstr& aInstr) {
-  if (DecodeAny(aPos, aInstr)) return;
+  qint32 pos = aPos;
+  qint16 line = -1;
+  int marks = 0;
+  for (; marks < EMaxMarks && ReadNum(pos, EOpLine, line); ++marks) pos += ENumLen;
   aInstr = TInstr();
-  aInstr.iKind = EFusedNone;
-  qint16 line = 0;
-  if (!ReadNum(aPos, EOpLine, line)) return;
-  if (!DecodeAny(aPos + ENumLen, aInstr)) {
+  if (DecodeAny(pos, aInstr)) {
+    aInstr.iCount = static_cast<quint8>(aInstr.iCount + marks);
+  } else if (marks > 0) {
     aInstr.iKind = EFusedLine;
-    aInstr.iNext = aPos + ENumLen;
+    aInstr.iCount = static_cast<quint8>(marks);
+    aInstr.iNext = pos;
   } else {
-    aInstr.iCount = static_cast<quint8>(aInstr.iCount + 1);
+    aInstr.iKind = EFusedNone;
   }
   aInstr.iLine = line;
 }

@@ -8,37 +8,58 @@
 #include <vector>
 
 // Instructions that stand for several of the byte code. They do the same as these, unless something is out
-// of the ordinary (an empty slot, other types, a full stack): then the single ones run.
+// of the ordinary (an empty slot, other types, a full stack): then the single ones run. An operand is a
+// number (13 n), a variable (13 s, 11), a text (1) or a field (TFieldOperand).
 enum EFused : quint8 {
-  EFusedNone = 0,          // runs from its bytes
-  EFusedPushVar = 100,     // 13 s, 11
-  EFusedStore = 101,       // 13 s, 12
-  EFusedBinPush = 102,     // operand, operand, binary operator
-  EFusedBinStore = 103,    // the same, 13 s, 12
-  EFusedCmpJump = 104,     // operand, operand, comparison, 8 pos
-  EFusedLine = 105,        // 14 n
-  EFusedJump = 106,        // 30 pos
-  EFusedConcatStore = 107, // 40, 13 s, 12
-  EFusedPushStr = 108,     // 1, 11, length, characters
-  EFusedUndecoded = 255,
+  EFusedNone,         // runs from its bytes
+  EFusedUndecoded,    // not reached yet
+  EFusedPushVar,      // 13 s, 11
+  EFusedPushStr,      // 1, 11, length, characters
+  EFusedPushField,    // a field
+  EFusedStore,        // 13 s, 12
+  EFusedStoreOperand, // operand, 13 s, 12
+  EFusedBinPush,      // operand, operand, binary operator or 33
+  EFusedBinStore,     // the same, 13 s, 12
+  EFusedCmpJump,      // operand, operand, comparison, 8 pos
+  EFusedTopStore,     // binary operator, 13 s, 12
+  EFusedLine,         // 14 n, several
+  EFusedJump,         // 30 pos
+  EFusedNextCard,     // 32 or 37 pos, 30 pos
 };
 
-// An operand of a fused instruction: a slot, or a number.
+// What an operand is, and its number: the number itself, a slot, or the index of a text or field in the code.
 struct TOperand {
-  bool iIsSlot = false;
+  enum EKind : quint8 { ENum, ESlot, EText, EField };
+  EKind iKind = ENum;
+  quint8 iCount = 1; // instructions of the byte code that it stands for
   qint16 iNum = 0;
+};
+
+// "Field f" or "Field f Of Card c": 29 or (13 s, 11, 2), then 1 or 13, then 3, 9. Remembers what it found;
+// that holds for a while only (iStamp), and for the cards of one background.
+struct TFieldOperand {
+  qint16 iCardSlot = -1; // -1: the card of the handler
+  bool iByName = false;
+  QString iName;
+  qint32 iNum = 0; // from 0
+  quint32 iStamp = 0;
+  const void* iStack = nullptr;
+  qint32 iBackgroundId = 0;
+  qint32 iControlId = 0;
+  qint32 iConType = 0;
+  qint32 iHint = 0; // index of the value in the array of the last card
 };
 
 // One instruction at its position in the code.
 struct TInstr {
-  quint8 iKind = EFusedUndecoded; // EFusedNone for a single instruction
-  quint8 iOp = 0;                 // the binary operator of a fused one
-  quint8 iCount = 1;              // instructions of the byte code that it stands for
-  qint16 iLine = -1;              // of a line mark ahead of it, which it stands for too
+  EFused iKind = EFusedUndecoded;
+  quint8 iOp = 0;    // the binary operator of a fused one
+  quint8 iCount = 1; // instructions of the byte code that it stands for
+  qint16 iLine = -1; // of the line marks ahead of it, which it stands for too; -1 for none
   TOperand iLeft;
   TOperand iRight;
-  qint16 iArg = 0;  // slot of a store or push, jump target, number of a literal
-  qint32 iNext = 0; // position behind it
+  qint16 iArg = 0;  // slot of a store or push, jump target, index of a text or field
+  qint32 iNext = 0; // position behind it; of a walk its beginning
 };
 
 // The code of one handler, decoded position by position when it is first reached: a jump may go anywhere,
@@ -59,20 +80,28 @@ public:
     return instr;
   }
 
-  // A literal of the code, by the number in its instruction.
-  [[nodiscard]] const QString& Literal(qint16 aNum) const { return iLiterals[static_cast<size_t>(aNum)]; }
+  // A text or field of the code, by the number in its instruction.
+  [[nodiscard]] const QString& Text(qint16 aNum) const { return iTexts[static_cast<size_t>(aNum)]; }
+  [[nodiscard]] TFieldOperand& Field(qint16 aNum) { return iFields[static_cast<size_t>(aNum)]; }
 
 private:
   void Decode(qint32 aPos, TInstr& aInstr);
   [[nodiscard]] bool DecodeAny(qint32 aPos, TInstr& aInstr);
-  [[nodiscard]] bool DecodeLiteral(qint32 aPos, TInstr& aInstr);
-  [[nodiscard]] bool DecodeFused(qint32 aPos, TInstr& aInstr) const;
+  [[nodiscard]] bool DecodeStore(qint32 aPos, TInstr& aInstr) const;
+  [[nodiscard]] bool DecodeWalk(qint32 aPos, TInstr& aInstr) const;
+  [[nodiscard]] bool DecodeJump(qint32 aPos, TInstr& aInstr) const;
+  [[nodiscard]] bool DecodeOperands(qint32 aPos, TInstr& aInstr);
+  void DecodeBinary(qint32 aPos, TInstr& aInstr) const;
   [[nodiscard]] bool ReadNum(qint32 aPos, quint8 aOp, qint16& aNum) const;
-  [[nodiscard]] bool ReadOperand(qint32& aPos, TOperand& aOperand) const;
+  [[nodiscard]] bool ReadSlotStore(qint32 aPos, qint16& aSlot) const;
+  [[nodiscard]] bool ReadText(qint32& aPos, QString& aText) const;
+  [[nodiscard]] bool ReadField(qint32& aPos, TOperand& aOperand);
+  [[nodiscard]] bool ReadOperand(qint32& aPos, TOperand& aOperand);
   [[nodiscard]] int ByteAt(qint32 aPos) const;
 
   QByteArray iBytes;
   qint32 iHexLen;
   std::vector<TInstr> iInstrs;
-  std::vector<QString> iLiterals;
+  std::vector<QString> iTexts;
+  std::vector<TFieldOperand> iFields;
 };

@@ -17,6 +17,8 @@ namespace {
 // simplest instructions asks for a look itself (PumpSoon).
 constexpr int EClockSteps = 200;
 constexpr qint64 EPumpMs = 1;
+// Instructions ahead of the limit from which on no fused one may overrun it.
+constexpr qint64 ENearLimit = 2 * EClockSteps;
 // The progress bar moves on every 100 instructions, but is drawn at most this often (milliseconds).
 constexpr int EProgressSteps = 100;
 constexpr qint64 EProgressMs = 50;
@@ -39,8 +41,7 @@ private:
   int& iLoops;
 };
 
-CVelumInterpreter::CVelumInterpreter()
-    : iLeftConst(MakeRef<CVelumVar>(EValInt)), iRightConst(MakeRef<CVelumVar>(EValInt)) {
+CVelumInterpreter::CVelumInterpreter() {
   const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
   iRandom.seed(static_cast<quint32>(now ^ (now >> 32)));
   ResetState();
@@ -145,6 +146,7 @@ void CVelumInterpreter::StartCode(const Ref<CVelumScripted>& aObj, const Ref<CVe
   iCode = aCode;
   iIp = 0;
   iBreak = false;
+  ++iStamp;
   iFrame = ENoFrame;
   iLine = ENoInt;
   iCard = aCard;
@@ -191,21 +193,22 @@ void CVelumInterpreter::Tick() {
   const int steps = iGranted - iBudget;
   iTaken += steps;
   iGranted = iBudget = iPumpAlways ? 1 : EClockSteps;
-  if (iLimit > 0) {
-    if (iTaken >= iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
-    iGranted = iBudget = static_cast<int>(qMin<qint64>(iBudget, iLimit - iTaken));
-  }
+  if (iLimit > 0 && iTaken >= iLimit) RaiseHost(EHostInterrupt, u"limit of instructions"_s);
+  iNearLimit = iLimit > 0 && iLimit - iTaken < ENearLimit;
+  if (iNearLimit) iGranted = iBudget = static_cast<int>(qMin<qint64>(iBudget, iLimit - iTaken));
   const qint64 now = iClock.elapsed();
   if (now >= iNextProgress) {
     iNextProgress = now + EProgressMs;
     iHost->ShowProgress(static_cast<int>(iTaken / EProgressSteps % 100));
   }
   if (!iPumpAlways && now < iNextPump) return;
+  ++iStamp;
   CVelumSeams::EventPump().Pump();
   iNextPump = iClock.elapsed() + EPumpMs;
 }
 
 void CVelumInterpreter::PumpSoon() {
+  ++iStamp;
   iGranted -= iBudget;
   iBudget = 0;
 }
@@ -216,7 +219,7 @@ void CVelumInterpreter::Run() {
     if (!iCode) return; // an event, or the last instruction, ended in a Reset
     if ((iBreak || !iPendingCode.isEmpty()) && !Attend()) return;
     if (!iPumpAlways) RunFused();
-    if (iBudget <= 0) continue;
+    if (iBudget <= 0 || !iCode) continue;
     --iBudget;
     if (!Dispatch(CodeByte())) break;
   }

@@ -61,6 +61,10 @@ public:
 
 private:
   class CLoop;
+  // Characters whose copying takes longer than an instruction should.
+  static constexpr qsizetype ELongText = 2000;
+  // Entries that the longest of fused instructions needs for a moment: a value, a card, a field.
+  static constexpr qint32 EFusedRoom = 3;
   using TVarRef = Ref<CVelumVar>;
   struct TFrame {
     Ref<CVelumScripted> iObj;
@@ -86,6 +90,10 @@ private:
   void Tick();
   // Lets events run before the next instruction, if a millisecond has passed.
   void PumpSoon();
+  // The same after work on a text, if its length made that slow.
+  void PumpIfLong(const QString& aText) {
+    if (aText.size() > ELongText) PumpSoon();
+  }
 
   // Code and stack.
   [[nodiscard]] int CodeByte();
@@ -94,21 +102,32 @@ private:
   [[nodiscard]] TVarRef Pop();
   [[nodiscard]] const TVarRef& Peek(int aDepth) const;
   [[nodiscard]] TVarRef& Slot(qint32 aSlot);
+  [[nodiscard]] bool InFrame(qint16 aSlot) const {
+    return static_cast<quint32>(iFrame + aSlot) < static_cast<quint32>(EStackSize);
+  }
   // The variable of a slot, or null where anything is unusual.
   [[nodiscard]] CVelumVar* SlotFast(qint16 aSlot) const {
-    const auto index = static_cast<quint32>(iFrame + aSlot);
-    return index < EStackSize ? iStack[index].Get() : nullptr;
+    return InFrame(aSlot) ? iStack[static_cast<size_t>(iFrame + aSlot)].Get() : nullptr;
   }
-  // A number, or a variable that holds one.
+  // Whether the single instructions of a fused one find room for what they push.
+  [[nodiscard]] bool HasRoom() const { return iSp >= 0 && iSp + EFusedRoom <= EStackSize; }
+  // A number, or a variable or field that holds one.
   [[nodiscard]] bool OperandInt(const TOperand& aOperand, qint32& aInt) const {
+    if (aOperand.iKind == TOperand::ESlot) {
+      const CVelumVar* var = SlotFast(aOperand.iNum);
+      if (!var || var->ValType() != EValInt) return false;
+      aInt = var->IntVal();
+      return true;
+    }
     aInt = aOperand.iNum;
-    if (!aOperand.iIsSlot) return true;
-    const CVelumVar* var = SlotFast(aOperand.iNum);
-    if (!var || var->ValType() != EValInt) return false;
-    aInt = var->IntVal();
-    return true;
+    if (aOperand.iKind == TOperand::ENum) return true;
+    return aOperand.iKind == TOperand::EField && FieldInt(aOperand.iNum, aInt);
   }
-  [[nodiscard]] CVelumVar* OperandVar(const TOperand& aOperand, const TVarRef& aConst) const;
+  [[nodiscard]] TVarRef OperandVar(const TOperand& aOperand) const;
+  [[nodiscard]] CVelumCard* CardOfField(TFieldOperand& aField) const;
+  [[nodiscard]] bool FindField(TFieldOperand& aField, const CVelumCard& aCard) const;
+  [[nodiscard]] bool FieldInt(qint16 aNum, qint32& aInt) const;
+  [[nodiscard]] TVarRef FieldVar(qint16 aNum) const;
   [[noreturn]] void RunFail(const QString& aProc, qint32 aMsg, const QString& aParam0,
                             const QString& aParam1 = {});
 
@@ -117,11 +136,19 @@ private:
   // Runs fused instructions until the budget is used up or one is not fused, or cannot be done as it is.
   void RunFused();
   [[nodiscard]] bool ExecFused(const TInstr& aInstr);
+  [[nodiscard]] bool OperandInts(const TInstr& aInstr, qint32& aLeft, qint32& aRight) const;
+  [[nodiscard]] bool IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult);
+  [[nodiscard]] bool FusedIntJump(const TInstr& aInstr);
+  [[nodiscard]] bool FusedIntStore(const TInstr& aInstr);
+  [[nodiscard]] bool FusedIntPush(const TInstr& aInstr);
+  [[nodiscard]] bool FusedPush(const TInstr& aInstr);
+  [[nodiscard]] bool FusedStore(const TInstr& aInstr);
+  [[nodiscard]] bool FusedStoreOperand(const TInstr& aInstr);
   [[nodiscard]] bool FusedBinary(const TInstr& aInstr);
-  [[nodiscard]] bool FusedInts(const TInstr& aInstr);
-  [[nodiscard]] bool FusedAppend(const TInstr& aInstr, CVelumVar& aLeft, const CVelumVar& aRight);
-  [[nodiscard]] bool FusedConcatStore(const TInstr& aInstr);
-  void FinishBinary(const TInstr& aInstr, const TVarRef& aResult);
+  [[nodiscard]] bool FusedAppend(const TInstr& aInstr);
+  [[nodiscard]] bool FusedTopStore(const TInstr& aInstr);
+  [[nodiscard]] bool FusedNextCard(const TInstr& aInstr);
+  void AppendTo(CVelumVar& aVar, const CVelumVar& aRight);
   void StoreVar(qint32 aSlot, const TVarRef& aVar);
   void ExecPushStr();
   void ExecValToCard();
@@ -142,6 +169,8 @@ private:
   void ExecBinOp(int aOp);
   void ExecPushCurCard();
   void ExecRandom();
+  // 1 to aMost.
+  [[nodiscard]] qint32 RandomUpTo(qint32 aMost);
   void ExecNumCards();
   void ExecNumCardsOfBackground();
   void ExecFirstCard();
@@ -190,9 +219,9 @@ private:
   int iGranted = 0;                                // what iBudget began with
   qint64 iLimit = 0;
   qint64 iTaken = 0;
+  bool iNearLimit = false;
   bool iPumpAlways = false;
-  TVarRef iLeftConst; // cells for the numbers of fused instructions
-  TVarRef iRightConst;
+  quint32 iStamp = 1;   // changes whenever fields may have changed: with events
   QElapsedTimer iClock; // since the script began; the rest in its milliseconds
   qint64 iNextPump = 0;
   qint64 iNextProgress = 0;

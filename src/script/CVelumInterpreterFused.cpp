@@ -2,21 +2,11 @@
 // out of the ordinary it refuses and leaves everything as it was, and the single ones run.
 #include "script/CVelumInterpreter.h"
 
-namespace {
+#include "core/CVelumChecked.h"
+#include "core/CVelumValue.h"
+#include "model/CVelumModel.h"
 
-// The result of an operator on two numbers, if it is a number that fits.
-inline bool IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
-  switch (aOp) {
-  case EOpAdd:
-    return !__builtin_add_overflow(aLeft, aRight, &aResult);
-  case EOpSub:
-    return !__builtin_sub_overflow(aLeft, aRight, &aResult);
-  case EOpMul:
-    return !__builtin_mul_overflow(aLeft, aRight, &aResult);
-  default:
-    return false;
-  }
-}
+namespace {
 
 // Whether aOp compares, and what comes out of it.
 inline bool IntCompare(int aOp, qint32 aLeft, qint32 aRight, bool& aResult) {
@@ -44,128 +34,306 @@ inline bool IntCompare(int aOp, qint32 aLeft, qint32 aRight, bool& aResult) {
   }
 }
 
-// Entries that the longest of these needs for a moment: a value, and the number of a slot.
-constexpr int ERoom = 2;
+// Field types whose values a script can take.
+bool HasPlainValue(int aConType) {
+  return (aConType >= EConText && aConType <= EConBoolean) || aConType == EConList;
+}
+
+// What a walk keeps on the stack: the number of its slot, a number or a background, its position.
+constexpr qint32 EWalkSize = 3;
 
 } // namespace
 
 void CVelumInterpreter::RunFused() {
-  while (iBudget > 0 && iIp >= 0 && iIp < iCode->Bytes().size()) {
-    const TInstr& instr = iCode->At(iIp);
-    if (instr.iKind == EFusedNone || instr.iCount > iBudget) return;
+  // An assertion that is asked may end the script.
+  const Ref<CVelumDecodedCode> code = iCode;
+  const auto size = static_cast<quint32>(code->Bytes().size());
+  while (iBudget > 0 && static_cast<quint32>(iIp) < size) {
+    const TInstr& instr = code->At(iIp);
+    if (instr.iKind == EFusedNone || (iNearLimit && instr.iCount > iBudget)) return;
     const qint32 oldLine = iLine;
-    const int count = instr.iCount;
     if (instr.iLine >= 0) iLine = instr.iLine;
     if (!ExecFused(instr)) {
       iLine = oldLine;
       return;
     }
-    iBudget -= count;
+    iBudget -= instr.iCount;
   }
 }
 
 inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
   switch (aInstr.iKind) {
-  case EFusedLine:
-    iIp = aInstr.iNext;
-    return true;
+  case EFusedCmpJump:
+    return FusedIntJump(aInstr) || FusedBinary(aInstr);
+  case EFusedBinStore:
+    return aInstr.iOp == EOpConcat ? FusedAppend(aInstr) || FusedBinary(aInstr)
+                                   : FusedIntStore(aInstr) || FusedBinary(aInstr);
+  case EFusedBinPush:
+    return FusedIntPush(aInstr) || FusedBinary(aInstr);
   case EFusedJump:
     iIp = aInstr.iArg;
     return true;
-  case EFusedPushVar: {
-    CVelumVar* var = SlotFast(aInstr.iArg);
-    if (!var || iSp >= EStackSize) return false;
-    iStack[static_cast<size_t>(iSp++)] = var;
+  case EFusedLine:
     iIp = aInstr.iNext;
     return true;
-  }
+  case EFusedPushVar:
   case EFusedPushStr:
-    if (iSp >= EStackSize) return false;
-    iStack[static_cast<size_t>(iSp++)] = MakeRef<CVelumVar>(TVelumValue::OfStr(iCode->Literal(aInstr.iArg)));
-    iIp = aInstr.iNext;
-    return true;
+  case EFusedPushField:
+    return FusedPush(aInstr);
   case EFusedStore:
-    if (iSp < 1 || iSp >= EStackSize || !iStack[static_cast<size_t>(iSp - 1)] || !SlotFast(aInstr.iArg))
-      return false;
-    iIp = aInstr.iNext;
-    StoreVar(aInstr.iArg, Pop());
-    return true;
-  case EFusedConcatStore:
-    return FusedConcatStore(aInstr);
+    return FusedStore(aInstr);
+  case EFusedStoreOperand:
+    return FusedStoreOperand(aInstr);
+  case EFusedTopStore:
+    return FusedTopStore(aInstr);
+  case EFusedNextCard:
+    return FusedNextCard(aInstr);
   default:
-    return FusedInts(aInstr) || FusedBinary(aInstr);
+    return false;
   }
 }
 
-CVelumVar* CVelumInterpreter::OperandVar(const TOperand& aOperand, const TVarRef& aConst) const {
-  if (aOperand.iIsSlot) return SlotFast(aOperand.iNum);
-  aConst->ReplaceInt(aOperand.iNum);
-  return aConst.Get();
+// ---- Operands
+
+// The card of a field, if it can have one of the usual kind. The field is then known to be in its background.
+CVelumCard* CVelumInterpreter::CardOfField(TFieldOperand& aField) const {
+  CVelumCard* card = iCard.Get();
+  if (aField.iCardSlot >= 0) {
+    const CVelumVar* var = SlotFast(aField.iCardSlot);
+    card = var ? CVelumModel::ObjAs<CVelumCard>(var->GetValue(), EValCard) : nullptr;
+  }
+  if (!card || !card->Stack()) return nullptr;
+  const bool known = aField.iStamp == iStamp && aField.iStack == card->Stack() &&
+                     aField.iBackgroundId == card->BackgroundId();
+  return known || FindField(aField, *card) ? card : nullptr;
+}
+
+bool CVelumInterpreter::FindField(TFieldOperand& aField, const CVelumCard& aCard) const {
+  const Ref<CVelumControlSet> set = aCard.Background();
+  Ref<CVelumControl> control;
+  if (!set || !(aField.iByName ? set->GetControlByName(aField.iName, control)
+                               : set->GetControlByNum(aField.iNum, control)))
+    return false;
+  if (!HasPlainValue(control->ConType())) return false;
+  aField.iStamp = iStamp;
+  aField.iStack = aCard.Stack();
+  aField.iBackgroundId = aCard.BackgroundId();
+  aField.iControlId = control->Id();
+  aField.iConType = control->ConType();
+  return true;
+}
+
+// The value of a field that is a number which the card has itself.
+bool CVelumInterpreter::FieldInt(qint16 aNum, qint32& aInt) const {
+  TFieldOperand& field = iCode->Field(aNum);
+  if (field.iConType != EConInteger && field.iStamp == iStamp) return false;
+  const CVelumCard* card = CardOfField(field);
+  if (!card) return false;
+  const CVelumArray& values = card->Value();
+  if (field.iHint >= values.Count() || values.IntKeyAt(field.iHint) != field.iControlId) {
+    const qint32 index = values.FindIntKey(field.iControlId);
+    if (index < 0) return false;
+    field.iHint = index;
+  }
+  const TVelumValue& value = values.ValRef(field.iHint);
+  aInt = value.Int();
+  return value.Type() == EValInt;
+}
+
+CVelumInterpreter::TVarRef CVelumInterpreter::FieldVar(qint16 aNum) const {
+  TFieldOperand& field = iCode->Field(aNum);
+  CVelumCard* card = CardOfField(field);
+  if (!card) return nullptr;
+  TVelumValue value = card->GetControlVal(field.iControlId, false);
+  if (value.Type() == EValUndef)
+    CVelumValue::SetZero(value, CVelumValue::ConToValType(field.iConType), ENoDate, 0.0);
+  return MakeRef<CVelumVar>(std::move(value));
+}
+
+// The variable itself, or a new one; nothing where anything is unusual.
+CVelumInterpreter::TVarRef CVelumInterpreter::OperandVar(const TOperand& aOperand) const {
+  switch (aOperand.iKind) {
+  case TOperand::ENum:
+    return MakeRef<CVelumVar>(TVelumValue::OfInt(aOperand.iNum));
+  case TOperand::ESlot:
+    return SlotFast(aOperand.iNum);
+  case TOperand::EText:
+    return MakeRef<CVelumVar>(TVelumValue::OfStr(iCode->Text(aOperand.iNum)));
+  case TOperand::EField:
+    return FieldVar(aOperand.iNum);
+  }
+  return nullptr;
+}
+
+// ---- Numbers: most of a loop
+
+inline bool CVelumInterpreter::OperandInts(const TInstr& aInstr, qint32& aLeft, qint32& aRight) const {
+  return HasRoom() && OperandInt(aInstr.iLeft, aLeft) && OperandInt(aInstr.iRight, aRight);
+}
+
+// The result of an operator on two numbers, if it is a number that fits.
+inline bool CVelumInterpreter::IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
+  switch (aOp) {
+  case EOpAdd:
+    return !__builtin_add_overflow(aLeft, aRight, &aResult);
+  case EOpSub:
+    return !__builtin_sub_overflow(aLeft, aRight, &aResult);
+  case EOpMul:
+    return !__builtin_mul_overflow(aLeft, aRight, &aResult);
+  case EOpRandom:
+    if (aLeft < 1 || aRight != 1) return false;
+    aResult = RandomUpTo(aLeft);
+    return true;
+  default:
+    return false;
+  }
+}
+
+inline bool CVelumInterpreter::FusedIntJump(const TInstr& aInstr) {
+  qint32 left = 0;
+  qint32 right = 0;
+  bool holds = false;
+  if (!OperandInts(aInstr, left, right) || !IntCompare(aInstr.iOp, left, right, holds)) return false;
+  iIp = holds ? aInstr.iNext : aInstr.iArg;
+  return true;
+}
+
+inline bool CVelumInterpreter::FusedIntStore(const TInstr& aInstr) {
+  qint32 left = 0;
+  qint32 right = 0;
+  CVelumVar* target = SlotFast(aInstr.iArg);
+  if (!target || target->ValType() != EValInt || !OperandInts(aInstr, left, right) ||
+      !IntResult(aInstr.iOp, left, right, left))
+    return false;
+  target->ReplaceInt(left);
+  iIp = aInstr.iNext;
+  return true;
+}
+
+bool CVelumInterpreter::FusedIntPush(const TInstr& aInstr) {
+  qint32 left = 0;
+  qint32 right = 0;
+  if (!OperandInts(aInstr, left, right) || !IntResult(aInstr.iOp, left, right, left)) return false;
+  iStack[static_cast<size_t>(iSp++)] = MakeRef<CVelumVar>(TVelumValue::OfInt(left));
+  iIp = aInstr.iNext;
+  return true;
+}
+
+// ---- Any values
+
+bool CVelumInterpreter::FusedPush(const TInstr& aInstr) {
+  if (!HasRoom()) return false;
+  TVarRef var = OperandVar(aInstr.iLeft);
+  if (!var) return false;
+  iStack[static_cast<size_t>(iSp++)] = std::move(var);
+  iIp = aInstr.iNext;
+  return true;
+}
+
+bool CVelumInterpreter::FusedStore(const TInstr& aInstr) {
+  if (iSp < 1 || iSp >= EStackSize || !iStack[static_cast<size_t>(iSp - 1)] || !InFrame(aInstr.iArg))
+    return false;
+  iIp = aInstr.iNext;
+  StoreVar(aInstr.iArg, Pop());
+  return true;
+}
+
+bool CVelumInterpreter::FusedStoreOperand(const TInstr& aInstr) {
+  if (!HasRoom() || !InFrame(aInstr.iArg)) return false;
+  const TVarRef var = OperandVar(aInstr.iLeft);
+  if (!var) return false;
+  iIp = aInstr.iNext;
+  StoreVar(aInstr.iArg, var);
+  return true;
 }
 
 bool CVelumInterpreter::FusedBinary(const TInstr& aInstr) {
-  if (iSp < 0 || iSp + ERoom > EStackSize) return false;
-  CVelumVar* left = OperandVar(aInstr.iLeft, iLeftConst);
-  CVelumVar* right = OperandVar(aInstr.iRight, iRightConst);
-  if (!left || !right) return false;
-  if (aInstr.iKind == EFusedBinStore && !SlotFast(aInstr.iArg)) return false;
-  if (FusedAppend(aInstr, *left, *right)) return true;
-  FinishBinary(aInstr, BinResult(aInstr.iOp, *left, *right));
-  return true;
-}
-
-// Numbers that are compared ahead of a jump, or whose sum and the like goes to a variable: most of a loop.
-inline bool CVelumInterpreter::FusedInts(const TInstr& aInstr) {
-  qint32 left = 0;
-  qint32 right = 0;
-  if (iSp < 0 || iSp + ERoom > EStackSize || !OperandInt(aInstr.iLeft, left) ||
-      !OperandInt(aInstr.iRight, right))
+  if (!IsBinaryOp(aInstr.iOp) || !HasRoom() || (aInstr.iKind == EFusedBinStore && !InFrame(aInstr.iArg)))
     return false;
-  if (aInstr.iKind == EFusedCmpJump) {
-    bool holds = false;
-    if (!IntCompare(aInstr.iOp, left, right, holds)) return false;
-    iIp = holds ? aInstr.iNext : aInstr.iArg;
-    return true;
+  const TVarRef left = OperandVar(aInstr.iLeft);
+  const TVarRef right = left ? OperandVar(aInstr.iRight) : nullptr;
+  if (!left || !right) return false;
+  const TVarRef result = BinResult(aInstr.iOp, *left, *right);
+  iIp = aInstr.iNext;
+  if (aInstr.iKind == EFusedBinStore) {
+    StoreVar(aInstr.iArg, result);
+  } else if (aInstr.iKind == EFusedBinPush) {
+    Push(result);
+  } else if (!result->BooleanVal()) { // comparisons give nothing else
+    iIp = aInstr.iArg;
   }
-  if (aInstr.iKind != EFusedBinStore) return false;
-  CVelumVar* target = SlotFast(aInstr.iArg);
-  qint32 result = 0;
-  if (!target || target->ValType() != EValInt || !IntResult(aInstr.iOp, left, right, result)) return false;
-  target->ReplaceInt(result);
-  iIp = aInstr.iNext;
-  return true;
-}
-
-// The same where x was pushed by other instructions: the cell under it is that of s itself.
-bool CVelumInterpreter::FusedConcatStore(const TInstr& aInstr) {
-  if (iSp < 2 || iSp >= EStackSize) return false;
-  CVelumVar* target = SlotFast(aInstr.iArg);
-  const auto left = static_cast<size_t>(iSp - 2);
-  if (!target || target->ValType() != EValStr || !(iStack[left] == target) || !iStack[left + 1]) return false;
-  target->AppendStr(iStack[left + 1]->ToStr());
-  ExecPop();
-  ExecPop();
-  iIp = aInstr.iNext;
   return true;
 }
 
 // s = s & x grows the text in place.
-bool CVelumInterpreter::FusedAppend(const TInstr& aInstr, CVelumVar& aLeft, const CVelumVar& aRight) {
-  if (aInstr.iOp != EOpConcat || aInstr.iKind != EFusedBinStore || !aInstr.iLeft.iIsSlot ||
-      aInstr.iLeft.iNum != aInstr.iArg || aLeft.ValType() != EValStr)
+bool CVelumInterpreter::FusedAppend(const TInstr& aInstr) {
+  CVelumVar* target = SlotFast(aInstr.iArg);
+  if (aInstr.iLeft.iKind != TOperand::ESlot || aInstr.iLeft.iNum != aInstr.iArg || !target ||
+      target->ValType() != EValStr || !HasRoom())
     return false;
-  const QString text = aRight.ToStr();
-  aLeft.AppendStr(text);
+  if (aInstr.iRight.iKind == TOperand::EText) {
+    target->AppendStr(iCode->Text(aInstr.iRight.iNum));
+  } else {
+    const TVarRef right = OperandVar(aInstr.iRight);
+    if (!right) return false;
+    AppendTo(*target, *right);
+  }
   iIp = aInstr.iNext;
   return true;
 }
 
-void CVelumInterpreter::FinishBinary(const TInstr& aInstr, const TVarRef& aResult) {
-  iIp = aInstr.iNext;
-  if (aInstr.iKind == EFusedBinStore) return StoreVar(aInstr.iArg, aResult);
-  if (aInstr.iKind == EFusedCmpJump && aResult->ValType() == EValBoolean) {
-    if (!aResult->BooleanVal()) iIp = aInstr.iArg;
-    return;
+void CVelumInterpreter::AppendTo(CVelumVar& aVar, const CVelumVar& aRight) {
+  const QString text = aRight.ToStr();
+  PumpIfLong(text);
+  aVar.AppendStr(text);
+}
+
+// The same with operands that other instructions pushed: the cell under x is that of s itself.
+bool CVelumInterpreter::FusedTopStore(const TInstr& aInstr) {
+  if (iSp < 2 || iSp >= EStackSize) return false;
+  CVelumVar* target = SlotFast(aInstr.iArg);
+  const CVelumVar* left = iStack[static_cast<size_t>(iSp - 2)].Get();
+  const CVelumVar* right = iStack[static_cast<size_t>(iSp - 1)].Get();
+  if (!target || !left || !right) return false;
+  if (aInstr.iOp == EOpConcat) {
+    if (target != left || target->ValType() != EValStr) return false;
+    AppendTo(*target, *right);
+  } else {
+    qint32 result = 0;
+    if (target->ValType() != EValInt || left->ValType() != EValInt || right->ValType() != EValInt ||
+        !IntResult(aInstr.iOp, left->IntVal(), right->IntVal(), result))
+      return false;
+    target->ReplaceInt(result);
   }
-  Push(aResult);
+  ExecPop();
+  ExecPop();
+  iIp = aInstr.iNext;
+  return true;
+}
+
+// The step of a walk, and the jump back to its beginning.
+bool CVelumInterpreter::FusedNextCard(const TInstr& aInstr) {
+  if (iSp < EWalkSize || iSp > EStackSize) return false;
+  const CVelumVar* slot = iStack[static_cast<size_t>(iSp - 3)].Get();
+  const CVelumVar* set = iStack[static_cast<size_t>(iSp - 2)].Get();
+  CVelumVar* pos = iStack[static_cast<size_t>(iSp - 1)].Get();
+  if (!slot || !set || !pos || slot->ValType() != EValInt || pos->ValType() != EValInt) return false;
+  const qint32 number = slot->IntVal();
+  CVelumVar* cardVar = number >= 0 && number < EStackSize ? SlotFast(static_cast<qint16>(number)) : nullptr;
+  if (!cardVar || cardVar->ValType() != EValCard) return false;
+  const CVelumControlSet* background = nullptr;
+  if (aInstr.iOp == EOpNextCardInBackground && !(background = set->ControlSetVal())) return false;
+  qint32 index = pos->IntVal();
+  Ref<CVelumCard> card;
+  const bool found = background ? OpenStack().GetNextCardInBackground(background->Id(), card, index)
+                                : OpenStack().GetNextCard(card, index);
+  if (found) {
+    cardVar->ReplaceCard(card);
+    pos->ReplaceInt(index);
+    iIp = aInstr.iNext;
+  } else {
+    ++iBudget; // without the jump
+    iIp = aInstr.iArg;
+  }
+  return true;
 }

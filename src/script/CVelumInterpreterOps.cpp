@@ -16,9 +16,6 @@ namespace {
 constexpr double EMinDate = -657434.0;
 constexpr double EMaxDate = 2958465.0;
 
-// Characters whose copying takes longer than an instruction should.
-constexpr qsizetype ELongText = 2000;
-
 TVelumValue CheckedDate(double aDate) {
   if (!(aDate >= EMinDate && aDate <= EMaxDate + 1)) RaiseHost(EHostOverflow);
   return TVelumValue::OfDate(aDate);
@@ -130,9 +127,13 @@ void CVelumInterpreter::ExecRandom() {
   const TVarRef var = Pop();
   const qint32 arg = Deref(var).ToInt();
   if (arg < 1) AssertObj(false, this, u"ExecRandom"_s, u"arg "_s + QString::number(arg));
-  constexpr double steps = 1 << 24; // single precision
-  const double r = static_cast<double>(iRandom() >> 8) / steps;
-  Push(NewInt(static_cast<qint32>(std::floor(r * arg + 1))));
+  Push(NewInt(RandomUpTo(arg)));
+}
+
+qint32 CVelumInterpreter::RandomUpTo(qint32 aMost) {
+  constexpr double step = 1.0 / (1 << 24); // single precision
+  const double r = static_cast<double>(iRandom() >> 8) * step;
+  return static_cast<qint32>(std::floor(r * aMost + 1));
 }
 
 // ---- Cards, fields, backgrounds
@@ -144,6 +145,7 @@ Ref<CVelumCard> CVelumInterpreter::CardOfVar(const CVelumVar& aVar, const QStrin
   case EValCard:
     return &Deref(aVar.CardVal());
   case EValStr:
+    PumpIfLong(aVar.StrVal());
     if (!OpenStack().GetCard(aVar.StrVal(), card)) RunFail(aProc, EMsgCardNotFound, aVar.StrVal());
     return card;
   case EValInt:
@@ -355,6 +357,8 @@ void CVelumInterpreter::CheckOpTypes(const CVelumVar& aLeft, const CVelumVar& aR
 
 CVelumInterpreter::TVarRef CVelumInterpreter::BinResult(int aOp, const CVelumVar& aLeft,
                                                         const CVelumVar& aRight) {
+  PumpIfLong(aLeft.StrVal());
+  PumpIfLong(aRight.StrVal());
   switch (aOp) {
   case EOpMul:
   case EOpDiv:
@@ -377,7 +381,6 @@ CVelumInterpreter::TVarRef CVelumInterpreter::BinResult(int aOp, const CVelumVar
 CVelumInterpreter::TVarRef CVelumInterpreter::Concat(const CVelumVar& aLeft, const CVelumVar& aRight) {
   TVarRef result = NewVar(TVelumValue::OfStr(aLeft.ToStr()));
   result->AppendStr(aRight.ToStr());
-  if (result->StrVal().size() > ELongText) PumpSoon();
   return result;
 }
 

@@ -5,6 +5,7 @@
 #include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
 #include "model/CVelumCard.h"
+#include "model/CVelumModel.h"
 
 #include <cmath>
 
@@ -102,13 +103,13 @@ QString CVelumVar::TypeStr() const {
 }
 
 CVelumCard* CVelumVar::CardVal() const {
-  return dynamic_cast<CVelumCard*>(iValue.Obj());
+  return CVelumModel::ObjAs<CVelumCard>(iValue, EValCard);
 }
 CVelumControl* CVelumVar::ControlVal() const {
-  return dynamic_cast<CVelumControl*>(iValue.Obj());
+  return CVelumModel::ObjAs<CVelumControl>(iValue, EValControl);
 }
 CVelumControlSet* CVelumVar::ControlSetVal() const {
-  return dynamic_cast<CVelumControlSet*>(iValue.Obj());
+  return CVelumModel::ObjAs<CVelumControlSet>(iValue, EValControlSet);
 }
 
 void CVelumVar::Let(int aType, const QString& aProc, TVelumValue aVal) {
@@ -142,6 +143,10 @@ void CVelumVar::LetControlVal(const Ref<CVelumControl>& aControl) {
 }
 void CVelumVar::LetControlSetVal(const Ref<CVelumControlSet>& aSet) {
   Let(EValControlSet, u"LetControlSetVal"_s, TVelumValue::OfObj(EValControlSet, aSet));
+}
+
+void CVelumVar::ReplaceCard(const Ref<CVelumCard>& aCard) {
+  iValue = TVelumValue::OfObj(EValCard, aCard);
 }
 
 int CVelumVar::CheckedCommonType(const CVelumVar& aVar, const QString& aProc) const {

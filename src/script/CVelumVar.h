@@ -66,8 +66,9 @@ public:
   }
   // Characters that a text built by a script may have (64 MiB); more is host error 7.
   static constexpr qsizetype EMaxTextLen = 32 * 1024 * 1024;
-  // For Int cells in the loops of the interpreter.
+  // For Int and Card cells in the loops of the interpreter.
   void ReplaceInt(qint32 aInt) { iValue.ReplaceInt(aInt); }
+  void ReplaceCard(const Ref<CVelumCard>& aCard);
 
   // Cells come and go with every instruction: a few are kept for the next.
   static void* operator new(size_t aSize);

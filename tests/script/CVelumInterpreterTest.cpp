@@ -320,6 +320,51 @@ TEST_F(CVelumInterpreterTest, KeepsToALimit) {
   }
 }
 
+// What a fused instruction remembers of a field holds only until events have run.
+TEST_F(CVelumInterpreterTest, SeesFieldsThatEventsChanged) {
+  const CWork work(
+      [this] {
+        Control(u"I"_s)->SetName(u"was I"_s);
+        Control(u"R"_s)->SetName(u"I"_s);
+      },
+      4);
+  EXPECT_EQ(Run(u"x = 7\nRepeat While x = 7\nx = Field \"I\"\nEnd Repeat\nAnswer x"_s), Answers{u"2.5"_s});
+}
+
+// Events get their turn often enough to stop a script at once, whatever it does.
+TEST_F(CVelumInterpreterTest, LetsEventsRunInLongWork) {
+  class CGaps final : public CVelumEventPump {
+  public:
+    explicit CGaps(CVelumInterpreter& aInterpreter) : iInterpreter(aInterpreter) {
+      CVelumSeams::SetEventPump(this);
+      iClock.start();
+    }
+    ~CGaps() override { CVelumSeams::SetEventPump(nullptr); }
+    void Pump() override {
+      iLongest = qMax(iLongest, iClock.restart());
+      if (++iPumps == 60) iInterpreter.Break();
+    }
+    CVelumInterpreter& iInterpreter;
+    QElapsedTimer iClock;
+    qint64 iLongest = 0;
+    int iPumps = 0;
+  };
+  const QString longText =
+      u"t = \"          \"\ni = 0\nRepeat While i < 14\ni = i + 1\nt = t & t\nEnd Repeat\n"_s;
+  const QString bodies[] = {
+      u"Repeat While 1 = 1\nx = 1\nEnd Repeat"_s,
+      longText + u"Repeat While 1 = 1\ns = t & \"x\"\nEnd Repeat"_s,
+      longText + u"u = t & \"\"\nRepeat While u = t\nu = t & \"\"\nEnd Repeat"_s,
+      longText + u"Repeat While 1 = 1\nx = t * t\nEnd Repeat"_s,
+      u"Repeat While 1 = 1\nRepeat For Each Card c\nx = Field \"T\" Of Card c\nEnd Repeat\nEnd Repeat"_s};
+  for (const QString& body : bodies) {
+    CGaps gaps(*iInterpreter);
+    Run(body);
+    EXPECT_EQ(iPresenter.Told().last(), u"Script breaked"_s);
+    EXPECT_LT(gaps.iLongest, 100) << body.toStdString();
+  }
+}
+
 // ---- Byte code that no compiler made
 
 TEST_F(CVelumInterpreterTest, ChecksCodeAsItRuns) {
@@ -430,16 +475,45 @@ TEST_F(CVelumInterpreterTest, FusesWithoutADifference) {
       u"x = y + 1"_s,
       u"x = 32767\nRepeat While x > 0\nx = x * 2\nEnd Repeat"_s,
       u"If 1 < \"a\" Then\nEnd If"_s,
+      // Walks and fields.
+      u"s = 0\nRepeat For Each Card c\ns = s + Field \"I\" Of Card c\nEnd Repeat\nAnswer s"_s,
+      u"s = 0\nRepeat For Each Card c Of Background \"Page\"\ns = s + Field 2 Of Card c\nEnd Repeat\nAnswer s"_s,
+      u"Repeat For Each Card c\nIf Field \"I\" Of Card c > 3 Then\nAnswer c\nEnd If\nAnswer Field \"D\" Of "
+      u"Card c\n"
+      u"Answer Field \"B\" Of Card c & Field \"R\" Of Card c\nEnd Repeat"_s,
+      u"Repeat For Each Card c\nc = 1\nEnd Repeat"_s,
+      u"Repeat For Each Card c\nGo c\nx = Field \"I\"\nAnswer x\nPut x + 1 Into Field \"I\"\nAnswer Field "
+      u"\"I\"\n"
+      u"Put x Into Field \"I\"\nEnd Repeat"_s,
+      u"c = 1\nAnswer Field \"I\" Of Card c"_s,
+      u"c = \"none\"\nAnswer Field \"I\" Of Card c"_s,
+      u"Answer Field \"none\" & 1"_s,
+      u"x = Field \"C\""_s,
+      u"x = 1 + Field \"P\""_s,
+      u"x = Field \"T\" & \"!\"\nAnswer x & Field \"T\"\nAnswer \"<\" & x"_s,
+      // Numbers at random, on the stack and stored.
+      u"x = 0\nx = Random(6)\nAnswer x\nAnswer (Random(6) + 1\nx = (Random(x)\nAnswer x"_s,
+      u"x = Random(0)"_s,
+      u"x = 1\nx = x + 2 * 3\nAnswer x\nx = x - 2 * 3\nAnswer x\ny = x + 2 * 3\nAnswer y\nx = x / 2 * 3\nAnswer x"_s,
+      u"x = 1\nx = x + 32767 * 32767 * 2"_s,
+      u"s = \"a\"\nt = s\ns = s & \"b\" & t\nAnswer s\nAnswer t\ns = s & s\nAnswer s"_s,
+      u"Repeat For Each Card c\ns = s & c & Field \"I\" Of Card c & Return\nEnd Repeat\nAnswer s"_s,
   };
   for (const QString& body : bodies) {
     QList<QString> outcome[2];
     for (const bool single : {false, true}) {
       iInterpreter->SetPumpAlways(single);
+      iInterpreter->SeedRandom(1);
+      iHost->SetCurCard(Card(u"one"_s));
+      const auto before = iPresenter.Told().size();
       try {
-        outcome[single] = Run(body);
+        Run(body);
       } catch (const CVelumException& e) {
-        outcome[single] = {u"failed"_s, QString::number(e.Number()), iInterpreter->GetError().iParam0};
+        outcome[single] = {QString::number(e.Number()), iInterpreter->GetError().iParam0,
+                           QString::number(iInterpreter->GetError().iLine),
+                           CVelumError::GetErrorRecord().iP1};
       }
+      outcome[single] += iPresenter.Told().mid(before);
     }
     EXPECT_EQ(outcome[0], outcome[1]) << body.toStdString();
   }
