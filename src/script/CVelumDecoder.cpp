@@ -5,8 +5,34 @@
 
 namespace {
 
-bool IsComparison(int aOp) {
-  return aOp == EOpEqual || (aOp >= EOpGreater && aOp <= EOpNotEqual);
+// As iHolds of TInstr wants it; 0 for what is no comparison.
+quint8 HoldsOf(int aOp) {
+  switch (aOp) {
+  case EOpLess:
+    return 1;
+  case EOpEqual:
+    return 2;
+  case EOpLessEqual:
+    return 3;
+  case EOpGreater:
+    return 4;
+  case EOpNotEqual:
+    return 5;
+  case EOpGreaterEqual:
+    return 6;
+  default:
+    return 0;
+  }
+}
+
+EHot HotOf(int aOp) {
+  if (aOp == EOpAdd) return EHotAdd;
+  if (aOp == EOpSub) return EHotSub;
+  return aOp == EOpMul ? EHotMul : EHotNone;
+}
+
+bool MayBeHot(const TOperand& aOperand) {
+  return aOperand.iKind == TOperand::ENum || aOperand.iKind == TOperand::ESlot;
 }
 
 // Bytes of an instruction with a 16-bit operand, and of a literal ahead of its characters.
@@ -160,7 +186,7 @@ void CVelumDecodedCode::DecodeBinary(qint32 aPos, TInstr& aInstr) const {
   aInstr.iKind = EFusedBinPush;
   int count = aInstr.iLeft.iCount + aInstr.iRight.iCount + 1;
   aInstr.iNext = pos;
-  if (IsComparison(aInstr.iOp) && ReadNum(pos, EOpJumpIfFalse, aInstr.iArg)) {
+  if (HoldsOf(aInstr.iOp) != 0 && ReadNum(pos, EOpJumpIfFalse, aInstr.iArg)) {
     aInstr.iKind = EFusedCmpJump;
     count += 1;
     aInstr.iNext = pos + ENumLen;
@@ -181,6 +207,16 @@ bool CVelumDecodedCode::DecodeAny(qint32 aPos, TInstr& aInstr) {
   return true;
 }
 
+void CVelumDecodedCode::MarkHot(TInstr& aInstr) {
+  const bool operands = MayBeHot(aInstr.iLeft) && MayBeHot(aInstr.iRight);
+  if (aInstr.iKind == EFusedJump) aInstr.iHot = EHotJump;
+  if (aInstr.iKind == EFusedLine) aInstr.iHot = EHotLine;
+  if (aInstr.iKind == EFusedBinStore && operands) aInstr.iHot = HotOf(aInstr.iOp);
+  if (aInstr.iKind != EFusedCmpJump) return;
+  aInstr.iHolds = HoldsOf(aInstr.iOp);
+  if (operands) aInstr.iHot = EHotCompare;
+}
+
 // Line marks ahead of an instruction join it; of several the last one counts.
 void CVelumDecodedCode::Decode(qint32 aPos, TInstr& aInstr) {
   qint32 pos = aPos;
@@ -198,4 +234,5 @@ void CVelumDecodedCode::Decode(qint32 aPos, TInstr& aInstr) {
     aInstr.iKind = EFusedNone;
   }
   aInstr.iLine = line;
+  MarkHot(aInstr);
 }

@@ -27,6 +27,9 @@ enum EFused : quint8 {
   EFusedNextCard,     // 32 or 37 pos, 30 pos
 };
 
+// The few that make most of a loop: they change nothing but whole numbers in variables, and the position.
+enum EHot : quint8 { EHotNone, EHotJump, EHotLine, EHotCompare, EHotAdd, EHotSub, EHotMul };
+
 // What an operand is, and its number: the number itself, a slot, or the index of a text or field in the code.
 struct TOperand {
   enum EKind : quint8 { ENum, ESlot, EText, EField };
@@ -55,11 +58,19 @@ struct TInstr {
   EFused iKind = EFusedUndecoded;
   quint8 iOp = 0;    // the binary operator of a fused one
   quint8 iCount = 1; // instructions of the byte code that it stands for
+  EHot iHot = EHotNone;
+  quint8 iHolds = 0; // of EFusedCmpJump: 1 if it holds for less, plus 2 for equal, plus 4 for greater
   qint16 iLine = -1; // of the line marks ahead of it, which it stands for too; -1 for none
   TOperand iLeft;
   TOperand iRight;
   qint16 iArg = 0;  // slot of a store or push, jump target, index of a text or field
   qint32 iNext = 0; // position behind it; of a walk its beginning
+
+  // Whether the comparison of EFusedCmpJump holds for two numbers.
+  [[nodiscard]] bool Holds(qint32 aLeft, qint32 aRight) const {
+    const int order = (aLeft > aRight) - (aLeft < aRight) + 1;
+    return ((iHolds >> order) & 1) != 0;
+  }
 };
 
 // The code of one handler, decoded position by position when it is first reached: a jump may go anywhere,
@@ -92,6 +103,7 @@ private:
   [[nodiscard]] bool DecodeJump(qint32 aPos, TInstr& aInstr) const;
   [[nodiscard]] bool DecodeOperands(qint32 aPos, TInstr& aInstr);
   void DecodeBinary(qint32 aPos, TInstr& aInstr) const;
+  static void MarkHot(TInstr& aInstr);
   [[nodiscard]] bool ReadNum(qint32 aPos, quint8 aOp, qint16& aNum) const;
   [[nodiscard]] bool ReadSlotStore(qint32 aPos, qint16& aSlot) const;
   [[nodiscard]] bool ReadText(qint32& aPos, QString& aText) const;

@@ -15,7 +15,7 @@ namespace {
 // Instructions between two looks at the clock, and milliseconds between two runs of events: as often as a
 // person can notice, without paying for an empty queue at every instruction. What takes longer than the
 // simplest instructions asks for a look itself (PumpSoon).
-constexpr int EClockSteps = 200;
+constexpr int EClockSteps = 1000;
 constexpr qint64 EPumpMs = 1;
 // Instructions ahead of the limit from which on no fused one may overrun it.
 constexpr qint64 ENearLimit = 2 * EClockSteps;

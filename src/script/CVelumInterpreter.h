@@ -135,6 +135,10 @@ private:
   [[nodiscard]] bool Dispatch(int aOp);
   // Runs fused instructions until the budget is used up or one is not fused, or cannot be done as it is.
   void RunFused();
+  struct TFrameVars;
+  [[nodiscard]] TFrameVars FrameVars() const;
+  [[nodiscard]] static bool ExecHot(const TInstr& aInstr, const TFrameVars& aVars, qint32& aIp);
+  [[nodiscard]] bool RunCold(const TInstr& aInstr);
   [[nodiscard]] bool ExecFused(const TInstr& aInstr);
   [[nodiscard]] bool OperandInts(const TInstr& aInstr, qint32& aLeft, qint32& aRight) const;
   [[nodiscard]] bool IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult);

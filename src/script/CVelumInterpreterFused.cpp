@@ -8,32 +8,6 @@
 
 namespace {
 
-// Whether aOp compares, and what comes out of it.
-inline bool IntCompare(int aOp, qint32 aLeft, qint32 aRight, bool& aResult) {
-  switch (aOp) {
-  case EOpEqual:
-    aResult = aLeft == aRight;
-    return true;
-  case EOpNotEqual:
-    aResult = aLeft != aRight;
-    return true;
-  case EOpLess:
-    aResult = aLeft < aRight;
-    return true;
-  case EOpLessEqual:
-    aResult = aLeft <= aRight;
-    return true;
-  case EOpGreater:
-    aResult = aLeft > aRight;
-    return true;
-  case EOpGreaterEqual:
-    aResult = aLeft >= aRight;
-    return true;
-  default:
-    return false;
-  }
-}
-
 // Field types whose values a script can take.
 bool HasPlainValue(int aConType) {
   return (aConType >= EConText && aConType <= EConBoolean) || aConType == EConList;
@@ -44,21 +18,94 @@ constexpr qint32 EWalkSize = 3;
 
 } // namespace
 
+// The variables of a frame, which stay where they are while hot instructions run.
+struct CVelumInterpreter::TFrameVars {
+  const TVarRef* iVars;
+  quint32 iCount;
+
+  // The variable of a slot if it holds a whole number, else null.
+  [[nodiscard]] CVelumVar* IntVar(qint16 aSlot) const {
+    if (static_cast<quint32>(aSlot) >= iCount) return nullptr;
+    CVelumVar* var = iVars[aSlot].Get();
+    return var && var->GetValue().Type() == EValInt ? var : nullptr;
+  }
+  [[nodiscard]] bool Int(const TOperand& aOperand, qint32& aInt) const {
+    aInt = aOperand.iNum;
+    if (aOperand.iKind == TOperand::ENum) return true;
+    const CVelumVar* var = IntVar(aOperand.iNum);
+    if (!var) return false;
+    aInt = var->IntVal();
+    return true;
+  }
+};
+
+// None where hot instructions may not run: no frame was entered, or the stack is nearly full.
+CVelumInterpreter::TFrameVars CVelumInterpreter::FrameVars() const {
+  if (iFrame < 0 || iFrame >= EStackSize || !HasRoom()) return {nullptr, 0};
+  return {iStack.data() + iFrame, static_cast<quint32>(EStackSize - iFrame)};
+}
+
+// False where anything is out of the ordinary.
+inline bool CVelumInterpreter::ExecHot(const TInstr& aInstr, const TFrameVars& aVars, qint32& aIp) {
+  if (aInstr.iHot == EHotNone) return false;
+  if (aInstr.iHot <= EHotLine) {
+    aIp = aInstr.iHot == EHotJump ? aInstr.iArg : aInstr.iNext;
+    return true;
+  }
+  qint32 left = 0;
+  qint32 right = 0;
+  if (!aVars.iVars || !aVars.Int(aInstr.iLeft, left) || !aVars.Int(aInstr.iRight, right)) return false;
+  if (aInstr.iHot == EHotCompare) {
+    aIp = aInstr.Holds(left, right) ? aInstr.iNext : aInstr.iArg;
+    return true;
+  }
+  CVelumVar* target = aVars.IntVar(aInstr.iArg);
+  if (!target) return false;
+  const bool overflow = aInstr.iHot == EHotAdd   ? __builtin_add_overflow(left, right, &left)
+                        : aInstr.iHot == EHotSub ? __builtin_sub_overflow(left, right, &left)
+                                                 : __builtin_mul_overflow(left, right, &left);
+  if (overflow) return false;
+  target->ReplaceInt(left);
+  aIp = aInstr.iNext;
+  return true;
+}
+
 void CVelumInterpreter::RunFused() {
   // An assertion that is asked may end the script.
   const Ref<CVelumDecodedCode> code = iCode;
   const auto size = static_cast<quint32>(code->Bytes().size());
-  while (iBudget > 0 && static_cast<quint32>(iIp) < size) {
-    const TInstr& instr = code->At(iIp);
-    if (instr.iKind == EFusedNone || (iNearLimit && instr.iCount > iBudget)) return;
-    const qint32 oldLine = iLine;
-    if (instr.iLine >= 0) iLine = instr.iLine;
-    if (!ExecFused(instr)) {
-      iLine = oldLine;
-      return;
+  TFrameVars vars = FrameVars();
+  while (iBudget > 0) {
+    qint32 ip = iIp;
+    qint32 budget = iBudget;
+    qint32 line = iLine;
+    const TInstr* instr = nullptr;
+    while (budget > 0 && static_cast<quint32>(ip) < size) {
+      instr = &code->At(ip);
+      if ((iNearLimit && instr->iCount > budget) || !ExecHot(*instr, vars, ip)) break;
+      if (instr->iLine >= 0) line = instr->iLine;
+      budget -= instr->iCount;
+      instr = nullptr;
     }
-    iBudget -= instr.iCount;
+    iIp = ip;
+    iBudget = budget;
+    iLine = line;
+    if (!instr || !RunCold(*instr) || !(iCode == code)) return;
+    vars = FrameVars();
   }
+}
+
+// A fused instruction that is not hot. False, and nothing changed, when the single ones have to run.
+bool CVelumInterpreter::RunCold(const TInstr& aInstr) {
+  if (aInstr.iKind == EFusedNone || (iNearLimit && aInstr.iCount > iBudget)) return false;
+  const qint32 oldLine = iLine;
+  if (aInstr.iLine >= 0) iLine = aInstr.iLine;
+  if (!ExecFused(aInstr)) {
+    iLine = oldLine;
+    return false;
+  }
+  iBudget -= aInstr.iCount;
+  return true;
 }
 
 inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
@@ -192,9 +239,8 @@ inline bool CVelumInterpreter::IntResult(int aOp, qint32 aLeft, qint32 aRight, q
 inline bool CVelumInterpreter::FusedIntJump(const TInstr& aInstr) {
   qint32 left = 0;
   qint32 right = 0;
-  bool holds = false;
-  if (!OperandInts(aInstr, left, right) || !IntCompare(aInstr.iOp, left, right, holds)) return false;
-  iIp = holds ? aInstr.iNext : aInstr.iArg;
+  if (!OperandInts(aInstr, left, right)) return false;
+  iIp = aInstr.Holds(left, right) ? aInstr.iNext : aInstr.iArg;
   return true;
 }
 
