@@ -59,14 +59,6 @@ QWidget* FakeFrame::ShowForm(const QString& aName) {
   return nullptr;
 }
 
-void FakeRunner::LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
-                                     const QString& aMsg) {
-  QString sent = aMsg + u' ' + (aCard ? aCard->Name() : u"-"_s);
-  if (aControl) sent += u'.' + aControl->Name();
-  iSent.append(sent);
-  if (iOnMessage) iOnMessage(sent);
-}
-
 RuntimeTest::RuntimeTest() {
   CVelumLocale::Init(u"en_US"_s);
   CVelumMsg::InitMessages();

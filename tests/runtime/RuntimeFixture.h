@@ -5,8 +5,8 @@
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeLib.h"
-#include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
+#include "support/NotingRunner.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 #include "support/WidgetApp.h"
@@ -52,23 +52,6 @@ public:
   bool iCloses = true; // what CloseStack answers
 };
 
-class FakeRunner final : public CVelumScriptRunner {
-public:
-  FakeRunner() { gScriptRunner = this; }
-  ~FakeRunner() override { gScriptRunner = nullptr; }
-  void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
-                           const QString& aMsg) override;
-  [[nodiscard]] bool Running() const override { return iRunning; }
-  void Break() override { ++iBreaks; }
-  void Reset() override { ++iResets; }
-
-  QStringList iSent; // "message card" or "message card.field"
-  std::function<void(const QString& aSent)> iOnMessage;
-  bool iRunning = false;
-  int iBreaks = 0;
-  int iResets = 0;
-};
-
 class RuntimeTest : public testing::Test {
 protected:
   RuntimeTest();
@@ -95,7 +78,7 @@ protected:
   ScriptedPresenter iPresenter;
   FixedMeasure iMeasure;
   FakeFrame iFrame;
-  FakeRunner iRunner;
+  NotingRunner iRunner;
   Ref<CVelumControlSet> iSet; // the first background, dense and without a header unless a test changes that
 };
 

@@ -138,7 +138,7 @@ TEST_F(CVelumFrameTest, OpenFollowsTheDialog) {
   ASSERT_TRUE(gStack);
   EXPECT_EQ(gFrame->windowTitle(), path + u" - Orvelles"_s);
   EXPECT_EQ(CardName(), u"card 00"_s);
-  EXPECT_EQ(iRunner.iSent.count(u"openStack"_s), 1);
+  EXPECT_EQ(iRunner.CountOf(u"openStack"_s), 1);
   EXPECT_EQ(gOptions.iLoadDialogInitDir, iFolder.Path());
   EXPECT_EQ(gFileHistory[0], path);
   // A second stack replaces the first without a question, as nothing was changed.
@@ -330,7 +330,7 @@ TEST_F(CVelumFrameTest, SaveAsShowsTheNewNameAtOnceAndOpensAgain) {
   EXPECT_EQ(gFileHistory[0], iPath);
   EXPECT_EQ(gFileHistory[1], old);
   EXPECT_FALSE(gStack->Changed());
-  EXPECT_EQ(iRunner.iSent.count(u"openStack"_s), 1);
+  EXPECT_EQ(iRunner.CountOf(u"openStack"_s), 1);
   EXPECT_EQ(iFolder.Read(u"a.Orvelle"_s), before);
 }
 

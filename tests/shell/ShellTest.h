@@ -1,30 +1,14 @@
 // The whole desktop program in a test, on a copy of a small stack.
 #pragma once
 
-#include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
 #include "shell/CVelumFrame.h"
+#include "support/NotingRunner.h"
 #include "support/WidgetTest.h"
 #include "toolkit/CVelumFileDialog.h"
 
 #include <QAction>
 #include <functional>
-
-// Notes the messages that scripts would get.
-class NotingRunner final : public CVelumScriptRunner {
-public:
-  NotingRunner() { gScriptRunner = this; }
-  ~NotingRunner() override { gScriptRunner = nullptr; }
-  void LocateAndExecScript(const Ref<CVelumCard>&, const Ref<CVelumControl>&, const QString& aMsg) override {
-    iSent.append(aMsg);
-    if (iOnMessage) iOnMessage(aMsg);
-  }
-  [[nodiscard]] bool Running() const override { return false; }
-  void Break() override {}
-  void Reset() override {}
-  QStringList iSent;
-  std::function<void(const QString&)> iOnMessage;
-};
 
 // Start makes the program. Messages go to iPresenter. File dialogs answer iPath, and nothing until it is set.
 class ShellTest : public WidgetTest {
