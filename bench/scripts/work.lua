@@ -1,5 +1,14 @@
 -- The work of ScriptBench.cpp.
-local function time(name, f) local t = os.clock(); f(); print(string.format("%s %.4f", name, os.clock() - t)) end
+-- The best of a few turns.
+local function time(name, f)
+  local best = math.huge
+  for _ = 1, 3 do
+    local t = os.clock()
+    f()
+    best = math.min(best, os.clock() - t)
+  end
+  print(string.format("%s %.4f", name, best))
+end
 local cards = {}
 for i = 0, 99999 do cards[i + 1] = { Name = "Card " .. i, Amount = i % 100 } end
 time("loop", function()
@@ -13,3 +22,8 @@ time("text", function()
   local s = table.concat(t)
 end)
 time("random", function() local x; for i = 1, 1000 * 1000 do x = math.random(6) end end)
+-- What luac does, without starting it a thousand times.
+local lines = {}
+for i = 0, 98 do lines[#lines + 1] = "x = x + " .. i .. " * y\n" end
+local source = table.concat(lines)
+time("compile", function() for i = 1, 1000 do string.dump(load(source)) end end)
