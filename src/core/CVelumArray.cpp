@@ -41,7 +41,7 @@ void CVelumArray::SetFlags(qint32 aFlags) {
 }
 
 bool CVelumArray::Changed() const {
-  if (iChanged || !WithObj()) return iChanged;
+  if (iChanged || !HoldsObj()) return iChanged;
   for (qint32 i = 0; i < iMax; ++i) {
     const CVelumStored* obj = iStore.Cell(i).Obj();
     if (obj && obj->Changed()) return true;
@@ -52,7 +52,7 @@ bool CVelumArray::Changed() const {
 void CVelumArray::SetChanged(bool aChanged) {
   if (aChanged) return Touch();
   iChanged = false;
-  if (!WithObj()) return;
+  if (!HoldsObj()) return;
   for (qint32 i = 0; i < iMax; ++i)
     if (CVelumStored* obj = iStore.Cell(i).Obj()) obj->SetChanged(false);
 }
@@ -101,6 +101,7 @@ void CVelumArray::SetObj(qint32 aIndex, const Ref<CVelumStored>& aObj) {
   const int tag = cell.IsObjType() ? cell.Type() : iType;
   if (tag < EValCard || tag > EValBlob) CVelumError::RaiseHost(EHostTypeMismatch);
   cell.Val() = TVelumValue::OfObj(tag, aObj);
+  NoteObj(cell);
   Touch();
 }
 
@@ -258,6 +259,25 @@ void CVelumArray::RenumberIntKey(qint32 aStep) {
   Touch();
 }
 
+void CVelumArray::Swap(CVelumArray& aOther) noexcept {
+  std::swap(iId, aOther.iId);
+  std::swap(iFlags, aOther.iFlags);
+  std::swap(iType, aOther.iType);
+  std::swap(iChanged, aOther.iChanged);
+  const bool bulk = iBulk;
+  iBulk = aOther.iBulk;
+  aOther.iBulk = bulk;
+  const bool mixedObj = iMixedObj;
+  iMixedObj = aOther.iMixedObj;
+  aOther.iMixedObj = mixedObj;
+  std::swap(iAllocStep, aOther.iAllocStep);
+  std::swap(iAlloc, aOther.iAlloc);
+  std::swap(iMax, aOther.iMax);
+  std::swap(iSortKeyId, aOther.iSortKeyId);
+  std::swap(iRare, aOther.iRare);
+  std::swap(iStore, aOther.iStore);
+}
+
 void CVelumArray::Sort() {
   Check(!WithKey(), u"Sort", u"not withKey");
   Check(iType == EValStr, u"Sort", u"EValStr");
@@ -284,9 +304,9 @@ void CVelumArray::InitElem(TVelumElem& aElem) const {
   }
 }
 
-void CVelumArray::CreateStrKey(const TVelumElem& aElem) {
+qint32 CVelumArray::CreateStrKey(const TVelumElem& aElem) {
   Check(WithStrKey(), u"CreateStrKey", u"with StrKey");
-  static_cast<void>(Create(aElem, ENoInt));
+  return Create(aElem, ENoInt);
 }
 
 void CVelumArray::CreateIntKey(const TVelumElem& aElem) {
@@ -354,6 +374,7 @@ bool CVelumArray::ReadPrev(TVelumElem& aElem, qint32& aIndex) const {
 
 void CVelumArray::SetValAt(qint32 aNext, const TVelumValue& aVal) {
   CellAt(CVelumChecked::Sub(aNext, 1)).Val() = aVal;
+  NoteObj(aVal);
   Touch();
 }
 
@@ -481,16 +502,42 @@ template <class TCompare> bool CVelumArray::Locate(const TCompare& aCompare, qin
   return false;
 }
 
+// Large arrays are searched run by run. Only where the key occurs more than once does it matter which middles
+// are tried.
+template <class TCompare> bool CVelumArray::LocateKey(const TCompare& aCompare, qint32& aIndex) const {
+  const auto compare = [&](qint32 aMid) { return aCompare(StrKeyAt(aMid)); };
+  if (!iStore.Blocks() || !iStore.Keyed()) return Locate(compare, aIndex);
+  qint32 lo = 0;
+  qint32 hi = 0;
+  iStore.Blocks()->Narrow(aCompare, lo, hi);
+  while (lo < hi) {
+    aIndex = (lo + hi) / 2;
+    const int order = compare(aIndex);
+    if (order == 0) {
+      const bool twice =
+          (aIndex > 0 && compare(aIndex - 1) == 0) || (aIndex + 1 < iMax && compare(aIndex + 1) == 0);
+      return twice ? Locate(compare, aIndex) : true;
+    }
+    if (order > 0)
+      lo = aIndex + 1;
+    else
+      hi = aIndex;
+  }
+  aIndex = lo;
+  return false;
+}
+
 bool CVelumArray::LocateStr(const QString& aKey, qint32& aIndex) const {
   if (WithSortKey()) {
     const Ref<CVelumKeyOrder> key = SortKey();
     const CVelumKeyOrder& order = CVelumChecked::Deref(key);
-    return Locate([&](qint32 aMid) { return order.Compare(aKey, StrKeyAt(aMid)) - 1; }, aIndex);
+    return LocateKey([&](const QString& aOther) { return order.Compare(aKey, aOther) - 1; }, aIndex);
   }
   if (iFlags & EArrExactCase)
-    return Locate([&](qint32 aMid) { return CVelumCollation::CompareBin(aKey, StrKeyAt(aMid)); }, aIndex);
+    return LocateKey([&](const QString& aOther) { return CVelumCollation::CompareBin(aKey, aOther); },
+                     aIndex);
   const CVelumCollation::CSought sought(aKey);
-  return Locate([&](qint32 aMid) { return sought.CompareTo(StrKeyAt(aMid)); }, aIndex);
+  return LocateKey([&](const QString& aOther) { return sought.CompareTo(aOther); }, aIndex);
 }
 
 bool CVelumArray::LocateInt(qint32 aKey, qint32& aIndex) const {
@@ -564,6 +611,7 @@ void CVelumArray::Grow(qint32 aNum) {
 void CVelumArray::InsertAt(qint32 aIndex, TVelumCell&& aCell, QString&& aKey) {
   Check(aIndex <= iMax, u"MakeRoomAt index");
   const qint32 index = Checked(aIndex, CVelumChecked::Add(iMax, 1));
+  NoteObj(aCell);
   Grow(1);
   if (KeepsStale()) {
     OpenGap(index, 1);

@@ -90,6 +90,8 @@ public:
   // the first key, and cut on the left. Host error 6 when the last number does not fit 32 bits.
   void RenumberStrKey(qint32 aStep);
   void RenumberIntKey(qint32 aStep);
+  // Exchanges all members and elements.
+  void Swap(CVelumArray& aOther) noexcept;
   // Sorts an unkeyed array of strings in collation order.
   void Sort();
 
@@ -102,7 +104,8 @@ public:
 
   // A blank element for this array.
   void InitElem(TVelumElem& aElem) const;
-  void CreateStrKey(const TVelumElem& aElem);
+  // Returns the index.
+  qint32 CreateStrKey(const TVelumElem& aElem);
   void CreateIntKey(const TVelumElem& aElem);
   void CreateAt(const TVelumElem& aElem, qint32 aIndex);
   // Appends; returns the index.
@@ -149,6 +152,9 @@ private:
   [[nodiscard]] bool WithSortKey() const { return (iFlags & EArrSortKey) != 0; }
   [[nodiscard]] bool Mixed() const { return (iFlags & EArrMixed) != 0; }
   [[nodiscard]] bool WithObj() const { return iType >= EValCard || Mixed(); }
+  // Whether an element may hold an object.
+  [[nodiscard]] bool HoldsObj() const { return iType >= EValCard || iMixedObj; }
+  void NoteObj(const TVelumValue& aVal) { iMixedObj = iMixedObj || aVal.IsObjType(); }
   // Whether slots from Count() on keep what they held: only there can it be seen (ReadObjByNum).
   [[nodiscard]] bool KeepsStale() const { return WithObj() && !WithKey(); }
 
@@ -164,6 +170,8 @@ private:
   // The binary search. aCompare(i) compares the sought key with that of element i.
   template <class TCompare> [[nodiscard]] bool Locate(const TCompare& aCompare, qint32& aIndex) const;
   [[nodiscard]] bool LocateStr(const QString& aKey, qint32& aIndex) const;
+  // The same for string keys, where aCompare compares with a key.
+  template <class TCompare> [[nodiscard]] bool LocateKey(const TCompare& aCompare, qint32& aIndex) const;
   [[nodiscard]] bool LocateInt(qint32 aKey, qint32& aIndex) const;
   // Two string keys in the array's own order: negative, 0 or positive.
   [[nodiscard]] int CompareKeys(const QString& aA, const QString& aB) const;
@@ -194,7 +202,8 @@ private:
   qint32 iFlags = 0;
   qint16 iType = EValUndef;
   bool iChanged = true;
-  bool iBulk = false;
+  bool iBulk : 1 = false;
+  bool iMixedObj : 1 = false; // an element of a mixed array has been an object
   qint32 iAllocStep = 50;
   qint32 iAlloc = 10;
   qint32 iMax = 0;

@@ -76,6 +76,15 @@ CVelumArrayBlocks::TPlace CVelumArrayBlocks::LocateFar(qint32 aIndex) const {
   return {run, left};
 }
 
+qint32 CVelumArrayBlocks::Enter(size_t aRun) const {
+  if (iTree.empty()) BuildTree();
+  qint32 start = 0;
+  for (size_t i = aRun; i > 0; i &= i - 1) start += iTree[i];
+  iNearRun = aRun;
+  iNearStart = start;
+  return start;
+}
+
 void CVelumArrayBlocks::Split(size_t aRun) {
   CVelumArrayRun upper(iKeyed);
   upper.Reserve(EBlock);

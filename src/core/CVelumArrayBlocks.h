@@ -23,6 +23,18 @@ public:
     const TPlace place = Locate(aIndex);
     return iRuns[place.iRun].Key(place.iOffset);
   }
+  // The run in which a key is, or is to be, as a range of indices. aCompare(key) compares the sought key with
+  // another one; the keys are ascending, and there are some. Only the first keys of runs are looked at, which
+  // stay in the processor's cache from one search to the next.
+  template <class TCompare> void Narrow(const TCompare& aCompare, qint32& aFirst, qint32& aEnd) const {
+    size_t run = 0;
+    for (size_t end = iRuns.size(); end - run > 1;) {
+      const size_t mid = (run + end) / 2;
+      (aCompare(iRuns[mid].Key(0)) >= 0 ? run : end) = mid;
+    }
+    aFirst = Enter(run);
+    aEnd = aFirst + iRuns[run].Count();
+  }
   void Insert(qint32 aIndex, TVelumCell&& aCell, QString&& aKey);
   void Erase(qint32 aIndex, qint32 aNum);
   // Takes all elements of a run; only into an empty object.
@@ -41,6 +53,8 @@ private:
     return LocateFar(aIndex);
   }
   [[nodiscard]] TPlace LocateFar(qint32 aIndex) const;
+  // The index of a run's first element; the next accesses are near it.
+  qint32 Enter(size_t aRun) const;
   void Append(TVelumCell&& aCell, QString&& aKey);
   void InsertInto(TPlace aPlace, TVelumCell&& aCell, QString&& aKey);
   void Split(size_t aRun);

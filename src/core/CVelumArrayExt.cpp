@@ -42,6 +42,7 @@ void CVelumArray::Internalize(CVelumFile& aFile) {
   static_cast<void>(CVelumLib::ReadBinObjStart(aFile, ETypeId, EGeneration, EGeneration));
   iStore = CVelumArrayStore();
   iMax = 0;
+  iMixedObj = false;
   iRare.reset();
   iId = aFile.ReadInt();
   iFlags = aFile.ReadInt();
@@ -73,7 +74,8 @@ void CVelumArray::ReadElems(CVelumFile& aFile, qint32 aCount) {
     QString strKey;
     if (WithStrKey()) strKey = aFile.ReadStr();
     const qint32 intKey = WithIntKey() ? aFile.ReadInt() : ENoInt;
-    iStore.Append(TVelumCell(ReadVal(aFile), intKey), std::move(strKey));
+    iStore.AppendReserved(TVelumCell(ReadVal(aFile), intKey), std::move(strKey));
+    NoteObj(iStore.Cell(iMax));
     ++iMax;
   }
   if (iMax != aCount)

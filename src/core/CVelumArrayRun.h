@@ -40,6 +40,12 @@ public:
   void Reserve(qint32 aCap);
   // The key is dropped when the run has no keys.
   void Insert(qint32 aIndex, TVelumCell&& aCell, QString&& aKey);
+  // Insert at the end, where Reserve has made room.
+  void Append(TVelumCell&& aCell, QString&& aKey) {
+    new (iCells + iCount) TVelumCell(std::move(aCell));
+    if (Keyed()) new (Keys() + iCount) QString(std::move(aKey));
+    ++iCount;
+  }
   void Erase(qint32 aIndex, qint32 aNum);
   // Moves the elements of aFrom from aFirst on to the end of this run. Both must be alike in Keyed.
   void TakeTail(CVelumArrayRun& aFrom, qint32 aFirst);

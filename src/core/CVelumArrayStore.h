@@ -20,10 +20,15 @@ public:
     return iBlocks ? iBlocks->Key(aIndex) : iRun.Key(aIndex);
   }
 
+  // The blocks, when there are some.
+  [[nodiscard]] const CVelumArrayBlocks* Blocks() const { return iBlocks.get(); }
+
   // Room for exactly aCount elements in one run.
   void Reserve(qint32 aCount) { iRun.Reserve(aCount); }
   void Insert(qint32 aIndex, TVelumCell&& aCell, QString&& aKey);
   void Append(TVelumCell&& aCell, QString&& aKey) { Insert(Count(), std::move(aCell), std::move(aKey)); }
+  // The same for elements that have been reserved.
+  void AppendReserved(TVelumCell&& aCell, QString&& aKey) { iRun.Append(std::move(aCell), std::move(aKey)); }
   void Erase(qint32 aIndex, qint32 aNum);
   // The element at i becomes the one that was at aOrder[i]; aOrder is a permutation.
   void Permute(const qint32* aOrder);

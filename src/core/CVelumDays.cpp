@@ -45,6 +45,10 @@ double CVelumDays::FromDateTime(const QDateTime& aDateTime) {
 }
 
 double CVelumDays::Build(qint64 aYear, qint64 aMonth, qint64 aDay) {
+  // Nearly every date is one that stands in the calendar as it is, and needs no check.
+  if (aYear >= 100 && aYear <= 9999 && aMonth >= 1 && aMonth <= 12 && aDay >= 1 && aDay <= 28)
+    return static_cast<double>(
+        DayOf(QDate(static_cast<int>(aYear), static_cast<int>(aMonth), static_cast<int>(aDay))));
   const qint64 months = FullYear(aYear) * 12 + aMonth - 1;
   // Years just outside may come back in by the day.
   if (months < 12 || months > 12 * 10001) CVelumError::RaiseHost(EHostBadCall);

@@ -199,7 +199,7 @@ void CVelumFile::CDevice::Cut(qint64 aSize) {
 }
 
 CVelumFile::CVelumFile(QString aFilename, qint32 aAccess)
-    : iFilename(std::move(aFilename)), iAccess(aAccess) {}
+    : iFilename(std::move(aFilename)), iAccess(aAccess), iRefusesUnreadable(aAccess == EFilMeasure) {}
 
 CVelumFile::~CVelumFile() {
   try {
@@ -376,9 +376,9 @@ void CVelumFile::WriteSlow(const char* aFrom, qint64 aLen) {
   Device().Write(aFrom, aLen);
 }
 
-// The writer takes more than the reader; a measured file must be one that can be read.
+// The writer takes more than the reader.
 void CVelumFile::RaiseIfTooLong(qint64 aLen, qint64 aMax) const {
-  if (iAccess == EFilMeasure && aLen > aMax)
+  if (iRefusesUnreadable && aLen > aMax)
     CVelumError::RaiseHost(EHostOverflow, u"%1 bytes, at most %2 can be read"_s.arg(aLen).arg(aMax));
 }
 
@@ -405,8 +405,9 @@ QString CVelumFile::ReadStr() {
   if (len == 0) return {};
   if (len < 0) CVelumError::RaiseHost(EHostIndex, iFilename);
   // Half a character at the end gets a zero for its other half.
-  QString str((len + 1) / 2, Qt::Uninitialized);
-  auto* raw = reinterpret_cast<char*>(str.data());
+  char16_t* chars = nullptr;
+  QString str = iTexts.Take((len + 1) / 2, chars);
+  auto* raw = reinterpret_cast<char*>(chars);
   raw[str.size() * 2 - 1] = 0;
   if (iReadEnd - iRead >= len) {
     std::memcpy(raw, iRead, static_cast<size_t>(len));

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/CVelumOs.h"
+#include "core/CVelumTextPool.h"
 
 #include <QByteArray>
 #include <QtEndian>
@@ -16,8 +17,8 @@ enum EFil : qint32 {
   EFilWrite = 2,     // binary, write
   EFilSeqWrite = 3,  // text, write; truncates
   EFilReadWrite = 4, // binary, read and write
-  EFilMeasure = 5,   // binary, write; the bytes go nowhere. CurrentPos is what they would take, and what
-                     // could not be read back is host error 6
+  EFilMeasure = 5,   // binary, write; the bytes go nowhere. CurrentPos is what they would take. Refuses what
+                     // could not be read back
 };
 
 // Codings of text files.
@@ -78,6 +79,8 @@ public:
   [[nodiscard]] bool TryLockAlone();
   // aGuard (or null) is asked before bytes go to the file. The caller keeps it alive.
   void SetWriteGuard(CVelumWriteGuard* aGuard);
+  // From now on what could not be read back (the writer takes longer texts than the reader) is host error 6.
+  void RefuseUnreadable() { iRefusesUnreadable = true; }
   // Forgets all that is buffered, also what was to be written. The position stays.
   void DropBuffer();
   // Up to aCount bytes from aPos, past the buffer and without moving the position.
@@ -163,6 +166,7 @@ private:
   bool iFirstLine = false;
   bool iIsOpen = false;
   bool iPastEnd = false;
+  bool iRefusesUnreadable;
   qint16 iFileNum = ENoShort;
   // Unread bytes, or free room, of the buffer of iDevice; at most one of the two is not empty.
   const char* iRead = nullptr;
@@ -170,4 +174,5 @@ private:
   char* iWrite = nullptr;
   char* iWriteEnd = nullptr;
   std::unique_ptr<CDevice> iDevice;
+  CVelumTextPool iTexts; // of ReadStr
 };

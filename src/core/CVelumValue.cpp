@@ -149,8 +149,11 @@ double CVelumValue::IntToTime(qint32 aInt) {
 }
 
 qint32 CVelumValue::DateToInt(double aDate) {
-  const QDate date = CVelumDays::DateOf(CVelumDays::Split(aDate).iDay);
-  return date.year() * 10000 + date.month() * 100 + date.day();
+  int year = 0;
+  int month = 0;
+  int day = 0;
+  CVelumDays::DateOf(CVelumDays::Split(aDate).iDay).getDate(&year, &month, &day);
+  return year * 10000 + month * 100 + day;
 }
 
 qint32 CVelumValue::TimeToInt(double aTime) {

@@ -1,58 +1,5 @@
 #include "core/TVelumValue.h"
 
-TVelumValue TVelumValue::OfStr(QString aStr) {
-  TVelumValue val;
-  new (&val.iSlot.iStr) QString(std::move(aStr));
-  val.iType = EValStr;
-  return val;
-}
-
-TVelumValue TVelumValue::OfInt(qint32 aInt) {
-  TVelumValue val;
-  val.iSlot.iInt = aInt;
-  val.iType = EValInt;
-  return val;
-}
-
-TVelumValue TVelumValue::OfReal(double aReal) {
-  TVelumValue val;
-  val.iSlot.iReal = aReal;
-  val.iType = EValReal;
-  return val;
-}
-
-TVelumValue TVelumValue::OfDate(double aDate) {
-  TVelumValue val = OfReal(aDate);
-  val.iType = EValDate;
-  return val;
-}
-
-TVelumValue TVelumValue::OfTime(double aTime) {
-  TVelumValue val = OfReal(aTime);
-  val.iType = EValTime;
-  return val;
-}
-
-TVelumValue TVelumValue::OfBoolean(bool aBoolean) {
-  TVelumValue val = OfInt(aBoolean ? 1 : 0);
-  val.iType = EValBoolean;
-  return val;
-}
-
-TVelumValue TVelumValue::OfBlobId(qint32 aId) {
-  TVelumValue val = OfInt(aId);
-  val.iType = EValBlobId;
-  return val;
-}
-
-TVelumValue TVelumValue::OfPair(qint32 aInt0, qint32 aInt1) {
-  TVelumValue val;
-  val.iSlot.iPair[0] = aInt0;
-  val.iSlot.iPair[1] = aInt1;
-  val.iType = EValIntPair;
-  return val;
-}
-
 TVelumValue TVelumValue::OfObj(int aTag, Ref<CVelumStored> aObj) {
   Q_ASSERT(aTag >= EValCard && aTag <= EValBlob);
   TVelumValue val = OfType(aTag);

@@ -38,14 +38,51 @@ public:
   }
   ~TVelumValue() { Drop(); }
 
-  [[nodiscard]] static TVelumValue OfStr(QString aStr);
-  [[nodiscard]] static TVelumValue OfInt(qint32 aInt);
-  [[nodiscard]] static TVelumValue OfReal(double aReal);
-  [[nodiscard]] static TVelumValue OfDate(double aDate);
-  [[nodiscard]] static TVelumValue OfTime(double aTime);
-  [[nodiscard]] static TVelumValue OfBoolean(bool aBoolean);
-  [[nodiscard]] static TVelumValue OfBlobId(qint32 aId);
-  [[nodiscard]] static TVelumValue OfPair(qint32 aInt0, qint32 aInt1);
+  [[nodiscard]] static TVelumValue OfStr(QString aStr) {
+    TVelumValue val;
+    new (&val.iSlot.iStr) QString(std::move(aStr));
+    val.iType = EValStr;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfInt(qint32 aInt) {
+    TVelumValue val;
+    val.iSlot.iInt = aInt;
+    val.iType = EValInt;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfReal(double aReal) {
+    TVelumValue val;
+    val.iSlot.iReal = aReal;
+    val.iType = EValReal;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfDate(double aDate) {
+    TVelumValue val = OfReal(aDate);
+    val.iType = EValDate;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfTime(double aTime) {
+    TVelumValue val = OfReal(aTime);
+    val.iType = EValTime;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfBoolean(bool aBoolean) {
+    TVelumValue val = OfInt(aBoolean ? 1 : 0);
+    val.iType = EValBoolean;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfBlobId(qint32 aId) {
+    TVelumValue val = OfInt(aId);
+    val.iType = EValBlobId;
+    return val;
+  }
+  [[nodiscard]] static TVelumValue OfPair(qint32 aInt0, qint32 aInt1) {
+    TVelumValue val;
+    val.iSlot.iPair[0] = aInt0;
+    val.iSlot.iPair[1] = aInt1;
+    val.iType = EValIntPair;
+    return val;
+  }
   // aTag is 100 to 105.
   [[nodiscard]] static TVelumValue OfObj(int aTag, Ref<CVelumStored> aObj);
   // A value of any tag, known or not, with the slot at its zero.

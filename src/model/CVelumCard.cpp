@@ -46,14 +46,14 @@ qint32 NormalTime(qint32 aTime) {
   return plain ? aTime : CVelumValue::TimeToInt(CVelumValue::IntToTime(aTime));
 }
 
-Ref<CVelumArray> NewValues() {
-  return MakeRef<CVelumArray>(EArrIntKey | EArrMixed, EValStr);
-}
+constexpr qint32 EValueFlags = EArrIntKey | EArrMixed;
 } // namespace
 
-CVelumCard::CVelumCard() : iValue(NewValues()) {}
+CVelumCard::CVelumCard() : iValue(EValueFlags, EValStr) {
+  iValue.AddRef();
+}
 
-CVelumCard::CVelumCard(const QString& aName, const Ref<CVelumControlSet>& aBackground) : iValue(NewValues()) {
+CVelumCard::CVelumCard(const QString& aName, const Ref<CVelumControlSet>& aBackground) : CVelumCard() {
   iName = aName;
   CVelumError::AssertObj(static_cast<bool>(aBackground), this, u"Construct"_s, u"Construct background set"_s);
   iBackgroundId = CVelumChecked::Deref(aBackground).Id();
@@ -97,10 +97,12 @@ double CVelumCard::ModTime() const {
 
 void CVelumCard::SetCreDate(double aDate) {
   Store(*this, "CreDate", iCreDate, CVelumValue::DateToInt(aDate));
+  if (iStack) iStack->iCardFinder.Note(*this, ENoInt); // its zero values
 }
 
 void CVelumCard::SetCreTime(double aTime) {
   Store(*this, "CreTime", iCreTime, CVelumValue::TimeToInt(aTime));
+  if (iStack) iStack->iCardFinder.Note(*this, ENoInt); // its zero values
 }
 
 void CVelumCard::SetModDate(double aDate) {
@@ -131,13 +133,13 @@ Ref<CVelumControl> CVelumCard::ControlById(qint32 aId) const {
 }
 
 bool CVelumCard::Changed() const {
-  return iChanged || iValue->Changed() || ExtrasChanged();
+  return iChanged || iValue.Changed() || ExtrasChanged();
 }
 
 void CVelumCard::SetChanged(bool aChanged) {
   iChanged = aChanged;
   if (aChanged) return;
-  iValue->SetChanged(false);
+  iValue.SetChanged(false);
   ClearExtrasChanged();
 }
 
@@ -158,34 +160,38 @@ void CVelumCard::Internalize(CVelumFile& aFile) {
   iCreTime = NormalTime(aFile.ReadInt());
   iModDate = NormalDate(aFile.ReadInt());
   iModTime = NormalTime(aFile.ReadInt());
-  iValue->Internalize(aFile);
-  const bool keyedByInt = (iValue->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
+  iValue.Internalize(aFile);
+  const bool keyedByInt = (iValue.Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
   CVelumLib::CheckRead(aFile, keyedByInt, this, u"CVelumCard.Internalize"_s, u"value"_s);
   // Without this flag no value of another field could be set.
-  if (!(iValue->Flags() & EArrMixed)) {
-    iValue->SetFlags(iValue->Flags() | EArrMixed);
-    iValue->SetChanged(false);
+  if (!(iValue.Flags() & EArrMixed)) {
+    iValue.SetFlags(iValue.Flags() | EArrMixed);
+    iValue.SetChanged(false);
   }
+  if (!ValuesAscend()) iState |= EUnsorted;
   iChanged = false;
 }
 
-// A file can hold the values in an order in which they would not be found. Of two values of a field the first
-// one stays. False if nothing was wrong.
-bool CVelumCard::SortValues() {
+bool CVelumCard::ValuesAscend() const {
   qint32 i = 1;
-  while (i < iValue->Count() && iValue->IntKeyAt(i - 1) < iValue->IntKeyAt(i)) ++i;
-  if (i >= iValue->Count()) return false;
-  const Ref<CVelumArray> sorted = NewValues();
-  for (i = 0; i < iValue->Count(); ++i) {
+  while (i < iValue.Count() && iValue.IntKeyAt(i - 1) < iValue.IntKeyAt(i)) ++i;
+  return i >= iValue.Count();
+}
+
+// A file can hold the values in an order in which they would not be found. Of two values of a field the first
+// one stays.
+void CVelumCard::SortValues() {
+  CVelumArray sorted(EValueFlags, EValStr);
+  for (qint32 i = 0; i < iValue.Count(); ++i) {
     TVelumElem elem;
-    sorted->InitElem(elem);
-    elem.iIntKey = iValue->IntKeyAt(i);
-    elem.iVal = iValue->ValRef(i);
-    if (sorted->FindIntKey(elem.iIntKey) < 0 && elem.iVal.Type() != EValUndef) sorted->CreateIntKey(elem);
+    sorted.InitElem(elem);
+    elem.iIntKey = iValue.IntKeyAt(i);
+    elem.iVal = iValue.ValRef(i);
+    if (sorted.FindIntKey(elem.iIntKey) < 0 && elem.iVal.Type() != EValUndef) sorted.CreateIntKey(elem);
   }
-  sorted->SetChanged(false);
-  iValue = sorted;
-  return true;
+  sorted.SetChanged(false);
+  iValue.Swap(sorted);
+  iState = static_cast<quint8>(iState & ~EUnsorted);
 }
 
 void CVelumCard::Externalize(CVelumFile& aFile) {
@@ -196,9 +202,9 @@ void CVelumCard::Externalize(CVelumFile& aFile) {
   aFile.WriteInt(iCreTime);
   aFile.WriteInt(iModDate);
   aFile.WriteInt(iModTime);
-  iValue->Externalize(aFile);
+  iValue.Externalize(aFile);
 }
 
 qint64 CVelumCard::ExtLen() const {
-  return ExtLenCommon() + 6 * 4 + iValue->ExtLen();
+  return ExtLenCommon() + 6 * 4 + iValue.ExtLen();
 }

@@ -32,7 +32,7 @@ public:
   void SetModDate(double aDate);
   void SetModTime(double aTime);
   // Control id to value.
-  [[nodiscard]] CVelumArray& Value() const { return *iValue; }
+  [[nodiscard]] CVelumArray& Value() const { return iValue; }
   // Nothing without a stack.
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
   void SetBackground(const Ref<CVelumControlSet>& aBackground);
@@ -71,23 +71,28 @@ private:
   [[nodiscard]] bool StoreVal(qint32 aId, const TVelumValue& aVal);
   void CountBlob(const TVelumValue& aVal, bool aUp);
   void UpdateCardList(CVelumControl& aControl);
-  [[nodiscard]] bool SortValues();
+  [[nodiscard]] bool ValuesAscend() const;
+  void SortValues();
   void TakeDefaultList(CVelumControl& aControl);
   void Touch();
 
   // Rare states in one byte.
-  enum EState : quint8 { EDirty = 1, EUpdating = 2 };
+  enum EState : quint8 {
+    EDirty = 1,
+    EUpdating = 2,
+    EUnsorted = 4, // the values on file were not in order
+  };
 
+  quint8 iState = 0;
   qint32 iOrderNum = ENoInt;
   qint32 iBackgroundId = ENoInt;
-  CVelumStack* iStack = nullptr;
-  Ref<CVelumArray> iValue;
   // ListStamp of the background when the lists were computed; that of a new background at first.
   quint32 iListStamp = 1;
+  CVelumStack* iStack = nullptr;
+  mutable CVelumArray iValue; // a part of the card, and referred to by nobody else
   // As yyyymmdd and hhmmss, the form of the file.
   qint32 iCreDate = ENoInt;
   qint32 iCreTime = ENoInt;
   qint32 iModDate = ENoInt;
   qint32 iModTime = ENoInt;
-  quint8 iState = 0;
 };

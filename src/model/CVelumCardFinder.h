@@ -3,14 +3,16 @@
 
 #include "core/TVelumValue.h"
 
+#include <set>
 #include <vector>
 
 class CVelumCard;
+class CVelumControl;
 class CVelumStack;
 
-// Finds cards by the value of a field. The first question about a field walks the cards; a second one, while
-// nothing has changed, sorts them by their values, so that the lists of all cards of a background together
-// cost little more than one of them. Part of a stack.
+// Finds cards by the value of a field, through an index of the values that is made at the first question
+// about the field and then follows every change of a card: an edit costs the same in a stack of any size.
+// Part of a stack.
 class CVelumCardFinder {
 public:
   using TCards = std::vector<CVelumCard*>;
@@ -19,24 +21,34 @@ public:
   // equals aVal; all of them for the control id ENoInt. aBasis is the stack's ListBasis.
   [[nodiscard]] TCards Find(const CVelumStack& aStack, qint32 aBackgroundId, qint32 aControlId,
                             const TVelumValue& aVal, quint32 aBasis);
+  // Makes the index of a field, which Find does by itself when there is none.
+  void Build(const CVelumStack& aStack, qint32 aBackgroundId, qint32 aControlId, quint32 aBasis);
+  // A card has got another value of a field, or lost its own; ENoInt: of any field, as a card that came to
+  // its background has.
+  void Note(CVelumCard& aCard, qint32 aControlId) {
+    if (!iIndexes.empty()) NoteIn(aCard, aControlId);
+  }
+  // Fields have changed.
+  void Clear() { iIndexes.clear(); }
 
 private:
-  struct TEntry {
-    size_t iHash; // of the value
-    qint32 iId;   // of the card
-  };
-  [[nodiscard]] static bool ByHash(const TEntry& aA, const TEntry& aB) { return aA.iHash < aB.iHash; }
+  // The hash of a value, and in the lower half the id of a card that has it, or had it once.
+  using TEntry = quint64;
   struct TIndex {
     qint32 iBackgroundId;
     qint32 iControlId;
-    quint32 iBasis;
-    bool iBuilt = false;
-    int iType = EValUndef; // of all values; EValUndef when they differ
-    std::vector<TEntry> iEntries = {};
+    quint32 iBasis = 0;                // when it was made
+    QString iDefault = {};             // default value of the field
+    int iType = EValUndef;             // of the values; EValUndef before the first one
+    bool iMixed = false;               // there are values of several types
+    std::vector<TEntry> iEntries = {}; // ascending
+    std::set<TEntry> iLater = {};      // those that came since
   };
 
-  [[nodiscard]] TIndex& IndexOf(qint32 aBackgroundId, qint32 aControlId);
-  void Build(const CVelumStack& aStack, qint32 aBackgroundId, qint32 aControlId, quint32 aBasis);
+  [[nodiscard]] TIndex* IndexOf(qint32 aBackgroundId, qint32 aControlId);
+  [[nodiscard]] static bool IsFresh(const TIndex& aIndex, const CVelumControl& aControl, quint32 aBasis);
+  void NoteIn(CVelumCard& aCard, qint32 aControlId);
+  [[nodiscard]] static TEntry EntryOf(TIndex& aIndex, CVelumCard& aCard);
   [[nodiscard]] static TCards Walk(const CVelumStack& aStack, qint32 aBackgroundId, qint32 aControlId,
                                    const TVelumValue& aVal);
   [[nodiscard]] static TCards LookUp(const TIndex& aIndex, const CVelumStack& aStack,

@@ -17,6 +17,13 @@ constexpr int EArrayGen = 3;
 } // namespace
 
 struct CVelumCardOrder::TBlock {
+  TBlock() = default;
+  // With room for aCount cards and no more.
+  explicit TBlock(qint32 aCount) {
+    iIds.reserve(size_t(aCount));
+    iNums.reserve(size_t(aCount));
+  }
+
   std::vector<qint32> iIds;
   // Empty while the numbers follow from iBase: iStep * (iBase + index + 1).
   std::vector<qint32> iNums;
@@ -69,6 +76,15 @@ qint32 CVelumCardOrder::NumOf(qint32 aId) const {
   const TBlock& block = *iHome[size_t(aId)];
   const qint32 index = block.IndexOf(aId);
   return index < 0 ? ENoInt : block.Num(index);
+}
+
+std::vector<qint32> CVelumCardOrder::NumsById() const {
+  std::vector<qint32> nums(iHome.size(), ENoInt);
+  for (const auto& block : iBlocks)
+    for (qint32 i = 0; i < block->Count(); ++i)
+      if (const auto id = static_cast<size_t>(block->iIds[size_t(i)]); id < nums.size())
+        nums[id] = block->Num(i);
+  return nums;
 }
 
 void CVelumCardOrder::InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBit) {
@@ -396,12 +412,19 @@ void CVelumCardOrder::Adopt(const CVelumArray& aArray) {
   iAllocStep = aArray.AllocStep();
   iAlloc = aArray.Alloc();
   iSortKeyId = aArray.SortKeyId();
+  if (iIdBound < EMaxId) iHome.resize(size_t(iIdBound));
   for (qint32 i = 0; i < aArray.Count(); ++i) {
+    if (i % EBlockMax == 0)
+      iBlocks.push_back(std::make_unique<TBlock>(std::min(EBlockMax, aArray.Count() - i)));
     const TVelumValue& val = aArray.ValRef(i);
-    Append(val.Type() == EValInt ? val.Int() : ENoInt, aArray.IntKeyAt(i));
+    TBlock& block = *iBlocks.back();
+    block.iIds.push_back(val.Type() == EValInt ? val.Int() : ENoInt);
+    block.iNums.push_back(aArray.IntKeyAt(i));
+    SetHome(block.iIds.back(), &block);
   }
+  iCount = aArray.Count();
   iBits.assign(iBlocks.size(), EAllBits);
-  RebuildGroups();
+  RebuildTree();
   iChanged = false;
 }
 

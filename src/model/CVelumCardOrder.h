@@ -28,6 +28,8 @@ public:
   [[nodiscard]] qint32 PosOf(qint32 aId) const;
   // Order number of a card, or ENoInt.
   [[nodiscard]] qint32 NumOf(qint32 aId) const;
+  // The order numbers by card id, ENoInt for ids without a card; for work on all cards.
+  [[nodiscard]] std::vector<qint32> NumsById() const;
 
   // aBit is BackgroundBit of the card's background. aPos may be Count().
   void InsertAt(qint32 aPos, qint32 aId, qint32 aNum, quint64 aBit);

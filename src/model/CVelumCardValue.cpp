@@ -19,7 +19,7 @@ void CVelumCard::SetDirty(bool aDirty) {
 }
 
 bool CVelumCard::ControlValDef(qint32 aId) const {
-  return iValue->FindIntKey(aId) >= 0;
+  return iValue.FindIntKey(aId) >= 0;
 }
 
 TVelumValue CVelumCard::GetControlVal(qint32 aId, bool aWithZero) {
@@ -28,8 +28,8 @@ TVelumValue CVelumCard::GetControlVal(qint32 aId, bool aWithZero) {
     const Ref<CVelumControl> control = ControlById(aId);
     if (control && control->Flag(EConCardList)) UpdateCardLists();
   }
-  const qint32 index = iValue->FindIntKey(aId);
-  return index >= 0 ? iValue->ValRef(index) : DefaultVal(aId, aWithZero);
+  const qint32 index = iValue.FindIntKey(aId);
+  return index >= 0 ? iValue.ValRef(index) : DefaultVal(aId, aWithZero);
 }
 
 TVelumValue CVelumCard::DefaultVal(qint32 aId, bool aWithZero) const {
@@ -59,6 +59,7 @@ void CVelumCard::SetControlVal(qint32 aId, const TVelumValue& aVal) {
 
   if (control->DynFlag(EDynKeyPart)) iStack->StoreKeys(*this, aId);
   if (!StoreVal(aId, aVal)) return;
+  iStack->iCardFinder.Note(*this, aId);
   if (control->DynFlag(EDynRefControl)) SetDirty(true);
   if (control->DynFlag(EDynSelControl)) iStack->SetCardListsDirty(nullptr);
   if (control->DynFlag(EDynListCol)) iStack->SetCardListsDirty(nullptr);
@@ -70,25 +71,25 @@ void CVelumCard::SetControlVal(qint32 aId, const TVelumValue& aVal) {
 
 // Replaces or makes the element. False if nothing is to be changed.
 bool CVelumCard::StoreVal(qint32 aId, const TVelumValue& aVal) {
-  const qint32 index = iValue->FindIntKey(aId);
+  const qint32 index = iValue.FindIntKey(aId);
   if (index < 0 && aVal.Type() == EValUndef) return false;
   TVelumElem elem;
-  iValue->InitElem(elem);
+  iValue.InitElem(elem);
   if (index < 0) {
     elem.iIntKey = aId;
     elem.iVal = aVal;
     CountBlob(aVal, true);
-    iValue->CreateIntKey(elem);
+    iValue.CreateIntKey(elem);
     CVelumRecord::CardVal(*this, aId, nullptr, &aVal);
     return true;
   }
-  const TVelumValue old = iValue->ValRef(index);
+  const TVelumValue old = iValue.ValRef(index);
   const bool sameBlob = old.Type() == EValBlobId && aVal.Type() == EValBlobId && old.Int() == aVal.Int();
   if (!sameBlob) {
     CountBlob(aVal, true);
     CountBlob(old, false);
   }
-  iValue->SetValAt(index + 1, aVal);
+  iValue.SetValAt(index + 1, aVal);
   CVelumRecord::CardVal(*this, aId, &old, &aVal);
   return true;
 }
@@ -107,12 +108,13 @@ void CVelumCard::CountBlob(const TVelumValue& aVal, bool aUp) {
 }
 
 void CVelumCard::DeleteControlVal(qint32 aId) {
-  if (const qint32 index = iValue->FindIntKey(aId); index >= 0) {
-    const TVelumValue old = iValue->ValRef(index);
+  if (const qint32 index = iValue.FindIntKey(aId); index >= 0) {
+    const TVelumValue old = iValue.ValRef(index);
     CountBlob(old, false);
-    iValue->DeleteIntKey(aId);
+    iValue.DeleteIntKey(aId);
     CVelumRecord::CardVal(*this, aId, &old, nullptr);
     const Ref<CVelumControl> control = ControlById(aId);
+    if (control) iStack->iCardFinder.Note(*this, aId);
     if (control && control->DynFlag(EDynSelControl | EDynListCol)) iStack->NewListBasis();
   }
   Touch();

@@ -42,14 +42,12 @@ protected:
   [[nodiscard]] bool ExtrasChanged() const;
   void ClearExtrasChanged();
 
-  QString iName;
+  // The order of the members leaves no gaps: cards come in hundreds of thousands.
   qint32 iId = ENoInt;
-  qint32 iFlags = 0;
-  qint32 iBackColor = ENoInt;
-  bool iChanged = true;
+  QString iName;
 
 private:
-  // Rare on cards, which come in hundreds of thousands.
+  // Rare on cards.
   struct TExtras {
     QString iScriptSource;
     Ref<CVelumArray> iScript;
@@ -59,4 +57,9 @@ private:
   template <class T> void StoreExtra(const char* aMember, T TExtras::*aSlot, const T& aNew);
   TExtras& Extras();
   std::unique_ptr<TExtras> iExtras;
+
+protected:
+  qint32 iFlags = 0;
+  qint32 iBackColor = ENoInt;
+  bool iChanged = true;
 };

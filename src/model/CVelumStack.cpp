@@ -114,10 +114,6 @@ void CVelumStack::ResetChanged() {
   iChanged = false;
 }
 
-void CVelumStack::ResetChangeInfo() {
-  iChangeInfo = {};
-}
-
 // Backgrounds.
 
 void CVelumStack::AddBackground(const Ref<CVelumControlSet>& aBackground) {

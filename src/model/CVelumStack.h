@@ -50,7 +50,7 @@ public:
   // Clears the stack's own mark alone.
   void ResetChanged();
   [[nodiscard]] qint32 OrderCorrections() const { return iOrderCorrections; }
-  [[nodiscard]] TVelumChangeInfo ChangeInfo() const { return iChangeInfo; }
+  [[nodiscard]] TVelumChangeInfo ChangeInfo() const;
   void ResetChangeInfo();
 
   void AddBackground(const Ref<CVelumControlSet>& aBackground);
@@ -177,13 +177,17 @@ private:
   [[nodiscard]] qint32 NumBefore(qint32 aPos);
   void RemoveCardOrder(const CVelumCard& aCard);
   void RenumberOrderIndex(qint32 aStep);
-  [[nodiscard]] Ref<CVelumCard> NextByKey(CVelumArray& aKeyIndex, const QString& aKey) const;
+  void PlaceByKey(const Ref<CVelumCard>& aCard, bool aIsNew, const CVelumArray& aKeyIndex, qint32 aIndex);
+  [[nodiscard]] Ref<CVelumCard> NextByKey(const CVelumArray& aKeyIndex, qint32 aIndex) const;
   void SetOrder(const std::vector<qint32>& aIds);
   void SortIntoIndex(CVelumArray& aIndex, const CVelumSortKey& aKey, qint32 aBackgroundId);
   void CheckOrderIndex();
   void CheckOrderIndexFor(CVelumControlSet& aBackground);
   void SwapForCorrection(qint32 aSlot, const CVelumCard& aCard1);
   void ReportAllChanged(const CVelumControlSet& aBackground);
+  [[nodiscard]] bool FirstIsLastChanged(const CVelumControlSet& aBackground) const;
+  [[nodiscard]] bool IsLastChanged(const CVelumCard& aCard) const;
+  void BuildCardFinder();
   void DeleteCardsOf(const CVelumControlSet& aBackground);
   void DeleteKeysOf(qint32 aBackgroundId);
   void FlagCardListRefs(const CVelumControlSet& aBackground, const CVelumControl& aControl);
@@ -194,9 +198,9 @@ private:
   void InternalizeArrays(CVelumFile& aFile);
   void LinkBackgrounds();
   void LinkCards();
-  void LinkOrder();
-  void LinkOrderSlot(CVelumCard& aCard, qint32 aNum);
-  void LinkNames();
+  void MendCard(CVelumCard& aCard, qint32 aId, qint32 aNum);
+  [[nodiscard]] std::vector<qint32> LinkOrder();
+  void MendNames();
   void LinkKeys();
   void NoteProblem(const QString& aText);
   void NewListBasis() { ++iListBasis; }
@@ -205,6 +209,7 @@ private:
   QString iFilename;
   Ref<CVelumArray> iCard;
   CVelumCardOrder iOrder;
+  std::vector<qint32> iNumsById; // of the order, while the cards are written
   Ref<CVelumArray> iNameIndex;
   Ref<CVelumArray> iBackground;
   Ref<CVelumArray> iSortKey;
@@ -213,6 +218,8 @@ private:
   Ref<CVelumBlobStore> iBlobStore;
   Ref<CVelumFont> iListFont;
   TVelumChangeInfo iChangeInfo;
+  qint32 iLastChangedIn =
+      ENoInt; // the last changed card is the last one of this background; ENoInt: iChangeInfo
   qint32 iOrderCorrections = 0;
   static constexpr qint32 EBulkOff = std::numeric_limits<qint32>::max();
   qint32 iBulkStart = EBulkOff; // id of the first card added in bulk mode

@@ -44,6 +44,7 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
     DropHalfAdded(card, background, byKey);
     throw;
   }
+  iCardFinder.Note(card, ENoInt);
   SetCardListsDirty(nullptr);
   iChangeInfo.iCardListChanged = true;
   CVelumRecord::Added(*this, "Card", card, card.Id());
@@ -111,8 +112,7 @@ void CVelumStack::AddKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
   index.InitElem(elem);
   elem.iStrKey = CVelumChecked::Deref(key).BuildKey(aCard);
   elem.iVal = TVelumValue::OfInt(aCard.Id());
-  index.CreateStrKey(elem);
-  AdjustCardPos(&aCard, true, elem.iStrKey);
+  PlaceByKey(&aCard, true, index, index.CreateStrKey(elem));
 }
 
 void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
@@ -216,9 +216,10 @@ void CVelumStack::DeleteControl(qint32 aId, const Ref<CVelumControlSet>& aBackgr
 void CVelumStack::ChangeCard(const CVelumCard& aCard) {
   constexpr qint16 most = std::numeric_limits<qint16>::max();
   iChangeInfo.iCardChanged = true;
-  if (iChangeInfo.iLastChangedCard == &aCard) return;
+  if (IsLastChanged(aCard)) return;
   if (iChangeInfo.iNumCardsChanged < most) ++iChangeInfo.iNumCardsChanged;
   iChangeInfo.iLastChangedCard = const_cast<CVelumCard*>(&aCard);
+  iLastChangedIn = ENoInt;
 }
 
 // A card that stands in the stack went to another background.
@@ -231,4 +232,5 @@ void CVelumStack::BackgroundSet(CVelumCard& aCard, qint32 aOldId) {
   if (CVelumControlSet* background = FindBackground(newId))
     background->SetNumCards(background->NumCards() + 1);
   iOrder.AddBit(aCard.Id(), CVelumCardOrder::BackgroundBit(newId));
+  iCardFinder.Note(aCard, ENoInt);
 }

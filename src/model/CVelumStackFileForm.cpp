@@ -4,6 +4,7 @@
 #include "core/CVelumLib.h"
 #include "model/CVelumStack.h"
 
+#include <QScopedValueRollback>
 #include <limits>
 
 using CVelumModel::ObjAs;
@@ -52,11 +53,11 @@ void CVelumStack::Internalize(CVelumFile& aFile) {
   iLoadProblems.clear();
   LinkBackgrounds();
   LinkCards();
-  LinkOrder();
-  LinkNames();
+  MendNames();
   LinkKeys();
   SetControlDynFlags();
   CheckOrderIndex();
+  BuildCardFinder();
   iOrder.SetChanged(false);
   iChanged = false;
 }
@@ -93,9 +94,11 @@ void CVelumStack::LinkBackgrounds() {
   }
 }
 
-// Every card has its place as id, and a background.
+// Every card has its place as id, a background, and a place in the order. One walk for all: the cards of a
+// large stack do not stay in the processor's cache from one walk to the next.
 void CVelumStack::LinkCards() {
-  const CVelumControlSet* background = nullptr;
+  const std::vector<qint32> nums = LinkOrder();
+  CVelumControlSet* background = nullptr;
   for (qint32 i = 0; i < iCard->Count(); ++i) {
     CVelumCard* card = FindCard(i);
     CVelumError::ThrowBadStruct(card || !iCard->ValRef(i).Obj(), this, EProc, u"card"_s);
@@ -104,72 +107,71 @@ void CVelumStack::LinkCards() {
       background = FindBackground(card->BackgroundId());
     CVelumError::ThrowBadStruct(background, card, EProc, u"card background"_s);
     card->SetStack(this);
-    if (card->SortValues()) NoteProblem(u"The values of card %1 were out of order"_s.arg(i));
-    if (card->iId == i) continue;
-    NoteProblem(u"Card %1 bears the id %2"_s.arg(i).arg(card->iId));
-    card->iId = i;
+    background->SetNumCards(background->NumCards() + 1);
+    iOrder.AddBit(i, CVelumCardOrder::BackgroundBit(background->Id()));
+    MendCard(*card, i, nums[size_t(i)]);
   }
 }
 
-// Every card stands once in the order, and nothing else does.
-void CVelumStack::LinkOrder() {
-  std::vector<bool> seen(size_t(iCard->Count()), false);
+// What a card says of itself must agree with where it stands.
+void CVelumStack::MendCard(CVelumCard& aCard, qint32 aId, qint32 aNum) {
+  if (aCard.iState & CVelumCard::EUnsorted) {
+    NoteProblem(u"The values of card %1 were out of order"_s.arg(aId));
+    aCard.SortValues();
+  }
+  if (aCard.iId != aId) {
+    NoteProblem(u"Card %1 bears the id %2"_s.arg(aId).arg(aCard.iId));
+    aCard.iId = aId;
+  }
+  if (aNum == ENoInt)
+    aCard.iOrderNum = iOrder.NumOf(aId);
+  else if (aCard.iOrderNum != aNum)
+    NoteProblem(u"Card %1 has order number %2 instead of %3"_s.arg(aId).arg(aCard.iOrderNum).arg(aNum));
+}
+
+// Every card stands once in the order, and nothing else does. Returns the numbers of the order by card id,
+// ENoInt for cards that it lacked.
+std::vector<qint32> CVelumStack::LinkOrder() {
+  std::vector<qint32> nums(size_t(iCard->Count()), ENoInt);
+  std::vector<bool> seen(nums.size(), false);
   iOrder.ClearBits();
   qint32 lastNum = std::numeric_limits<qint32>::min();
   bool twice = false;
   for (qint32 pos = 0; pos < iOrder.Count();) {
     const qint32 id = iOrder.IdAt(pos);
-    CVelumCard* card = FindCard(id);
-    if (!card || seen[size_t(id)]) {
+    const bool there = id >= 0 && id < iCard->Count() && iCard->ValRef(id).Obj();
+    if (!there || seen[size_t(id)]) {
       NoteProblem(
-          (card ? u"The order holds card %1 twice"_s : u"The order holds card %1, which is not there"_s)
+          (there ? u"The order holds card %1 twice"_s : u"The order holds card %1, which is not there"_s)
               .arg(id));
       iOrder.RemoveAt(pos);
-      twice = twice || card;
+      twice = twice || there;
       continue;
     }
-    seen[size_t(id)] = true;
     const qint32 num = iOrder.NumAt(pos++);
     if (num <= lastNum) NoteProblem(u"The order number %1 of card %2 does not ascend"_s.arg(num).arg(id));
-    lastNum = num;
-    LinkOrderSlot(*card, num);
+    nums[size_t(id)] = lastNum = num;
+    seen[size_t(id)] = true;
   }
   if (twice) iOrder.RenewPlaces();
   iOrder.LiftIdBound();
   for (qint32 id = 0; id < iCard->Count(); ++id) {
-    CVelumCard* card = seen[size_t(id)] ? nullptr : FindCard(id);
-    if (!card) continue;
+    if (seen[size_t(id)] || !iCard->ValRef(id).Obj()) continue;
     NoteProblem(u"The order lacks card %1"_s.arg(id));
-    const qint32 num = NumBefore(iOrder.Count());
-    iOrder.InsertAt(iOrder.Count(), id, num, 0);
-    card->iOrderNum = num;
-    LinkOrderSlot(*card, num);
+    iOrder.InsertAt(iOrder.Count(), id, NumBefore(iOrder.Count()), 0);
   }
+  return nums;
 }
 
-void CVelumStack::LinkOrderSlot(CVelumCard& aCard, qint32 aNum) {
-  if (aCard.iOrderNum != aNum)
-    NoteProblem(
-        u"Card %1 has order number %2 instead of %3"_s.arg(aCard.Id()).arg(aCard.iOrderNum).arg(aNum));
-  CVelumControlSet& background = *FindBackground(aCard.BackgroundId());
-  background.SetNumCards(background.NumCards() + 1);
-  iOrder.AddBit(aCard.Id(), CVelumCardOrder::BackgroundBit(background.Id()));
-}
-
-// The name of a card and its key share one text. Older versions wrote the index in collation order; with
-// other flags cards could not be added or found by name.
-void CVelumStack::LinkNames() {
-  if (const qint32 flags = iNameIndex->Flags(); flags != ENameFlags) {
-    if ((flags | EArrExactCase) != ENameFlags) NoteProblem(u"The name index had the flags %1"_s.arg(flags));
-    iNameIndex->SetFlags(ENameFlags);
-    iNameIndex->EnsureSorted();
-    iNameIndex->SetChanged(true);
-  }
-  for (qint32 i = 0; i < iNameIndex->Count(); ++i) {
-    CVelumCard* card = FindCard(iNameIndex->ValRef(i).Int());
-    const QString& key = iNameIndex->StrKeyAt(i);
-    if (card && card->iName == key) card->iName = key;
-  }
+// Older versions wrote the index in collation order; with other flags cards could not be added or found by
+// name.
+void CVelumStack::MendNames() {
+  const qint32 flags = iNameIndex->Flags();
+  if (flags == ENameFlags) return;
+  if ((flags | EArrExactCase) != ENameFlags) NoteProblem(u"The name index had the flags %1"_s.arg(flags));
+  iNameIndex->SetFlags(ENameFlags);
+  iNameIndex->EnsureSorted();
+  iNameIndex->SetChanged(true);
 }
 
 void CVelumStack::LinkKeys() {
@@ -201,7 +203,10 @@ void CVelumStack::Externalize(CVelumFile& aFile) {
   if (iListFont) iListFont->Externalize(aFile);
   iIdGen->Externalize(aFile);
   iBackground->Externalize(aFile);
-  iCard->Externalize(aFile);
+  {
+    const QScopedValueRollback nums(iNumsById, iOrder.NumsById());
+    iCard->Externalize(aFile);
+  }
   iOrder.Externalize(aFile);
   iNameIndex->Externalize(aFile);
   iSortKey->Externalize(aFile);

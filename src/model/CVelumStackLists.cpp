@@ -28,6 +28,7 @@ void SetVisSize(CVelumControl& aControl, qint64 aLen) {
 
 void CVelumStack::SetControlDynFlags() {
   NewListBasis();
+  iCardFinder.Clear();
   Ref<CVelumControlSet> background;
   for (qint32 i = 0; GetNextBackground(background, i);)
     for (qint32 c = 0; c < background->NumControls(); ++c)
@@ -46,6 +47,16 @@ void CVelumStack::SetControlDynFlags() {
       if (control) control->SetDynFlag(EDynKeyPart, true);
     }
   }
+}
+
+// So that the first edit after a load does not have to walk all cards.
+void CVelumStack::BuildCardFinder() {
+  Ref<CVelumControlSet> background;
+  for (qint32 i = 0; GetNextBackground(background, i);)
+    for (qint32 c = 0; c < background->NumControls(); ++c)
+      if (const CVelumControl* control = background->ControlAt(c);
+          control && control->DynFlag(EDynSelControl) && !control->Flag(EConCardList))
+        iCardFinder.Build(*this, background->Id(), control->Id(), iListBasis);
 }
 
 // Flags the controls to which a card list refers.
@@ -87,18 +98,43 @@ void CVelumStack::SetCardListsDirty(const Ref<CVelumControlSet>& aBackground) {
   }
 }
 
-// As ChangeCard for each card of the background in order.
+// As ChangeCard for each card of the background in order. Which card is the last one is found out when
+// somebody asks: this happens with each card that is added.
 void CVelumStack::ReportAllChanged(const CVelumControlSet& aBackground) {
-  Ref<CVelumCard> first;
-  Ref<CVelumCard> last;
-  qint32 index = 0;
-  if (aBackground.NumCards() == 0 || !GetFirstCardInBackground(aBackground.Id(), first, index)) return;
-  if (!GetLastCardInBackground(aBackground.Id(), last)) return;
-  ChangeCard(*first);
-  const qint32 num = iChangeInfo.iNumCardsChanged + aBackground.NumCards() - 1;
+  if (aBackground.NumCards() == 0) return;
+  const qint32 again = FirstIsLastChanged(aBackground) ? 1 : 0;
+  const qint32 num = iChangeInfo.iNumCardsChanged + aBackground.NumCards() - again;
   const qint32 most = std::numeric_limits<qint16>::max();
+  iChangeInfo.iCardChanged = true;
   iChangeInfo.iNumCardsChanged = static_cast<qint16>(std::min(num, most));
-  iChangeInfo.iLastChangedCard = last;
+  iChangeInfo.iLastChangedCard = nullptr;
+  iLastChangedIn = aBackground.Id();
+}
+
+bool CVelumStack::FirstIsLastChanged(const CVelumControlSet& aBackground) const {
+  if (iLastChangedIn != ENoInt) return iLastChangedIn == aBackground.Id() && aBackground.NumCards() == 1;
+  const Ref<CVelumCard>& last = iChangeInfo.iLastChangedCard;
+  if (!last || last->BackgroundId() != aBackground.Id()) return false;
+  Ref<CVelumCard> first;
+  qint32 index = 0;
+  return GetFirstCardInBackground(aBackground.Id(), first, index) && first == last;
+}
+
+bool CVelumStack::IsLastChanged(const CVelumCard& aCard) const {
+  if (iLastChangedIn == ENoInt) return iChangeInfo.iLastChangedCard == &aCard;
+  return aCard.BackgroundId() == iLastChangedIn && ChangeInfo().iLastChangedCard == &aCard;
+}
+
+TVelumChangeInfo CVelumStack::ChangeInfo() const {
+  TVelumChangeInfo info = iChangeInfo;
+  if (iLastChangedIn != ENoInt)
+    static_cast<void>(GetLastCardInBackground(iLastChangedIn, info.iLastChangedCard));
+  return info;
+}
+
+void CVelumStack::ResetChangeInfo() {
+  iChangeInfo = {};
+  iLastChangedIn = ENoInt;
 }
 
 bool CVelumStack::EnterListUpdate() {
@@ -118,9 +154,13 @@ void CVelumStack::LeaveListUpdate() {
 void CVelumStack::PrepareForSave() {
   static_cast<void>(EnterListUpdate());
   const auto leave = qScopeGuard([this] { LeaveListUpdate(); });
-  Ref<CVelumCard> card;
-  for (qint32 i = 0; GetNextCard(card, i);)
-    if (card->Dirty()) card->UpdateCardLists();
+  Ref<CVelumControlSet> background;
+  for (qint32 i = 0; GetNextBackground(background, i);) {
+    if (!background->WithCardList()) continue;
+    Ref<CVelumCard> card;
+    for (qint32 at = 0; GetNextCardInBackground(background->Id(), card, at);)
+      if (card->Dirty()) card->UpdateCardLists();
+  }
 }
 
 void CVelumStack::AdjustVisChar() {

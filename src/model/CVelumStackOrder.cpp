@@ -24,6 +24,8 @@ const CVelumArray& CVelumStack::OrderIndex() const {
 }
 
 qint32 CVelumStack::OrderNumOf(const CVelumCard& aCard) const {
+  if (const auto id = static_cast<size_t>(aCard.Id()); id < iNumsById.size() && iNumsById[id] != ENoInt)
+    return iNumsById[id];
   const qint32 num = iOrder.NumOf(aCard.Id());
   return num != ENoInt && FindCard(aCard.Id()) == &aCard ? num : aCard.iOrderNum;
 }
@@ -205,22 +207,28 @@ void CVelumStack::MoveAllCardsOfBackground(const Ref<CVelumControlSet>& aBackgro
 }
 
 void CVelumStack::AdjustCardPos(const Ref<CVelumCard>& aCard, bool aIsNew, const QString& aKey) {
-  CVelumCard& card = CVelumChecked::Deref(aCard);
-  CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card.BackgroundId()));
-  CVelumArray& keyIndex = CVelumChecked::Deref(background.KeyIndex());
-  if (!aIsNew) RemoveCardOrder(card);
-  InsertCardOrder(aCard, NextByKey(keyIndex, aKey));
+  CVelumControlSet& background =
+      CVelumChecked::Deref(FindBackground(CVelumChecked::Deref(aCard).BackgroundId()));
+  const CVelumArray& keyIndex = CVelumChecked::Deref(background.KeyIndex());
+  TVelumElem elem;
+  qint32 next = 0;
+  const bool found = keyIndex.ReadByStrKey(aKey, elem, next);
+  PlaceByKey(aCard, aIsNew, keyIndex, found ? next - 1 : keyIndex.Count() - 1);
+}
+
+// Puts a card to the place in the order that its place in the key index demands.
+void CVelumStack::PlaceByKey(const Ref<CVelumCard>& aCard, bool aIsNew, const CVelumArray& aKeyIndex,
+                             qint32 aIndex) {
+  if (!aIsNew) RemoveCardOrder(*aCard);
+  InsertCardOrder(aCard, NextByKey(aKeyIndex, aIndex));
   CVelumSeams::ChangeNotify(ECardsMoved);
   iChangeInfo.iCardListChanged = true;
 }
 
-// The card before which the one of aKey is to stand: the next one by key, or, for the last one by key, the
+// The card before which that of an index is to stand: the next one by key, or, for the last one by key, the
 // one that follows its predecessor by key in the order. Nothing: at the end.
-Ref<CVelumCard> CVelumStack::NextByKey(CVelumArray& aKeyIndex, const QString& aKey) const {
-  TVelumElem elem;
-  qint32 next = 0;
-  if (aKeyIndex.ReadByStrKey(aKey, elem, next) && next < aKeyIndex.Count())
-    return GetCardById(aKeyIndex.ValRef(next).Int());
+Ref<CVelumCard> CVelumStack::NextByKey(const CVelumArray& aKeyIndex, qint32 aIndex) const {
+  if (aIndex + 1 < aKeyIndex.Count()) return GetCardById(aKeyIndex.ValRef(aIndex + 1).Int());
   if (aKeyIndex.Count() < 2) return nullptr;
   const qint32 pos = iOrder.PosOf(aKeyIndex.ValRef(aKeyIndex.Count() - 2).Int());
   if (pos < 0 || pos + 1 >= iOrder.Count()) return nullptr;
@@ -312,9 +320,9 @@ void CVelumStack::ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumContro
     const QString newKey = key->BuildKey(aCard);
     if (newKey == key->StoredKey()) continue;
     index->DeleteStrKey(key->StoredKey());
-    index->CreateStrKey(OrderElem(*index, newKey, aCard.Id()));
+    const qint32 at = index->CreateStrKey(OrderElem(*index, newKey, aCard.Id()));
     if (aBackground.Flag(ECseKeepCardsSorted) && aBackground.KeyIndexId() == index->Id())
-      AdjustCardPos(&aCard, false, newKey);
+      PlaceByKey(&aCard, false, *index, at);
   }
 }
 
@@ -340,9 +348,12 @@ void CVelumStack::CheckOrderIndexFor(CVelumControlSet& aBackground) {
     if (keyIndex.ValRef(i).Type() == EValUndef) continue;
     CVelumError::AssertObj(slot < iOrder.Count(), this, proc, u"orderElem parallel"_s);
     if (slot >= iOrder.Count()) return;
-    const CVelumCard* card1 = FindCard(keyIndex.ValRef(i).Int());
-    CVelumError::ThrowBadStruct(card1, this, u"CVelumStack."_s + proc, u"card"_s);
-    if (iOrder.IdAt(slot) != card1->Id()) SwapForCorrection(slot, *card1);
+    const qint32 id = keyIndex.ValRef(i).Int();
+    if (iOrder.IdAt(slot) != id) {
+      const CVelumCard* card1 = FindCard(id);
+      CVelumError::ThrowBadStruct(card1, this, u"CVelumStack."_s + proc, u"card"_s);
+      SwapForCorrection(slot, *card1);
+    }
     ++slot;
   }
 }

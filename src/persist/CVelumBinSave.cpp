@@ -50,14 +50,22 @@ void CVelumBinSave::WriteAll() {
   CVelumListCut cut(iStack);
   iStore.SwitchToFileBased();
   iStore.ReleaseChangedPlaces();
-  iPointerPos = CVelumChecked::Narrow<qint32>(EHeadLen + CVelumSaveCheck::Measure(iStack, iView));
-  iBlobPos = CVelumChecked::Add(iPointerPos, static_cast<qint32>(EPointerLen));
+  CVelumSaveCheck::CheckBlobs(iStore);
+  const bool fits = FitsInPlace();
+  // A file of its own needs no measuring: it is refused while it is written, and is gone then.
+  if (fits) SetPointerPos(EHeadLen + CVelumSaveCheck::Measure(iStack, iView));
   if (OtherVersionIsThere()) iKept = CVelumOtherVersion::Keep(iPath);
-  if (CanWriteInPlace()) {
+  // The tables of others who have the file open would no longer tell where the blobs are.
+  if (fits && iStore.File()->TryLockAlone()) {
     WriteInPlace();
   } else {
     WriteBeside();
   }
+}
+
+void CVelumBinSave::SetPointerPos(qint64 aPos) {
+  iPointerPos = CVelumChecked::Narrow<qint32>(aPos);
+  iBlobPos = CVelumChecked::Add(iPointerPos, static_cast<qint32>(EPointerLen));
 }
 
 // The file that this stack was loaded from or saved to last is no longer what it was then.
@@ -67,12 +75,11 @@ bool CVelumBinSave::OtherVersionIsThere() const {
   return there.Exists() && there != iStore.FileId();
 }
 
-// Only a file that is known, that has blobs worth leaving where they are, and that nobody else has open: the
-// tables of others would no longer tell where the blobs are.
-bool CVelumBinSave::CanWriteInPlace() const {
+// Only a file that is known, and that has blobs worth leaving where they are.
+bool CVelumBinSave::FitsInPlace() const {
   bool known =
       iStack.Filename() == iFilename && iStore.FileId().Exists() && CVelumOs::IdOf(iPath) == iStore.FileId();
-  return known && iStore.HasBlobsOnFile() && iStore.IsSound() && iStore.File()->TryLockAlone();
+  return known && iStore.HasBlobsOnFile() && iStore.IsSound();
 }
 
 void CVelumBinSave::WriteStackData(CVelumFile& aFile) {
@@ -80,8 +87,18 @@ void CVelumBinSave::WriteStackData(CVelumFile& aFile) {
   WriteHead(aFile);
   iStack.Externalize(aFile);
   iView.Externalize(aFile);
-  // Anything else would overwrite blobs.
-  if (aFile.CurrentPos() != iPointerPos) CVelumError::RaiseHost(EHostBadCall, iStack.ObjDescr());
+}
+
+// Where the data can be read back. Measuring finds the card that is to blame.
+void CVelumBinSave::WriteReadableData(CVelumFile& aFile) {
+  aFile.RefuseUnreadable();
+  try {
+    WriteStackData(aFile);
+  } catch (const CVelumException& e) {
+    if (e.Number() == EHostOverflow) static_cast<void>(CVelumSaveCheck::Measure(iStack, iView));
+    throw;
+  }
+  SetPointerPos(aFile.CurrentPos());
 }
 
 void CVelumBinSave::WriteTable(CVelumFile& aFile) {
@@ -105,6 +122,8 @@ void CVelumBinSave::WriteInPlace() {
     file->SetWriteGuard(&journal);
     iStore.SetNewStartPos(iBlobPos);
     WriteStackData(*file);
+    // Anything else would overwrite blobs.
+    if (file->CurrentPos() != iPointerPos) CVelumError::RaiseHost(EHostBadCall, iStack.ObjDescr());
     iStore.Commit();
     WriteTable(*file);
     file->Sync();
@@ -135,7 +154,7 @@ void CVelumBinSave::WriteBeside() {
   auto file = MakeRef<CVelumFile>(target.Path(), EFilReadWrite);
   file->OpenFile();
   file->LockShared();
-  WriteStackData(*file);
+  WriteReadableData(*file);
   iStore.WriteAllTo(file, iBlobPos);
   WriteTable(*file);
   file->Flush();

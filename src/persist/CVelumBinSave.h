@@ -21,11 +21,13 @@ private:
   void WriteAll();
   void TakeBack(const CVelumBlobStore::TState& aState);
   [[nodiscard]] bool OtherVersionIsThere() const;
-  [[nodiscard]] bool CanWriteInPlace() const;
+  [[nodiscard]] bool FitsInPlace() const;
   void WriteInPlace();
   static void RollBack(CVelumJournal& aJournal);
   void WriteBeside();
+  void SetPointerPos(qint64 aPos);
   void WriteStackData(CVelumFile& aFile);
+  void WriteReadableData(CVelumFile& aFile);
   void WriteTable(CVelumFile& aFile);
 
   QString iFilename;

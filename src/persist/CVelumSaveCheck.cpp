@@ -54,19 +54,18 @@ void CheckBlob(const CVelumBlob& aBlob) {
       CVelumSaveCheck::Refuse(u"The description of picture %1 is too long."_s.arg(aBlob.Id()));
 }
 
-void CheckBlobs(const CVelumBlobStore& aStore) {
+} // namespace
+
+void CVelumSaveCheck::CheckBlobs(const CVelumBlobStore& aStore) {
   for (qint32 i = 0; i < aStore.Cache().Count(); ++i)
     if (auto* blob = static_cast<const CVelumBlob*>(aStore.Cache().ValRef(i).Obj())) CheckBlob(*blob);
 }
-
-} // namespace
 
 void CVelumSaveCheck::Refuse(const QString& aReason) {
   throw CVelumException(EMsgCouldNotSave, u"CVelumSaveCheck"_s, aReason);
 }
 
 qint64 CVelumSaveCheck::Measure(CVelumStack& aStack, CVelumViewState& aView) {
-  if (Ref<CVelumBlobStore> store = aStack.BlobStore()) CheckBlobs(*store);
   try {
     return Length(aStack) + Length(aView);
   } catch (const CVelumException& e) {

@@ -1,4 +1,4 @@
-// What a save looks at before it writes anything.
+// What a save looks at before it touches the document.
 #pragma once
 
 #include "model/CVelumStack.h"
@@ -7,9 +7,11 @@
 namespace CVelumSaveCheck {
 
 // The bytes that stack and view take on file. Refuses (message EMsgCouldNotSave, with the card or background
-// that is to blame) when there is something that could not be read back: a text over 15,000 characters, a
-// block over 10,000,000 bytes or of none.
+// that is to blame) when a text has over 15,000 characters and could not be read back.
 [[nodiscard]] qint64 Measure(CVelumStack& aStack, CVelumViewState& aView);
+
+// Refuses blobs that could not be read back: over 10,000,000 bytes or of none, or with a text as above.
+void CheckBlobs(const CVelumBlobStore& aStore);
 
 // Raises EMsgCouldNotSave with a reason.
 [[noreturn]] void Refuse(const QString& aReason);

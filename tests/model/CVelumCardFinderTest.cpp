@@ -16,7 +16,7 @@ struct CVelumCardFinderTest : testing::Test {
       if (i % 4 != 0) card->SetControlVal(iSample.iSize->Id(), TVelumValue::OfInt(i % 4));
     }
   }
-  // The names of the cards found, at once and, when the second question builds an index, again.
+  // The names of the cards found.
   QString Found(const Ref<CVelumControl>& aControl, const TVelumValue& aVal) {
     return Names(aControl ? aControl->Id() : ENoInt, aVal);
   }
@@ -34,7 +34,7 @@ TEST_F(CVelumCardFinderTest, AllCardsWithoutAControl) {
   EXPECT_EQ(Found(nullptr, TVelumValue()).count(u' '), 29);
 }
 
-TEST_F(CVelumCardFinderTest, TheSameAnswersWithAndWithoutAnIndex) {
+TEST_F(CVelumCardFinderTest, TheSameAnswersEachTime) {
   for (int pass = 0; pass < 3; ++pass) {
     EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"t1"_s)), u"1 4 7 10 13 16 19 22 25 28"_s);
     EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"T1"_s)), QString());
@@ -61,6 +61,38 @@ TEST_F(CVelumCardFinderTest, RealsAndDates) {
   for (int pass = 0; pass < 3; ++pass) {
     EXPECT_EQ(Found(real, TVelumValue::OfReal(0)).count(u' '), 29);
     EXPECT_EQ(Found(iSample.iSince, TVelumValue::OfDate(40000)), u"5"_s);
+  }
+}
+
+TEST_F(CVelumCardFinderTest, FollowsACardToAnotherBackgroundAndBack) {
+  const TVelumValue sought = TVelumValue::OfStr(u"t1"_s);
+  EXPECT_EQ(Found(iSample.iTown, sought), u"1 4 7 10 13 16 19 22 25 28"_s);
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(iSample.iStack->GetCard(u"4"_s, card));
+  card->SetBackground(iSample.iSecond);
+  EXPECT_EQ(Found(iSample.iTown, sought), u"1 7 10 13 16 19 22 25 28"_s);
+  card->SetBackground(iSample.iFirst);
+  EXPECT_EQ(Found(iSample.iTown, sought), u"1 4 7 10 13 16 19 22 25 28"_s);
+}
+
+TEST_F(CVelumCardFinderTest, FollowsTheDefaultAndTheZeroValues) {
+  EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"t2"_s)), u"2 5 8 11 14 17 20 23 26 29"_s);
+  iSample.iTown->SetDefaultVal(u"t2"_s);
+  EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"t2"_s)).count(u' '), 19);
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(iSample.iStack->GetCard(u"4"_s, card));
+  EXPECT_EQ(Found(iSample.iSince, TVelumValue::OfDate(30000)), QString());
+  card->SetCreDate(30000);
+  EXPECT_EQ(Found(iSample.iSince, TVelumValue::OfDate(30000)), u"4"_s);
+}
+
+TEST_F(CVelumCardFinderTest, UndefinedOnlyEqualsUndefined) {
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(iSample.iStack->GetCard(u"4"_s, card));
+  card->SetControlVal(iSample.iTown->Id(), TVelumValue());
+  for (int pass = 0; pass < 2; ++pass) {
+    EXPECT_EQ(Found(iSample.iTown, TVelumValue()), u"4"_s);
+    EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"t1"_s)), u"1 7 10 13 16 19 22 25 28"_s);
   }
 }
 
