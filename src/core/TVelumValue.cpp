@@ -2,8 +2,9 @@
 
 TVelumValue TVelumValue::OfObj(int aTag, Ref<CVelumStored> aObj) {
   Q_ASSERT(aTag >= EValCard && aTag <= EValBlob);
-  TVelumValue val = OfType(aTag);
+  TVelumValue val;
   val.iSlot.iObj = aObj.Get();
+  val.iType = static_cast<qint16>(aTag);
   if (val.iSlot.iObj) val.iSlot.iObj->AddRef();
   return val;
 }

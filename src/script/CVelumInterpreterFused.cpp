@@ -143,7 +143,7 @@ inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
 // ---- Operands
 
 // The card of a field, if it can have one of the usual kind. The field is then known to be in its background.
-CVelumCard* CVelumInterpreter::CardOfField(TFieldOperand& aField) const {
+inline CVelumCard* CVelumInterpreter::CardOfField(TFieldOperand& aField) const {
   CVelumCard* card = iCard.Get();
   if (aField.iCardSlot >= 0) {
     const CVelumVar* var = SlotFast(aField.iCardSlot);
