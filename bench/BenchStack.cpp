@@ -1,6 +1,7 @@
 #include "BenchStack.h"
 
 #include <algorithm>
+#include <span>
 
 namespace {
 
@@ -10,10 +11,24 @@ struct TField {
 };
 
 constexpr TField EFields[] = {
-    {u"First", EConText},  {u"Last", EConText},      {u"Street", EConText},    {u"City", EConText},
-    {u"Remark", EConText}, {u"Number", EConInteger}, {u"Amount", EConInteger}, {u"Group", EConInteger},
-    {u"Weight", EConReal}, {u"Since", EConDate},
+    {u"First", EConText},
+    {u"Last", EConText},
+    {u"Street", EConText},
+    {u"City", EConText},
+    {u"Remark", EConText},
+    {u"Number", EConInteger},
+    {u"Amount", EConInteger},
+    {u"Group", EConInteger},
+    {u"Weight", EConReal},
+    {u"Since", EConDate},
+    // Only of wide stacks.
+    {u"Title", EConText},
+    {u"Phone", EConText},
+    {u"Code", EConInteger},
+    {u"Price", EConReal},
+    {u"Until", EConDate},
 };
+constexpr size_t ENarrow = 10;
 
 Ref<CVelumControl> FieldOf(const CVelumControlSet& aBackground, const QString& aName) {
   Ref<CVelumControl> control;
@@ -28,20 +43,31 @@ BenchStack::BenchStack(EKind aKind) : iKind(aKind), iStack(MakeRef<CVelumStack>(
   qint32 index = 0;
   if (iStack->GetFirstBackground(first, index)) iStack->DeleteBackground(first, false);
   iBackgrounds.append(NewBackground(u"People"_s));
-  if (aKind == ELists) iBackgrounds.append(NewBackground(u"Things"_s));
-  if (aKind != EPlain) KeepSorted(iBackgrounds.first(), u"Last"_s);
+  if (aKind == ELists || aKind == EWide) iBackgrounds.append(NewBackground(u"Things"_s));
+  if (aKind == EKeptSorted || aKind == ELists) KeepSorted(iBackgrounds.first(), u"Last"_s);
   if (aKind != ELists) return;
   KeepSorted(iBackgrounds.last(), u"Number"_s);
   AddListBackground();
 }
 
 QString BenchStack::KindName(EKind aKind) {
-  return aKind == EPlain ? u"plain"_s : aKind == EKeptSorted ? u"kept sorted"_s : u"lists"_s;
+  switch (aKind) {
+  case EPlain:
+    return u"plain"_s;
+  case EKeptSorted:
+    return u"kept sorted"_s;
+  case ELists:
+    return u"lists"_s;
+  case EWide:
+    return u"wide"_s;
+  }
+  return {};
 }
 
 Ref<CVelumControlSet> BenchStack::NewBackground(const QString& aName) {
   const auto background = MakeRef<CVelumControlSet>(aName, iStack->IdGen().NextId());
-  for (const TField& field : EFields) {
+  const auto fields = std::span(EFields).first(iKind == EWide ? std::size(EFields) : ENarrow);
+  for (const TField& field : fields) {
     const QString name = QString::fromUtf16(field.iName);
     const auto control = MakeRef<CVelumControl>(iStack->IdGen().NextId(), name, field.iType);
     control->SetFlags(EConInCardView | EConInCardList);

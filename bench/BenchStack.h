@@ -10,8 +10,9 @@
 class BenchStack {
 public:
   // Plain: one background. Lists: the cards in two kept-sorted backgrounds in turn, sorted by a text and by
-  // a number, and a third background with one card that shows a card list.
-  enum EKind { EPlain, EKeptSorted, ELists };
+  // a number, and a third background with one card that shows a card list. Wide: two backgrounds of 15
+  // fields.
+  enum EKind { EPlain, EKeptSorted, ELists, EWide };
 
   explicit BenchStack(EKind aKind);
 

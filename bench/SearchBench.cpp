@@ -4,6 +4,7 @@
 
 #include "core/CVelumValue.h"
 #include "model/CVelumSearch.h"
+#include "persist/CVelumStackFile.h"
 
 #include <QFile>
 #include <sqlite3.h>
@@ -76,16 +77,24 @@ qint32 CountHits(CVelumStack& aStack, const QString& aText) {
   return hits;
 }
 
-// For each text: seconds and hits of ours, seconds and hits of the database.
-QList<double> Search(BenchStack::EKind aKind, qint32 aCount, const QList<QString>& aTexts) {
+void Write(BenchStack::EKind aKind, qint32 aCount, const QString& aPath) {
   BenchStack stack(aKind);
   stack.AddBulk(stack.Names(aCount));
+  stack.Stack()->SetFlag(EStaBinary, true);
+  CVelumStackFile(aPath).SaveStack(stack.Stack(), MakeRef<CVelumViewState>());
+}
+
+// For each text: seconds and hits of ours in the loaded stack, seconds and hits of the database.
+QList<double> Search(const QString& aPath, const QList<QString>& aTexts) {
+  Ref<CVelumStack> stack;
+  Ref<CVelumViewState> view;
+  CVelumStackFile(aPath).LoadStack(stack, view);
   Database database(Bench::TempPath(u"search.sqlite"_s));
-  database.Fill(*stack.Stack());
+  database.Fill(*stack);
   QList<double> figures;
   for (const QString& text : aTexts) {
     qint32 hits = 0;
-    figures.append(Bench::Seconds(5, [&] { hits = CountHits(*stack.Stack(), text); }));
+    figures.append(Bench::Seconds(5, [&] { hits = CountHits(*stack, text); }));
     figures.append(hits);
     figures.append(Bench::Seconds(5, [&] { hits = database.CountLike(text.toUtf8()); }));
     figures.append(hits);
@@ -95,7 +104,14 @@ QList<double> Search(BenchStack::EKind aKind, qint32 aCount, const QList<QString
 
 void Measure(BenchStack::EKind aKind, qint32 aCount) {
   const QList<QString> texts{u"qzxjvk"_s, u"e"_s, u"9999999"_s, u"47"_s};
-  const QList<double> figures = Bench::InChild([&] { return Search(aKind, aCount, texts); });
+  const QString path = Bench::TempPath(u"search.Orvelle"_s);
+  QFile::remove(path);
+  static_cast<void>(Bench::InChild([&] {
+    Write(aKind, aCount, path);
+    return QList<double>{};
+  }));
+  const QList<double> figures = Bench::InChild([&] { return Search(path, texts); });
+  QFile::remove(path);
   for (qsizetype i = 0; i < texts.size(); ++i) {
     const double* of = figures.constData() + 4 * i;
     Bench::Row({BenchStack::KindName(aKind), QString::number(aCount), texts.at(i), Bench::Ms(of[0]),
