@@ -30,7 +30,8 @@ QList<double> Edits(const QString& aPath) {
   Ref<CVelumCard> card;
   qint32 index = 0;
   const auto edit = [&](qint32 aGroup) {
-    if (!stack->GetNextCardInBackground(people->Id(), card, index)) qFatal("no card");
+    if (!stack->GetNextCardInBackground(people->Id(), card, index))
+      static_cast<void>(stack->GetFirstCardInBackground(people->Id(), card, index));
     card->SetControlVal(FieldOf(*card, u"Group"_s)->Id(), TVelumValue::OfInt(aGroup));
     static_cast<void>(group->GetControlVal(list, false));
   };
