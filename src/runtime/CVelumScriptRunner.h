@@ -12,6 +12,8 @@ public:
   // the first one.
   virtual void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
                                    const QString& aMsg) = 0;
+  // What ParamVal gives to the scripts that run next.
+  virtual void SetParamVal(const QString& aVal) { static_cast<void>(aVal); }
   // Whether a script runs.
   [[nodiscard]] virtual bool Running() const = 0;
   // Stops the running script; harmless when none runs.

@@ -86,6 +86,9 @@ public:
   // A base control, or the menu item of a command.
   void BaseObjClick(QObject* aObj);
   void BaseObjDblClick(CVelumBaseControl* aObj);
+  // A click on a link of a wiki field: "select:" and a text sends "select" with that text as ParamVal; any
+  // other target is the name of a card to go to.
+  void BaseObjLink(CVelumBaseControl* aObj, const QString& aTarget);
   void BaseObjGotFocus(CVelumBaseControl* aObj);
   // Stores the clipboard's text as the value of the field; the window is not told.
   void BaseObjPaste(CVelumBaseControl* aObj);

@@ -13,6 +13,8 @@
 namespace {
 
 const QString gReadOnly = u"Read-only!"_s;
+// Begins a link that runs a script.
+const QString gSelect = u"select:"_s;
 // The longest text that a document can hold.
 constexpr qsizetype EMaxText = 15000;
 
@@ -150,6 +152,21 @@ void CVelumStackView::BaseObjClick(QObject* aObj) {
     ClickCheckBox(*base);
   else
     ClickCommand(aObj);
+}
+
+void CVelumStackView::BaseObjLink(CVelumBaseControl* aObj, const QString& aTarget) {
+  if (!iCurCard || !Bound(aObj)) return;
+  const Ref<CVelumControl> control = iCardView->VelumControl(aObj);
+  if (aTarget.startsWith(gSelect)) {
+    if (gScriptRunner) gScriptRunner->SetParamVal(aTarget.sliced(gSelect.size()));
+    ExecScript(control, u"select"_s);
+    return;
+  }
+  Ref<CVelumCard> card;
+  if (iStack->GetCard(aTarget, card))
+    GoToCard(card);
+  else
+    CVelumMsg::Show(EMsgBadLinkTarget, EMsgCritical, aTarget);
 }
 
 void CVelumStackView::ClickCheckBox(CVelumBaseControl& aObj) {

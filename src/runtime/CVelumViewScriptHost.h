@@ -26,6 +26,7 @@ public:
   // CVelumScriptRunner
   void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
                            const QString& aMsg) override;
+  void SetParamVal(const QString& aVal) override { gInterpreter->SetParamVal(aVal); }
   [[nodiscard]] bool Running() const override { return gInterpreter->Running(); }
   void Break() override { gInterpreter->Break(); }
   void Reset() override { gInterpreter->Reset(); }

@@ -611,6 +611,24 @@ TEST_F(CVelumStackViewTest, AMenuItemSendsSelectOnlyForACommandOfTheCardView) {
   EXPECT_TRUE(iRunner.iSent.isEmpty());
 }
 
+TEST_F(CVelumStackViewTest, LinksGoToCardsOrSendSelect) {
+  OpenThree();
+  View().BaseObjLink(&Base(iName), u"c"_s);
+  EXPECT_EQ(Cur(), u"c"_s);
+  EXPECT_EQ(iRunner.iParamVal, u"unset"_s);
+  iRunner.iSent.clear();
+  View().BaseObjLink(&Base(iName), u"select:two words"_s);
+  EXPECT_EQ(iRunner.iSent, QStringList{u"select c.Name"_s});
+  EXPECT_EQ(iRunner.iParamVal, u"two words"_s);
+  View().BaseObjLink(&Base(iName), u"select:"_s);
+  EXPECT_EQ(iRunner.iParamVal, QString()) << "an empty rest is sent too";
+  EXPECT_EQ(iRunner.iSent.size(), 2);
+  View().BaseObjLink(&Base(iName), u"nowhere"_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgBadLinkTarget);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"nowhere"_s));
+  EXPECT_EQ(Cur(), u"c"_s);
+}
+
 TEST_F(CVelumStackViewTest, StandardCommandsGoWhereTheySay) {
   OpenThree();
   const auto command = AddField(iSet, u"Go"_s, EConCommand, EConAsButton);

@@ -20,6 +20,7 @@ public:
     iSent.append(sent);
     if (iOnMessage) iOnMessage(sent);
   }
+  void SetParamVal(const QString& aVal) override { iParamVal = aVal; }
   [[nodiscard]] bool Running() const override { return iRunning; }
   void Break() override { ++iBreaks; }
   void Reset() override { ++iResets; }
@@ -30,6 +31,7 @@ public:
   }
 
   QStringList iSent; // "message card" or "message card.field"
+  QString iParamVal = u"unset"_s;
   std::function<void(const QString& aSent)> iOnMessage;
   bool iRunning = false;
   int iBreaks = 0;
