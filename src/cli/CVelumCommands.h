@@ -13,6 +13,7 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& Cards();
 [[nodiscard]] const TVelumCommand& Compile();
 [[nodiscard]] const TVelumCommand& RunMessage();
+[[nodiscard]] const TVelumCommand& Render();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();

@@ -1,10 +1,11 @@
 // The command-line program.
 #include "cli/CVelumCli.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <clocale>
 #include <cstring>
 #include <langinfo.h>
+#include <memory>
 
 namespace {
 
@@ -18,10 +19,20 @@ void PreferUtf8() {
     qputenv(qEnvironmentVariableIsEmpty("LC_ALL") ? "LC_CTYPE" : "LC_ALL", "C.UTF-8");
 }
 
+// The command that draws needs widgets, though no screen. Any other that is taken for it works as well.
+std::unique_ptr<QCoreApplication> MakeApp(int& aArgc, char** aArgv) {
+  for (int i = 1; i < aArgc; ++i) {
+    if (std::strcmp(aArgv[i], "render") != 0) continue;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QApplication>(aArgc, aArgv);
+  }
+  return std::make_unique<QCoreApplication>(aArgc, aArgv);
+}
+
 } // namespace
 
 int main(int aArgc, char** aArgv) {
   PreferUtf8();
-  const QCoreApplication app(aArgc, aArgv);
+  const std::unique_ptr<QCoreApplication> app = MakeApp(aArgc, aArgv);
   return CVelumCli::Run(QCoreApplication::arguments().mid(1));
 }

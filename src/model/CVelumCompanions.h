@@ -23,6 +23,8 @@ public:
   [[nodiscard]] virtual int LisType() const = 0;
   // Flag 4: the font is applied to the widget's own font rather than only kept.
   virtual void SetFlag4(bool aOn) = 0;
+  // Nothing stands for the default font.
+  virtual void SetFont(const Ref<CVelumFont>& aFont) { static_cast<void>(aFont); }
   virtual void Clear() = 0;
   virtual void AddLine(const QString& aLine, const Ref<CVelumObject>& aObj) = 0;
   [[nodiscard]] virtual int NumLines() const = 0;

@@ -244,8 +244,6 @@ void CVelumCardLayout::PlaceCombo(TPlace& aPlace) {
   PutAtValue(aPlace, combo, ClampWidth(AvgWidth(control) + CVelumSeams::Metrics().iFieldGapX),
              combo.NaturalHeight());
   Bind(control, combo);
-  // Its list comes with the list boxes; until then nothing could be chosen.
-  combo.SetEnabled(false);
   Ref<CVelumControl> partner;
   const bool found = aPlace.iSet.GetControl(control.PartnerId(), partner);
   CVelumError::Assert(found, u"AssignBaseControl partner"_s);
@@ -309,9 +307,8 @@ void CVelumCardLayout::PlaceList(TPlace& aPlace) {
   PutAtValue(aPlace, list, ClampWidth(AvgWidth(control) + CVelumSeams::Metrics().iFieldGapY),
              BlockHeight(control));
   Bind(control, list);
-  // Its lines come with the list boxes.
-  list.SetPlaceholder(u"List"_s);
-  list.SetEnabled(false);
+  if (const Ref<CVelumListBoxBase> box = control.ListBox())
+    box->SetFont(CVelumLib::EvalFont(aPlace.iCard, &control));
 }
 
 void CVelumCardLayout::PlacePicture(TPlace& aPlace) {

@@ -3,6 +3,7 @@
 #include "core/CVelumValue.h"
 #include "runtime/CVelumCardView.h"
 #include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumListBox.h"
 #include "toolkit/CVelumBaseCheckBox.h"
 #include "toolkit/CVelumBaseComboBox.h"
 #include "toolkit/CVelumBaseLabel.h"
@@ -50,10 +51,35 @@ TVelumValue CheckBoxVal(const CVelumControl& aControl, const CVelumBaseCheckBox&
   return TVelumValue::OfBoolean(aBox.Value() == 1);
 }
 
-// Whether ShowValues shows the value of a field. Lists and pictures show none until their widgets do; to
-// fetch a computed list would cost a walk over all cards.
+// The list box of a control that is shown by a combo box; null when it has none.
+CVelumListBox* ComboListOf(const CVelumControl& aControl) {
+  const Ref<CVelumListBoxBase> box = aControl.ListBox();
+  return box && box->LisType() == ELisCombo ? dynamic_cast<CVelumListBox*>(box.Get()) : nullptr;
+}
+
+// The text part of a combo box: a text, or a number.
+QString ComboText(const CVelumControl& aControl, const TVelumValue& aVal) {
+  if (aControl.ConType() == EConText) return TextOf(aControl, aVal, u"Partner str"_s);
+  return CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
+}
+
+void ShowComboText(CVelumListBox& aList, const QString& aText) {
+  if (aText.isEmpty())
+    aList.SetEmpty();
+  else
+    aList.SetComboText(aText);
+}
+
+// Numbers of a combo box are taken as numbers, which is all that their fields can store.
+TVelumValue ComboVal(const CVelumControl& aControl, const CVelumBaseControl& aBase) {
+  if (aControl.ConType() == EConList) return TVelumValue::OfStr(aControl.GetList());
+  if (aControl.ConType() == EConText) return TVelumValue::OfStr(aBase.Text());
+  return CVelumValue::ExtTextToVal(aBase.Text(), aControl.FieldInfo());
+}
+
+// Whether ShowValues shows the value of a field. Pictures show none until their boxes do.
 bool IsShown(const CVelumControl& aControl) {
-  if (aControl.ConType() == EConList || aControl.ConType() == EConPicture) return false;
+  if (aControl.ConType() == EConPicture) return false;
   return aControl.Flag(EConComboList) || (aControl.ConType() != EConCommand && aControl.InCardView());
 }
 
@@ -117,9 +143,21 @@ void CVelumCardView::ShowCombo(CVelumControl& aControl, const TVelumValue& aVal,
   Ref<CVelumControl> partner;
   const bool found = set && set->GetControl(aControl.PartnerId(), partner);
   CVelumError::AssertObj(found, &aControl, gSet, u"SetBaseControlVal partner"_s);
-  // The list of choices comes with the list boxes; until then the text stands alone.
-  if (aControl.ConType() != EConList)
-    BaseOf(aControl)->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
+  const bool isList = aControl.ConType() == EConList;
+  CVelumListBox* list = found ? ComboListOf(isList ? aControl : *partner) : nullptr;
+  if (!list) {
+    // Without a list the text stands alone.
+    if (!isList) BaseOf(aControl)->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
+    return;
+  }
+  if (isList) {
+    aControl.SetList(aCard.Stack(), TextOf(aControl, aVal, u"aVal.iType"_s),
+                     aControl.Flag(EConCardList) && !aControl.Flag(EConComboList));
+    ShowComboText(*list, ComboText(*partner, aCard.GetControlVal(partner->Id(), false)));
+  } else if (list->NumLines() > 0) {
+    // While the list is empty, the text comes with it.
+    ShowComboText(*list, ComboText(aControl, aVal));
+  }
 }
 
 TVelumValue CVelumCardView::GetBaseControlVal(const CVelumControl& aControl) const {
@@ -130,7 +168,7 @@ TVelumValue CVelumCardView::GetBaseControlVal(const CVelumControl& aControl) con
   case EBaseRichTextBox:
     return CVelumValue::ExtTextToVal(base->Text(), aControl.FieldInfo());
   case EBaseComboBox:
-    return TVelumValue::OfStr(aControl.ConType() == EConList ? aControl.GetList() : base->Text());
+    return ComboVal(aControl, *base);
   case EBaseCheckBox:
     return CheckBoxVal(aControl, static_cast<const CVelumBaseCheckBox&>(*base));
   case EBaseListView:

@@ -23,6 +23,7 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <algorithm>
 
 namespace {
 
@@ -120,6 +121,10 @@ void CVelumGenForm::AddOthers() {
   Add(progress);
   Add(new CVelumBasePictureBox(u"fWallPaperBox"_s, this, this));
   Add(new CVelumBasePictureBox(u"fTempPicBox"_s, this, this));
+  iLinesBox = new CVelumBaseRichTextBox(u"fLinesBox"_s, this, this);
+  iLinesBox->Widget()->installEventFilter(this);
+  iLinesBox->Widget()->setAccessibleName(tr("Lines of the list"));
+  Add(iLinesBox);
 }
 
 void CVelumGenForm::Add(CVelumBaseControl* aBase) {
@@ -155,6 +160,13 @@ void CVelumGenForm::SetCaption(const QString& aCaption) {
   setWindowTitle(QString(aCaption).replace(u"[*]"_s, u"[*][*]"_s));
 }
 
+void CVelumGenForm::SetCard(int, const Ref<CVelumCard>& aCard) {
+  const Ref<CVelumStackView> view = gStackView;
+  if (!view) return;
+  view->GoToCard(aCard);
+  view->SetFocusToCardView();
+}
+
 void CVelumGenForm::BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) {
   static constexpr TRoad roads[] = {
       {EBaseTextBox, EBaseChange, &CVelumGenForm::OnChange},
@@ -174,7 +186,9 @@ void CVelumGenForm::BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool&
       {EBaseCheckBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
       {EBaseCheckBox, EBaseValidate, &CVelumGenForm::OnValidate},
       {EBaseButton, EBaseClick, &CVelumGenForm::OnClick},
+      {EBaseComboBox, EBaseDblClick, &CVelumGenForm::OnEditLines},
       {EBaseListView, EBaseItemClick, &CVelumGenForm::OnItemClick},
+      {EBaseListView, EBaseDblClick, &CVelumGenForm::OnEditLines},
       {EBasePictureBox, EBaseClick, &CVelumGenForm::OnClick},
       {EBasePictureBox, EBaseDblClick, &CVelumGenForm::OnDblClick},
   };
@@ -219,6 +233,7 @@ void CVelumGenForm::OnPaste(CVelumBaseControl& aBase, bool&) {
 }
 
 void CVelumGenForm::OnValidate(CVelumBaseControl& aBase, bool& ioCancel) {
+  if (&aBase == iLinesBox) return gStackView->TakeLines();
   // A menu opens over a field that keeps the focus: only what was typed is to be taken then.
   if (aBase.HasFocus() && !gStackView->CurObjChanged()) return;
   // Anything that was typed elsewhere meanwhile is taken by the same rule.
@@ -229,8 +244,43 @@ void CVelumGenForm::OnValidate(CVelumBaseControl& aBase, bool& ioCancel) {
   if (aBase.HasFocus() && gStackView) gStackView->BaseObjGotFocus(&aBase);
 }
 
-void CVelumGenForm::OnItemClick(CVelumBaseControl&, bool&) {
-  // The lines of card lists come with the list boxes.
+void CVelumGenForm::OnItemClick(CVelumBaseControl& aBase, bool&) {
+  gStackView->BaseObjItemClick(&aBase);
+}
+
+void CVelumGenForm::OnEditLines(CVelumBaseControl& aBase, bool&) {
+  gStackView->EditLines(&aBase);
+}
+
+bool CVelumGenForm::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aWatched != iLinesBox->Widget() || aEvent->type() != QEvent::KeyPress || !gStackView)
+    return QWidget::eventFilter(aWatched, aEvent);
+  const auto& key = static_cast<const QKeyEvent&>(*aEvent);
+  const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+  if (key.key() == Qt::Key_Escape)
+    gStackView->DropLines();
+  else if (key.key() == Qt::Key_F2 || (enter && (key.modifiers() & Qt::ControlModifier)))
+    CVelumGuard::Run(u"CVelumGenForm.fLinesBox"_s, [] { gStackView->TakeLines(); });
+  else
+    return QWidget::eventFilter(aWatched, aEvent);
+  return true;
+}
+
+void CVelumGenForm::ShowLines(const CVelumBaseControl& aOver, const QString& aText) {
+  constexpr float lines = 6;
+  const TVelumMetrics& metrics = CVelumSeams::Metrics();
+  const float height = std::min(std::max(aOver.Height(), lines * metrics.iCharHeight), ClientHeight());
+  const float width = std::min(std::max(aOver.Width(), 20 * metrics.iAvgCharWidth), ClientWidth());
+  iLinesBox->SetFont(aOver.Font());
+  iLinesBox->SetSize(width, height);
+  // Over its list, as far as it fits into the window.
+  iLinesBox->SetPlace(std::max(0.0F, std::min(aOver.Left(), ClientWidth() - width)),
+                      std::max(0.0F, std::min(aOver.Top(), ClientHeight() - height)));
+  iLinesBox->Clear();
+  iLinesBox->SetText(aText);
+  iLinesBox->SetVisible(true);
+  iLinesBox->Widget()->raise();
+  iLinesBox->SetFocus();
 }
 
 bool CVelumGenForm::event(QEvent* aEvent) {

@@ -1,6 +1,7 @@
 // The card window: a fixed pool of base controls that the card view hands out, and the road of their events.
 #pragma once
 
+#include "runtime/CVelumCardSelect.h"
 #include "toolkit/CVelumBaseControl.h"
 #include "toolkit/CVelumForm.h"
 
@@ -12,8 +13,8 @@ class CVelumBasePictureBox;
 
 // Holds no logic: all events go to gStackView. Pool members are named by a prefix of their kind and a number
 // from 0, such as "fGenTextBox0"; besides them there are "fProgressBox" with "fProgress" inside it,
-// "fWallPaperBox" (keeps the wallpaper, never seen) and "fTempPicBox".
-class CVelumGenForm final : public QWidget, public CVelumForm, public CVelumBaseSink {
+// "fWallPaperBox" (keeps the wallpaper, never seen), "fTempPicBox", and "fLinesBox" for the lines of lists.
+class CVelumGenForm final : public QWidget, public CVelumForm, public CVelumBaseSink, public CVelumCardTaker {
   Q_OBJECT
 public:
   CVelumGenForm();
@@ -43,6 +44,13 @@ public:
   void SetCaption(const QString& aCaption);
   [[nodiscard]] const QString& Caption() const { return iCaption; }
 
+  // The box in which the lines of a list are edited; hidden until ShowLines puts it over a control.
+  [[nodiscard]] CVelumBaseControl& LinesBox() { return *iLinesBox; }
+  void ShowLines(const CVelumBaseControl& aOver, const QString& aText);
+
+  // Goes to a card that was chosen in the window for it.
+  void SetCard(int aTag, const Ref<CVelumCard>& aCard) override;
+
   void BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) override;
 
   // True while the program sets a check box: its click is not the user's then.
@@ -50,6 +58,7 @@ public:
 
 protected:
   bool event(QEvent* aEvent) override;
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
   void resizeEvent(QResizeEvent* aEvent) override;
   void paintEvent(QPaintEvent* aEvent) override;
   void mouseReleaseEvent(QMouseEvent* aEvent) override;
@@ -70,9 +79,11 @@ private:
   void OnPaste(CVelumBaseControl& aBase, bool& ioCancel);
   void OnValidate(CVelumBaseControl& aBase, bool& ioCancel);
   void OnItemClick(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnEditLines(CVelumBaseControl& aBase, bool& ioCancel);
 
   QList<CVelumBaseControl*> iControls;
   QHash<QString, CVelumBaseControl*> iByName;
+  CVelumBaseControl* iLinesBox = nullptr;
   qint32 iBackColor = ENoInt;
   QString iCaption;
 };

@@ -5,8 +5,11 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "persist/CVelumStackFile.h"
+#include "runtime/CVelumCardListForm.h"
+#include "runtime/CVelumCardSelect.h"
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumRuntimeCompanions.h"
 #include "runtime/CVelumStackView.h"
 #include "toolkit/CVelumBaseMeasure.h"
 #include "toolkit/CVelumToolkitLib.h"
@@ -31,7 +34,11 @@ void LoadStack(const QString& aPath) {
 namespace CVelumLib {
 
 void InitRuntime() {
+  static CVelumRuntimeCompanions companions;
+  CVelumCompanions::SetFactory(&companions);
   CVelumWinMan::SetFactory(u"CVelumGenForm"_s, [] { return new CVelumGenForm; });
+  CVelumWinMan::SetFactory(u"CVelumCardListForm"_s, [] { return new CVelumCardListForm; });
+  CVelumWinMan::SetFactory(u"CVelumCardSelect"_s, [] { return new CVelumCardSelect; });
   CVelumFont font;
   font.SetDefaults();
   CVelumScreenMeasure::InstallMetrics(MakeToolkitFont(font, false));

@@ -34,6 +34,21 @@ bool IsUnset(const Ref<CVelumRect>& aRect) {
          aRect->Height() <= 0;
 }
 
+QRectF PlaceOf(const CVelumRect& aRect) {
+  return {static_cast<qreal>(aRect.X()), static_cast<qreal>(aRect.Y()), static_cast<qreal>(aRect.Width()),
+          static_cast<qreal>(aRect.Height())};
+}
+
+// Takes the place of a window that is loaded.
+void TakePlace(const QString& aName, CVelumRect& aRect) {
+  if (!CVelumWinMan::FormIsLoaded(aName)) return;
+  const QRectF place = CVelumWinMan::NameToForm(aName)->Place();
+  aRect.SetX(static_cast<float>(place.x()));
+  aRect.SetY(static_cast<float>(place.y()));
+  aRect.SetWidth(static_cast<float>(place.width()));
+  aRect.SetHeight(static_cast<float>(place.height()));
+}
+
 void UnloadForm(const QString& aName) {
   if (!CVelumWinMan::FormIsLoaded(aName)) return;
   CVelumForm* form = CVelumWinMan::NameToForm(aName);
@@ -64,9 +79,11 @@ void CVelumStackView::SetDefaultRects() {
 }
 
 QRectF CVelumStackView::CardViewPlace() const {
-  const CVelumRect& rect = *iState->iCardViewRect;
-  return {static_cast<qreal>(rect.X()), static_cast<qreal>(rect.Y()), static_cast<qreal>(rect.Width()),
-          static_cast<qreal>(rect.Height())};
+  return PlaceOf(*iState->iCardViewRect);
+}
+
+QRectF CVelumStackView::CardListPlace() const {
+  return PlaceOf(*iState->iCardListRect);
 }
 
 void CVelumStackView::OpenViews() {
@@ -106,25 +123,21 @@ void CVelumStackView::CloseCardView(bool aRemember) {
   iState->iCardViewOpen = false;
 }
 
-void CVelumStackView::OpenCardList() {
-  iCardListOpen = true;
-  iState->iCardListOpen = true;
-}
-
-void CVelumStackView::CloseCardList() {
-  iCardListOpen = false;
-  iState->iCardListOpen = false;
-}
-
 void CVelumStackView::Release() {
   CloseCardView(true);
+  // Whether the list was open stays in the state of the stack.
+  const bool listOpen = iCardListOpen;
   CloseCardList();
+  iState->iCardListOpen = listOpen;
+  iCardListView.reset();
   iCardView.reset();
   UnloadForm(gCardForm);
   UnloadForm(gListForm);
 }
 
 void CVelumStackView::LeaveCurCard() {
+  if (!iCurCard) return;
+  TakeLines();
   if (!iCurCard) return;
   if (iCurObj && iCurObj->Visible()) {
     bool cancel = false;
@@ -142,13 +155,8 @@ void CVelumStackView::ForgetFocus() {
 }
 
 void CVelumStackView::UpdateRect() {
-  if (!iCardViewOpen || !CVelumWinMan::FormIsLoaded(gCardForm)) return;
-  const QRectF place = iCardView->ViewForm().Place();
-  CVelumRect& rect = *iState->iCardViewRect;
-  rect.SetX(static_cast<float>(place.x()));
-  rect.SetY(static_cast<float>(place.y()));
-  rect.SetWidth(static_cast<float>(place.width()));
-  rect.SetHeight(static_cast<float>(place.height()));
+  if (iCardViewOpen) TakePlace(gCardForm, *iState->iCardViewRect);
+  if (iCardListOpen) TakePlace(gListForm, *iState->iCardListRect);
 }
 
 void CVelumStackView::SetCurCard(Ref<CVelumCard> aCard) {
@@ -213,6 +221,7 @@ void CVelumStackView::ShowTitle() {
 }
 
 void CVelumStackView::Relayout() {
+  TakeLines();
   if (iCurObjChanged) ValidateCurControl();
   if (!iCurCard) return;
   const Ref<CVelumControl> control = iCardView->FocusControl();
@@ -236,7 +245,9 @@ void CVelumStackView::BaseFormResize() {
 
 void CVelumStackView::RefreshViews(bool aCardView, bool aCardList) {
   if (aCardView && iCardViewOpen && iCurCard) Relayout();
-  if (aCardList && iCardListOpen) OpenCardList();
+  if (!aCardList || !iCardListOpen) return;
+  const QScopedValueRollback keep(iKeepListPos, true);
+  OpenCardList();
 }
 
 void CVelumStackView::GoToCard(Ref<CVelumCard> aCard) {
@@ -345,13 +356,15 @@ void CVelumStackView::DeleteBackground(const Ref<CVelumControlSet>& aBackground,
 }
 
 void CVelumStackView::EmptyStack() {
+  DropLines();
   iStack->DeleteAllCards();
   iHistory.Empty();
   iCurCard = nullptr;
   ForgetFocus();
-  if (!iCardViewOpen) return;
-  CloseCardView(false);
-  OpenCardView();
+  if (iCardViewOpen) {
+    CloseCardView(false);
+    OpenCardView();
+  }
   RefreshViews(true, true);
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "persist/CVelumViewState.h"
+#include "runtime/CVelumCardListView.h"
 #include "runtime/CVelumCardView.h"
 #include "runtime/CVelumHistory.h"
 
@@ -26,10 +27,13 @@ public:
   [[nodiscard]] Ref<CVelumViewState> State() const { return iState; }
   [[nodiscard]] Ref<CVelumRect> CardViewRect() const { return iState->iCardViewRect; }
   [[nodiscard]] Ref<CVelumRect> CardListRect() const { return iState->iCardListRect; }
-  // The same as CardViewRect, for the window manager.
+  // The same, for the window manager.
   [[nodiscard]] QRectF CardViewPlace() const;
+  [[nodiscard]] QRectF CardListPlace() const;
   // Null before the card window was opened first.
   [[nodiscard]] CVelumCardView* CardView() const { return iCardView.get(); }
+  // Null before the list was opened first.
+  [[nodiscard]] CVelumCardListView* CardListView() const { return iCardListView.get(); }
   [[nodiscard]] Ref<CVelumCard> CurCard() const { return iCurCard; }
   [[nodiscard]] CVelumBaseControl* CurObj() const { return iCurObj; }
   // Whether the user has changed it since it got the focus.
@@ -50,7 +54,10 @@ public:
   void OpenCardView();
   // With aRemember the pictures of the window are given up.
   void CloseCardView(bool aRemember);
+  // Opens the list, or fills the open one anew where it stands.
   void OpenCardList();
+  // Opens the list if it is not open, and brings it to the front.
+  void ShowCardList();
   void CloseCardList();
   // Closes all and unloads the forms.
   void Release();
@@ -62,6 +69,10 @@ public:
   void RefreshViews(bool aCardView, bool aCardList);
   // Lays out the card window anew; what is being typed is taken first.
   void BaseFormResize();
+  // Goes to the card that is selected in the list.
+  void GoToSelectedCard();
+  // Fits the list to its window.
+  void ResizeCardList();
   void EmptyStack();
   void GoToCard(Ref<CVelumCard> aCard);
   void SetFocusToCardView();
@@ -86,6 +97,14 @@ public:
   // A base control, or the menu item of a command.
   void BaseObjClick(QObject* aObj);
   void BaseObjDblClick(CVelumBaseControl* aObj);
+  // A click on a line: in a list of cards it goes to the card.
+  void BaseObjItemClick(CVelumBaseControl* aObj);
+  // Opens the lines of a list that is not computed, or of a combo's list, in a text box over it.
+  void EditLines(CVelumBaseControl* aObj);
+  // Stores what stands in that box, and closes it. Nothing happens when it is closed.
+  void TakeLines();
+  // Closes it and leaves the list as it was.
+  void DropLines();
   // A click on a link of a wiki field: "select:" and a text sends "select" with that text as ParamVal; any
   // other target is the name of a card to go to.
   void BaseObjLink(CVelumBaseControl* aObj, const QString& aTarget);
@@ -113,19 +132,25 @@ private:
   [[nodiscard]] bool Holds(const Ref<CVelumCard>& aCard) const;
   [[nodiscard]] bool Bound(const CVelumBaseControl* aObj) const;
   void Touch(CVelumBaseControl* aObj);
+  [[nodiscard]] Ref<CVelumControl> LinesControl(CVelumBaseControl* aObj) const;
+  void CloseLines();
   [[nodiscard]] bool TakeValue(CVelumControl& aControl);
   void ShowStored(CVelumControl& aControl);
   void ClickCheckBox(CVelumBaseControl& aObj);
   void ClickCommand(const QObject* aObj);
   void UpdateCardInList();
+  void UpdateLine(const CVelumCard& aCard);
+  void RaiseCardList();
   void RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg);
 
   Ref<CVelumViewState> iState;
   Ref<CVelumStack> iStack;
   std::unique_ptr<CVelumCardView> iCardView;
+  std::unique_ptr<CVelumCardListView> iCardListView;
   bool iCardViewOpen = false;
   bool iCardListOpen = false;
-  bool iNoChange = false; // the program itself writes into controls
+  bool iKeepListPos = false; // the list is filled anew and not to be brought up
+  bool iNoChange = false;    // the program itself writes into controls
   bool iCardChanged = false;
   bool iResizePending = false; // the window's size changed while it was laid out
   QString iOldKey;
@@ -134,6 +159,7 @@ private:
   QPointer<CVelumBaseControl> iCurObj;
   bool iCurObjChanged = false;
   bool iValidating = false;
+  Ref<CVelumControl> iLinesOf;      // whose lines are being edited
   Ref<CVelumControlSet> iFailedSet; // the background whose layout failed last: told once
 };
 

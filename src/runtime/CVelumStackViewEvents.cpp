@@ -25,10 +25,6 @@ void ShowRunError(const TRunError& aError) {
                                    text + u"\r\n\r\n"_s + CVelumRunError::Place(aError));
 }
 
-bool ScriptRuns() {
-  return gScriptRunner && gScriptRunner->Running();
-}
-
 } // namespace
 
 void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue) {
@@ -50,6 +46,7 @@ void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, con
     }
   }
   if (newTitle) ShowTitle();
+  UpdateLine(*aCard);
 }
 
 bool CVelumStackView::Bound(const CVelumBaseControl* aObj) const {
@@ -88,13 +85,14 @@ void CVelumStackView::BaseObjGotFocus(CVelumBaseControl* aObj) {
 }
 
 void CVelumStackView::BaseObjPaste(CVelumBaseControl* aObj) {
-  const Ref<CVelumControl> control = iCurCard && iCardView ? iCardView->VelumControl(aObj) : nullptr;
+  const Ref<CVelumControl> control = iCurCard && Bound(aObj) ? iCardView->VelumControl(aObj) : nullptr;
   if (!control) return;
   const QString text = CVelumLib::ToCrLf(CVelumLib::GetClipboardText()).left(EMaxText);
   iCurCard->SetControlVal(control->Id(), TVelumValue::OfStr(text));
 }
 
 void CVelumStackView::ValidateCurControl() {
+  TakeLines();
   const QPointer<CVelumBaseControl> base = iCurObj;
   if (!base || !base->Visible()) return;
   bool cancel = false;
@@ -103,6 +101,7 @@ void CVelumStackView::ValidateCurControl() {
 }
 
 void CVelumStackView::BaseFormLostFocus() {
+  TakeLines();
   // The focus itself goes next, and comes back with an event of its own.
   bool cancel = false;
   if (iCurObj && iCurObj->Visible()) BaseObjValidate(iCurObj, cancel);
@@ -127,6 +126,7 @@ void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {
     ForgetFocus();
     CVelumSeams::EventPump().PumpPaint();
   }
+  if (iCurCard) UpdateLine(*iCurCard);
   ExecScript(control, changed ? u"closeField"_s : u"exitField"_s);
 }
 
@@ -222,7 +222,7 @@ void CVelumStackView::ExecStdCmd(qint16 aCmd, const CVelumControl& aControl) {
     break;
   case EStdShowCardList:
     OpenCardList();
-    if (gFrameHost) gFrameHost->ShowForm(u"CVelumCardListForm"_s);
+    RaiseCardList();
     break;
   case EStdSelectCard:
     if (gFrameHost) gFrameHost->ShowForm(u"CVelumCardSelect"_s);
@@ -236,12 +236,6 @@ void CVelumStackView::BaseObjDblClick(CVelumBaseControl* aObj) {
   if (!gFrameHost || !Bound(aObj)) return;
   if (aObj->Kind() == EBaseRichTextBox) gFrameHost->ShowForm(u"CVelumWikiTextEdit"_s);
   if (aObj->Kind() == EBasePictureBox) gFrameHost->ShowPicture();
-}
-
-void CVelumStackView::UpdateCardInList() {
-  // The list's window takes the changed card from the record; the record starts anew in any case.
-  if (ScriptRuns() || !iCardListOpen) return;
-  iStack->ResetChangeInfo();
 }
 
 void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg) {

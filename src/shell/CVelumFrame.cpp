@@ -1,6 +1,8 @@
 #include "shell/CVelumFrame.h"
 
 #include "core/CVelumMsg.h"
+#include "runtime/CVelumCardSelect.h"
+#include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
 #include "script/CVelumInterpreter.h"
@@ -15,6 +17,7 @@
 
 #include <QCloseEvent>
 #include <QFileInfo>
+#include <QToolButton>
 
 CVelumFrame* gFrame = nullptr;
 
@@ -43,6 +46,7 @@ CVelumFrame::CVelumFrame()
   iScriptBar = new CVelumScriptBar(this);
   iUi->fStatusBar->addPermanentWidget(iScriptBar);
   iScriptBar->hide();
+  AddCardListButton();
   gFrame = this;
   gFrameHost = this;
 }
@@ -50,6 +54,21 @@ CVelumFrame::CVelumFrame()
 CVelumFrame::~CVelumFrame() {
   gFrame = nullptr;
   gFrameHost = nullptr;
+}
+
+void CVelumFrame::AddCardListButton() {
+  iShowCardList = new QAction(CVelumIcons::Icon(u"ShowCardList"_s), tr("Show Card List"), this);
+  iShowCardList->setObjectName(u"fShowCardList"_s);
+  connect(iShowCardList, &QAction::triggered, this, [] {
+    CVelumGuard::Run(u"CVelumFrame.fShowCardList"_s, [] {
+      if (gStackView) gStackView->ShowCardList();
+    });
+  });
+  auto* button = new QToolButton(this);
+  button->setDefaultAction(iShowCardList);
+  button->setAutoRaise(true);
+  button->setFocusPolicy(Qt::TabFocus);
+  iUi->fStatusBar->addPermanentWidget(button);
 }
 
 void CVelumFrame::ConnectMenus() {
@@ -83,12 +102,19 @@ void CVelumFrame::ConnectMenus() {
     // A submenu has no command of its own.
     const QString form = command.iForm.toString();
     auto* item = findChild<QAction*>(command.iAction.toString());
-    if (item && !form.isEmpty()) on(item, [this, form] { ShowForm(form); });
+    if (item && !form.isEmpty()) on(item, [this, form] { ShowCommandForm(form); });
   }
   for (QMenu* menu : findChildren<QMenu*>())
     connect(menu, &QMenu::aboutToShow, this, &CVelumFrame::UpdateMenus);
   connect(iUi->fOpenRecent, &QMenu::aboutToShow, this, &CVelumFrame::FillHistory);
   iUi->fDevelopment->menuAction()->setVisible(false);
+}
+
+void CVelumFrame::ShowCommandForm(const QString& aName) {
+  auto* select = qobject_cast<CVelumCardSelect*>(ShowForm(aName));
+  // The card that is chosen is gone to.
+  if (select && gStackView && gStackView->CardView())
+    select->SelectCard(&gStackView->CardView()->ViewForm(), nullptr, 0);
 }
 
 void CVelumFrame::ConnectToolbar() {
@@ -186,6 +212,7 @@ void CVelumFrame::UpdateToolbar() {
     button->setToolTip(built ? button->text() : tr("%1 (comes later)").arg(button->text()));
   }
   iUi->fCmd->setEnabled(bool(gStack));
+  iShowCardList->setEnabled(bool(gStack));
   UpdateMenus();
 }
 

@@ -59,6 +59,9 @@ protected:
 private:
   void ConnectMenus();
   void ConnectToolbar();
+  // The card list can be opened from the status bar too, for no menu names it.
+  void AddCardListButton();
+  void ShowCommandForm(const QString& aName);
   void ButtonClick(const QString& aKey);
   void UpdateMenus();
   void FillHistory();
@@ -70,6 +73,7 @@ private:
   CVelumStackCommands iCommands;
   std::function<void()> iEndProcess;
   CVelumScriptBar* iScriptBar = nullptr;
+  QAction* iShowCardList = nullptr;
 };
 
 // The main window; null before it is made.

@@ -1,19 +1,23 @@
 #include "toolkit/CVelumBaseComboBox.h"
 
-#include <QComboBox>
+#include "toolkit/CVelumComboWidget.h"
+
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <algorithm>
 
 CVelumBaseComboBox::CVelumBaseComboBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
-    : CVelumBaseControl(EBaseComboBox, aName, new QComboBox(aParent), aSink),
-      iCombo(static_cast<QComboBox*>(Widget())) {
-  iCombo->setEditable(true);
-  iCombo->setInsertPolicy(QComboBox::NoInsert);
-  // A completion would put in what nobody typed.
-  iCombo->setCompleter(nullptr);
+    : CVelumBaseControl(EBaseComboBox, aName, new CVelumComboWidget(aParent), aSink),
+      iCombo(static_cast<CVelumComboWidget*>(Widget())) {
+  iCombo->MakeEditable();
   iCombo->lineEdit()->setMaxLength(iMaxChar);
+  iCombo->lineEdit()->installEventFilter(this);
   connect(iCombo, &QComboBox::editTextChanged, this, [this] { Notify(EBaseChange); });
-  connect(iCombo, &QComboBox::activated, this, [this] { Notify(EBaseClick); });
+  connect(iCombo, &QComboBox::activated, this, [this](int aIndex) {
+    // The text would be cut to what can be typed.
+    SetText(iCombo->itemText(aIndex));
+    Notify(EBaseClick);
+  });
 }
 
 float CVelumBaseComboBox::NaturalHeight() const {
@@ -40,7 +44,26 @@ void CVelumBaseComboBox::SetMaxChar(qint16 aMax) {
   iCombo->lineEdit()->setMaxLength(std::max(iMaxChar, static_cast<int>(Text().size())));
 }
 
+int CVelumBaseComboBox::Cursor() const {
+  return iCombo->lineEdit()->cursorPosition();
+}
+
+void CVelumBaseComboBox::SetCursor(int aPos) {
+  iCombo->lineEdit()->setCursorPosition(aPos);
+}
+
 void CVelumBaseComboBox::Clear() {
-  iCombo->clear();
-  iCombo->clearEditText();
+  iCombo->SetLines({});
+}
+
+bool CVelumBaseComboBox::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aWatched == iCombo->lineEdit() && aEvent->type() == QEvent::MouseButtonDblClick) {
+    Notify(EBaseDblClick);
+    return true;
+  }
+  if (aEvent->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(aEvent)->key() == Qt::Key_F2) {
+    Notify(EBaseDblClick);
+    return true;
+  }
+  return CVelumBaseControl::eventFilter(aWatched, aEvent);
 }

@@ -3,8 +3,9 @@
 
 #include "toolkit/CVelumBaseControl.h"
 
-class QComboBox;
+class CVelumComboWidget;
 
+// DblClick comes for a double click on the text, and for F2.
 class CVelumBaseComboBox final : public CVelumBaseControl {
 public:
   CVelumBaseComboBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink);
@@ -14,9 +15,14 @@ public:
   [[nodiscard]] QString Text() const override;
   void SetText(const QString& aText) override;
   void SetMaxChar(qint16 aMax) override;
+  [[nodiscard]] int Cursor() const override;
+  void SetCursor(int aPos) override;
   void Clear() override;
 
+protected:
+  bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
+
 private:
-  QComboBox* iCombo;
+  CVelumComboWidget* iCombo;
   int iMaxChar = EffMaxChar(ENoShort);
 };

@@ -1,21 +1,31 @@
 #include "toolkit/CVelumBaseListView.h"
 
-#include <QTreeWidget>
+#include "toolkit/CVelumListWidget.h"
+
+#include <QKeyEvent>
 
 CVelumBaseListView::CVelumBaseListView(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
-    : CVelumBaseControl(EBaseListView, aName, new QTreeWidget(aParent), aSink),
-      iTree(static_cast<QTreeWidget*>(Widget())) {
-  iTree->setRootIsDecorated(false);
-  iTree->setHeaderHidden(true);
-  iTree->setUniformRowHeights(true);
-  connect(iTree, &QTreeWidget::itemClicked, this, [this] { Notify(EBaseItemClick); });
-}
-
-void CVelumBaseListView::SetPlaceholder(const QString& aText) {
-  iTree->clear();
-  if (!aText.isEmpty()) new QTreeWidgetItem(iTree, {aText});
+    : CVelumBaseControl(EBaseListView, aName, new CVelumListWidget(aParent), aSink),
+      iList(static_cast<CVelumListWidget*>(Widget())) {
+  iList->viewport()->installEventFilter(this);
+  connect(iList, &CVelumListWidget::ItemClick, this, [this] { Notify(EBaseItemClick); });
 }
 
 void CVelumBaseListView::Clear() {
-  iTree->clear();
+  iList->SetSource(nullptr);
+  iList->DefineColumns({}, {});
+}
+
+bool CVelumBaseListView::eventFilter(QObject* aWatched, QEvent* aEvent) {
+  if (aWatched == iList->viewport()) {
+    if (aEvent->type() == QEvent::MouseButtonDblClick) Notify(EBaseDblClick);
+    return false;
+  }
+  if (aWatched == iList && aEvent->type() == QEvent::KeyPress) {
+    const int key = static_cast<QKeyEvent*>(aEvent)->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter) Notify(EBaseItemClick);
+    if (key == Qt::Key_F2) Notify(EBaseDblClick);
+    if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F2) return true;
+  }
+  return CVelumBaseControl::eventFilter(aWatched, aEvent);
 }

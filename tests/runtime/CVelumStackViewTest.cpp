@@ -646,7 +646,7 @@ TEST_F(CVelumStackViewTest, StandardCommandsGoWhereTheySay) {
   EXPECT_EQ(run(EStdGoToCard), u"c"_s);
   run(EStdShowCardList);
   EXPECT_TRUE(View().CardListIsOpen());
-  EXPECT_TRUE(iFrame.iCalls.contains(u"ShowForm CVelumCardListForm"_s));
+  EXPECT_EQ(iFrame.iCalls.last(), u"raise CVelumCardListForm"_s);
   run(EStdSelectCard);
   EXPECT_TRUE(iFrame.iCalls.contains(u"ShowForm CVelumCardSelect"_s));
   gStack->DeleteCard(iCards[1]);

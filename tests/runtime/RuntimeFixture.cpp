@@ -46,7 +46,9 @@ void FakeFrame::RemoveChild(QWidget* aForm) {
 
 void FakeFrame::ShowChild(QWidget* aForm, bool aRaise) {
   aForm->show();
-  if (aRaise) aForm->raise();
+  if (!aRaise) return;
+  aForm->raise();
+  iCalls.append(u"raise "_s + aForm->objectName());
 }
 
 bool FakeFrame::CloseStack() {

@@ -98,7 +98,7 @@ TEST_F(CVelumFrameTest, CommandsWithoutTheirWindowAreThereButDisabled) {
   for (const char* name :
        {"fNewStack",        "fImport",     "fExport",       "fEditStack",      "fSearch",
         "fEditBackgrounds", "fEditCards",  "fEditControls", "fEditSortKeys",   "fEditValues",
-        "fEditBackground",  "fSelectCard", "fNewCard",      "fEditCard",       "fOptions",
+        "fEditBackground",  "fNewCard",      "fEditCard",       "fOptions",
         "fAbout",           "NewStack",    "EditStack",     "EditBackgrounds", "EditCards",
         "EditControls"}) {
     EXPECT_FALSE(Action(QString::fromLatin1(name))->isEnabled()) << name;

@@ -1,0 +1,94 @@
+#include "runtime/CVelumCardListForm.h"
+
+#include "core/CVelumLib.h"
+#include "runtime/CVelumCardListView.h"
+#include "runtime/CVelumStackView.h"
+#include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumWinMan.h"
+#include "ui_CVelumCardListForm.h"
+
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QScopedValueRollback>
+
+CVelumCardListForm::CVelumCardListForm()
+    : CVelumForm(u"CVelumCardListForm"_s, true), iUi(new Ui::CVelumCardListForm) {
+  iUi->setupUi(this);
+  iUi->fCardBox->SetMultiSelect(true);
+  connect(iUi->fCardBox, &CVelumListWidget::ItemClick, this, &CVelumCardListForm::OnItemClick);
+  connect(iUi->fCardBox, &CVelumListWidget::ItemDblClick, this, &CVelumCardListForm::OnItemDblClick);
+  connect(iUi->fCardBox, &CVelumListWidget::SortChanged, this, &CVelumCardListForm::ShowMovable);
+  connect(iUi->fBackgroundCombo, &QComboBox::currentIndexChanged, this, [this] {
+    if (iShowing || !gStackView || !gStackView->CardListView()) return;
+    CVelumGuard::Run(u"CVelumCardListForm.fBackgroundCombo"_s,
+                     [] { gStackView->CardListView()->FillAndShowCardList(false); });
+  });
+  connect(iUi->fUpBut, &QPushButton::clicked, this, [this] { Move(false); });
+  connect(iUi->fDownBut, &QPushButton::clicked, this, [this] { Move(true); });
+}
+
+CVelumCardListForm::~CVelumCardListForm() = default;
+
+CVelumListWidget* CVelumCardListForm::CardBox() const {
+  return iUi->fCardBox;
+}
+
+CVelumComboWidget* CVelumCardListForm::BackgroundCombo() const {
+  return iUi->fBackgroundCombo;
+}
+
+void CVelumCardListForm::Load() {
+  if (!gStackView) return;
+  const QScopedValueRollback loading(iLoading, true);
+  CVelumWinMan::SetFormRect(*this, gStackView->CardListPlace());
+}
+
+void CVelumCardListForm::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
+  if (aKind != 0 && aKind != 1 && aKind != 6) return;
+  if (gStackView && gStackView->CardListView())
+    gStackView->CardListView()->RefillBackgrounds(aKind == 6 ? aObj1 : nullptr);
+}
+
+void CVelumCardListForm::OnItemClick() {
+  // Lines are also clicked to be copied or to be moved.
+  if (QGuiApplication::keyboardModifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) return;
+  const Ref<CVelumStackView> view = gStackView;
+  if (view) CVelumGuard::Run(u"CVelumCardListForm.fCardBox"_s, [&] { view->GoToSelectedCard(); });
+}
+
+void CVelumCardListForm::OnItemDblClick() {
+  OnItemClick();
+  if (gStackView && gStackView->CardView()) gStackView->SetFocusToCardView();
+}
+
+void CVelumCardListForm::Move(bool aDown) {
+  const Ref<CVelumStackView> view = gStackView;
+  if (!view || !view->CardListView()) return;
+  CVelumGuard::Run(u"CVelumCardListForm.Move"_s, [&] {
+    const Ref<CVelumCard> card = view->CardListView()->SelCard();
+    if (!view->CardListView()->MoveSelected(aDown)) return;
+    view->RefreshViews(true, true);
+    iUi->fCardBox->setFocus();
+    if (view->CardListView()) view->CardListView()->CardBox().SetSelIndexByObj(card.Get());
+  });
+}
+
+void CVelumCardListForm::ShowMovable() {
+  const bool movable = !iUi->fCardBox->DisplaySorted();
+  const QString why = movable ? QString() : tr("The list is shown sorted by a column");
+  for (QPushButton* button : {iUi->fUpBut, iUi->fDownBut}) {
+    button->setEnabled(movable);
+    button->setToolTip(why);
+  }
+}
+
+void CVelumCardListForm::resizeEvent(QResizeEvent* aEvent) {
+  QWidget::resizeEvent(aEvent);
+  if (gStackView && IsLoaded() && !iLoading) gStackView->ResizeCardList();
+}
+
+void CVelumCardListForm::closeEvent(QCloseEvent* aEvent) {
+  // The window stays, hidden, for the next time.
+  aEvent->ignore();
+  if (gStackView && IsLoaded()) gStackView->CloseCardList();
+}

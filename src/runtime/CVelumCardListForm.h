@@ -1,0 +1,47 @@
+// The window with the list of the cards.
+#pragma once
+
+#include "toolkit/CVelumForm.h"
+
+#include <QWidget>
+#include <memory>
+
+namespace Ui {
+class CVelumCardListForm;
+}
+class CVelumComboWidget;
+class CVelumListWidget;
+
+// Stands in the main window beside the card window. Its logic is in CVelumCardListView and in gStackView.
+class CVelumCardListForm final : public QWidget, public CVelumForm {
+  Q_OBJECT
+
+public:
+  CVelumCardListForm();
+  ~CVelumCardListForm() override;
+
+  [[nodiscard]] QWidget* Widget() override { return this; }
+  // Takes the place that the stack keeps for the list.
+  void Load() override;
+  void Unload() override {}
+  void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
+
+  [[nodiscard]] CVelumListWidget* CardBox() const;
+  [[nodiscard]] CVelumComboWidget* BackgroundCombo() const;
+
+  // True while the program itself chooses a background.
+  bool iShowing = false;
+
+protected:
+  void resizeEvent(QResizeEvent* aEvent) override;
+  void closeEvent(QCloseEvent* aEvent) override;
+
+private:
+  void OnItemClick();
+  void OnItemDblClick();
+  void Move(bool aDown);
+  void ShowMovable();
+
+  std::unique_ptr<Ui::CVelumCardListForm> iUi;
+  bool iLoading = false; // the window takes its place
+};

@@ -1,0 +1,359 @@
+#include "runtime/CVelumCardListForm.h"
+#include "runtime/CVelumCardListView.h"
+#include "runtime/RuntimeFixture.h"
+#include "toolkit/CVelumComboWidget.h"
+#include "toolkit/CVelumListWidget.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QClipboard>
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+class CVelumCardListTest : public RuntimeTest {
+protected:
+  // Cards "a", "b", "c" of the first background with the fields "Name" and "Size".
+  void OpenThree() {
+    iName = AddField(iSet, u"Name"_s, EConText);
+    iSize = AddField(iSet, u"Size"_s, EConInteger);
+    int size = 10;
+    for (const auto& name : {u"a"_s, u"b"_s, u"c"_s}) {
+      iCards.append(AddCard(name));
+      iCards.last()->SetControlVal(iName->Id(), TVelumValue::OfStr(u"N"_s + name));
+      iCards.last()->SetControlVal(iSize->Id(), TVelumValue::OfInt(size));
+      size -= 1;
+    }
+    OpenList();
+  }
+  // A second background with three fields, a name column and the cards "x" and "y".
+  void AddSecond() {
+    iSecond = AddBackground(u"Second"_s);
+    for (const auto& name : {u"P"_s, u"Q"_s, u"R"_s}) AddField(iSecond, name, EConText);
+    for (const auto& name : {u"x"_s, u"y"_s}) iCards.append(AddCard(name, iSecond));
+  }
+  void KeepSorted(const Ref<CVelumControlSet>& aSet, const Ref<CVelumControl>& aField) {
+    const auto key = MakeRef<CVelumSortKey>(gStack->IdGen().NextId(), u"k"_s, aSet->Id());
+    key->AddKeyPart(EConText, aField->Id(), EWayAscending, 5);
+    gStack->AddSortKey(key);
+    aSet->SetFlag(ECseKeepCardsSorted, true);
+    gStack->NewIndexForSortKey(key);
+    gStack->SetControlDynFlags();
+  }
+  void OpenList() {
+    Open();
+    View().OpenCardList();
+    QCoreApplication::processEvents();
+    iRunner.iSent.clear();
+  }
+  CVelumCardListForm& ListForm() {
+    return *dynamic_cast<CVelumCardListForm*>(CVelumWinMan::NameToForm(u"CVelumCardListForm"_s));
+  }
+  CVelumCardListView& List() { return *View().CardListView(); }
+  CVelumListBox& Box() { return List().CardBox(); }
+  CVelumListWidget& Widget() { return *ListForm().CardBox(); }
+  QStringList Lines() {
+    QStringList lines;
+    for (int i = 0; i < Box().NumLines(); ++i) lines.append(Box().Line(i));
+    return lines;
+  }
+  QStringList Names() {
+    QStringList names;
+    for (int i = 0; i < Box().NumLines(); ++i) {
+      const Ref<CVelumObject> obj = Box().Obj(i);
+      const auto* card = dynamic_cast<CVelumCard*>(obj.Get());
+      names.append(card ? card->Name() : u"-"_s);
+    }
+    return names;
+  }
+  QStringList Order() {
+    QStringList names;
+    Ref<CVelumCard> card;
+    for (qint32 i = 0; gStack->GetNextCard(card, i);) names.append(card->Name());
+    return names;
+  }
+  void Press(const QString& aButton) {
+    QTest::mouseClick(ListForm().findChild<QPushButton*>(aButton), Qt::LeftButton);
+  }
+  void ClickLine(int aRow, Qt::KeyboardModifiers aModifiers = {}) {
+    const QRect rect = Widget().visualRect(Widget().model()->index(aRow, 0));
+    QTest::mouseClick(Widget().viewport(), Qt::LeftButton, aModifiers, rect.center());
+  }
+  QString Cur() { return View().CurCard() ? View().CurCard()->Name() : QString(); }
+
+  Ref<CVelumControl> iName;
+  Ref<CVelumControl> iSize;
+  Ref<CVelumControlSet> iSecond;
+  QList<Ref<CVelumCard>> iCards;
+};
+
+TEST_F(CVelumCardListTest, OneBackgroundShowsItsColumns) {
+  OpenThree();
+  EXPECT_FALSE(List().Mixed());
+  EXPECT_FALSE(List().WithName());
+  EXPECT_FALSE(List().Background()) << "\"(All)\" is chosen";
+  EXPECT_EQ(Box().ColTitles(), (QList<QString>{u"Name"_s, u"Size"_s}));
+  EXPECT_EQ(Box().ColWidths(), (QList<float>{10 * 100 + 50, 10 * 100 + 50}));
+  EXPECT_EQ(Lines(), (QStringList{u"Na\t10"_s, u"Nb\t9"_s, u"Nc\t8"_s}));
+  EXPECT_EQ(Names(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+  EXPECT_EQ(ListForm().windowTitle(), u"Card List"_s);
+}
+
+TEST_F(CVelumCardListTest, TheNameComesFirstWhereTheBackgroundSaysSo) {
+  iSet->SetFlag(ECseCardNameInList, true);
+  OpenThree();
+  EXPECT_TRUE(List().WithName());
+  EXPECT_EQ(Box().ColTitles(), (QList<QString>{u"Card"_s, u"Name"_s, u"Size"_s}));
+  EXPECT_EQ(Box().ColWidths().at(0), 10 * 100 + 50);
+  EXPECT_EQ(Lines().first(), u"a\tNa\t10"_s);
+  EXPECT_EQ(Widget().CellText(1, 0), u"b"_s);
+  EXPECT_EQ(Widget().CellText(1, 2), u"9"_s);
+  iSet->SetFlag(ECseCardNameInList, false);
+  List().FillAndShowCardList(true);
+  EXPECT_FALSE(List().WithName());
+}
+
+TEST_F(CVelumCardListTest, SeveralBackgroundsShowMixedColumns) {
+  AddSecond();
+  OpenThree();
+  EXPECT_TRUE(List().Mixed());
+  EXPECT_EQ(Box().ColTitles(), (QList<QString>{u"Field 1"_s, u"Field 2"_s, u"Field 3"_s}));
+  EXPECT_EQ(Box().ColWidths().at(2), 25 * 100);
+  EXPECT_EQ(Names(), (QStringList{u"x"_s, u"y"_s, u"a"_s, u"b"_s, u"c"_s}));
+  ListForm().BackgroundCombo()->setCurrentIndex(2);
+  EXPECT_TRUE(List().Background() == iSecond);
+  EXPECT_FALSE(List().Mixed());
+  EXPECT_EQ(Box().ColTitles(), (QList<QString>{u"P"_s, u"Q"_s, u"R"_s}));
+  EXPECT_EQ(Names(), (QStringList{u"x"_s, u"y"_s}));
+}
+
+TEST_F(CVelumCardListTest, WithoutABackgroundThereAreNoColumns) {
+  gStack->DeleteBackground(iSet, false);
+  OpenList();
+  EXPECT_TRUE(List().Mixed());
+  EXPECT_EQ(Box().NumCols(), 0);
+  EXPECT_EQ(Box().NumLines(), 0);
+}
+
+TEST_F(CVelumCardListTest, TheSameBackgroundIsFilledAnewOnlyByForce) {
+  AddSecond();
+  OpenThree();
+  List().BackgroundCombo().SetSelIndexByLine(u"Second"_s);
+  EXPECT_EQ(Names().size(), 2);
+  AddCard(u"z"_s, iSecond);
+  List().FillAndShowCardList(false);
+  EXPECT_EQ(Names().size(), 2);
+  List().FillAndShowCardList(true);
+  EXPECT_EQ(Names().size(), 3);
+}
+
+TEST_F(CVelumCardListTest, UpdateCardShowsItsNewLine) {
+  AddSecond();
+  OpenThree();
+  const auto card = iCards[2];
+  card->SetControlVal(iName->Id(), TVelumValue::OfStr(u"new"_s));
+  List().UpdateCard(*card);
+  EXPECT_EQ(Lines().at(2), u"new\t10"_s);
+  List().BackgroundCombo().SetSelIndexByLine(u"Second"_s);
+  List().UpdateCard(*card);
+  EXPECT_EQ(Names(), (QStringList{u"x"_s, u"y"_s})) << "a card that is not listed is left alone";
+}
+
+TEST_F(CVelumCardListTest, ALeftCardIsSkippedAndNeverRead) {
+  OpenThree();
+  gStack->DeleteCard(iCards[1]);
+  EXPECT_EQ(Names(), (QStringList{u"a"_s, u"-"_s, u"c"_s}));
+  EXPECT_EQ(Lines().at(1), QString());
+  Widget().grab();
+  ClickLine(1);
+  EXPECT_EQ(Cur(), u"a"_s);
+  Widget().SortDisplay(0, Qt::AscendingOrder);
+  EXPECT_EQ(Widget().CellText(2, 0), QString());
+  List().UpdateCard(*iCards[1]);
+  List().FillAndShowCardList(true);
+  EXPECT_EQ(Names(), (QStringList{u"a"_s, u"c"_s}));
+}
+
+TEST_F(CVelumCardListTest, AClickedLineIsGoneTo) {
+  OpenThree();
+  ClickLine(2);
+  EXPECT_EQ(Cur(), u"c"_s);
+  EXPECT_TRUE(Widget().hasFocus()) << "who works in the list goes on there";
+  ClickLine(0, Qt::ControlModifier);
+  EXPECT_EQ(Cur(), u"c"_s) << "a line that is added to the selection is not";
+  ClickLine(1);
+  QTest::keyClick(&Widget(), Qt::Key_Up);
+  EXPECT_EQ(Cur(), u"b"_s);
+  QTest::keyClick(&Widget(), Qt::Key_Return);
+  EXPECT_EQ(Cur(), u"a"_s);
+}
+
+TEST_F(CVelumCardListTest, WhatWasTypedIsTakenWhenALineIsClicked) {
+  OpenThree();
+  Type(iName, u"!"_s);
+  ClickLine(2);
+  EXPECT_EQ(TextOf(iCards[0], iName), u"Na!"_s);
+  EXPECT_EQ(Lines().first(), u"Na!\t10"_s);
+}
+
+TEST_F(CVelumCardListTest, DownAndUpMoveACard) {
+  OpenThree();
+  Box().SetSelIndex(0);
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"b"_s, u"a"_s, u"c"_s}));
+  EXPECT_EQ(Names(), Order());
+  EXPECT_EQ(Box().SelIndex(), 1) << "the card stays selected";
+  EXPECT_TRUE(Widget().hasFocus());
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"b"_s, u"c"_s, u"a"_s}));
+  Press(u"fUpBut"_s);
+  Press(u"fUpBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+}
+
+TEST_F(CVelumCardListTest, DownOnTheLastAndUpOnTheFirstDoNothing) {
+  OpenThree();
+  gStack->SetChanged(false);
+  Box().SetSelIndex(2);
+  EXPECT_FALSE(List().MoveSelected(true));
+  Box().SetSelIndex(0);
+  EXPECT_FALSE(List().MoveSelected(false));
+  Box().SetSelIndexOrClear(-1);
+  EXPECT_FALSE(List().MoveSelected(true));
+  EXPECT_FALSE(gStack->Changed());
+}
+
+TEST_F(CVelumCardListTest, AKeptGroupMovesAsAWholeAndIsNeverParted) {
+  OpenThree();
+  AddSecond();
+  KeepSorted(iSecond, iSecond->ControlAt(0));
+  const auto last = AddCard(u"z"_s);
+  View().RefreshViews(true, true);
+  ASSERT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"x"_s, u"y"_s, u"z"_s}));
+  Box().SetSelIndexByObj(iCards[2].Get());
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"x"_s, u"y"_s, u"c"_s, u"z"_s})) << "over the whole group";
+  Box().SetSelIndexByObj(iCards[4].Get());
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"x"_s, u"y"_s, u"z"_s})) << "the group itself";
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(Order().last(), u"y"_s);
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(Order().last(), u"y"_s);
+  Box().SetSelIndexByObj(iCards[3].Get());
+  Press(u"fUpBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"x"_s, u"y"_s, u"z"_s}));
+  Box().SetSelIndexByObj(last.Get());
+  Press(u"fUpBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"z"_s, u"x"_s, u"y"_s}));
+}
+
+TEST_F(CVelumCardListTest, ASortedDisplayChangesNothingAndStopsTheMoves) {
+  OpenThree();
+  gStack->SetChanged(false);
+  Widget().SortDisplay(1, Qt::AscendingOrder);
+  EXPECT_EQ(Widget().CellText(0, 1), u"8"_s) << "numbers go by their value";
+  EXPECT_EQ(Widget().CellText(2, 1), u"10"_s);
+  EXPECT_FALSE(gStack->Changed());
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+  EXPECT_FALSE(ListForm().findChild<QPushButton*>(u"fUpBut"_s)->isEnabled());
+  EXPECT_FALSE(ListForm().findChild<QPushButton*>(u"fDownBut"_s)->isEnabled());
+  Box().SetSelIndex(0);
+  EXPECT_FALSE(List().MoveSelected(true));
+  View().RefreshViews(true, true);
+  EXPECT_EQ(Widget().CellText(0, 1), u"8"_s) << "it stays sorted when it is filled anew";
+  ClickLine(0);
+  EXPECT_EQ(Cur(), u"c"_s);
+  Widget().SortDisplay(-1, Qt::AscendingOrder);
+  EXPECT_TRUE(ListForm().findChild<QPushButton*>(u"fUpBut"_s)->isEnabled());
+}
+
+TEST_F(CVelumCardListTest, ARefillKeepsTheSelectionAndThePlace) {
+  for (int i = 0; i < 200; ++i) AddCard(u"card "_s + QString::number(i));
+  OpenThree();
+  Box().SetSelIndex(150);
+  const int top = Widget().TopRow();
+  EXPECT_GT(top, 0);
+  View().RefreshViews(true, true);
+  EXPECT_EQ(Box().SelIndex(), 150);
+  EXPECT_EQ(Widget().TopRow(), top);
+}
+
+TEST_F(CVelumCardListTest, TakesItsPlaceFromTheStackAndGivesItBack) {
+  AddCard(u"a"_s);
+  Open();
+  View().CardListRect()->SetX(300);
+  View().CardListRect()->SetY(450);
+  View().CardListRect()->SetWidth(4500);
+  View().CardListRect()->SetHeight(6000);
+  View().OpenCardList();
+  EXPECT_EQ(ListForm().Place(), QRectF(300, 450, 4500, 6000));
+  ListForm().SetPlace(QRectF(600, 750, 5400, 6600), true);
+  View().UpdateRect();
+  EXPECT_EQ(View().CardListPlace(), QRectF(600, 750, 5400, 6600));
+  EXPECT_GT(Widget().height(), 300) << "the list fills the window";
+}
+
+TEST_F(CVelumCardListTest, ClosingTheWindowHidesIt) {
+  OpenThree();
+  ListForm().close();
+  EXPECT_FALSE(View().CardListIsOpen());
+  EXPECT_FALSE(View().State()->iCardListOpen);
+  EXPECT_FALSE(ListForm().isVisible());
+  View().GoToCard(iCards[1]);
+  View().OpenCardList();
+  EXPECT_TRUE(ListForm().isVisible());
+  EXPECT_EQ(Names().size(), 3);
+}
+
+TEST_F(CVelumCardListTest, ChangesRefillTheBackgroundsAndKeepTheChoice) {
+  AddSecond();
+  OpenThree();
+  List().BackgroundCombo().SetSelIndexByLine(u"Second"_s);
+  AddBackground(u"Third"_s);
+  for (const int kind : {0, 1}) CVelumSeams::ChangeNotify(kind);
+  EXPECT_EQ(List().BackgroundCombo().NumLines(), 4);
+  EXPECT_EQ(List().BackgroundCombo().SelLine(), u"Second"_s);
+  CVelumSeams::ChangeNotify(6, iSecond.Get());
+  EXPECT_EQ(List().BackgroundCombo().NumLines(), 3);
+  EXPECT_EQ(List().BackgroundCombo().SelLine(), u"(All)"_s);
+  EXPECT_FALSE(List().Background());
+}
+
+TEST_F(CVelumCardListTest, TheListFollowsWhatHappensToTheStack) {
+  OpenThree();
+  View().AddCard(iSet, u"d"_s);
+  EXPECT_EQ(Names().size(), 4);
+  View().DeleteCard(iCards[0], nullptr);
+  EXPECT_EQ(Names(), (QStringList{u"b"_s, u"c"_s, u"d"_s}));
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"set"_s));
+  EXPECT_EQ(Lines().first(), u"set\t9"_s);
+  View().EmptyStack();
+  EXPECT_EQ(Box().NumLines(), 0);
+}
+
+TEST_F(CVelumCardListTest, AButtonBringsTheListUpToDate) {
+  const auto go = AddField(iSet, u"Go"_s, EConCommand, EConAsButton);
+  OpenThree();
+  iRunner.iRunning = true;
+  View().SetCardValue(iCards[2], iName->Id(), TVelumValue::OfStr(u"one"_s));
+  iRunner.iRunning = false;
+  gStack->ResetChangeInfo();
+  gStack->ChangeCard(*iCards[2]);
+  View().BaseObjClick(&Base(go));
+  EXPECT_EQ(Widget().CellText(2, 0), u"one"_s);
+  EXPECT_FALSE(gStack->ChangeInfo().iCardChanged);
+  AddCard(u"d"_s);
+  View().BaseObjClick(&Base(go));
+  EXPECT_EQ(Names().size(), 4) << "a card more: the list is filled anew";
+}
+
+TEST_F(CVelumCardListTest, TheListFontOfTheStackIsUsed) {
+  const auto font = MakeRef<CVelumFont>(u"Arial"_s, qint16{420}, ENoInt);
+  gStack->SetListFont(font);
+  OpenThree();
+  EXPECT_EQ(Box().Font()->PointSize(), 21);
+  EXPECT_GT(Widget().font().pointSizeF(), 14);
+}
+
+} // namespace

@@ -1,0 +1,118 @@
+#include "runtime/CVelumCardSelect.h"
+
+#include "runtime/RuntimeFixture.h"
+#include "toolkit/CVelumComboWidget.h"
+#include "toolkit/CVelumListWidget.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QPushButton>
+#include <QTest>
+
+namespace {
+
+class TakingWindow final : public QWidget, public CVelumCardTaker {
+public:
+  void SetCard(int aTag, const Ref<CVelumCard>& aCard) override {
+    iTaken.append(QString::number(aTag) + u' ' + aCard->Name());
+  }
+  QStringList iTaken;
+};
+
+class CVelumCardSelectTest : public RuntimeTest {
+protected:
+  CVelumCardSelectTest() {
+    iSecond = AddBackground(u"Second"_s);
+    iX = AddCard(u"x"_s, iSecond);
+    for (const auto& name : {u"a"_s, u"b"_s}) AddCard(name);
+    Open();
+    iForm = dynamic_cast<CVelumCardSelect*>(CVelumWinMan::NameToForm(u"CVelumCardSelect"_s));
+  }
+  ~CVelumCardSelectTest() override {
+    if (CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s)) CVelumWinMan::UnloadForm(*iForm);
+  }
+  CVelumListWidget& List() { return *iForm->findChild<CVelumListWidget*>(u"fCardBox"_s); }
+  CVelumComboWidget& Combo() { return *iForm->findChild<CVelumComboWidget*>(u"fBackgroundCombo"_s); }
+  QPushButton& Select() { return *iForm->findChild<QPushButton*>(u"fSelectBut"_s); }
+  QStringList Names() {
+    QStringList names;
+    for (int i = 0; i < List().model()->rowCount(); ++i) names.append(List().CellText(i, 0));
+    return names;
+  }
+  void ClickLine(int aRow, bool aTwice = false) {
+    const QPoint at = List().visualRect(List().model()->index(aRow, 0)).center();
+    QTest::mouseClick(List().viewport(), Qt::LeftButton, {}, at);
+    if (aTwice) QTest::mouseDClick(List().viewport(), Qt::LeftButton, {}, at);
+  }
+
+  Ref<CVelumControlSet> iSecond;
+  Ref<CVelumCard> iX;
+  CVelumCardSelect* iForm = nullptr;
+  TakingWindow iOwner;
+};
+
+TEST_F(CVelumCardSelectTest, ListsTheCardsOfTheChosenBackground) {
+  iForm->SelectCard(&iOwner, nullptr, 3);
+  EXPECT_EQ(iForm->windowTitle(), u"Select Card"_s);
+  EXPECT_TRUE(Combo().isEnabled());
+  EXPECT_EQ(Combo().count(), 2);
+  EXPECT_EQ(Combo().currentIndex(), 0);
+  EXPECT_EQ(Names(), (QStringList{u"a"_s, u"b"_s}));
+  EXPECT_FALSE(Select().isEnabled());
+  ClickLine(1);
+  EXPECT_EQ(iForm->Card()->Name(), u"b"_s);
+  EXPECT_TRUE(Select().isEnabled());
+  Combo().setCurrentIndex(1);
+  EXPECT_EQ(Names(), QStringList{u"x"_s});
+  EXPECT_FALSE(Select().isEnabled()) << "a card that is not seen is not chosen";
+}
+
+TEST_F(CVelumCardSelectTest, ABackgroundThatIsGivenCannotBeChanged) {
+  iForm->SelectCard(&iOwner, iSecond, 3);
+  EXPECT_FALSE(Combo().isEnabled());
+  EXPECT_EQ(Combo().currentText(), u"Second"_s);
+  EXPECT_EQ(Names(), QStringList{u"x"_s});
+  iForm->SelectCard(&iOwner, nullptr, 3);
+  EXPECT_TRUE(Combo().isEnabled());
+}
+
+TEST_F(CVelumCardSelectTest, TheChoiceGoesToTheOwnerOnce) {
+  iForm->SelectCard(&iOwner, nullptr, 3);
+  ClickLine(1);
+  QTest::mouseClick(&Select(), Qt::LeftButton);
+  QTest::mouseClick(&Select(), Qt::LeftButton);
+  EXPECT_EQ(iOwner.iTaken, QStringList{u"3 b"_s});
+  iForm->SelectCard(&iOwner, nullptr, 4);
+  ClickLine(0, true);
+  EXPECT_EQ(iOwner.iTaken.last(), u"4 a"_s) << "a double click does the same";
+}
+
+TEST_F(CVelumCardSelectTest, WithoutOwnerOrCardNothingHappens) {
+  CVelumWinMan::ShowDialog(*iForm);
+  ClickLine(0, true);
+  EXPECT_EQ(View().CurCard()->Name(), u"x"_s);
+  iForm->SelectCard(&iOwner, nullptr, 1);
+  List().SetSelLine(-1);
+  Select().setEnabled(true);
+  Select().click();
+  EXPECT_TRUE(iOwner.iTaken.isEmpty());
+  {
+    TakingWindow gone;
+    iForm->SelectCard(&gone, nullptr, 1);
+  }
+  ClickLine(0, true);
+  iForm->SelectCard(&iOwner, iSecond, 1);
+  ClickLine(0);
+  gStack->DeleteCard(iX);
+  Select().click();
+  EXPECT_TRUE(iOwner.iTaken.isEmpty()) << "a card that is gone is no choice";
+}
+
+TEST_F(CVelumCardSelectTest, UnloadsItselfWhenTheStackCloses) {
+  iForm->SelectCard(&iOwner, nullptr, 1);
+  CVelumSeams::ChangeNotify(1);
+  EXPECT_TRUE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
+  CVelumSeams::ChangeNotify(7);
+  EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
+}
+
+} // namespace
