@@ -353,6 +353,7 @@ void CVelumStackView::DeleteBackground(const Ref<CVelumControlSet>& aBackground,
   // The other cards go without a word from here, and no way may lead back to them.
   iHistory.RemoveBackground(aBackground->Id());
   iStack->DeleteBackground(aBackground, aOnlyCards);
+  RefreshViews(false, true);
 }
 
 void CVelumStackView::EmptyStack() {

@@ -131,8 +131,9 @@ void CVelumStackView::EditLines(CVelumBaseControl* aObj) {
 }
 
 void CVelumStackView::CloseLines() {
-  iLinesOf = nullptr;
+  auto* list = qobject_cast<CVelumBaseControl*>(std::exchange(iLinesOf, nullptr)->BaseControl());
   CVelumBaseControl& box = iCardView->ViewForm().LinesBox();
+  if (list && box.HasFocus()) list->SetFocus();
   box.SetVisible(false);
   box.Clear();
 }

@@ -511,7 +511,7 @@ TEST_F(CVelumFrameTest, HostFindsTheCommandsByTheirExactNames) {
     EXPECT_EQ(gFrame->FindAction(name), nullptr) << name.toStdString();
   EXPECT_FALSE(gFrame->ToolbarIcon(u"SelectCard"_s).isNull());
   EXPECT_TRUE(gFrame->ToolbarIcon(u"Nothing"_s).isNull());
-  EXPECT_EQ(gFrame->ShowForm(u"CVelumCardSelect"_s), nullptr);
+  EXPECT_EQ(gFrame->ShowForm(u"CVelumSearchForm"_s), nullptr);
 }
 
 TEST_F(CVelumFrameTest, PhoneSizeGivesTheClientAreaOfAPhone) {
