@@ -3,10 +3,16 @@
 #include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace {
 constexpr qint32 EStep = 100;
+// In a walk the memory of cards is asked for this many cards ahead, then that of their values, then of texts.
+constexpr qint32 ECardAhead = 24;
+constexpr qint32 EValuesAhead = 14;
+constexpr qint32 ETextsAhead = 5;
+constexpr qint32 EMostValues = 32;
 constexpr int ECardsMoved = 5; // kind of ChangeNotify
 
 TVelumElem OrderElem(const CVelumArray& aArray, const QString& aKey, qint32 aId) {
@@ -15,6 +21,30 @@ TVelumElem OrderElem(const CVelumArray& aArray, const QString& aKey, qint32 aId)
   elem.iStrKey = aKey;
   elem.iVal = TVelumValue::OfInt(aId);
   return elem;
+}
+
+// Asks for memory that will be read soon: cards of a sorted background lie anywhere, and a walk over many of
+// them would mostly wait.
+void Fetch(const void* aFrom, size_t aLen) {
+  constexpr size_t line = 64;
+  for (size_t at = 0; at < aLen; at += line) __builtin_prefetch(static_cast<const char*>(aFrom) + at);
+}
+
+void FetchCard(const CVelumCard* aCard) {
+  if (aCard) Fetch(aCard, sizeof(CVelumCard));
+}
+
+void FetchValues(const CVelumCard* aCard) {
+  if (!aCard || aCard->Value().Count() == 0) return;
+  Fetch(&aCard->Value().ValRef(0),
+        size_t(std::min(aCard->Value().Count(), EMostValues)) * sizeof(TVelumCell));
+}
+
+void FetchTexts(const CVelumCard* aCard) {
+  const qint32 num = aCard ? std::min(aCard->Value().Count(), EMostValues) : 0;
+  for (qint32 i = 0; i < num; ++i)
+    if (const TVelumValue& val = aCard->Value().ValRef(i); val.Type() == EValStr)
+      __builtin_prefetch(val.Str().constData());
 }
 } // namespace
 
@@ -45,6 +75,11 @@ bool CVelumStack::GetFirstCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
 bool CVelumStack::GetNextCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
   aCard = nullptr;
   while (!aCard && aIndex >= 0 && aIndex < iOrder.Count()) aCard = FindCard(iOrder.IdAt(aIndex++));
+  if (aIndex >= 0 && aIndex < iOrder.Count() - ECardAhead) {
+    FetchCard(FindCard(iOrder.IdAt(aIndex + ECardAhead)));
+    FetchValues(FindCard(iOrder.IdAt(aIndex + EValuesAhead)));
+    FetchTexts(FindCard(iOrder.IdAt(aIndex + ETextsAhead)));
+  }
   return static_cast<bool>(aCard);
 }
 
