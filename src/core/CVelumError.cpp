@@ -155,6 +155,8 @@ QString CVelumError::HostDescr(qint32 aNumber) {
     return u"Division by zero"_s;
   case EHostTypeMismatch:
     return u"Type mismatch"_s;
+  case EHostInterrupt:
+    return u"Interrupted"_s;
   case EHostFileNotFound:
     return u"File not found"_s;
   case EHostDeviceIo:

@@ -8,6 +8,8 @@
 namespace {
 
 constexpr qint32 ETableEnd = 1100; // last index of the table
+// The source of message 18 as it is raised when a save is refused; the host has an error of that number too.
+constexpr QStringView ERefusedSave = u"CVelumSaveCheck";
 
 struct TEntry {
   qint32 iMsg;
@@ -180,7 +182,7 @@ void CVelumMsg::ShowLastError() {
   const TVelumError error = gLastError;
   if (error.iMsgId >= 1000)
     Show(error.iMsgId, EMsgCritical, error.iP0, error.iP1, EUndefParam);
-  else if (error.iMsgId == EMsgCouldNotSave) // a save that was refused says why
+  else if (error.iMsgId == EMsgCouldNotSave && error.iSysSource == ERefusedSave)
     Show(EMsgCouldNotSave, EMsgCritical, error.iSysDescr, {}, EUndefParam);
   else
     Show(EMsgSystemError, EMsgCritical, error.iSysDescr, {}, EUndefParam);

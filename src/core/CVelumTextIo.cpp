@@ -7,12 +7,15 @@
 
 namespace {
 constexpr qsizetype EBufSize = 65536;
+// A longer line is no text: a device without an end, or some other kind of file.
+constexpr qsizetype EMaxLine = 1 << 26;
 } // namespace
 
 bool CVelumTextReader::Fill() {
   if (iAtEnd) return false;
   iBuf.remove(0, std::exchange(iPos, 0));
   qsizetype used = iBuf.size();
+  if (used > EMaxLine) CVelumError::RaiseHost(EHostOutOfMemory, iPath);
   iBuf.resize(used + EBufSize);
   qint64 len = CVelumOs::Read(iFd, iPath, iBuf.data() + used, EBufSize);
   iBuf.resize(used + static_cast<qsizetype>(len));

@@ -9,7 +9,8 @@
 class CVelumTextReader {
 public:
   CVelumTextReader(int aFd, QString aPath) : iFd(aFd), iPath(std::move(aPath)) {}
-  // False at the end of the file, where aLine stays as it is. The line's end is not part of it.
+  // False at the end of the file, where aLine stays as it is. The line's end is not part of it. Host error 7
+  // for a line of more than 64 MB.
   [[nodiscard]] bool ReadLine(QByteArray& aLine);
 
 private:

@@ -329,6 +329,13 @@ TEST_F(CVelumFileTest, LinesCrossTheBuffer) {
   }
 }
 
+TEST_F(CVelumFileTest, ALineWithoutAnEndIsRefused) {
+  CVelumFile file(u"/dev/zero"_s, EFilSeqRead);
+  file.OpenFile();
+  QString line;
+  ExpectError(EHostOutOfMemory, [&] { (void)file.ReadLine(line); });
+}
+
 TEST_F(CVelumFileTest, Codings) {
   EXPECT_EQ(Lines("\x80\xE4", ECodLatin1), (QList<QString>{u"\u20ac\u00e4"_s}));
   EXPECT_EQ(Lines("\xC3\xA4", ECodUtf8), (QList<QString>{u"\u00e4"_s}));

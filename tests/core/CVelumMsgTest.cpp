@@ -212,6 +212,24 @@ TEST(CVelumMsg, ShowLastErrorShowsAHostErrorByItsDescription) {
   EXPECT_EQ(CVelumDialogLib::WaitCount(), 0);
 }
 
+// Message 18 and the host error of that number.
+TEST(CVelumMsg, ShowLastErrorTellsARefusedSaveFromAnInterrupt) {
+  ScriptedPresenter presenter;
+  const auto show = [&](const CVelumException& aFailure) {
+    try {
+      throw aFailure;
+    } catch (...) {
+      CVelumError::CatchError(u"Test"_s);
+    }
+    CVelumMsg::ShowLastError();
+    return presenter.LastText();
+  };
+  EXPECT_EQ(show(CVelumException(EMsgCouldNotSave, u"CVelumSaveCheck"_s, u"too long"_s)),
+            u"The stack was not saved due to an error.\r\ntoo long"_s);
+  EXPECT_EQ(show(CVelumException(EHostInterrupt, u"Host"_s, CVelumError::HostDescr(EHostInterrupt))),
+            u"The Host Runtime System reported the error: Interrupted"_s);
+}
+
 TEST(CVelumMsg, HelpPages) {
   EXPECT_EQ(CVelumMsg::HelpPage(u"CVelumControlEdit"_s, u"fName"_s), u"ControlEditName"_s);
   EXPECT_EQ(CVelumMsg::HelpPage(u"CVelumControlEdit"_s, {}), u"ControlEdit"_s);
