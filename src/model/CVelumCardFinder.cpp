@@ -5,8 +5,11 @@
 
 #include <QHashFunctions>
 #include <algorithm>
+#include <iterator>
 
 namespace {
+
+constexpr size_t EMostLater = 4096;
 
 using TCards = CVelumCardFinder::TCards;
 
@@ -41,6 +44,15 @@ size_t WideHashOf(const TVelumValue& aVal) {
 quint64 HashOf(const TVelumValue& aVal) {
   const quint64 wide = WideHashOf(aVal);
   return (wide ^ (wide << 32)) & ~quint64{0xFFFFFFFF};
+}
+
+// An import brings so many entries that they take less memory among the others.
+void Merge(std::vector<quint64>& aEntries, std::set<quint64>& aLater) {
+  std::vector<quint64> all;
+  all.reserve(aEntries.size() + aLater.size());
+  std::set_union(aEntries.begin(), aEntries.end(), aLater.begin(), aLater.end(), std::back_inserter(all));
+  aEntries = std::move(all);
+  aLater.clear();
 }
 
 qint32 IdOf(quint64 aEntry) {
@@ -140,6 +152,8 @@ void CVelumCardFinder::NoteIn(CVelumCard& aCard, qint32 aControlId) {
     if (!concerned || aCard.BackgroundId() != index.iBackgroundId) continue;
     const CVelumControl* control = aCard.ControlById(index.iControlId).Get();
     // Lists are not asked for while they change; their index is made anew.
-    if (control && !control->Flag(EConCardList)) index.iLater.insert(EntryOf(index, aCard));
+    if (!control || control->Flag(EConCardList)) continue;
+    index.iLater.insert(EntryOf(index, aCard));
+    if (index.iLater.size() > index.iEntries.size() + EMostLater) Merge(index.iEntries, index.iLater);
   }
 }

@@ -96,6 +96,18 @@ TEST_F(CVelumCardFinderTest, UndefinedOnlyEqualsUndefined) {
   }
 }
 
+TEST_F(CVelumCardFinderTest, FollowsVeryManyNewCards) {
+  EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"new"_s)), QString());
+  QStringList names;
+  for (int i = 0; i < 10000; ++i) {
+    const Ref<CVelumCard> card = iSample.AddCard(iSample.iFirst, u"n%1"_s.arg(i));
+    card->SetControlVal(iSample.iTown->Id(), TVelumValue::OfStr(i % 1000 ? u"x%1"_s.arg(i) : u"new"_s));
+    if (i % 1000 == 0) names.append(card->Name());
+  }
+  EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"new"_s)), names.join(u' '));
+  EXPECT_EQ(Found(iSample.iTown, TVelumValue::OfStr(u"x7"_s)), u"n7"_s);
+}
+
 // Whatever happens to the cards, the finder and a walk agree.
 TEST_F(CVelumCardFinderTest, FollowsAllChanges) {
   iSample.iStack->SetControlDynFlags();
