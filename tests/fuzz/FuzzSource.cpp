@@ -1,5 +1,5 @@
-// Arbitrary source, compiled, and the handlers that come of it run. The first byte of the input says how
-// assertions are answered and whether instructions are fused; the rest is the source in the code page 1252.
+// Arbitrary source, compiled, and the handlers that come of it run, with fused instructions and without. The
+// first byte of the input says how assertions are answered; the rest is the source in the code page 1252.
 #include "FuzzStack.h"
 #include "FuzzTarget.h"
 
@@ -8,7 +8,6 @@
 namespace {
 
 constexpr int EOverruleBit = 1;
-constexpr int ESingleBit = 2;
 
 class CMaker {
 public:
@@ -165,21 +164,26 @@ QByteArray FuzzTarget::MakeInput(std::mt19937& aRandom) {
   return CMaker(aRandom).Make();
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
-  if (aSize == 0) return 0;
-  const int flags = aData[0];
-  const QByteArray source(reinterpret_cast<const char*>(aData + 1), static_cast<qsizetype>(aSize - 1));
-  FuzzStack stack((flags & EOverruleBit) != 0, (flags & ESingleBit) != 0);
+static QList<QString> Run(int aFlags, const QString& aSource, bool aSingle) {
+  FuzzStack stack((aFlags & EOverruleBit) != 0, aSingle);
   const auto handlers = MakeRef<CVelumArray>(qint32{EArrStrKey}, qint32{EValStr});
   CVelumCompiler compiler;
   try {
     const CVelumError::CCommand command;
-    compiler.Compile(CVelumLib::ToCrLf(CVelumLib::FromCodePage(source)), *handlers);
+    compiler.Compile(aSource, *handlers);
   } catch (const CVelumException&) {
     // An error in the source. The handlers ahead of it are as good as any.
   }
   stack.Page().SetScript(handlers);
   stack.Send(u"m"_s);
   stack.Send(u"n"_s);
+  return stack.Outcome();
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
+  if (aSize == 0) return 0;
+  const QByteArray bytes(reinterpret_cast<const char*>(aData + 1), static_cast<qsizetype>(aSize - 1));
+  const QString source = CVelumLib::ToCrLf(CVelumLib::FromCodePage(bytes));
+  FuzzStack::ExpectSame(Run(aData[0], source, false), Run(aData[0], source, true));
   return 0;
 }

@@ -4,6 +4,7 @@
 #include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -54,12 +55,27 @@ void FuzzStack::AddHandler(CVelumScripted& aOwner, const QString& aName, const Q
   aOwner.Script()->CreateStrKey(elem);
 }
 
+void FuzzStack::NoteFailure(qint32 aNumber) {
+  iFailures.append(QString::number(aNumber));
+  if (aNumber >= 1000) iFailures.append(CVelumError::GetErrorRecord().iProc);
+  if (aNumber != EMsgRunError) return;
+  const TRunError& error = iInterpreter->GetError();
+  iFailures.append(u"%1|%2|%3|%4"_s.arg(error.iMsg).arg(error.iParam0, error.iParam1).arg(error.iLine));
+}
+
+void FuzzStack::ExpectSame(const QList<QString>& aFused, const QList<QString>& aSingle) {
+  if (aFused == aSingle) return;
+  for (const QString& line : aFused) std::fprintf(stderr, "fused: %s\n", qPrintable(line.left(1000)));
+  for (const QString& line : aSingle) std::fprintf(stderr, "single: %s\n", qPrintable(line.left(1000)));
+  std::abort();
+}
+
 void FuzzStack::Send(const QString& aMsg) {
   const CVelumError::CCommand command;
   try {
     iHost->Send(iHost->CurCard(), iField, aMsg);
-  } catch (const CVelumException&) {
-    // Described: an assertion, an error of the script, a host error.
+  } catch (const CVelumException& e) {
+    NoteFailure(e.Number());
   }
   if (iInterpreter->Running() || iStack->NumCards() != ENumCards) std::abort();
 }
