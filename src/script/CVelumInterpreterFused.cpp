@@ -40,7 +40,7 @@ struct CVelumInterpreter::TFrameVars {
 };
 
 // None where hot instructions may not run: no frame was entered, or the stack is nearly full.
-CVelumInterpreter::TFrameVars CVelumInterpreter::FrameVars() const {
+inline CVelumInterpreter::TFrameVars CVelumInterpreter::FrameVars() const {
   if (iFrame < 0 || iFrame >= EStackSize || !HasRoom()) return {nullptr, 0};
   return {iStack.data() + iFrame, static_cast<quint32>(EStackSize - iFrame)};
 }
@@ -70,6 +70,19 @@ inline bool CVelumInterpreter::ExecHot(const TInstr& aInstr, const TFrameVars& a
   return true;
 }
 
+// A fused instruction that is not hot. False, and nothing changed, when the single ones have to run.
+inline bool CVelumInterpreter::RunCold(const TInstr& aInstr) {
+  if (aInstr.iKind == EFusedNone || (iNearLimit && aInstr.iCount > iBudget)) return false;
+  const qint32 oldLine = iLine;
+  if (aInstr.iLine >= 0) iLine = aInstr.iLine;
+  if (!ExecFused(aInstr)) {
+    iLine = oldLine;
+    return false;
+  }
+  iBudget -= aInstr.iCount;
+  return true;
+}
+
 void CVelumInterpreter::RunFused() {
   // An assertion that is asked may end the script.
   const Ref<CVelumDecodedCode> code = iCode;
@@ -93,19 +106,6 @@ void CVelumInterpreter::RunFused() {
     if (!instr || !RunCold(*instr) || !(iCode == code)) return;
     vars = FrameVars();
   }
-}
-
-// A fused instruction that is not hot. False, and nothing changed, when the single ones have to run.
-bool CVelumInterpreter::RunCold(const TInstr& aInstr) {
-  if (aInstr.iKind == EFusedNone || (iNearLimit && aInstr.iCount > iBudget)) return false;
-  const qint32 oldLine = iLine;
-  if (aInstr.iLine >= 0) iLine = aInstr.iLine;
-  if (!ExecFused(aInstr)) {
-    iLine = oldLine;
-    return false;
-  }
-  iBudget -= aInstr.iCount;
-  return true;
 }
 
 inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {

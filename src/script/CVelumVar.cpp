@@ -8,6 +8,7 @@
 #include "model/CVelumModel.h"
 
 #include <cmath>
+#include <memory>
 
 using namespace CVelumError;
 
@@ -146,7 +147,9 @@ void CVelumVar::LetControlSetVal(const Ref<CVelumControlSet>& aSet) {
 }
 
 void CVelumVar::ReplaceCard(const Ref<CVelumCard>& aCard) {
-  iValue = TVelumValue::OfObj(EValCard, aCard);
+  // Made in its place: an assignment would wait for what was only just written.
+  std::destroy_at(&iValue);
+  new (&iValue) TVelumValue(TVelumValue::OfObj(EValCard, aCard));
 }
 
 int CVelumVar::CheckedCommonType(const CVelumVar& aVar, const QString& aProc) const {

@@ -4,6 +4,7 @@
 #include "core/CVelumValue.h"
 #include "support/Assertions.h"
 
+#include <ctime>
 #include <random>
 
 namespace {
@@ -16,6 +17,22 @@ protected:
     const TRunError& error = iInterpreter->GetError();
     return CVelumMsg::Name(error.iMsg).mid(4) + u'|' + error.iParam0 + u'|' + error.iParam1 + u'|' +
            CVelumError::GetErrorRecord().iProc.mid(18);
+  }
+  // How aBody ends and what it answers, with fused instructions or without.
+  QList<QString> Outcome(const QString& aBody, bool aSingle) {
+    iInterpreter->SetPumpAlways(aSingle);
+    iInterpreter->SeedRandom(1);
+    iHost->SetCurCard(Card(u"one"_s));
+    QList<QString> outcome;
+    const auto before = iPresenter.Told().size();
+    try {
+      Run(aBody);
+    } catch (const CVelumException& e) {
+      const TRunError& error = iInterpreter->GetError();
+      outcome = {QString::number(e.Number()), error.iParam0, QString::number(error.iLine),
+                 CVelumError::GetErrorRecord().iP1};
+    }
+    return outcome + iPresenter.Told().mid(before);
   }
   qint32 AssertText(const QString& aBody, const QString& aText) {
     const qint32 number = RunFails(aBody);
@@ -337,20 +354,21 @@ TEST_F(CVelumInterpreterTest, LetsEventsRunInLongWork) {
   public:
     explicit CGaps(CVelumInterpreter& aInterpreter) : iInterpreter(aInterpreter) {
       CVelumSeams::SetEventPump(this);
-      iClock.start();
     }
     ~CGaps() override { CVelumSeams::SetEventPump(nullptr); }
     void Pump() override {
-      iLongest = qMax(iLongest, iClock.restart());
+      const std::clock_t now = std::clock();
+      iLongest = qMax(iLongest, now - iLast);
+      iLast = now;
       if (++iPumps == 60) iInterpreter.Break();
     }
     CVelumInterpreter& iInterpreter;
-    QElapsedTimer iClock;
-    qint64 iLongest = 0;
+    std::clock_t iLast = std::clock(); // of this process alone: the machine may be busy
+    std::clock_t iLongest = 0;
     int iPumps = 0;
   };
   const QString longText =
-      u"t = \"          \"\ni = 0\nRepeat While i < 14\ni = i + 1\nt = t & t\nEnd Repeat\n"_s;
+      u"t = \"          \"\ni = 0\nRepeat While i < 13\ni = i + 1\nt = t & t\nEnd Repeat\n"_s;
   const QString bodies[] = {
       u"Repeat While 1 = 1\nx = 1\nEnd Repeat"_s,
       longText + u"Repeat While 1 = 1\ns = t & \"x\"\nEnd Repeat"_s,
@@ -361,7 +379,7 @@ TEST_F(CVelumInterpreterTest, LetsEventsRunInLongWork) {
     CGaps gaps(*iInterpreter);
     Run(body);
     EXPECT_EQ(iPresenter.Told().last(), u"Script breaked"_s);
-    EXPECT_LT(gaps.iLongest, 100) << body.toStdString();
+    EXPECT_LT(gaps.iLongest, CLOCKS_PER_SEC / 10) << body.toStdString();
   }
 }
 
@@ -499,22 +517,17 @@ TEST_F(CVelumInterpreterTest, FusesWithoutADifference) {
       u"s = \"a\"\nt = s\ns = s & \"b\" & t\nAnswer s\nAnswer t\ns = s & s\nAnswer s"_s,
       u"Repeat For Each Card c\ns = s & c & Field \"I\" Of Card c & Return\nEnd Repeat\nAnswer s"_s,
   };
-  for (const QString& body : bodies) {
-    QList<QString> outcome[2];
-    for (const bool single : {false, true}) {
-      iInterpreter->SetPumpAlways(single);
-      iInterpreter->SeedRandom(1);
-      iHost->SetCurCard(Card(u"one"_s));
-      const auto before = iPresenter.Told().size();
-      try {
-        Run(body);
-      } catch (const CVelumException& e) {
-        outcome[single] = {QString::number(e.Number()), iInterpreter->GetError().iParam0,
-                           QString::number(iInterpreter->GetError().iLine),
-                           CVelumError::GetErrorRecord().iP1};
-      }
-      outcome[single] += iPresenter.Told().mid(before);
-    }
-    EXPECT_EQ(outcome[0], outcome[1]) << body.toStdString();
+  for (const QString& body : bodies)
+    EXPECT_EQ(Outcome(body, false), Outcome(body, true)) << body.toStdString();
+}
+
+TEST_F(CVelumInterpreterTest, FusesOnANearlyFullStack) {
+  QString vars;
+  for (int i = 0; i < 20; ++i) {
+    vars += u"v%1 = 0\n"_s.arg(i);
+    const QString body = vars +
+                         u"If 1 = 1 Then\nv0 = v0 + 1\nEnd If\nIf v0 < 2 Then\nAnswer 1 & v0\nEnd If\n"
+                         u"v0 = v0 + Field \"I\"\nRepeat For Each Card v0\nEnd Repeat\nAnswer \"end\""_s;
+    EXPECT_EQ(Outcome(body, false), Outcome(body, true)) << i;
   }
 }
