@@ -102,9 +102,10 @@ private:
   [[nodiscard]] TVarRef Pop();
   [[nodiscard]] const TVarRef& Peek(int aDepth) const;
   [[nodiscard]] TVarRef& Slot(qint32 aSlot);
-  [[nodiscard]] bool InFrame(qint16 aSlot) const {
-    return static_cast<quint32>(iFrame + aSlot) < static_cast<quint32>(EStackSize);
-  }
+  [[nodiscard]] qint32 Entries() const { return qMin(iSp, qint32{EStackSize}); }
+  // Whether a slot is below what fused instructions would push. One that an earlier handler of the source
+  // gave to a name can lie above.
+  [[nodiscard]] bool InFrame(qint16 aSlot) const { return iFrame + aSlot < Entries(); }
   // The variable of a slot, or null where anything is unusual.
   [[nodiscard]] CVelumVar* SlotFast(qint16 aSlot) const {
     return InFrame(aSlot) ? iStack[static_cast<size_t>(iFrame + aSlot)].Get() : nullptr;

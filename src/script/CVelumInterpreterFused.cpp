@@ -41,8 +41,8 @@ struct CVelumInterpreter::TFrameVars {
 
 // None where hot instructions may not run: no frame was entered, or the stack is nearly full.
 inline CVelumInterpreter::TFrameVars CVelumInterpreter::FrameVars() const {
-  if (iFrame < 0 || iFrame >= EStackSize || !HasRoom()) return {nullptr, 0};
-  return {iStack.data() + iFrame, static_cast<quint32>(EStackSize - iFrame)};
+  if (iFrame < 0 || iFrame > Entries() || !HasRoom()) return {nullptr, 0};
+  return {iStack.data() + iFrame, static_cast<quint32>(Entries() - iFrame)};
 }
 
 // False where anything is out of the ordinary.
@@ -336,7 +336,7 @@ void CVelumInterpreter::AppendTo(CVelumVar& aVar, const CVelumVar& aRight) {
 
 // The same with operands that other instructions pushed: the cell under x is that of s itself.
 bool CVelumInterpreter::FusedTopStore(const TInstr& aInstr) {
-  if (iSp < 2 || iSp >= EStackSize) return false;
+  if (iSp < 2 || iSp >= EStackSize || iFrame + aInstr.iArg >= iSp - 2) return false;
   CVelumVar* target = SlotFast(aInstr.iArg);
   const CVelumVar* left = iStack[static_cast<size_t>(iSp - 2)].Get();
   const CVelumVar* right = iStack[static_cast<size_t>(iSp - 1)].Get();

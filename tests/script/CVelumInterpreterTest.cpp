@@ -521,6 +521,26 @@ TEST_F(CVelumInterpreterTest, FusesWithoutADifference) {
     EXPECT_EQ(Outcome(body, false), Outcome(body, true)) << body.toStdString();
 }
 
+// The slot of a name that an earlier handler of the source used can lie where values are pushed.
+TEST_F(CVelumInterpreterTest, ReadsAVariableAmongTheValuesThatArePushed) {
+  SetScript(*Control(u"T"_s),
+            u"On first\nv = 1\nx = 2\nEnd\nOn second\nAnswer (1 + 2) & (5 = x)\nAnswer x & 5\n"
+            u"x = 7 + x\nAnswer x\nx = x + 1 * 2\nAnswer x\nEnd\n"_s);
+  QList<QString> told[2];
+  for (const bool single : {false, true}) {
+    iInterpreter->SetPumpAlways(single);
+    const auto before = iPresenter.Told().size();
+    try {
+      iHost->Send(Card(u"one"_s), Control(u"T"_s), u"second"_s);
+    } catch (const CVelumException& e) {
+      told[single].append(QString::number(e.Number()) + iInterpreter->GetError().iParam0);
+    }
+    told[single] += iPresenter.Told().mid(before);
+  }
+  EXPECT_EQ(told[0], told[1]);
+  EXPECT_TRUE(told[1].contains(u"3True"_s)) << "the variable is what was pushed last";
+}
+
 TEST_F(CVelumInterpreterTest, FusesOnANearlyFullStack) {
   QString vars;
   for (int i = 0; i < 20; ++i) {
