@@ -34,7 +34,7 @@ CVelumCardLines::CVelumCardLines(const CVelumStack& aStack, const CVelumControlS
     return aBackground ? aStack.GetNextCardInBackground(aBackground->Id(), card, index)
                        : aStack.GetNextCard(card, index);
   };
-  while (next()) iCards.push_back(card);
+  while (next()) iCards.push_back(std::move(card));
 }
 
 CVelumCard* CVelumCardLines::CardAt(int aIndex) const {

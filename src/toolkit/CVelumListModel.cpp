@@ -102,6 +102,8 @@ QString CVelumListModel::CellText(int aRow, int aColumn) const {
   const int line = LineOf(aRow);
   if (line < 0 || !iSource || line >= iSource->NumLines()) return {};
   QString text = iSource->Part(line, aColumn);
+  const auto isControl = [](QChar aChar) { return aChar < u' '; };
+  if (std::none_of(text.cbegin(), text.cend(), isControl)) return text;
   text.replace(u"\r\n"_s, u" "_s);
   for (const QChar c : {u'\n', u'\r', u'\t'}) text.replace(c, u' ');
   return text;
