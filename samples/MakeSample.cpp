@@ -79,7 +79,9 @@ QString WelcomeText(qsizetype aCountries, qsizetype aMountains, qsizetype aRiver
          u"country has a lake that turns pink? Which mountain was never climbed?\r\n\r\n"
          u"Every value can be changed. Give a mountain another height, and its card moves to its new place: "
          u"mountains and rivers are kept sorted.\r\n\r\n"
-         u"In the workshop a few scripts show what a stack can do by itself."_s.arg(aCountries)
+         u"The guide tells more, in pages with links. In the workshop a few scripts show what a stack can do "
+         u"by "
+         u"itself."_s.arg(aCountries)
              .arg(aMountains)
              .arg(aRivers);
 }
@@ -101,6 +103,7 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   const QList<TCountry> countries = SampleData::Countries(aFolder);
   const QList<TMountain> mountains = SampleData::Mountains(aFolder);
   const QList<TRiver> rivers = SampleData::Rivers(aFolder);
+  const QList<TPage> pages = SampleData::Guide(aFolder);
   auto stack = MakeRef<CVelumStack>(u"Countries of the World"_s);
   gStack = stack;
   stack->SetFlag(EStaBinary, true);
@@ -114,6 +117,8 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   const TRiverLayout river = SampleLayout::Rivers(*stack);
   const TStartLayout workshop = SampleLayout::Workshop(*stack);
   SampleScripts::AddTo(*stack, *workshop.iBackground);
+  const TStartLayout guide = SampleLayout::Guide(*stack);
+  SampleScripts::AddLeap(*guide.iBackground->FindControl(guide.iText));
   SampleLayout::KeepSorted(*stack, *mountain.iBackground, u"Height"_s, mountain.iHeight);
   SampleLayout::KeepSorted(*stack, *river.iBackground, u"Length"_s, river.iLength);
   SampleLayout::AddSortKey(*stack, *country.iBackground, u"Population"_s, country.iPeople, EWayDescending);
@@ -126,6 +131,9 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
                        TVelumValue::OfStr(WelcomeText(countries.size(), mountains.size(), rivers.size())));
   const Ref<CVelumCard> second = AddCard(*stack, workshop.iBackground, u"Workshop"_s);
   second->SetControlVal(workshop.iText, TVelumValue::OfStr(EWorkshopText));
+  for (const TPage& each : pages)
+    AddCard(*stack, guide.iBackground, each.iName)
+        ->SetControlVal(guide.iText, TVelumValue::OfStr(each.iText));
   for (const TCountry& each : countries) AddCountry(*stack, country, each);
   for (const TMountain& each : mountains) AddMountain(*stack, mountain, each);
   for (const TRiver& each : rivers) AddRiver(*stack, river, each);
@@ -133,7 +141,8 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   Ref<CVelumCard> card;
   qint32 index = 0;
   SampleLayout::AddLeafing(*stack, *start.iBackground, false);
-  for (const auto& [name, set] : {std::pair{u"Countries"_s, country.iBackground},
+  for (const auto& [name, set] : {std::pair{u"Guide"_s, guide.iBackground},
+                                  {u"Countries"_s, country.iBackground},
                                   {u"Mountains"_s, mountain.iBackground},
                                   {u"Rivers"_s, river.iBackground}}) {
     if (stack->GetFirstCardInBackground(set->Id(), card, index))

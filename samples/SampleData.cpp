@@ -8,13 +8,21 @@
 
 namespace {
 
-// The lines of a file, each cut into aCount parts; lines with "#" in front are comments.
-QList<QStringList> Rows(const QString& aPath, qsizetype aCount) {
+// The lines of a file; those with "#" in front are comments.
+QStringList Lines(const QString& aPath) {
   QFile file(aPath);
   if (!file.open(QIODevice::ReadOnly)) throw std::runtime_error("cannot read " + aPath.toStdString());
+  QStringList lines;
+  for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n'))
+    if (!line.startsWith(u'#')) lines.append(line);
+  return lines;
+}
+
+// The lines of a file that are not empty, each cut into aCount parts.
+QList<QStringList> Rows(const QString& aPath, qsizetype aCount) {
   QList<QStringList> rows;
-  for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
-    if (line.isEmpty() || line.startsWith(u'#')) continue;
+  for (const QString& line : Lines(aPath)) {
+    if (line.isEmpty()) continue;
     const QStringList row = line.split(u'|');
     if (row.size() != aCount) throw std::runtime_error("wrong number of parts: " + line.toStdString());
     rows.append(row);
@@ -62,4 +70,17 @@ QList<TRiver> SampleData::Rivers(const QString& aFolder) {
   for (const QStringList& r : Rows(aFolder + u"/rivers.txt"_s, 5))
     all.append({r[0], static_cast<qint32>(Number(r[1])), r[2], r[3], r[4]});
   return all;
+}
+
+QList<TPage> SampleData::Guide(const QString& aFolder) {
+  const QString head = u"== "_s;
+  QList<TPage> pages;
+  for (const QString& line : Lines(aFolder + u"/guide.txt"_s)) {
+    if (line.startsWith(head))
+      pages.append({line.sliced(head.size()), QString()});
+    else if (!pages.isEmpty())
+      pages.last().iText += line + u'\n';
+  }
+  for (TPage& page : pages) page.iText = page.iText.trimmed().replace(u'\n', u"\r\n"_s);
+  return pages;
 }

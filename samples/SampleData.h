@@ -34,11 +34,17 @@ struct TRiver {
   QString iNotes;
 };
 
+struct TPage {
+  QString iName;
+  QString iText; // wiki text
+};
+
 // Each reads a file of the folder; a std::runtime_error names a line that is not as it should be.
 namespace SampleData {
 
 [[nodiscard]] QList<TCountry> Countries(const QString& aFolder);
 [[nodiscard]] QList<TMountain> Mountains(const QString& aFolder);
 [[nodiscard]] QList<TRiver> Rivers(const QString& aFolder);
+[[nodiscard]] QList<TPage> Guide(const QString& aFolder);
 
 } // namespace SampleData

@@ -106,6 +106,17 @@ TStartLayout SampleLayout::Workshop(CVelumStack& aStack) {
   return {background, text->Id()};
 }
 
+TStartLayout SampleLayout::Guide(CVelumStack& aStack) {
+  const Ref<CVelumControlSet> background =
+      NewBackground(aStack, u"Guide"_s, u"Pages with links, in wiki text."_s, Rgb(234, 242, 232));
+  background->SetFlag(ECseShowCardName, true);
+  const Ref<CVelumControl> page = AddNotes(aStack, *background, u"Page"_s);
+  page->SetLabel(QString());
+  page->SetVisChar(90);
+  page->SetFlag(EConWikiText, true);
+  return {background, page->Id()};
+}
+
 TCountryLayout SampleLayout::Countries(CVelumStack& aStack) {
   TCountryLayout layout;
   layout.iBackground =

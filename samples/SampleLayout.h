@@ -31,6 +31,7 @@ namespace SampleLayout {
 
 [[nodiscard]] TStartLayout Start(CVelumStack& aStack);
 [[nodiscard]] TStartLayout Workshop(CVelumStack& aStack);
+[[nodiscard]] TStartLayout Guide(CVelumStack& aStack);
 [[nodiscard]] TCountryLayout Countries(CVelumStack& aStack);
 [[nodiscard]] TMountainLayout Mountains(CVelumStack& aStack);
 [[nodiscard]] TRiverLayout Rivers(CVelumStack& aStack);

@@ -40,6 +40,17 @@ const QString ESurprise = u"On select\n"
                           u"Go Random(Number Of Cards)\n"
                           u"End\n"_s;
 
+const QString ELeap = u"# A link names a background: to any of its cards.\n"
+                      u"On select which\n"
+                      u"left = Random(Number Of Cards Of Background which)\n"
+                      u"Repeat For Each Card c Of Background which\n"
+                      u"left = left - 1\n"
+                      u"If left = 0 Then\n"
+                      u"Go c & \"\"\n"
+                      u"End If\n"
+                      u"End Repeat\n"
+                      u"End\n"_s;
+
 void SetScript(CVelumScripted& aOwner, const QString& aSource) {
   const QString source = CVelumLib::ToCrLf(aSource);
   const auto handlers = MakeRef<CVelumArray>(qint32{EArrStrKey}, qint32{EValStr});
@@ -59,6 +70,10 @@ void AddButton(CVelumStack& aStack, CVelumControlSet& aBackground, const QString
 }
 
 } // namespace
+
+void SampleScripts::AddLeap(CVelumControl& aField) {
+  SetScript(aField, ELeap);
+}
 
 void SampleScripts::AddTo(CVelumStack& aStack, CVelumControlSet& aBackground) {
   const auto clicks = MakeRef<CVelumControl>(aStack.IdGen().NextId(), u"Clicks"_s, qint32{EConInteger});

@@ -1,8 +1,8 @@
 #include "cli/CVelumCommands.h"
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
-  static const QList<const TVelumCommand*> all{&Info(),  &Check(),   &Convert(),    &Search(),
-                                               &Cards(), &Compile(), &RunMessage(), &Render()};
+  static const QList<const TVelumCommand*> all{&Info(),    &Check(),      &Convert(), &Search(), &Cards(),
+                                               &Compile(), &RunMessage(), &Render(),  &Wiki()};
   return all;
 }
 

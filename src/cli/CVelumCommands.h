@@ -14,6 +14,7 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& Compile();
 [[nodiscard]] const TVelumCommand& RunMessage();
 [[nodiscard]] const TVelumCommand& Render();
+[[nodiscard]] const TVelumCommand& Wiki();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();

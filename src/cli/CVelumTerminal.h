@@ -26,6 +26,8 @@ public:
   // A line of output.
   void Line(const QString& aText);
   void Json(const QJsonObject& aObject);
+  // Output that is a file of its own: in UTF-8, with its line ends as they are.
+  void File(const QString& aText) { Write(aText.toUtf8()); }
   // A line on standard error, behind the program's name.
   void Complain(const QString& aText);
   // Writes what is buffered; false when standard output did not take all of it.

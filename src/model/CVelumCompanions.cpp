@@ -4,7 +4,8 @@
 
 namespace {
 
-CVelumCompanionFactory* factory = nullptr;
+CVelumCompanionFactory plainFactory;
+CVelumCompanionFactory* factory = &plainFactory;
 
 // The list box of a program without windows.
 class CLineStore final : public CVelumListBoxBase {
@@ -36,15 +37,22 @@ private:
 
 } // namespace
 
-Ref<CVelumListBoxBase> CVelumCompanions::NewListBox(int aLisType) {
-  if (factory) return factory->NewListBox(aLisType);
+Ref<CVelumListBoxBase> CVelumCompanionFactory::NewListBox(int aLisType) {
   return MakeRef<CLineStore>(aLisType);
 }
 
+Ref<CVelumWikiTextBoxBase> CVelumCompanionFactory::NewWikiTextBox() {
+  return nullptr;
+}
+
+Ref<CVelumListBoxBase> CVelumCompanions::NewListBox(int aLisType) {
+  return factory->NewListBox(aLisType);
+}
+
 Ref<CVelumWikiTextBoxBase> CVelumCompanions::NewWikiTextBox() {
-  return factory ? factory->NewWikiTextBox() : nullptr;
+  return factory->NewWikiTextBox();
 }
 
 void CVelumCompanions::SetFactory(CVelumCompanionFactory* aFactory) {
-  factory = aFactory;
+  factory = aFactory ? aFactory : &plainFactory;
 }

@@ -2,12 +2,10 @@
 // only knows their operations; the rooms above make and bind them.
 #pragma once
 
-#include "core/CVelumObject.h"
+#include "model/CVelumFont.h"
 
 #include <QList>
 #include <QObject>
-
-class CVelumFont;
 
 // Types of a list box.
 enum ELis : int {
@@ -40,19 +38,27 @@ public:
   virtual void SetBaseObj(QObject* aBase) = 0;
 };
 
+// Turns wiki text into what a rich text box shows, and knows where its links are.
 class CVelumWikiTextBoxBase : public CVelumObject {
 public:
+  // Takes the wiki text. When that fails, the box is left empty.
   virtual void SetStr(const QString& aStr) = 0;
-  virtual void SetFont(const CVelumFont& aFont) = 0;
+  // The font of the next SetStr; aFont may be nothing.
+  virtual void SetFont(const Ref<CVelumFont>& aFont) = 0;
+  // The text as RTF.
+  [[nodiscard]] virtual QString TextStr() const = 0;
+  // The target of the link at a position of the shown text, counted as a rich text box counts; false when
+  // there is none.
+  [[nodiscard]] virtual bool GetLink(int aPos, QString& aTarget) const = 0;
 };
 
-// Makes the companions. Without one installed, a list box is a plain store of lines, and there is no wiki
-// text box.
+// Makes the companions. Without one installed, or one of these two overridden, a list box is a plain store of
+// lines, and there is no wiki text box.
 class CVelumCompanionFactory {
 public:
   virtual ~CVelumCompanionFactory() = default;
-  virtual Ref<CVelumListBoxBase> NewListBox(int aLisType) = 0;
-  virtual Ref<CVelumWikiTextBoxBase> NewWikiTextBox() = 0;
+  virtual Ref<CVelumListBoxBase> NewListBox(int aLisType);
+  virtual Ref<CVelumWikiTextBoxBase> NewWikiTextBox();
 };
 
 namespace CVelumCompanions {

@@ -255,11 +255,9 @@ void CVelumCardLayout::PlaceCombo(TPlace& aPlace) {
 
 void CVelumCardLayout::PlaceRichTextBox(TPlace& aPlace) {
   CVelumControl& control = aPlace.iControl;
-  const bool wiki = control.Flag(EConWikiText);
   auto& box = Next<CVelumBaseRichTextBox>(EBaseRichTextBox);
   Activate(control, box);
-  box.SetLocked(wiki);
-  box.SetPlaceholder(wiki ? u"Wiki text"_s : QString());
+  box.SetLocked(control.Flag(EConWikiText));
   const TFieldMetrics metrics = Metrics(box, aPlace.iCard, &control);
   box.SetBackColor(control.BackColor());
   box.SetMaxChar(control.MaxChar());
@@ -269,8 +267,6 @@ void CVelumCardLayout::PlaceRichTextBox(TPlace& aPlace) {
              static_cast<float>(EffVisLines(control)) * metrics.iLineHeight +
                  CVelumSeams::Metrics().iLabelWidth);
   Bind(control, box);
-  // Rendering comes with the wiki text boxes.
-  if (wiki) box.SetEnabled(false);
 }
 
 void CVelumCardLayout::PlaceTextBox(TPlace& aPlace) {
@@ -424,7 +420,7 @@ CVelumCardLayout::TFieldMetrics CVelumCardLayout::Metrics(CVelumBaseControl& aBa
   aBase.SetFont(toolkitFont);
   aBase.SetForeColor(font->ForeColor());
   if (aControl && aControl->Flag(EConWikiText) && aControl->WikiTextBox())
-    aControl->WikiTextBox()->SetFont(*font);
+    aControl->WikiTextBox()->SetFont(font);
   iMeasure.SetFont(toolkitFont);
   return {iMeasure.TextHeight(u"A"_s),
           aBase.Kind() == EBaseLabel ? iMeasure.TextWidth(aBase.Text()) : iMeasure.AvgCharWidth()};

@@ -7,6 +7,7 @@
 #include "toolkit/CVelumBaseCheckBox.h"
 #include "toolkit/CVelumBaseComboBox.h"
 #include "toolkit/CVelumBaseLabel.h"
+#include "toolkit/CVelumBaseRichTextBox.h"
 
 #include <QScopedValueRollback>
 
@@ -26,16 +27,26 @@ QString TextOf(const CVelumControl& aControl, const TVelumValue& aVal, const QSt
   return aVal.Str();
 }
 
-void ShowRichText(const CVelumControl& aControl, CVelumBaseControl& aBase, const TVelumValue& aVal) {
+// A text that cannot be shown with its links is shown as it is stored, and the failure goes on.
+void ShowWikiText(const CVelumControl& aControl, CVelumBaseRichTextBox& aBox, const QString& aText) {
+  const Ref<CVelumWikiTextBoxBase> wiki = aControl.WikiTextBox();
+  try {
+    CVelumChecked::Deref(wiki).SetStr(aText);
+  } catch (...) {
+    aBox.SetText(aText);
+    throw;
+  }
+  aBox.SetRtf(wiki->TextStr(), [wiki](int aPos, QString& aTarget) { return wiki->GetLink(aPos, aTarget); });
+}
+
+void ShowRichText(const CVelumControl& aControl, CVelumBaseRichTextBox& aBox, const TVelumValue& aVal) {
   if (aVal.Type() != EValUndef)
     CVelumError::AssertObj(aVal.Type() == EValStr, &aControl, gSet, u"aVal.iType"_s);
   const QString text = CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
-  if (!aControl.Flag(EConWikiText)) {
-    aBase.SetText(text);
-    return;
-  }
-  // The box itself shows rendered text, which comes with the wiki text boxes.
-  if (aControl.WikiTextBox()) aControl.WikiTextBox()->SetStr(text);
+  if (aControl.Flag(EConWikiText))
+    ShowWikiText(aControl, aBox, text);
+  else
+    aBox.SetText(text);
 }
 
 void ShowCheckBox(const CVelumControl& aControl, CVelumBaseCheckBox& aBox, const TVelumValue& aVal,
@@ -100,8 +111,13 @@ void CVelumCardView::ShowBoundValues(CVelumCard& aCard) {
   if (iLayout.CardNameLabel()) iLayout.CardNameLabel()->SetText(aCard.Name());
   for (int i = 0; i < iLayout.NumControls(); ++i) {
     const Ref<CVelumControl> control = iLayout.ControlAt(i);
-    if (control->BaseControl() && IsShown(*control))
+    if (!control->BaseControl() || !IsShown(*control)) continue;
+    try {
       SetBaseControlVal(*control, aCard.GetControlVal(control->Id(), false), aCard);
+    } catch (...) {
+      // One field that cannot be shown does not leave another card's values in those behind it.
+      CVelumError::CatchError(u"ShowBoundValues"_s);
+    }
   }
 }
 
@@ -116,7 +132,7 @@ void CVelumCardView::SetBaseControlVal(CVelumControl& aControl, const TVelumValu
     base->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
     break;
   case EBaseRichTextBox:
-    ShowRichText(aControl, *base, aVal);
+    ShowRichText(aControl, static_cast<CVelumBaseRichTextBox&>(*base), aVal);
     break;
   case EBaseComboBox:
     ShowCombo(aControl, aVal, aCard);

@@ -11,6 +11,7 @@
 #include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeCompanions.h"
 #include "runtime/CVelumStackView.h"
+#include "runtime/CVelumWikiTextEdit.h"
 #include "toolkit/CVelumBaseMeasure.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
@@ -39,6 +40,7 @@ void InitRuntime() {
   CVelumWinMan::SetFactory(u"CVelumGenForm"_s, [] { return new CVelumGenForm; });
   CVelumWinMan::SetFactory(u"CVelumCardListForm"_s, [] { return new CVelumCardListForm; });
   CVelumWinMan::SetFactory(u"CVelumCardSelect"_s, [] { return new CVelumCardSelect; });
+  CVelumWinMan::SetFactory(u"CVelumWikiTextEdit"_s, [] { return new CVelumWikiTextEdit; });
   CVelumFont font;
   font.SetDefaults();
   CVelumScreenMeasure::InstallMetrics(MakeToolkitFont(font, false));

@@ -10,6 +10,8 @@
 #include <QPointer>
 #include <QRectF>
 
+class CVelumBaseRichTextBox;
+
 // One for each open stack. Events of the card window end up here and become changes of values and messages
 // to scripts. Pending window events run at fixed points, also in the middle of a change of cards.
 class CVelumStackView final : public CVelumObject {
@@ -45,6 +47,9 @@ public:
   [[nodiscard]] const QString& OldKey() const { return iOldKey; }
   // Whether a value of the current card was set since it was shown.
   [[nodiscard]] bool CardChanged() const { return iCardChanged; }
+
+  // Whether a card is one of the stack's.
+  [[nodiscard]] bool Holds(const Ref<CVelumCard>& aCard) const;
 
   // Cards are taken by value where the current card, or an entry of the history, may be handed in: both
   // change on the way.
@@ -129,7 +134,6 @@ private:
   void ForgetFocus();
   [[nodiscard]] bool FindOtherCard(const Ref<CVelumControlSet>& aExclude, Ref<CVelumCard>& aCard) const;
   void LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
-  [[nodiscard]] bool Holds(const Ref<CVelumCard>& aCard) const;
   [[nodiscard]] bool Bound(const CVelumBaseControl* aObj) const;
   void Touch(CVelumBaseControl* aObj);
   [[nodiscard]] Ref<CVelumControl> LinesControl(CVelumBaseControl* aObj) const;
@@ -137,6 +141,8 @@ private:
   [[nodiscard]] bool TakeValue(CVelumControl& aControl);
   void ShowStored(CVelumControl& aControl);
   void ClickCheckBox(CVelumBaseControl& aObj);
+  void ClickText(CVelumBaseRichTextBox& aObj);
+  void EditWikiText(const CVelumBaseControl& aObj);
   void ClickCommand(const QObject* aObj);
   void UpdateCardInList();
   void UpdateLine(const CVelumCard& aCard);

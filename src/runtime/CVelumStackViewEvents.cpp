@@ -6,6 +6,8 @@
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
+#include "runtime/CVelumWikiTextEdit.h"
+#include "toolkit/CVelumBaseRichTextBox.h"
 #include "toolkit/CVelumToolkitLib.h"
 
 #include <QScopedValueRollback>
@@ -147,11 +149,20 @@ bool CVelumStackView::TakeValue(CVelumControl& aControl) {
 void CVelumStackView::BaseObjClick(QObject* aObj) {
   if (!iCurCard || !iCardView) return;
   auto* base = qobject_cast<CVelumBaseControl*>(aObj);
-  if (base && base->Kind() == EBaseRichTextBox) return; // links come with the wiki text boxes
-  if (base && base->Kind() == EBaseCheckBox)
+  if (base && base->Kind() == EBaseRichTextBox)
+    ClickText(static_cast<CVelumBaseRichTextBox&>(*base));
+  else if (base && base->Kind() == EBaseCheckBox)
     ClickCheckBox(*base);
   else
     ClickCommand(aObj);
+}
+
+void CVelumStackView::ClickText(CVelumBaseRichTextBox& aObj) {
+  const Ref<CVelumControl> control = iCardView->VelumControl(&aObj);
+  if (!control || aObj.SelLen() > 0 || !control->Flag(EConWikiText)) return;
+  const Ref<CVelumWikiTextBoxBase> wiki = control->WikiTextBox();
+  QString target;
+  if (wiki && wiki->GetLink(aObj.ClickPos(), target)) BaseObjLink(&aObj, target);
 }
 
 void CVelumStackView::BaseObjLink(CVelumBaseControl* aObj, const QString& aTarget) {
@@ -234,8 +245,18 @@ void CVelumStackView::ExecStdCmd(qint16 aCmd, const CVelumControl& aControl) {
 
 void CVelumStackView::BaseObjDblClick(CVelumBaseControl* aObj) {
   if (!gFrameHost || !Bound(aObj)) return;
-  if (aObj->Kind() == EBaseRichTextBox) gFrameHost->ShowForm(u"CVelumWikiTextEdit"_s);
+  if (aObj->Kind() == EBaseRichTextBox) EditWikiText(*aObj);
   if (aObj->Kind() == EBasePictureBox) gFrameHost->ShowPicture();
+}
+
+void CVelumStackView::EditWikiText(const CVelumBaseControl& aObj) {
+  const Ref<CVelumCard> card = iCurCard;
+  const Ref<CVelumControl> control = iCardView->VelumControl(&aObj);
+  // What is being typed in the field itself is to be in the editor too.
+  if (iCurObjChanged) ValidateCurControl();
+  if (!control || !Holds(card)) return;
+  auto* form = qobject_cast<CVelumWikiTextEdit*>(gFrameHost->ShowForm(u"CVelumWikiTextEdit"_s));
+  if (form) form->SetObj(card, control);
 }
 
 void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg) {

@@ -21,21 +21,6 @@ double Luminance(const QColor& aColor) {
          0.0722 * Linear(static_cast<double>(aColor.blueF()));
 }
 
-// aColor mixed with aWith in steps until it can be read on aBack.
-QColor Readable(const QColor& aColor, const QColor& aBack) {
-  const QColor with =
-      CVelumBaseColor::Contrast(Qt::white, aBack) >= CVelumBaseColor::Contrast(Qt::black, aBack)
-          ? QColor(Qt::white)
-          : QColor(Qt::black);
-  QColor result = aColor;
-  for (int step = 1; step <= 10 && CVelumBaseColor::Contrast(result, aBack) < EGoodContrast; ++step) {
-    auto mix = [step](int aFrom, int aTo) { return aFrom + (aTo - aFrom) * step / 10; };
-    result = QColor(mix(aColor.red(), with.red()), mix(aColor.green(), with.green()),
-                    mix(aColor.blue(), with.blue()));
-  }
-  return result;
-}
-
 } // namespace
 
 namespace CVelumBaseColor {
@@ -53,6 +38,18 @@ double Contrast(const QColor& aA, const QColor& aB) {
   const double a = Luminance(aA);
   const double b = Luminance(aB);
   return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
+
+QColor Readable(const QColor& aColor, const QColor& aBack) {
+  const QColor with =
+      Contrast(Qt::white, aBack) >= Contrast(Qt::black, aBack) ? QColor(Qt::white) : QColor(Qt::black);
+  QColor result = aColor;
+  for (int step = 1; step <= 10 && Contrast(result, aBack) < EGoodContrast; ++step) {
+    auto mix = [step](int aFrom, int aTo) { return aFrom + (aTo - aFrom) * step / 10; };
+    result = QColor(mix(aColor.red(), with.red()), mix(aColor.green(), with.green()),
+                    mix(aColor.blue(), with.blue()));
+  }
+  return result;
 }
 
 TVelumColors Resolve(qint32 aFore, qint32 aBack, const QColor& aPalBack) {

@@ -19,6 +19,8 @@ namespace CVelumBaseColor {
 [[nodiscard]] qint32 FromColor(const QColor& aColor);
 // Contrast ratio of two colours, 1 to 21, by their relative luminance as WCAG 2 defines it.
 [[nodiscard]] double Contrast(const QColor& aA, const QColor& aB);
+// aColor with its hue, only as much lighter or darker as it must be to be read on aBack.
+[[nodiscard]] QColor Readable(const QColor& aColor, const QColor& aBack);
 // What to paint for the colours aFore and aBack (0xBBGGRR, ENoInt unset) of a document on a desktop whose
 // background is aPalBack. A black text counts as unset, since it is the default of fonts. Two colours
 // that the document states stay as they are; a stated text on the desktop's background keeps its hue and

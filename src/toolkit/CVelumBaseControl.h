@@ -94,7 +94,7 @@ public:
   [[nodiscard]] qint32 BackColor() const { return iBackColor; }
   void SetBackColor(qint32 aColor);
   // To be called when the desktop's palette or the form's colour changed.
-  void RefreshColors();
+  virtual void RefreshColors();
   // A text that the program keeps with the control.
   [[nodiscard]] const QString& Tag() const { return iTag; }
   void SetTag(const QString& aTag) { iTag = aTag; }

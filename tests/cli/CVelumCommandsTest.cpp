@@ -1,7 +1,8 @@
 // What the commands print and make.
 #include "CliRun.h"
 
-#include "core/CVelumObject.h"
+#include "persist/CVelumStackFile.h"
+#include "runtime/CVelumWikiTextBox.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
 
@@ -234,7 +235,7 @@ TEST(Sample, IsSoundAndRich) {
   EXPECT_EQ(check.iStatus, 0) << check.iOut.toStdString() << check.iErr.toStdString();
   const QJsonObject facts = Json({u"info"_s, CliRun::Sample()});
   EXPECT_GT(facts[u"cards"_s].toInt(), 300);
-  EXPECT_EQ(facts[u"backgrounds"_s].toArray().size(), 5);
+  EXPECT_EQ(facts[u"backgrounds"_s].toArray().size(), 6);
   EXPECT_EQ(facts[u"backgrounds"_s][1][u"cards"_s].toInt(), 195);
   EXPECT_TRUE(facts[u"backgrounds"_s][2][u"keptSorted"_s].toBool());
 }
@@ -246,6 +247,37 @@ TEST(Sample, IsWhatItsProgramMakes) {
                                              {QStringLiteral(ORVELLES_SOURCE) + u"/samples/data"_s, out});
   EXPECT_EQ(made.iStatus, 0) << made.iErr.toStdString();
   EXPECT_TRUE(Bytes(out) == Bytes(CliRun::Sample())) << "samples/Countries.Orvelle is not up to date";
+}
+
+TEST(Sample, LinksOfTheGuideLeadToCards) {
+  CVelumModel::Install();
+  Ref<CVelumStack> stack;
+  Ref<CVelumViewState> view;
+  CVelumStackFile(CliRun::Sample()).LoadStack(stack, view);
+  Ref<CVelumControlSet> guide;
+  ASSERT_TRUE(stack->GetBackgroundByName(u"Guide"_s, guide));
+  Ref<CVelumCard> page;
+  qint32 index = 0;
+  qsizetype links = 0;
+  CVelumWikiTextBox box;
+  for (bool found = stack->GetFirstCardInBackground(guide->Id(), page, index); found;
+       found = stack->GetNextCardInBackground(guide->Id(), page, index)) {
+    box.SetStr(page->GetControlVal(guide->ControlAt(0)->Id(), false).Str());
+    for (const TWikiLink& link : box.Links()) {
+      ++links;
+      Ref<CVelumCard> card;
+      EXPECT_TRUE(link.iTarget.startsWith(u"select:"_s) || stack->GetCard(link.iTarget, card))
+          << link.iTarget.toStdString();
+    }
+  }
+  EXPECT_GT(links, 20);
+}
+
+TEST(Sample, LinksOfTheGuideRunItsScript) {
+  const TCliResult result =
+      CliRun::Run({u"run"_s, CliRun::Sample(), u"select"_s, u"--card"_s, u"Pages that act"_s, u"--field"_s,
+                   u"Page"_s, u"--param"_s, u"Mountain"_s});
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
 }
 
 TEST(Sample, MountainsStandByHeight) {

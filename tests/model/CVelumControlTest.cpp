@@ -51,7 +51,9 @@ class CSpyWiki final : public CVelumWikiTextBoxBase {
 public:
   [[nodiscard]] QString ObjDescr() const override { return u"wiki"_s; }
   void SetStr(const QString&) override {}
-  void SetFont(const CVelumFont&) override {}
+  void SetFont(const Ref<CVelumFont>&) override {}
+  [[nodiscard]] QString TextStr() const override { return {}; }
+  [[nodiscard]] bool GetLink(int, QString&) const override { return false; }
 };
 
 class CSpyFactory final : public CVelumCompanionFactory {

@@ -11,6 +11,13 @@
 #include <QTest>
 #include <QTextEdit>
 
+namespace {
+
+// The one window that ShowForm really opens.
+const QString EWikiEdit = u"CVelumWikiTextEdit"_s;
+
+} // namespace
+
 FakeFrame::FakeFrame() {
   gFrameHost = this;
   iArea.resize(1000, 800);
@@ -58,7 +65,10 @@ bool FakeFrame::CloseStack() {
 
 QWidget* FakeFrame::ShowForm(const QString& aName) {
   iCalls.append(u"ShowForm "_s + aName);
-  return nullptr;
+  if (aName != EWikiEdit) return nullptr;
+  CVelumForm* form = CVelumWinMan::NameToForm(aName);
+  CVelumWinMan::ShowDialog(*form);
+  return form->Widget();
 }
 
 RuntimeTest::RuntimeTest() {
@@ -76,6 +86,7 @@ RuntimeTest::RuntimeTest() {
 }
 
 RuntimeTest::~RuntimeTest() {
+  if (CVelumWinMan::FormIsLoaded(EWikiEdit)) CVelumWinMan::UnloadForm(*CVelumWinMan::NameToForm(EWikiEdit));
   if (gStackView) gStackView->Release();
   gStackView = nullptr;
   gStack = nullptr;

@@ -20,8 +20,8 @@ public:
     iSent.append(sent);
     if (iOnMessage) iOnMessage(sent);
   }
-  void SetParamVal(const QString& aVal) override { iParamVal = aVal; }
   [[nodiscard]] bool Running() const override { return iRunning; }
+  void SetParamVal(const QString& aVal) override { iParamVal = aVal; }
   void Break() override { ++iBreaks; }
   void Reset() override { ++iResets; }
   // How often aMsg was sent, to whatever it was.
