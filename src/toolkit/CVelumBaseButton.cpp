@@ -1,25 +1,6 @@
 #include "toolkit/CVelumBaseButton.h"
 
-#include "toolkit/CVelumBaseColor.h"
-
-#include <QEvent>
-#include <QGuiApplication>
-#include <QPainter>
 #include <QPushButton>
-
-namespace {
-
-constexpr double EMinContrast = 3.0;
-
-QPixmap Tinted(const QIcon& aIcon, const QSize& aSize, qreal aRatio, const QColor& aColor) {
-  QPixmap pixmap = aIcon.pixmap(aSize, aRatio);
-  QPainter painter(&pixmap);
-  painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
-  painter.fillRect(QRect(QPoint(), aSize), aColor);
-  return pixmap;
-}
-
-} // namespace
 
 CVelumBaseButton::CVelumBaseButton(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
     : CVelumBaseControl(EBaseButton, aName, new QPushButton(aParent), aSink),
@@ -38,25 +19,8 @@ void CVelumBaseButton::SetText(const QString& aText) {
 }
 
 void CVelumBaseButton::SetPicture(const QIcon& aIcon, const QString& aToolTip) {
-  iPicture = aIcon;
-  ShowPicture();
+  iButton->setIcon(aIcon);
   iButton->setToolTip(aToolTip);
-}
-
-void CVelumBaseButton::ShowPicture() {
-  const QPalette palette = iButton->palette();
-  const QColor drawn = QGuiApplication::palette().color(QPalette::WindowText);
-  const bool seen = CVelumBaseColor::Contrast(drawn, palette.color(QPalette::Button)) >= EMinContrast;
-  if (seen || iPicture.isNull())
-    iButton->setIcon(iPicture);
-  else
-    iButton->setIcon(Tinted(iPicture, iButton->iconSize(), iButton->devicePixelRatioF(),
-                            palette.color(QPalette::Active, QPalette::ButtonText)));
-}
-
-bool CVelumBaseButton::eventFilter(QObject* aWatched, QEvent* aEvent) {
-  if (aWatched == iButton && aEvent->type() == QEvent::PaletteChange) ShowPicture();
-  return CVelumBaseControl::eventFilter(aWatched, aEvent);
 }
 
 bool CVelumBaseButton::HasPicture() const {

@@ -3,8 +3,7 @@
 
 #include "toolkit/CVelumBaseControl.h"
 
-#include <QIcon>
-
+class QIcon;
 class QPushButton;
 
 class CVelumBaseButton final : public CVelumBaseControl {
@@ -13,18 +12,11 @@ public:
   [[nodiscard]] QString Text() const override;
   // "&" stands for itself.
   void SetText(const QString& aText) override;
-  // A null icon takes the picture away. aToolTip tells what the picture means. A picture in the colours of
-  // the desktop that could not be seen on the button takes the colour of its text.
+  // A null icon takes the picture away. aToolTip tells what the picture means.
   void SetPicture(const QIcon& aIcon, const QString& aToolTip);
   [[nodiscard]] bool HasPicture() const;
 
-protected:
-  bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
-
 private:
-  void ShowPicture();
-
   QPushButton* iButton;
   QString iCaption;
-  QIcon iPicture;
 };

@@ -14,7 +14,6 @@
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
-#include <QPushButton>
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
@@ -341,22 +340,6 @@ TEST_F(CVelumBaseControlTest, ComboTellsTypingAsChangeAndAChoiceAsClick) {
   EXPECT_GT(combo.NaturalHeight(), 0.0F);
   combo.Clear();
   EXPECT_EQ(combo.Text(), QString());
-}
-
-TEST_F(CVelumBaseControlTest, APictureIsSeenOnAButtonOfAnyColour) {
-  CVelumBaseButton button(u"fButton"_s, &iForm, &iSink);
-  Show(button, 0);
-  QPixmap drawn(16, 16);
-  drawn.fill(QGuiApplication::palette().color(QPalette::WindowText));
-  const auto shown = [&] {
-    return static_cast<QPushButton*>(button.Widget())->icon().pixmap(16, 16).toImage().pixelColor(8, 8);
-  };
-  button.SetPicture(QIcon(drawn), {});
-  EXPECT_EQ(shown(), QGuiApplication::palette().color(QPalette::WindowText));
-  button.SetBackColor(CVelumBaseColor::FromColor(QGuiApplication::palette().color(QPalette::WindowText)));
-  EXPECT_GT(CVelumBaseColor::Contrast(shown(), CVelumBaseColor::ToColor(button.BackColor())), 3);
-  button.SetBackColor(ENoInt);
-  EXPECT_EQ(shown(), QGuiApplication::palette().color(QPalette::WindowText));
 }
 
 TEST_F(CVelumBaseControlTest, ButtonShowsAnAmpersandAsItself) {
