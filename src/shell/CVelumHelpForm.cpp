@@ -1,31 +1,102 @@
 #include "shell/CVelumHelpForm.h"
 
-#include "core/CVelumObject.h"
+#include "ui_CVelumHelpForm.h"
 
 #include <QApplication>
-#include <QDialogButtonBox>
+#include <QHelpContentWidget>
+#include <QHelpEngine>
+#include <QHelpIndexWidget>
+#include <QHelpLink>
+#include <QHelpSearchEngine>
 #include <QPointer>
-#include <QTextBrowser>
-#include <QVBoxLayout>
+#include <QRegularExpression>
 
 namespace {
 
+constexpr int EMaxResults = 200;
+constexpr int EContentsWidth = 230;
+constexpr int EPageWidth = 560;
+
 QPointer<CVelumHelpForm> gHelpForm;
+
+// The words of a text, each as one that has to be in the page; the last may be the beginning of one.
+QString SearchTerms(const QString& aText) {
+  static const QRegularExpression between(u"[^\\w]+"_s, QRegularExpression::UseUnicodePropertiesOption);
+  QStringList words = aText.split(between, Qt::SkipEmptyParts);
+  for (QString& word : words) word = u'"' + word + u'"';
+  return words.isEmpty() ? QString() : words.join(u' ') + u'*';
+}
 
 } // namespace
 
-CVelumHelpForm::CVelumHelpForm() : fPage(new QTextBrowser(this)) {
+CVelumHelpForm::CVelumHelpForm() : iUi(new Ui::CVelumHelpForm) {
+  iUi->setupUi(this);
   setWindowFlags(Qt::Window);
   setAttribute(Qt::WA_DeleteOnClose);
-  setWindowTitle(tr("Orvelles Help"));
-  fPage->setObjectName(u"fPage"_s);
-  fPage->setAccessibleName(tr("Help page"));
-  auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
-  connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
-  auto* layout = new QVBoxLayout(this);
-  layout->addWidget(fPage);
-  layout->addWidget(buttons);
-  resize(560, 420);
+  iUi->fSplitter->setSizes({EContentsWidth, EPageWidth});
+  iUi->fPage->SetBook(&iBook);
+  ConnectButtons();
+  if (iBook.IsOpen()) AddBook();
+}
+
+CVelumHelpForm::~CVelumHelpForm() = default;
+
+void CVelumHelpForm::ConnectButtons() {
+  CVelumHelpPage* page = iUi->fPage;
+  connect(iUi->fCloseBut, &QPushButton::clicked, this, &QWidget::close);
+  connect(iUi->fBackBut, &QPushButton::clicked, page, &QTextBrowser::backward);
+  connect(iUi->fForwBut, &QPushButton::clicked, page, &QTextBrowser::forward);
+  connect(iUi->fHomeBut, &QPushButton::clicked, this, [this] { SetPage({}); });
+  connect(page, &QTextBrowser::backwardAvailable, iUi->fBackBut, &QWidget::setEnabled);
+  connect(page, &QTextBrowser::forwardAvailable, iUi->fForwBut, &QWidget::setEnabled);
+  connect(page, &QTextBrowser::sourceChanged, this, &CVelumHelpForm::FollowPage);
+}
+
+void CVelumHelpForm::AddBook() {
+  QHelpEngine& engine = iBook.Engine();
+  AddContents(engine.contentWidget());
+  AddIndex(engine.indexWidget());
+  QHelpSearchEngine* search = engine.searchEngine();
+  connect(search, &QHelpSearchEngine::searchingFinished, this, &CVelumHelpForm::ShowResults);
+  // What was asked for meanwhile.
+  connect(search, &QHelpSearchEngine::indexingFinished, this, &CVelumHelpForm::Search);
+  connect(iUi->fSearchText, &QLineEdit::textEdited, this, &CVelumHelpForm::Search);
+  connect(iUi->fResults, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* aItem) {
+    if (aItem) iUi->fPage->setSource(aItem->data(Qt::UserRole).toUrl());
+  });
+  search->scheduleIndexDocumentation();
+}
+
+void CVelumHelpForm::AddContents(QHelpContentWidget* aContents) {
+  iContents = aContents;
+  aContents->setObjectName(u"fContents"_s);
+  aContents->setAccessibleName(tr("Contents"));
+  iUi->fContentsLayout->addWidget(aContents);
+  const auto go = [this](const QModelIndex& aIndex) {
+    const QHelpContentItem* item = iBook.Engine().contentModel()->contentItemAt(aIndex);
+    if (item) iUi->fPage->setSource(item->url());
+  };
+  connect(aContents, &QAbstractItemView::clicked, this, go);
+  connect(aContents, &QAbstractItemView::activated, this, go);
+  connect(iBook.Engine().contentModel(), &QHelpContentModel::contentsCreated, this,
+          &CVelumHelpForm::FollowPage);
+}
+
+void CVelumHelpForm::AddIndex(QHelpIndexWidget* aIndex) {
+  aIndex->setObjectName(u"fIndex"_s);
+  aIndex->setAccessibleName(tr("Index"));
+  iUi->fIndexLayout->addWidget(aIndex);
+  const auto go = [this](const QUrl& aUrl) { iUi->fPage->setSource(aUrl); };
+  connect(aIndex, &QAbstractItemView::clicked, aIndex, &QHelpIndexWidget::activateCurrentItem);
+  connect(aIndex, &QHelpIndexWidget::documentActivated, this,
+          [go](const QHelpLink& aLink) { go(aLink.url); });
+  // Of several pages with one title the first.
+  connect(aIndex, &QHelpIndexWidget::documentsActivated, this, [go](const QList<QHelpLink>& aLinks) {
+    if (!aLinks.isEmpty()) go(aLinks.first().url);
+  });
+  connect(iUi->fIndexText, &QLineEdit::textEdited, aIndex,
+          [aIndex](const QString& aText) { aIndex->filterIndices(aText); });
+  connect(iUi->fIndexText, &QLineEdit::returnPressed, aIndex, &QHelpIndexWidget::activateCurrentItem);
 }
 
 CVelumHelpForm* CVelumHelpForm::Instance() {
@@ -50,10 +121,40 @@ void CVelumHelpForm::Release(const QWidget* aOwner) {
 
 void CVelumHelpForm::SetOwner(QWidget* aOwner) {
   // A child of a modal window is not blocked by it.
-  if (parentWidget() != aOwner) setParent(aOwner, windowFlags());
+  if (aOwner != this && parentWidget() != aOwner) setParent(aOwner, windowFlags());
 }
 
 void CVelumHelpForm::SetPage(const QString& aPage) {
   iPage = aPage;
-  fPage->setHtml(tr("<h2>%1</h2><p>This will be the help page <b>%1</b>.</p>").arg(aPage.toHtmlEscaped()));
+  if (iBook.IsOpen())
+    iUi->fPage->setSource(iBook.Find(aPage));
+  else
+    iUi->fPage->setHtml(tr("<h2>%1</h2><p>The help file orvelles.qch is not there, so that the page "
+                           "<b>%1</b> cannot be shown. Please install the program again.</p>")
+                            .arg(aPage.toHtmlEscaped()));
+}
+
+void CVelumHelpForm::FollowPage() {
+  if (!iContents) return;
+  const QModelIndex index = iContents->indexOf(iUi->fPage->source());
+  if (!index.isValid()) return;
+  iContents->setCurrentIndex(index);
+  iContents->scrollTo(index);
+}
+
+void CVelumHelpForm::Search() {
+  iUi->fResults->clear();
+  const QString terms = SearchTerms(iUi->fSearchText->text());
+  if (!terms.isEmpty()) iBook.Engine().searchEngine()->search(terms);
+}
+
+void CVelumHelpForm::ShowResults(int aCount) {
+  const QSignalBlocker quiet(iUi->fResults);
+  iUi->fResults->clear();
+  const QList<QHelpSearchResult> results =
+      iBook.Engine().searchEngine()->searchResults(0, std::min(aCount, EMaxResults));
+  for (const QHelpSearchResult& result : results) {
+    auto* item = new QListWidgetItem(result.title(), iUi->fResults);
+    item->setData(Qt::UserRole, result.url());
+  }
 }

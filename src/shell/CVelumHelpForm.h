@@ -1,28 +1,50 @@
 // The help window.
 #pragma once
 
+#include "shell/CVelumHelpBook.h"
+
 #include <QDialog>
 
-class QTextBrowser;
+class QHelpContentWidget;
+class QHelpIndexWidget;
 
-// One window for all pages. It can be read while a message box waits for its answer.
+namespace Ui {
+class CVelumHelpForm;
+}
+
+// One window for all pages, with contents that follow the page, an index and a search. It can be read while a
+// message box waits for its answer.
 class CVelumHelpForm final : public QDialog {
   Q_OBJECT
 
 public:
+  ~CVelumHelpForm() override;
+
   // Opens the page of a name (without ending).
   static void ShowPage(const QString& aPage);
   // Frees the window from an owner that is about to go.
   static void Release(const QWidget* aOwner);
   // The window, when it has been opened.
   [[nodiscard]] static CVelumHelpForm* Instance();
+  // The name that the page was asked by.
   [[nodiscard]] const QString& Page() const { return iPage; }
 
 private:
   CVelumHelpForm();
+  void ConnectButtons();
+  // Puts contents, index and search on their tabs.
+  void AddBook();
+  void AddContents(QHelpContentWidget* aContents);
+  void AddIndex(QHelpIndexWidget* aIndex);
   void SetPage(const QString& aPage);
   void SetOwner(QWidget* aOwner);
+  // Lets the contents show where the page stands.
+  void FollowPage();
+  void Search();
+  void ShowResults(int aCount);
 
-  QTextBrowser* fPage;
+  std::unique_ptr<Ui::CVelumHelpForm> iUi;
+  CVelumHelpBook iBook;
+  QHelpContentWidget* iContents = nullptr;
   QString iPage;
 };

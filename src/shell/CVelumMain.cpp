@@ -8,6 +8,7 @@
 #include "runtime/CVelumViewScriptHost.h"
 #include "script/CVelumCompiler.h"
 #include "shell/CVelumFrame.h"
+#include "shell/CVelumHelpKeys.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumShellPresenter.h"
 #include "toolkit/CVelumGuard.h"
@@ -22,6 +23,7 @@ namespace {
 struct TInstalled {
   CVelumToolkitPump iPump;
   CVelumShellPresenter iPresenter;
+  CVelumHelpKeys iHelpKeys;
   std::unique_ptr<CVelumViewScriptHost> iScripts;
   std::unique_ptr<CVelumFrame> iFrame;
 };

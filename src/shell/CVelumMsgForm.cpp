@@ -4,6 +4,7 @@
 #include "toolkit/CVelumToolkitLib.h"
 #include "ui_CVelumMsgForm.h"
 
+#include <QKeyEvent>
 #include <array>
 #include <cmath>
 
@@ -78,6 +79,13 @@ bool CVelumMsgForm::Ask(const QWidget* aFrame) {
   CVelumLib::CentreOver(*this, aFrame);
   exec();
   return iResult;
+}
+
+void CVelumMsgForm::keyPressEvent(QKeyEvent* aEvent) {
+  if (aEvent->key() == Qt::Key_F1)
+    Help();
+  else
+    QDialog::keyPressEvent(aEvent);
 }
 
 void CVelumMsgForm::Help() {

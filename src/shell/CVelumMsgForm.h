@@ -28,6 +28,9 @@ public:
   bool Ask(const QWidget* aFrame);
   [[nodiscard]] bool Result() const { return iResult; }
 
+protected:
+  void keyPressEvent(QKeyEvent* aEvent) override;
+
 private:
   void Help();
   void FitText();

@@ -173,12 +173,25 @@ TEST_F(CVelumMsgFormTest, HelpOpensThePageOfTheMessageAndTheBoxStays) {
   EXPECT_EQ(CVelumHelpForm::Instance()->Page(), u"MsgFormEMsgEmptyFile"_s);
 }
 
-TEST_F(CVelumMsgFormTest, HelpPageSaysWhichPageItWillBe) {
+TEST_F(CVelumMsgFormTest, F1IsAboutTheMessageOfTheBox) {
+  WhenOpen([](QDialog& aBox) {
+    // Another box, closed again, is not what this one is about.
+    WhenOpen([](QDialog& aInner) { Click(aInner, u"fOk"_s); });
+    CVelumMsg::Show(EMsgEmptyFile, EMsgExclamation, {});
+    QTest::keyClick(&Button(aBox, u"fNo"_s), Qt::Key_F1);
+    ASSERT_NE(CVelumHelpForm::Instance(), nullptr);
+    EXPECT_EQ(CVelumHelpForm::Instance()->Page(), u"MsgFormEMsgDeleteCardOk"_s);
+    EXPECT_TRUE(aBox.isVisible());
+  });
+  EXPECT_FALSE(CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, u"x"_s));
+}
+
+TEST_F(CVelumMsgFormTest, HelpShowsThePageAndClosesByEscape) {
   CVelumMsg::ShowHelp(u"CVelumFrame"_s, {});
   CVelumHelpForm* help = CVelumHelpForm::Instance();
   ASSERT_NE(help, nullptr);
   EXPECT_EQ(help->Page(), u"Frame"_s);
-  EXPECT_TRUE(help->findChild<QTextEdit*>(u"fPage"_s)->toPlainText().contains(u"Frame"_s));
+  EXPECT_TRUE(help->findChild<QTextEdit*>(u"fPage"_s)->toPlainText().contains(u"The main window"_s));
   QTest::keyClick(help, Qt::Key_Escape);
   EXPECT_FALSE(help->isVisible());
 }

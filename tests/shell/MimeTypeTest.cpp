@@ -1,0 +1,61 @@
+// The file types that an installation makes known to the desktop.
+#include "support/PrintQt.h"
+#include "support/TempFolder.h"
+
+#include "core/CVelumObject.h"
+
+#include <QDir>
+#include <QFile>
+#include <QMimeDatabase>
+#include <gtest/gtest.h>
+
+namespace {
+
+// Asks as the file manager does, with our description beside that of the system.
+class MimeTypeTest : public testing::Test {
+protected:
+  MimeTypeTest() {
+    EXPECT_TRUE(QDir().mkpath(iFolder.Path(u"mime/packages"_s)));
+    EXPECT_TRUE(QFile::copy(QStringLiteral(ORVELLES_SOURCE "/packaging/orvelles-mime.xml"),
+                            iFolder.Path(u"mime/packages/orvelles.xml"_s)));
+    qputenv("XDG_DATA_HOME", iFolder.Path(u"."_s).toLocal8Bit());
+  }
+  ~MimeTypeTest() override { qunsetenv("XDG_DATA_HOME"); }
+
+  static QString OfContent(const QByteArray& aContent) {
+    return QMimeDatabase().mimeTypeForFileNameAndData(u"x.Orvelle"_s, aContent).name();
+  }
+  static QByteArray Content(const QString& aPath) {
+    QFile file(QStringLiteral(ORVELLES_TEST_DATA) + aPath);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << aPath.toStdString();
+    return file.readAll();
+  }
+
+  TempFolder iFolder;
+};
+
+} // namespace
+
+TEST_F(MimeTypeTest, StacksAreKnownByTheirFirstBytes) {
+  const QByteArray binary = Content(u"/stacks/good/multi_background.Orvelle"_s);
+  EXPECT_EQ(QMimeDatabase().mimeTypeForData(binary).name(), u"application/x-orvelle"_s);
+  EXPECT_EQ(OfContent(binary), u"application/x-orvelle"_s);
+  const QByteArray xml = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\n<VelumStack>\n  <Stack gen=\"4\"/>\n";
+  EXPECT_EQ(QMimeDatabase().mimeTypeForData(xml).name(), u"application/x-orvelle+xml"_s);
+  EXPECT_EQ(OfContent(xml), u"application/x-orvelle+xml"_s);
+}
+
+TEST_F(MimeTypeTest, OtherFilesAreNotTakenForStacks) {
+  for (const QByteArray& content :
+       {QByteArray("Orvelles is a program.\n"),
+        QByteArray("<?xml version=\"1.0\"?>\n<orvelle version=\"1.0\">\n"), QByteArray("a;b;c\n")})
+    EXPECT_FALSE(QMimeDatabase().mimeTypeForData(content).name().contains(u"orvelle"_s))
+        << content.toStdString();
+}
+
+TEST_F(MimeTypeTest, TypesHaveNamesAndAnIcon) {
+  const QMimeType binary = QMimeDatabase().mimeTypeForName(u"application/x-orvelle"_s);
+  EXPECT_EQ(binary.iconName(), u"application-x-orvelle"_s);
+  EXPECT_FALSE(binary.comment().isEmpty());
+  EXPECT_TRUE(QMimeDatabase().mimeTypeForName(u"application/x-orvelle+xml"_s).inherits(u"application/xml"_s));
+}
