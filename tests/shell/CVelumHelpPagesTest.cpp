@@ -11,6 +11,7 @@
 
 #include <QDirIterator>
 #include <QHelpEngine>
+#include <QMenu>
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
 #include <QXmlStreamReader>
