@@ -1,5 +1,6 @@
 #include "shell/CVelumHelpForm.h"
 
+#include "shell/CVelumHelpSearch.h"
 #include "ui_CVelumHelpForm.h"
 
 #include <QApplication>
@@ -7,25 +8,14 @@
 #include <QHelpEngine>
 #include <QHelpIndexWidget>
 #include <QHelpLink>
-#include <QHelpSearchEngine>
 #include <QPointer>
-#include <QRegularExpression>
 
 namespace {
 
-constexpr int EMaxResults = 200;
 constexpr int EContentsWidth = 230;
 constexpr int EPageWidth = 560;
 
 QPointer<CVelumHelpForm> gHelpForm;
-
-// The words of a text, each as one that has to be in the page; the last may be the beginning of one.
-QString SearchTerms(const QString& aText) {
-  static const QRegularExpression between(u"[^\\w]+"_s, QRegularExpression::UseUnicodePropertiesOption);
-  QStringList words = aText.split(between, Qt::SkipEmptyParts);
-  for (QString& word : words) word = u'"' + word + u'"';
-  return words.isEmpty() ? QString() : words.join(u' ') + u'*';
-}
 
 } // namespace
 
@@ -56,15 +46,12 @@ void CVelumHelpForm::AddBook() {
   QHelpEngine& engine = iBook.Engine();
   AddContents(engine.contentWidget());
   AddIndex(engine.indexWidget());
-  QHelpSearchEngine* search = engine.searchEngine();
-  connect(search, &QHelpSearchEngine::searchingFinished, this, &CVelumHelpForm::ShowResults);
-  // What was asked for meanwhile.
-  connect(search, &QHelpSearchEngine::indexingFinished, this, &CVelumHelpForm::Search);
-  connect(iUi->fSearchText, &QLineEdit::textEdited, this, &CVelumHelpForm::Search);
+  iSearch = std::make_unique<CVelumHelpSearch>(*engine.searchEngine());
+  connect(iSearch.get(), &CVelumHelpSearch::Found, this, &CVelumHelpForm::ShowResults);
+  connect(iUi->fSearchText, &QLineEdit::textEdited, iSearch.get(), &CVelumHelpSearch::Search);
   connect(iUi->fResults, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* aItem) {
     if (aItem) iUi->fPage->setSource(aItem->data(Qt::UserRole).toUrl());
   });
-  search->scheduleIndexDocumentation();
 }
 
 void CVelumHelpForm::AddContents(QHelpContentWidget* aContents) {
@@ -142,19 +129,11 @@ void CVelumHelpForm::FollowPage() {
   iContents->scrollTo(index);
 }
 
-void CVelumHelpForm::Search() {
-  iUi->fResults->clear();
-  const QString terms = SearchTerms(iUi->fSearchText->text());
-  if (!terms.isEmpty()) iBook.Engine().searchEngine()->search(terms);
-}
-
-void CVelumHelpForm::ShowResults(int aCount) {
+void CVelumHelpForm::ShowResults(const QList<QHelpSearchResult>& aPages) {
   const QSignalBlocker quiet(iUi->fResults);
   iUi->fResults->clear();
-  const QList<QHelpSearchResult> results =
-      iBook.Engine().searchEngine()->searchResults(0, std::min(aCount, EMaxResults));
-  for (const QHelpSearchResult& result : results) {
-    auto* item = new QListWidgetItem(result.title(), iUi->fResults);
-    item->setData(Qt::UserRole, result.url());
+  for (const QHelpSearchResult& page : aPages) {
+    auto* item = new QListWidgetItem(page.title(), iUi->fResults);
+    item->setData(Qt::UserRole, page.url());
   }
 }

@@ -7,6 +7,8 @@
 
 class QHelpContentWidget;
 class QHelpIndexWidget;
+class QHelpSearchResult;
+class CVelumHelpSearch;
 
 namespace Ui {
 class CVelumHelpForm;
@@ -40,11 +42,11 @@ private:
   void SetOwner(QWidget* aOwner);
   // Lets the contents show where the page stands.
   void FollowPage();
-  void Search();
-  void ShowResults(int aCount);
+  void ShowResults(const QList<QHelpSearchResult>& aPages);
 
   std::unique_ptr<Ui::CVelumHelpForm> iUi;
   CVelumHelpBook iBook;
+  std::unique_ptr<CVelumHelpSearch> iSearch; // goes before the book
   QHelpContentWidget* iContents = nullptr;
   QString iPage;
 };

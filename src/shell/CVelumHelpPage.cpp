@@ -14,5 +14,5 @@ void CVelumHelpPage::doSetSource(const QUrl& aUrl, QTextDocument::ResourceType) 
   if (aUrl.scheme().startsWith(u"http"_s))
     QDesktopServices::openUrl(aUrl);
   else
-    QTextBrowser::doSetSource(aUrl, QTextDocument::HtmlResource);
+    QTextBrowser::doSetSource(source().resolved(aUrl), QTextDocument::HtmlResource);
 }

@@ -30,7 +30,7 @@ share/orvelles/Countries.Orvelle
 share/orvelles/orvelles.qch
 FILES
 depends=$(dpkg-deb -f "$package" Depends)
-for needed in libqt6widgets6 libqt6help6 libqt6sql6-sqlite libqt6svg6 libfreeimage3; do
+for needed in libqt6widgets6 libqt6help6 libqt6sql6-sqlite libqt6svg6; do
   [[ "$depends" == *"$needed"* ]] || fail "not among what the package depends on: $needed ($depends)"
 done
 grep -qx 'Exec=orvelles %f' "$work/root/usr/share/applications/orvelles.desktop" || fail "no command to open a file"
