@@ -81,8 +81,10 @@ void CVelumHelpForm::AddIndex(QHelpIndexWidget* aIndex) {
   connect(aIndex, &QHelpIndexWidget::documentsActivated, this, [go](const QList<QHelpLink>& aLinks) {
     if (!aLinks.isEmpty()) go(aLinks.first().url);
   });
-  connect(iUi->fIndexText, &QLineEdit::textEdited, aIndex,
-          [aIndex](const QString& aText) { aIndex->filterIndices(aText); });
+  const auto filter = [this, aIndex] { aIndex->filterIndices(iUi->fIndexText->text()); };
+  connect(iUi->fIndexText, &QLineEdit::textEdited, aIndex, filter);
+  // The words come a moment later than the window, and all of them.
+  connect(iBook.Engine().indexModel(), &QHelpIndexModel::indexCreated, this, filter);
   connect(iUi->fIndexText, &QLineEdit::returnPressed, aIndex, &QHelpIndexWidget::activateCurrentItem);
 }
 
