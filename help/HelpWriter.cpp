@@ -38,10 +38,11 @@ QString Link(const THelpPage& aPage) {
   return u"<a href=\"%1.htm\">%2</a>"_s.arg(aPage.iName, aPage.iTitle.toHtmlEscaped());
 }
 
-void WriteKeyword(QXmlStreamWriter& aXml, const QString& aName, const THelpPage& aPage) {
+// An id may stand only once.
+void WriteKeyword(QXmlStreamWriter& aXml, const QString& aName, const QString& aId, const THelpPage& aPage) {
   aXml.writeEmptyElement(u"keyword"_s);
   aXml.writeAttribute(u"name"_s, aName);
-  aXml.writeAttribute(u"id"_s, aPage.iName);
+  if (!aId.isEmpty()) aXml.writeAttribute(u"id"_s, aId);
   aXml.writeAttribute(u"ref"_s, aPage.iName + u".htm"_s);
 }
 
@@ -104,8 +105,8 @@ QByteArray HelpWriter::Project() const {
   xml.writeEndElement();
   xml.writeStartElement(u"keywords"_s);
   for (const THelpPage& page : iBook.Pages()) {
-    WriteKeyword(xml, page.iTitle, page);
-    for (const QString& word : page.iIndex) WriteKeyword(xml, word, page);
+    WriteKeyword(xml, page.iTitle, page.iName, page);
+    for (const QString& word : page.iIndex) WriteKeyword(xml, word, {}, page);
   }
   xml.writeEndElement();
   xml.writeStartElement(u"files"_s);

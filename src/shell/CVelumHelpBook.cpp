@@ -69,7 +69,7 @@ QString CVelumHelpBook::Name(const QUrl& aPage) {
 }
 
 QByteArray CVelumHelpBook::Data(const QUrl& aPage) const {
-  return iEngine ? iEngine->fileData(aPage) : QByteArray();
+  return iEngine && iEngine->findFile(aPage).isValid() ? iEngine->fileData(aPage) : QByteArray();
 }
 
 QUrl CVelumHelpBook::Find(const QString& aPage) const {

@@ -66,7 +66,7 @@ void CVelumHelpForm::AddContents(QHelpContentWidget* aContents) {
   connect(aContents, &QAbstractItemView::clicked, this, go);
   connect(aContents, &QAbstractItemView::activated, this, go);
   connect(iBook.Engine().contentModel(), &QHelpContentModel::contentsCreated, this,
-          &CVelumHelpForm::FollowPage);
+          [this] { FollowPage(iUi->fPage->source()); });
 }
 
 void CVelumHelpForm::AddIndex(QHelpIndexWidget* aIndex) {
@@ -123,9 +123,9 @@ void CVelumHelpForm::SetPage(const QString& aPage) {
                             .arg(aPage.toHtmlEscaped()));
 }
 
-void CVelumHelpForm::FollowPage() {
+void CVelumHelpForm::FollowPage(const QUrl& aPage) {
   if (!iContents) return;
-  const QModelIndex index = iContents->indexOf(iUi->fPage->source());
+  const QModelIndex index = iContents->indexOf(aPage);
   if (!index.isValid()) return;
   iContents->setCurrentIndex(index);
   iContents->scrollTo(index);

@@ -40,8 +40,8 @@ private:
   void AddIndex(QHelpIndexWidget* aIndex);
   void SetPage(const QString& aPage);
   void SetOwner(QWidget* aOwner);
-  // Lets the contents show where the page stands.
-  void FollowPage();
+  // Lets the contents show where a page stands.
+  void FollowPage(const QUrl& aPage);
   void ShowResults(const QList<QHelpSearchResult>& aPages);
 
   std::unique_ptr<Ui::CVelumHelpForm> iUi;

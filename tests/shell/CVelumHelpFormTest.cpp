@@ -133,8 +133,7 @@ TEST_F(CVelumHelpFormTest, SearchFindsWordsOfTheText) {
   EXPECT_EQ(Shown(), u"Tutorial"_s);
   text.clear();
   QTest::keyClicks(&text, u"wallpaper tiles"_s);
-  ASSERT_TRUE(QTest::qWaitFor([&] { return results.count() > 0 && results.count() < 10; }));
-  EXPECT_TRUE(titles().contains(u"The wallpaper"_s));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return titles().contains(u"The wallpaper"_s); }));
   QTest::keyClicks(&text, u"qqqqqq"_s);
   EXPECT_TRUE(QTest::qWaitFor([&] { return results.count() == 0; }));
 }
@@ -191,9 +190,9 @@ TEST_F(CVelumHelpFormTest, F1InAMenuIsAboutTheChosenItem) {
   Start();
   auto* menu = gFrame->findChild<QMenu*>(u"fStack"_s);
   menu->popup(QPoint(0, 0));
-  menu->setActiveAction(Action(u"fSaveStack"_s));
+  menu->setActiveAction(Action(u"fOpenStack"_s));
   QTest::keyClick(menu, Qt::Key_F1);
-  EXPECT_EQ(iPresenter.HelpPages(), QList<QString>{u"FrameSaveStack"_s});
+  EXPECT_EQ(iPresenter.HelpPages(), QList<QString>{u"FrameOpenStack"_s});
   menu->setActiveAction(gFrame->findChild<QMenu*>(u"fOpenRecent"_s)->menuAction());
   QTest::keyClick(menu, Qt::Key_F1);
   EXPECT_EQ(iPresenter.HelpPages().last(), u"FrameOpenRecent"_s);

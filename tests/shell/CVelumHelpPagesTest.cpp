@@ -76,10 +76,17 @@ protected:
         << "no help page " << CVelumMsg::HelpPage(aForm, aControl).toStdString();
   }
 
+  // Whether a widget belongs to a window that stands inside another one.
+  static bool IsInOtherForm(const QWidget& aWidget, const QWidget& aForm) {
+    const QWidget* above = &aWidget;
+    while (above != &aForm && !above->objectName().startsWith(u"CVelum"_s)) above = above->parentWidget();
+    return above != &aForm;
+  }
   // What a user can work with: named widgets that take the focus, menus and menu items.
   void ExpectPages(const QString& aForm, const QWidget& aWidget) const {
     ExpectPage(aForm);
     for (const QWidget* widget : aWidget.findChildren<QWidget*>()) {
+      if (IsInOtherForm(*widget, aWidget)) continue;
       const bool isControl = widget->focusPolicy() != Qt::NoFocus || qobject_cast<const QMenu*>(widget);
       if (isControl && widget->objectName().startsWith(u'f')) ExpectPage(aForm, widget->objectName());
     }
