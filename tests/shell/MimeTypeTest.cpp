@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QMimeDatabase>
+#include <QProcess>
 #include <gtest/gtest.h>
 
 namespace {
@@ -18,6 +19,7 @@ protected:
     EXPECT_TRUE(QDir().mkpath(iFolder.Path(u"mime/packages"_s)));
     EXPECT_TRUE(QFile::copy(QStringLiteral(ORVELLES_SOURCE "/packaging/orvelles-mime.xml"),
                             iFolder.Path(u"mime/packages/orvelles.xml"_s)));
+    EXPECT_EQ(QProcess::execute(u"update-mime-database"_s, {iFolder.Path(u"mime"_s)}), 0);
     qputenv("XDG_DATA_HOME", iFolder.Path(u"."_s).toLocal8Bit());
   }
   ~MimeTypeTest() override { qunsetenv("XDG_DATA_HOME"); }
