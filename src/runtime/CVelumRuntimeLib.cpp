@@ -18,16 +18,31 @@
 
 namespace {
 
+// Shows another stack. When that fails, the one before is the open one again.
+void ReplaceStack(const Ref<CVelumStack>& aStack, const Ref<CVelumStackView>& aView) {
+  const Ref<CVelumStack> oldStack = gStack;
+  const Ref<CVelumStackView> oldView = gStackView;
+  if (oldView) oldView->Release();
+  gStack = aStack;
+  gStackView = aView;
+  try {
+    aView->OpenViews();
+  } catch (...) {
+    aView->Release();
+    gStack = oldStack;
+    gStackView = oldView;
+    if (oldView) oldView->OpenViews();
+    throw;
+  }
+}
+
 // Loads before anything of the open stack is touched: a failure leaves stack and windows as they are.
 void LoadStack(const QString& aPath) {
   if (!CVelumLib::FileExists(aPath)) CVelumError::Throw(EMsgFileNotFound, u"HandleLoadStack"_s, aPath, {});
   Ref<CVelumStack> stack;
   Ref<CVelumViewState> state;
   CVelumStackFile(aPath).LoadStack(stack, state);
-  if (gStackView) gStackView->Release();
-  gStack = stack;
-  gStackView = MakeRef<CVelumStackView>(state, stack);
-  gStackView->OpenViews();
+  ReplaceStack(stack, MakeRef<CVelumStackView>(state, stack));
 }
 
 } // namespace

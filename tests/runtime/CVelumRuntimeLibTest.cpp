@@ -70,6 +70,23 @@ TEST_F(CVelumRuntimeLibTest, AFailedLoadLeavesTheOpenStackAndItsWindow) {
   EXPECT_EQ(TextOf(card, field), u"Ada"_s);
 }
 
+TEST_F(CVelumRuntimeLibTest, AStackThatCannotBeShownGivesTheOldOneBack) {
+  const QString path = Saved(u"Ada"_s);
+  AddCard(u"Bob"_s);
+  Open();
+  const Ref<CVelumStack> before = gStack;
+  const Ref<CVelumStackView> view = gStackView;
+  iFrame.iFailures = 1;
+  CNotes notes;
+  EXPECT_FALSE(CVelumLib::HandleLoadStack(path));
+  EXPECT_EQ(iPresenter.LastText(), u"The Host Runtime System reported the error: Out of memory"_s);
+  EXPECT_EQ(gStack, before);
+  EXPECT_EQ(gStackView, view);
+  EXPECT_EQ(Form().Caption(), u"Ada - 1 of 2"_s);
+  EXPECT_TRUE(Form().isVisible());
+  EXPECT_TRUE(notes.iKinds.isEmpty());
+}
+
 TEST_F(CVelumRuntimeLibTest, AMissingFileIsTold) {
   EXPECT_FALSE(CVelumLib::HandleLoadStack(iFolder.Path(u"none"_s)));
   EXPECT_EQ(iPresenter.LastMsg(), EMsgFileNotFound);

@@ -52,6 +52,7 @@ void FakeFrame::RemoveChild(QWidget* aForm) {
 }
 
 void FakeFrame::ShowChild(QWidget* aForm, bool aRaise) {
+  if (iFailures > 0 && iFailures-- > 0) CVelumError::RaiseHost(EHostOutOfMemory);
   aForm->show();
   if (!aRaise) return;
   aForm->raise();

@@ -50,6 +50,7 @@ public:
   std::map<QString, QAction*> iActions;
   QStringList iCalls;
   bool iCloses = true; // what CloseStack answers
+  int iFailures = 0;   // so many calls of ShowChild fail with host error 7
 };
 
 class RuntimeTest : public testing::Test {
