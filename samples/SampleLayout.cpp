@@ -186,7 +186,7 @@ void SampleLayout::AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground
                                                             {u"Forward"_s, EStdForwInHistory},
                                                             {u"List of cards"_s, EStdShowCardList}}};
   for (const auto& [name, cmd] : buttons) {
-    if (cmd == EStdFirstCard && !aWithFirst) continue;
+    if ((cmd == EStdFirstCard || cmd == EStdPrevCard) && !aWithFirst) continue;
     const Ref<CVelumControl> button = AddButton(aStack, aBackground, name, cmd);
     button->SetFlag(EConPictButton, true);
     button->SetVisChar(2);

@@ -38,7 +38,7 @@ namespace SampleLayout {
 
 // A button at the bottom of a background's cards that goes to a card.
 void AddGoTo(CVelumStack& aStack, CVelumControlSet& aBackground, const QString& aName, qint32 aCardId);
-// The row of leafing buttons at the bottom; the stack's first card needs none that leads to it.
+// The row of leafing buttons at the bottom; the stack's first card needs none that leads to it or before it.
 void AddLeafing(CVelumStack& aStack, CVelumControlSet& aBackground, bool aWithFirst = true);
 // Orders the cards of a background by a field of Integer type, highest first, and keeps them so.
 void KeepSorted(CVelumStack& aStack, CVelumControlSet& aBackground, const QString& aName, qint32 aControlId);

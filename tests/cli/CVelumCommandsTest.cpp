@@ -249,6 +249,16 @@ TEST(Sample, IsWhatItsProgramMakes) {
   EXPECT_TRUE(Bytes(out) == Bytes(CliRun::Sample())) << "samples/Countries.Orvelle is not up to date";
 }
 
+TEST(Sample, EveryBackgroundFitsTheCardWindow) {
+  const TempFolder folder;
+  for (const QString& card : {u"Start"_s, u"Workshop"_s, u"Guide"_s, u"Albania"_s, u"K2"_s, u"Nile"_s}) {
+    const TCliResult result =
+        CliRun::Run({u"render"_s, CliRun::Sample(), folder.Path(u"a.png"_s), u"--card"_s, card});
+    EXPECT_EQ(result.iStatus, 0) << card.toStdString();
+    EXPECT_FALSE(result.iErr.contains("EMsg")) << card.toStdString() << result.iErr.toStdString();
+  }
+}
+
 TEST(Sample, LinksOfTheGuideLeadToCards) {
   CVelumModel::Install();
   Ref<CVelumStack> stack;
