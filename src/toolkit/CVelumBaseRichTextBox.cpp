@@ -30,11 +30,11 @@ bool IsKey(const QEvent& aEvent, std::initializer_list<int> aKeys, Qt::KeyboardM
 
 CVelumBaseRichTextBox::CVelumBaseRichTextBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
     : CVelumBaseControl(EBaseRichTextBox, aName, new QTextEdit(aParent), aSink),
-      iEdit(static_cast<QTextEdit*>(Widget())) {
+      iEdit(static_cast<QTextEdit*>(Widget())), iViewport(iEdit->viewport()) {
   iEdit->setAcceptRichText(false);
   iEdit->setTabChangesFocus(true);
   iEdit->document()->setDocumentMargin(EMargin);
-  iEdit->viewport()->installEventFilter(this);
+  iViewport->installEventFilter(this);
   connect(iEdit, &QTextEdit::textChanged, this, [this] {
     if (iSetting) return;
     HoldLimit();
@@ -257,9 +257,10 @@ void CVelumBaseRichTextBox::ClickByKey() {
 }
 
 bool CVelumBaseRichTextBox::eventFilter(QObject* aWatched, QEvent* aEvent) {
-  if (aWatched == iEdit->viewport()) {
+  // Events still come while the edit is being destroyed: only the viewport is asked for anything.
+  if (aWatched == iViewport) {
     // Filters see the mouse even where the widget itself takes no notice of it.
-    if (iEdit->isEnabled()) ViewportEvent(*aEvent);
+    if (iViewport->isEnabled()) ViewportEvent(*aEvent);
     // A tip that is no link's is not shown at all.
     return iIsRtf && aEvent->type() == QEvent::ToolTip;
   }

@@ -66,6 +66,7 @@ private:
   [[nodiscard]] int StoredLen() const;
 
   QTextEdit* iEdit;
+  QWidget* iViewport; // of iEdit, which owns it
   int iMaxChar = EffMaxChar(ENoShort);
   int iLimit = iMaxChar; // in force: grows with a longer text that the program sets
   bool iSetting = false; // the program itself is changing the text
