@@ -94,6 +94,8 @@ int RunCommand(const TCall& aCall, CVelumTerminal& aTerminal) {
   CVelumMsg::InitMessages();
   CVelumModel::Install();
   aTerminal.SetAnswer(aCall.iYes);
+  // A damaged file can fail the same check thousands of times.
+  const CVelumError::CCommand command;
   const int status = aCall.iCommand->iRun(aCall.iArgs, aTerminal);
   if (!aTerminal.Flush()) CVelumError::RaiseHost(EHostDiskFull, u"standard output"_s);
   return status;

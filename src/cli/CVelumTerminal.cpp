@@ -28,11 +28,7 @@ bool CVelumTerminal::Message(qint32, EMsgClass aClass, const QString& aName, con
     Complain(text);
     return false;
   }
-  // A damaged file can fail the same check thousands of times.
-  if (!iAsked.contains(text)) {
-    iAsked.insert(text);
-    Complain(text + (iAnswer ? u" [yes]"_s : u" [no]"_s));
-  }
+  Complain(text + (iAnswer ? u" [yes]"_s : u" [no]"_s));
   return iAnswer;
 }
 

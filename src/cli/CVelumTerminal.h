@@ -4,7 +4,6 @@
 #include "core/CVelumSeams.h"
 
 #include <QFile>
-#include <QSet>
 
 class QJsonObject;
 
@@ -40,7 +39,6 @@ private:
   QFile iOut;
   QFile iErr;
   QByteArray iBuffer;
-  QSet<QString> iAsked; // questions that were shown
   bool iAnswer = false;
   bool iOk = true;
   bool iShowProgress;

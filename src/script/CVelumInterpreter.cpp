@@ -126,6 +126,8 @@ void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& 
     iPendingCard = card;
     return;
   }
+  // A check that fails at each turn of a loop is asked about once.
+  const CVelumError::CCommand command;
   iTaken = 0;
   iBudget = 0;
   iGranted = 0;

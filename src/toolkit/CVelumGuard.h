@@ -5,8 +5,10 @@
 
 namespace CVelumGuard {
 
-// Runs aCommand; a failure is caught with aProc and shown. Returns whether all went well.
+// Runs aCommand as one command of the user, within which an assertion that fails again is not asked again; a
+// failure is caught with aProc and shown. Returns whether all went well.
 template <class T> bool Run(const QString& aProc, T aCommand) {
+  const CVelumError::CCommand command;
   try {
     aCommand();
     return true;

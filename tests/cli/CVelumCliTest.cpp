@@ -205,6 +205,12 @@ TEST(CVelumCli, QuestionsAreAnsweredAsSaid) {
   EXPECT_NE(yes.iStatus, -1);
 }
 
+TEST(CVelumCli, AsksTheSameQuestionOnce) {
+  const QString stack = QStringLiteral(ORVELLES_TEST_DATA "/stacks/damaged/tag_-1.Orvelle");
+  const TCliResult result = CliRun::Run({u"info"_s, u"--yes"_s, stack});
+  EXPECT_EQ(result.iErr.count("EMsgAssertFailedOk: "), 1) << result.iErr.toStdString();
+}
+
 TEST(CVelumCli, LocaleDecidesHowValuesAreShown) {
   const QString stack = CliRun::Data(u"all_controls.Orvelle"_s);
   EXPECT_TRUE(CliRun::Run({u"cards"_s, stack}).iOut.contains("-1,234,567.5"));

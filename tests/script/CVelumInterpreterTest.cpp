@@ -462,6 +462,15 @@ TEST_F(CVelumInterpreterTest, NegatesByType) {
   EXPECT_EQ(iPresenter.Told().mid(before), (Answers{u"-5"_s, u"-2"_s}));
 }
 
+TEST_F(CVelumInterpreterTest, AsksOncePerScriptHoweverOftenACheckFails) {
+  iPresenter.SetDefaultAnswer(true);
+  const QString body = u"i = 0\nRepeat While i < 50\ni = i + 1\nx = (Random(0)\nEnd Repeat"_s;
+  Run(body);
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 1);
+  Run(body);
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 2);
+}
+
 TEST_F(CVelumInterpreterTest, StaysSafeWhenChecksAreOverruled) {
   iPresenter.SetDefaultAnswer(true);
   iInterpreter->SetLimit(2000);
