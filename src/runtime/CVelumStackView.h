@@ -117,7 +117,9 @@ public:
   // Stores the clipboard's text as the value of the field; the window is not told.
   void BaseObjPaste(CVelumBaseControl* aObj);
   void BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel);
-  void BaseFormLostFocus();
+  // Nothing is to be done: the focus goes next, and validates its field by an event of its own. This one
+  // comes while the toolkit walks over the widgets of the window, where no other events may be let in.
+  void BaseFormLostFocus() {}
   // Sends a message to a control or a card; nothing stands for the current card. Failures are shown.
   void ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg);
   // A standard command of EStdCmd; asserts "ExecStdCmd" for any other number.

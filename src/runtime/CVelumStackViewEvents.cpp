@@ -102,13 +102,6 @@ void CVelumStackView::ValidateCurControl() {
   if (base && base->HasFocus()) BaseObjGotFocus(base);
 }
 
-void CVelumStackView::BaseFormLostFocus() {
-  TakeLines();
-  // The focus itself goes next, and comes back with an event of its own.
-  bool cancel = false;
-  if (iCurObj && iCurObj->Visible()) BaseObjValidate(iCurObj, cancel);
-}
-
 void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {
   Q_UNUSED(ioCancel);
   if (iNoChange || iValidating || !iCurCard || !iCurObj || !iCardView) return;
