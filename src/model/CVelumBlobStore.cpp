@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
 #include "model/CVelumRecorder.h"
 
 namespace {
@@ -36,6 +37,17 @@ Ref<CVelumBlob> ToBlob(const TVelumValue& aVal) {
 
 bool HasPlace(const TVelumValue& aVal) {
   return aVal.Int() != ENoInt;
+}
+
+// The span of the blob at aPos; false when no blob begins there.
+bool SpanAt(CVelumFile& aFile, qint64 aPos, CVelumBlob::TSpan& aSpan) {
+  try {
+    aSpan = CVelumBlob::SpanAt(aFile, aPos);
+    return true;
+  } catch (const CVelumException& e) {
+    if (e.Number() < EMsgAssertFailed) throw; // the disk, not the bytes
+    return false;
+  }
 }
 
 } // namespace
@@ -180,17 +192,25 @@ bool CVelumBlobStore::ReadNextBlob(Ref<CVelumBlob>& aBlob, qint32& aIndex) {
   return true;
 }
 
+// What is wrong with the bytes at a place, as the check words it; empty for a sound blob.
+QString CVelumBlobStore::FaultAt(qint32 aId, const TPlace& aPlace, qint64 aSize) const {
+  CVelumBlob::TSpan span;
+  if (!SpanAt(OpenedFile(), aPlace.iPos, span) || span.iId != aId) return u"id"_s;
+  bool fits = span.iLen == aPlace.iLen && aPlace.iPos + span.iLen <= aSize;
+  return fits ? QString() : u"len "_s + QString::number(span.iLen);
+}
+
 void CVelumBlobStore::CheckConsistency() {
   if (!iFile) return;
   qint64 size = iFile->Size();
   for (qint32 i = 0; i < iIndex->Count(); ++i) {
-    if (!HasPlace(iIndex->ValRef(i))) continue;
-    TPlace place = PlaceAt(iIndex->ValRef(i).Int());
-    CVelumBlob::TSpan span = CVelumBlob::SpanAt(*iFile, place.iPos);
-    CVelumError::AssertObj(span.iId == iIndex->IntKeyAt(i), this, u"CheckConsistency"_s, u"id"_s);
-    bool fits = span.iLen == place.iLen && place.iPos + span.iLen <= size;
-    if (!fits)
-      CVelumError::AssertObj(false, this, u"CheckConsistency"_s, u"len "_s + QString::number(span.iLen));
+    qint32 id = iIndex->IntKeyAt(i);
+    if (!HasPlace(iIndex->ValRef(i)) || iDamaged.contains(id)) continue;
+    QString fault = FaultAt(id, PlaceAt(iIndex->ValRef(i).Int()), size);
+    if (fault.isEmpty()) continue;
+    // Noted whatever the answer is: the next check is to be about something else.
+    iDamaged.insert(id);
+    CVelumError::AssertObj(false, this, u"CheckConsistency"_s, fault);
   }
 }
 
@@ -206,10 +226,7 @@ bool CVelumBlobStore::IsSound() {
     for (qint32 i = 0; i < iIndex->Count(); ++i) {
       if (iIndex->FindIntKey(iIndex->IntKeyAt(i)) != i) return false;
       if (!HasPlace(iIndex->ValRef(i))) continue;
-      TPlace place = PlaceAt(iIndex->ValRef(i).Int());
-      CVelumBlob::TSpan span = CVelumBlob::SpanAt(OpenedFile(), place.iPos);
-      if (span.iId != iIndex->IntKeyAt(i) || span.iLen != place.iLen || place.iPos + span.iLen > size)
-        return false;
+      if (!FaultAt(iIndex->IntKeyAt(i), PlaceAt(iIndex->ValRef(i).Int()), size).isEmpty()) return false;
     }
     return true;
   } catch (const CVelumException&) {
@@ -270,6 +287,23 @@ void CVelumBlobStore::IncDynRefCounts() {
     if (Ref<CVelumBlob> blob = ToBlob(iCache->ValRef(i))) blob->IncDynRefCount();
 }
 
+bool CVelumBlobStore::IsReadable(qint32 aId) const {
+  qint32 at = iIndex->FindIntKey(aId);
+  if (at < 0 || iDamaged.contains(aId)) return false;
+  if (Cached(aId) || !iFile || !HasPlace(iIndex->ValRef(at))) return true;
+  return FaultAt(aId, PlaceAt(iIndex->ValRef(at).Int()), iFile->Size()).isEmpty();
+}
+
+void CVelumBlobStore::AddReference(qint32 aId) {
+  if (IsReadable(aId)) ReadBlob(aId, false)->IncRefCount();
+}
+
+void CVelumBlobStore::ReleaseReference(qint32 aId) {
+  if (!IsReadable(aId)) return;
+  Ref<CVelumBlob> blob = ReadBlob(aId, false);
+  DecRefCount(blob);
+}
+
 void CVelumBlobStore::SwitchToRamBased() {
   if (Flag(EBstRamBased)) return;
   SetFlag(EBstFileBased, false);
@@ -326,6 +360,20 @@ qint32 CVelumBlobStore::FindPlace(qint64 aLen, qint32 aStartPos, qint32 aIndex) 
 void CVelumBlobStore::WriteAt(CVelumBlob& aBlob, qint32 aPosIndex, CVelumFile& aFile) {
   aFile.SeekPos(PlaceAt(aPosIndex).iPos);
   aBlob.Externalize(aFile);
+}
+
+// Both write behind all others, and return the index of the new place.
+qint32 CVelumBlobStore::AppendTo(CVelumFile& aFile, CVelumBlob& aBlob) {
+  qint32 posIndex = FindPlace(aBlob.ExtLen(), BehindPos(), iPosTab->Count());
+  WriteAt(aBlob, posIndex, aFile);
+  return posIndex;
+}
+
+qint32 CVelumBlobStore::AppendRaw(CVelumFile& aFile, const QByteArray& aBytes) {
+  qint32 posIndex = FindPlace(aBytes.size(), BehindPos(), iPosTab->Count());
+  aFile.SeekPos(PlaceAt(posIndex).iPos);
+  aFile.WriteRawBytes(aBytes);
+  return posIndex;
 }
 
 Ref<CVelumBlob> CVelumBlobStore::BlobToMove(qint32 aId, const TPlace& aPlace) {
@@ -405,11 +453,34 @@ void CVelumBlobStore::Commit() {
   CheckConsistency();
 }
 
+// The blob at a place; nothing, and noted as damaged, where it cannot be read.
+Ref<CVelumBlob> CVelumBlobStore::ReadSound(qint32 aId, const TPlace& aPlace) {
+  try {
+    bool sound = !iDamaged.contains(aId) && FaultAt(aId, aPlace, OpenedFile().Size()).isEmpty();
+    if (sound) return ReadFrom(OpenedFile(), aPlace.iPos, aId, false);
+  } catch (const CVelumException& e) {
+    if (e.Number() < EMsgAssertFailed) throw;
+  }
+  iDamaged.insert(aId);
+  return nullptr;
+}
+
+// The bytes at a place where no blob can be read: as many as the table or the frame says, whichever is more,
+// as far as the file has them. A place must not be empty.
+QByteArray CVelumBlobStore::RawAt(const TPlace& aPlace) const {
+  constexpr qint64 ELongest = 11000000; // no blob is longer
+  CVelumBlob::TSpan span;
+  bool framed = SpanAt(OpenedFile(), aPlace.iPos, span);
+  qint64 len = std::clamp<qint64>(std::max<qint64>(framed ? span.iLen : 0, aPlace.iLen), 1, ELongest);
+  QByteArray bytes = aPlace.iPos < 0 ? QByteArray() : OpenedFile().PeekAt(aPlace.iPos, len);
+  return bytes.isEmpty() ? QByteArray(1, '\0') : bytes;
+}
+
 void CVelumBlobStore::WriteAllTo(const Ref<CVelumFile>& aFile, qint32 aStartPos) {
-  QList<qint32> oldPos;
+  QList<TPlace> oldPlace;
   for (qint32 i = 0; i < iIndex->Count(); ++i) {
     qint32 posIndex = iIndex->ValRef(i).Int();
-    oldPos.append(posIndex == ENoInt ? ENoInt : PlaceAt(posIndex).iPos);
+    oldPlace.append(posIndex == ENoInt ? TPlace{ENoInt, 0} : PlaceAt(posIndex));
     iIndex->SetValAt(i + 1, TVelumValue::OfInt(ENoInt));
   }
   iPosTab->Clear();
@@ -417,11 +488,13 @@ void CVelumBlobStore::WriteAllTo(const Ref<CVelumFile>& aFile, qint32 aStartPos)
   iChanged = true;
   for (qint32 i = 0; i < iIndex->Count(); ++i) {
     qint32 id = iIndex->IntKeyAt(i);
+    bool onFile = oldPlace[i].iPos != ENoInt;
     Ref<CVelumBlob> blob = Cached(id);
-    if (!blob && oldPos[i] != ENoInt) blob = ReadFrom(OpenedFile(), oldPos[i], id, false);
-    CVelumError::AssertObj(static_cast<bool>(blob), this, u"Commit"_s, u"iBlob iFound"_s);
-    qint32 posIndex = FindPlace(CVelumChecked::Deref(blob).ExtLen(), BehindPos(), iPosTab->Count());
-    WriteAt(*blob, posIndex, *aFile);
+    if (blob) iDamaged.remove(id);
+    if (!blob && onFile) blob = ReadSound(id, oldPlace[i]);
+    CVelumError::AssertObj(blob || onFile, this, u"Commit"_s, u"iBlob iFound"_s);
+    qint32 posIndex = onFile && !blob ? AppendRaw(*aFile, RawAt(oldPlace[i]))
+                                      : AppendTo(*aFile, CVelumChecked::Deref(blob));
     iIndex->SetValAt(i + 1, TVelumValue::OfInt(posIndex));
   }
   iFile = aFile;

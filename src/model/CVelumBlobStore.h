@@ -5,6 +5,7 @@
 #include "model/CVelumBlob.h"
 
 #include <QList>
+#include <QSet>
 
 enum EBst : qint32 { EBstFileBased = 1, EBstRamBased = 2 };
 
@@ -51,6 +52,10 @@ public:
   void DecDynRefCount(Ref<CVelumBlob>& aBlob);
   // Every cached blob gets a holder more; for loading from XML.
   void IncDynRefCounts();
+  // A card value or a wallpaper that names a blob comes or goes. A blob that is not there, or whose bytes
+  // cannot be read, is left alone: what names it must still be changeable.
+  void AddReference(qint32 aId);
+  void ReleaseReference(qint32 aId);
   void SwitchToRamBased();
   void SwitchToFileBased();
   // Gives up the place of each cached, changed blob on file, so that Commit writes it like a new one.
@@ -61,6 +66,9 @@ public:
   // Writes all blobs to another, new file, from aStartPos on without holes, and takes it as the store's
   // file. Blobs that are not cached come from the file so far, one at a time.
   void WriteAllTo(const Ref<CVelumFile>& aFile, qint32 aStartPos);
+  // The blobs whose bytes on file were found to be damaged. That is asked about once for each; later checks
+  // leave it out, and a save moves the bytes as they are.
+  [[nodiscard]] const QSet<qint32>& Damaged() const { return iDamaged; }
   // Whether the tables agree with each other and with the file, without asking anybody. A store where they
   // don't must not be written in place.
   [[nodiscard]] bool IsSound();
@@ -96,6 +104,10 @@ private:
   };
 
   void CheckConsistency();
+  [[nodiscard]] QString FaultAt(qint32 aId, const TPlace& aPlace, qint64 aSize) const;
+  [[nodiscard]] bool IsReadable(qint32 aId) const;
+  [[nodiscard]] Ref<CVelumBlob> ReadSound(qint32 aId, const TPlace& aPlace);
+  [[nodiscard]] QByteArray RawAt(const TPlace& aPlace) const;
   void CheckTables(const CVelumFile& aFile) const;
   [[nodiscard]] TPlace PlaceAt(qint32 aPosIndex) const;
   [[nodiscard]] Ref<CVelumBlob> Cached(qint32 aId) const;
@@ -107,6 +119,8 @@ private:
   // returns its index.
   qint32 FindPlace(qint64 aLen, qint32 aStartPos, qint32 aIndex);
   void WriteAt(CVelumBlob& aBlob, qint32 aPosIndex, CVelumFile& aFile);
+  qint32 AppendTo(CVelumFile& aFile, CVelumBlob& aBlob);
+  qint32 AppendRaw(CVelumFile& aFile, const QByteArray& aBytes);
   void DeletePlace(qint32 aPosIndex);
   void MovePlacesBefore(qint32 aPos);
   void CommitNew(qint32 aAt);
@@ -122,6 +136,7 @@ private:
   Ref<CVelumArray> iCache;  // blob id to blob
   Ref<CVelumFile> iFile;
   TVelumFileId iFileId;
+  QSet<qint32> iDamaged;
   qint32 iFlags = 0;
   qint32 iAge = 0;
   bool iChanged = true;

@@ -98,13 +98,10 @@ bool CVelumCard::StoreVal(qint32 aId, const TVelumValue& aVal) {
 void CVelumCard::CountBlob(const TVelumValue& aVal, bool aUp) {
   if (aVal.Type() != EValBlobId || !iStack || !iStack->BlobStore()) return;
   const Ref<CVelumBlobStore> store = iStack->BlobStore();
-  // A damaged value can name a blob that is not there; its field must still be changeable.
-  if (!store->HasBlob(aVal.Int())) return;
-  Ref<CVelumBlob> blob = store->ReadBlob(aVal.Int(), false);
   if (aUp)
-    blob->IncRefCount();
+    store->AddReference(aVal.Int());
   else
-    store->DecRefCount(blob);
+    store->ReleaseReference(aVal.Int());
 }
 
 void CVelumCard::DeleteControlVal(qint32 aId) {

@@ -180,6 +180,9 @@ void CVelumStack::DeleteBackground(const Ref<CVelumControlSet>& aBackground, boo
   DeleteCardsOf(*background);
   if (aOnlyCards) return;
   DeleteKeysOf(id);
+  // Nothing else holds the picture behind its cards.
+  if (background->WallPaperId() != ENoInt && iBlobStore)
+    iBlobStore->ReleaseReference(background->WallPaperId());
   CVelumRecord::Removed(*this, "Background", *background, id);
   iBackground->DeleteIntKey(id);
   background->SetStack(nullptr);

@@ -10,6 +10,8 @@
 #include "persist/CVelumOtherVersion.h"
 #include "persist/CVelumSaveCheck.h"
 
+#include <algorithm>
+
 using namespace CVelumBinFormat;
 
 CVelumBinSave::CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView)
@@ -27,6 +29,7 @@ void CVelumBinSave::Run() {
   if (Recover(iFilename) && own) iStore.NoteFileId();
   iStack.PrepareForSave();
   CVelumBlobStore::TState state = iStore.State();
+  const QSet<qint32> damaged = iStore.Damaged();
   try {
     WriteAll();
   } catch (...) {
@@ -36,9 +39,22 @@ void CVelumBinSave::Run() {
   }
   iStore.NoteFileId();
   iStack.SetChanged(false);
+  TellDamage(damaged);
   if (!iKept.isEmpty())
     CVelumSeams::Presenter().Tell(
         u"Another program had changed the file %1. Its version was kept as %2."_s.arg(iFilename, iKept));
+}
+
+// What the save itself has found, besides what was known before.
+void CVelumBinSave::TellDamage(const QSet<qint32>& aBefore) const {
+  QList<qint32> ids = (iStore.Damaged() - aBefore).values();
+  if (ids.isEmpty()) return;
+  std::sort(ids.begin(), ids.end());
+  QStringList names;
+  for (qint32 id : ids) names.append(QString::number(id));
+  CVelumSeams::Presenter().Tell(
+      u"The bytes of these pictures cannot be read, and were saved as they are: %1"_s.arg(
+          names.join(u", "_s)));
 }
 
 void CVelumBinSave::TakeBack(const CVelumBlobStore::TState& aState) {

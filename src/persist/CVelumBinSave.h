@@ -19,6 +19,7 @@ public:
 
 private:
   void WriteAll();
+  void TellDamage(const QSet<qint32>& aBefore) const;
   void TakeBack(const CVelumBlobStore::TState& aState);
   [[nodiscard]] bool OtherVersionIsThere() const;
   [[nodiscard]] bool FitsInPlace() const;

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <functional>
 
 namespace {
@@ -66,6 +67,19 @@ protected:
     return at == ENoInt ? ENoInt : iStore->PosTab().ValRef(at).Int0();
   }
   bool Cached(qint32 aId) const { return iStore->Cache().FindIntKey(aId) >= 0; }
+  // Writes something else over aLen bytes of the file.
+  void Spoil(qint32 aPos, int aLen) {
+    CVelumFile file(iFolder.Path(u"f"_s), EFilReadWrite);
+    file.OpenFile();
+    file.SeekPos(aPos);
+    file.WriteRawBytes(QByteArray(aLen, '\xee'));
+  }
+  QByteArray BytesOf(const QString& aName) {
+    iStore->File()->Flush();
+    QFile file(iFolder.Path(aName));
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+  }
   // aDo fails an assertion with aText.
   void ExpectAssert(const QString& aText, const std::function<void()>& aDo) {
     try {
@@ -356,6 +370,77 @@ TEST_F(CVelumBlobStoreTest, ChecksTheLengthAgainstTheFile) {
   file.WriteInt(5000000);
   ExpectAssert(u"len "_s, [this] { (void)iStore->ReadBlob(1, false); });
   EXPECT_FALSE(iStore->IsSound());
+}
+
+TEST_F(CVelumBlobStoreTest, DamageIsToldOnceAndTheRestWorks) {
+  SaveThree();
+  Spoil(PosOf(2), 4);
+  iPresenter.SetDefaultAnswer(true);
+  EXPECT_EQ(iStore->ReadBlob(1, false)->Bytes(), Make(1, 10)->Bytes());
+  EXPECT_EQ(iStore->ReadBlob(3, false)->Bytes(), Make(3, 30)->Bytes());
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_EQ(iStore->Damaged(), QSet<qint32>{2});
+  EXPECT_THROW((void)iStore->ReadBlob(2, false), CVelumException);
+  EXPECT_FALSE(Cached(2));
+}
+
+TEST_F(CVelumBlobStoreTest, NoIsAnAnswerForOneCheckOnly) {
+  SaveThree();
+  Spoil(PosOf(2), 4);
+  ExpectAssert(u"id"_s, [this] { (void)iStore->ReadBlob(1, false); });
+  EXPECT_EQ(iStore->ReadBlob(3, false)->Bytes(), Make(3, 30)->Bytes());
+  EXPECT_EQ(iPresenter.Count(), 1);
+}
+
+TEST_F(CVelumBlobStoreTest, ReferencesToDamagedAndMissingBlobsAreLeftAlone) {
+  SaveThree();
+  Spoil(PosOf(2), 4);
+  iPresenter.SetDefaultAnswer(true);
+  for (const qint32 id : {2, 9}) {
+    iStore->AddReference(id);
+    iStore->ReleaseReference(id);
+    iStore->ReleaseReference(id);
+  }
+  EXPECT_EQ(iPresenter.Count(), 0);
+  iStore->AddReference(1);
+  iStore->AddReference(1);
+  iStore->ReleaseReference(1);
+  EXPECT_EQ(iStore->ReadBlob(1, false)->RefCount(), 1);
+  iStore->ReleaseReference(1);
+  EXPECT_FALSE(iStore->HasBlob(1));
+  EXPECT_TRUE(iStore->HasBlob(2));
+}
+
+TEST_F(CVelumBlobStoreTest, DamagedBytesMoveAsTheyAre) {
+  SaveThree();
+  Spoil(PosOf(2), 8);
+  QByteArray spoilt = BytesOf(u"f"_s).mid(PosOf(2), Len(20));
+  auto file = MakeRef<CVelumFile>(iFolder.Path(u"n"_s), EFilReadWrite);
+  file->OpenFile();
+  iStore->WriteAllTo(file, 50);
+  EXPECT_EQ(iPresenter.Count(), 0);
+  EXPECT_EQ(Places(), (QList<std::pair<qint32, qint32>>{
+                          {50, Len(10)}, {50 + Len(10), Len(20)}, {50 + Len(10) + Len(20), Len(30)}}));
+  EXPECT_EQ(BytesOf(u"n"_s).mid(PosOf(2), Len(20)), spoilt);
+  EXPECT_EQ(iStore->ReadBlob(3, false)->Bytes(), Make(3, 30)->Bytes());
+}
+
+TEST_F(CVelumBlobStoreTest, OfACutFileTheBytesThatAreThereMove) {
+  SaveThree();
+  QFile cut(iFolder.Path(u"f"_s));
+  ASSERT_TRUE(cut.resize(PosOf(3) + 7));
+  QByteArray rest = BytesOf(u"f"_s).mid(PosOf(3));
+  auto file = MakeRef<CVelumFile>(iFolder.Path(u"n"_s), EFilReadWrite);
+  file->OpenFile();
+  iStore->WriteAllTo(file, 50);
+  EXPECT_EQ(Places().last(), (std::pair<qint32, qint32>{50 + Len(10) + Len(20), 7}));
+  EXPECT_EQ(BytesOf(u"n"_s).mid(PosOf(3)), rest);
+  // Cut before the blob, there is nothing to move; it keeps its place in the tables.
+  file->Truncate(PosOf(3) - 1);
+  auto next = MakeRef<CVelumFile>(iFolder.Path(u"o"_s), EFilReadWrite);
+  next->OpenFile();
+  iStore->WriteAllTo(next, 50);
+  EXPECT_EQ(Places().last().second, 1);
 }
 
 TEST_F(CVelumBlobStoreTest, SwitchToRamBasedTakesAllIntoMemory) {

@@ -190,6 +190,13 @@ const std::vector<TMutator>& Mutators() {
          blob->IncRefCount();
          b.iStack->BlobStore()->DecRefCount(blob);
        }},
+      {"CVelumBlobStore::AddReference", "RefCount",
+       [](TBed& b) { b.iStack->BlobStore()->AddReference(b.iBlob->Id()); }},
+      {"CVelumBlobStore::ReleaseReference", "RefCount,-Blob",
+       [](TBed& b) {
+         b.iBlob->IncRefCount();
+         b.iStack->BlobStore()->ReleaseReference(b.iBlob->Id());
+       }},
       {"CVelumBlobStore::DecDynRefCount", "-Blob",
        [](TBed& b) {
          Ref<CVelumBlob> blob = b.iBlob;

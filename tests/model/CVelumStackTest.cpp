@@ -283,6 +283,34 @@ TEST(CVelumStack, DeleteBackgroundTakesCardsKeysAndIndexes) {
   EXPECT_EQ(gLastError.iProc, u"DeleteBackground"_s);
 }
 
+TEST(CVelumStack, DeletingABackgroundReleasesItsWallpaper) {
+  TSampleStack bed;
+  const Ref<CVelumBlobStore> store = bed.iStack->BlobStore();
+  for (const qint32 id : {501, 502}) {
+    const auto blob = MakeRef<CVelumBlob>(id);
+    blob->SetBytes("x");
+    store->AddBlob(blob);
+  }
+  for (const Ref<CVelumControlSet>& background : {bed.iFirst, bed.iSecond}) {
+    store->AddReference(501);
+    background->SetWallPaperId(501);
+  }
+  bed.iStack->DeleteBackground(bed.iFirst, true);
+  EXPECT_EQ(store->ReadBlob(501, false)->RefCount(), 2) << "the background stays, and its wallpaper with it";
+  bed.iStack->DeleteBackground(bed.iFirst, false);
+  EXPECT_EQ(store->ReadBlob(501, false)->RefCount(), 1);
+  bed.iStack->DeleteBackground(bed.iSecond, false);
+  EXPECT_FALSE(store->HasBlob(501));
+  EXPECT_TRUE(store->HasBlob(502));
+}
+
+TEST(CVelumStack, ABackgroundWhoseWallpaperIsNotThereCanBeDeleted) {
+  TSampleStack bed;
+  bed.iSecond->SetWallPaperId(4711);
+  EXPECT_EQ(AssertText([&] { bed.iStack->DeleteBackground(bed.iSecond, false); }), QString());
+  EXPECT_EQ(bed.iStack->NumBackgrounds(), 1);
+}
+
 TEST(CVelumStack, DeleteControlTakesTheValues) {
   TSampleStack bed;
   const Ref<CVelumCard> card = bed.AddCard(bed.iFirst, u"a"_s);

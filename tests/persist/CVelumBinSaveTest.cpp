@@ -309,6 +309,43 @@ TEST_F(CVelumBinSaveTest, LongCardListIsCutOnDiskAndWholeInMemory) {
   EXPECT_EQ(loaded.Card(0)->GetControlVal(list->Id(), false).Str(), whole) << "computed anew when read";
 }
 
+TEST_F(CVelumBinSaveTest, ADamagedPictureIsMovedAsItIs) {
+  StackMaker doc = StackMaker::New(3, 1000);
+  doc.Save(iPath);
+  const qint32 id = doc.Card(1)->GetControlVal(doc.PictureId(), false).Int();
+  const qint32 pos = PosOf(doc, id);
+  doc = StackMaker::New(0, 0);
+  {
+    CVelumFile file(iPath, EFilReadWrite);
+    file.OpenFile();
+    file.SeekPos(pos);
+    file.WriteRawBytes(QByteArray(6, '\xee'));
+  }
+  const auto bytes = [&](const StackMaker& aDoc) {
+    CVelumFile file(iPath, EFilRead);
+    file.OpenFile();
+    return file.PeekAt(PosOf(aDoc, id), aDoc.iStack->BlobStore()->PosTab().ValRef(1).Int1());
+  };
+  StackMaker loaded = StackMaker::Load(iPath);
+  const QByteArray before = bytes(loaded);
+  loaded.Card(0)->SetControlVal(loaded.TextId(), TVelumValue::OfStr(QString(3000, u'x')));
+  loaded.Save(iPath);
+  EXPECT_FALSE(loaded.iStack->Changed());
+  ASSERT_EQ(iPresenter.Told().size(), 1);
+  EXPECT_TRUE(iPresenter.Told().first().contains(u"cannot be read"_s));
+  loaded.Save(iPath);
+  EXPECT_EQ(iPresenter.Told().size(), 1) << "told once";
+  EXPECT_EQ(iPresenter.Count(), 0);
+  // The rest is whole after a load, and another save keeps the bytes too.
+  StackMaker again = StackMaker::Load(iPath);
+  EXPECT_EQ(bytes(again), before);
+  iPresenter.SetDefaultAnswer(true);
+  for (const int card : {0, 2}) EXPECT_EQ(again.Picture(*again.Card(card)).size(), 1000) << card;
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 1);
+  again.Save(iFolder.Path(u"other.Orvelle"_s));
+  EXPECT_EQ(again.iStack->BlobStore()->PosTab().ValRef(1).Int1(), before.size());
+}
+
 TEST_F(CVelumBinSaveTest, ManyRandomEditsAndSaves) {
   std::srand(4711);
   auto random = [](int aMax) { return std::rand() % aMax; };
