@@ -1,18 +1,11 @@
 #include "core/CVelumChecked.h"
 
+#include "support/Raised.h"
+
 #include <gtest/gtest.h>
 #include <limits>
 
 namespace {
-
-template <class F> qint32 Raised(F aAction) {
-  try {
-    aAction();
-  } catch (const CVelumException& e) {
-    return e.Number();
-  }
-  return -1;
-}
 
 constexpr qint32 EMax = std::numeric_limits<qint32>::max();
 constexpr qint32 EMin = std::numeric_limits<qint32>::min();

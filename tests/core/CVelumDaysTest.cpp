@@ -1,20 +1,12 @@
 #include "core/CVelumDays.h"
 
 #include "core/CVelumError.h"
+#include "support/Raised.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
 namespace {
-
-template <class F> qint32 Raised(F aAction) {
-  try {
-    aAction();
-  } catch (const CVelumException& e) {
-    return e.Number();
-  }
-  return -1;
-}
 
 TEST(CVelumDays, CountFrom30December1899) {
   EXPECT_EQ(CVelumDays::DateOf(0), QDate(1899, 12, 30));

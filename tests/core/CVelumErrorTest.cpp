@@ -3,6 +3,7 @@
 #include "support/ScriptedPresenter.h"
 
 #include "core/CVelumMsg.h"
+#include "support/Raised.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -22,16 +23,6 @@ class CNoDescr final : public CVelumObject {
 public:
   [[nodiscard]] QString ObjDescr() const override { throw std::runtime_error("broken"); }
 };
-
-// The number that aAction raises, or -1.
-template <class F> qint32 Raised(F aAction) {
-  try {
-    aAction();
-  } catch (const CVelumException& e) {
-    return e.Number();
-  }
-  return -1;
-}
 
 TEST(CVelumError, AssertHoldsSilently) {
   ScriptedPresenter presenter;

@@ -4,6 +4,7 @@
 #include "support/TempFolder.h"
 
 #include "core/CVelumDays.h"
+#include "support/Raised.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -15,15 +16,6 @@
 namespace {
 
 using namespace CVelumLib;
-
-template <class F> qint32 Raised(F aAction) {
-  try {
-    aAction();
-  } catch (const CVelumException& e) {
-    return e.Number();
-  }
-  return -1;
-}
 
 // An environment variable for the time of a test.
 class CEnv {

@@ -5,6 +5,7 @@
 #include "core/CVelumDays.h"
 #include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "support/Raised.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -12,15 +13,6 @@
 namespace {
 
 using namespace CVelumValue;
-
-template <class F> qint32 Raised(F aAction) {
-  try {
-    aAction();
-  } catch (const CVelumException& e) {
-    return e.Number();
-  }
-  return -1;
-}
 
 // The text of the assertion in which aAction ends; empty when it ends well.
 template <class F> QString Asserted(F aAction) {
