@@ -43,6 +43,7 @@ CVelumFrame::CVelumFrame()
   setWindowIcon(CVelumIcons::AppIcon());
   ConnectMenus();
   ConnectToolbar();
+  ConnectKeys();
   iScriptBar = new CVelumScriptBar(this);
   iUi->fStatusBar->addPermanentWidget(iScriptBar);
   iScriptBar->hide();
@@ -126,6 +127,16 @@ void CVelumFrame::ConnectToolbar() {
       CVelumGuard::Run(u"CVelumFrame.fToolbar_ButtonClick"_s, [&] { ButtonClick(key); });
     });
   }
+}
+
+// Page Up and Page Down alone belong to the text box that has the focus; with Ctrl they leaf from everywhere.
+void CVelumFrame::ConnectKeys() {
+  const auto leaf = [](QAction* aButton, Qt::Key aKey) {
+    aButton->setShortcut(Qt::CTRL | aKey);
+    aButton->setShortcutContext(Qt::ApplicationShortcut);
+  };
+  leaf(iUi->PrevCard, Qt::Key_PageUp);
+  leaf(iUi->NextCard, Qt::Key_PageDown);
 }
 
 void CVelumFrame::ButtonClick(const QString& aKey) {
@@ -245,6 +256,10 @@ void CVelumFrame::SetPhoneSize() {
   if (!CVelumWinMan::FormIsLoaded(u"CVelumGenForm"_s)) return;
   CVelumForm* form = CVelumWinMan::NameToForm(u"CVelumGenForm"_s);
   form->SetPlace(QRectF(form->Place().topLeft(), CVelumLib::ClientSizeToWindow(EPhoneSize)), true);
+}
+
+QMenu* CVelumFrame::createPopupMenu() {
+  return nullptr;
 }
 
 void CVelumFrame::keyPressEvent(QKeyEvent* aEvent) {

@@ -53,6 +53,8 @@ public:
 protected:
   // The query-unload and unload steps.
   void closeEvent(QCloseEvent* aEvent) override;
+  // None: its only use would be to hide the toolbar, which nothing brings back.
+  QMenu* createPopupMenu() override;
   // Page Up, Page Down, Alt+Left and Alt+Right where the window with the focus has no use for them.
   void keyPressEvent(QKeyEvent* aEvent) override;
 
@@ -62,6 +64,7 @@ private:
   // The card list can be opened from the status bar too, for no menu names it.
   void AddCardListButton();
   void ShowCommandForm(const QString& aName);
+  void ConnectKeys();
   void ButtonClick(const QString& aKey);
   void UpdateMenus();
   void FillHistory();

@@ -1,6 +1,7 @@
 #include "shell/CVelumHelpForm.h"
 
 #include "shell/CVelumHelpSearch.h"
+#include "toolkit/CVelumToolkitLib.h"
 #include "ui_CVelumHelpForm.h"
 
 #include <QApplication>
@@ -96,9 +97,7 @@ void CVelumHelpForm::ShowPage(const QString& aPage) {
   if (!gHelpForm) gHelpForm = new CVelumHelpForm;
   gHelpForm->SetOwner(QApplication::activeModalWidget());
   gHelpForm->SetPage(aPage);
-  gHelpForm->show();
-  gHelpForm->raise();
-  gHelpForm->activateWindow();
+  CVelumLib::BringUp(*gHelpForm);
 }
 
 void CVelumHelpForm::Release(const QWidget* aOwner) {

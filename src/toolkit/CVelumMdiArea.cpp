@@ -41,7 +41,10 @@ void CVelumMdiArea::ShowChild(QWidget* aForm, bool aRaise) {
   if (!child) return;
   QMdiSubWindow* active = activeSubWindow();
   aForm->show();
-  child->show();
+  if (aRaise && child->isMinimized())
+    child->showNormal();
+  else
+    child->show();
   if (aRaise)
     setActiveSubWindow(child);
   else if (active)

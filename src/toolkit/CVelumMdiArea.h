@@ -18,6 +18,7 @@ public:
   // aForm keeps its owner; it goes back to having no parent with RemoveChild.
   void AddChild(QWidget* aForm);
   void RemoveChild(QWidget* aForm);
+  // With aRaise a minimised child opens again, and becomes the active one.
   void ShowChild(QWidget* aForm, bool aRaise);
   void HideChild(QWidget* aForm);
   // The place of a maximised or minimised child is that which it goes back to.

@@ -39,6 +39,13 @@ void CentreOver(QWidget& aForm, const QWidget* aOver) {
              over.y() + (over.height() - aForm.frameSize().height()) / 2);
 }
 
+void BringUp(QWidget& aForm) {
+  aForm.setWindowState(aForm.windowState() & ~Qt::WindowMinimized);
+  aForm.show();
+  aForm.raise();
+  aForm.activateWindow();
+}
+
 QSize ChildFrameSize() {
   // Only a laid out child knows; asking it once is enough, as the style stays.
   static const QSize size = [] {

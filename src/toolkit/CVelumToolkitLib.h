@@ -21,6 +21,9 @@ namespace CVelumLib {
 // Puts the middle of aForm over the middle of aOver; does nothing without one.
 void CentreOver(QWidget& aForm, const QWidget* aOver);
 
+// Shows a window, also one that was minimised, and makes it the active one.
+void BringUp(QWidget& aForm);
+
 // Pixels that caption and frame of a child window add to its content.
 [[nodiscard]] QSize ChildFrameSize();
 // Outer size of a child window with a client area of this size.

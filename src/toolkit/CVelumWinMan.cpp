@@ -4,6 +4,7 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumSeams.h"
 #include "toolkit/CVelumReg.h"
+#include "toolkit/CVelumToolkitLib.h"
 
 #include <QDialog>
 #include <QGuiApplication>
@@ -228,9 +229,7 @@ void ShowDialog(CVelumForm& aForm, bool aModal, QWidget* aOwner) {
     dialog->exec();
     return;
   }
-  widget->show();
-  widget->raise();
-  widget->activateWindow();
+  CVelumLib::BringUp(*widget);
 }
 
 void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) {

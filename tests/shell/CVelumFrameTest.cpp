@@ -11,6 +11,7 @@
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
 
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
@@ -20,6 +21,7 @@
 #include <QStatusBar>
 #include <QTest>
 #include <QTextEdit>
+#include <QTimer>
 #include <QToolBar>
 #include <QToolButton>
 
@@ -194,8 +196,86 @@ TEST_F(CVelumFrameTest, KeysLeafThroughCards) {
   EXPECT_EQ(CardName(), u"card 02"_s);
   QTest::keyClick(gFrame, Qt::Key_Right, Qt::AltModifier);
   EXPECT_EQ(CardName(), u"card 01"_s);
-  QTest::keyClick(gFrame, Qt::Key_PageDown, Qt::ControlModifier);
+}
+
+TEST_F(CVelumFrameTest, ControlPageUpAndDownLeafFromEverywhere) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  auto* edit = gStackView->CardView()->ViewForm().findChild<QLineEdit*>(u"fGenTextBox0"_s);
+  ASSERT_TRUE(edit && edit->isVisible());
+  edit->setFocus();
+  QTest::keyClick(edit, Qt::Key_PageDown, Qt::ControlModifier);
+  QTest::keyClick(edit, Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(CardName(), u"card 02"_s);
+  QTest::keyClick(gFrame->menuBar(), Qt::Key_PageUp, Qt::ControlModifier);
   EXPECT_EQ(CardName(), u"card 01"_s);
+  // A dialog that stays open beside the card window.
+  QTextEdit beside;
+  beside.setPlainText(u"a\nb\nc"_s);
+  beside.show();
+  beside.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&beside));
+  QTest::keyClick(&beside, Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(CardName(), u"card 02"_s);
+}
+
+TEST_F(CVelumFrameTest, ControlPageDownTakesWhatWasTyped) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  auto* edit = gStackView->CardView()->ViewForm().findChild<QLineEdit*>(u"fGenTextBox0"_s);
+  edit->setFocus();
+  edit->selectAll();
+  QTest::keyClicks(edit, u"typed"_s);
+  const Ref<CVelumCard> card = gStackView->CurCard();
+  const Ref<CVelumControl> control = gStackView->CardView()->FocusControl();
+  ASSERT_TRUE(control);
+  QTest::keyClick(edit, Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_NE(gStackView->CurCard(), card);
+  EXPECT_EQ(card->GetControlVal(control->Id(), false).Str(), u"typed"_s);
+}
+
+TEST_F(CVelumFrameTest, ModalBoxesKeepControlPageDownFromTheCards) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  // The question is looked for until it is there: timers run before it too.
+  QTimer timer;
+  QObject::connect(&timer, &QTimer::timeout, gFrame, [&timer] {
+    QWidget* question = QApplication::activeModalWidget();
+    if (!question) return;
+    timer.stop();
+    QTest::keyClick(question, Qt::Key_PageDown, Qt::ControlModifier);
+    question->close();
+  });
+  timer.start(1);
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(timer.isActive()) << "it was asked";
+  ASSERT_TRUE(gStackView);
+  EXPECT_EQ(CardName(), u"card 00"_s);
+}
+
+TEST_F(CVelumFrameTest, NoMenuHidesTheToolbar) {
+  Start();
+  auto* toolbar = gFrame->findChild<QToolBar*>(u"fToolbar"_s);
+  for (QWidget* widget : QList<QWidget*>{toolbar, ButtonOf(u"OpenStack"_s), gFrame->menuBar()}) {
+    QContextMenuEvent event(QContextMenuEvent::Mouse, {3, 3}, widget->mapToGlobal(QPoint(3, 3)));
+    QApplication::sendEvent(widget, &event);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr) << widget->objectName().toStdString();
+  }
+  EXPECT_TRUE(toolbar->isVisible());
+}
+
+TEST_F(CVelumFrameTest, ACommandAsksTheSameQuestionOnce) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  iPresenter.SetDefaultAnswer(true);
+  iRunner.iOnMessage = [](const QString&) {
+    for (int i = 0; i < 3; ++i) CVelumError::AssertObj(false, nullptr, u"Test"_s, u"often"_s);
+  };
+  Click(u"NextCard"_s);
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 1);
+  Click(u"NextCard"_s);
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 2);
+  QTest::keyClick(gFrame, Qt::Key_PageDown);
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 3);
+  Choose(u"fSaveStack"_s);
+  iRunner.iOnMessage = {};
 }
 
 TEST_F(CVelumFrameTest, KeysReachTheFrameThroughTheCardWindow) {

@@ -75,6 +75,22 @@ TEST_F(CVelumMdiAreaTest, OnlyRaisingMakesAChildActive) {
   EXPECT_EQ(iArea.activeSubWindow(), iOther.parentWidget());
 }
 
+TEST_F(CVelumMdiAreaTest, RaisingOpensAMinimisedChild) {
+  iArea.AddChild(&iForm);
+  iArea.ShowChild(&iForm, true);
+  auto* child = qobject_cast<QMdiSubWindow*>(iForm.parentWidget());
+  child->showMinimized();
+  iArea.ShowChild(&iForm, false);
+  EXPECT_TRUE(child->isMinimized());
+  iArea.ShowChild(&iForm, true);
+  EXPECT_FALSE(child->isMinimized());
+  EXPECT_TRUE(iForm.isVisible());
+  // A maximised one stays as it is.
+  child->showMaximized();
+  iArea.ShowChild(&iForm, true);
+  EXPECT_TRUE(child->isMaximized());
+}
+
 TEST_F(CVelumMdiAreaTest, KeepsThePlaceOfAMaximisedChild) {
   iArea.AddChild(&iForm);
   iArea.SetChildRect(&iForm, QRect(10, 20, 300, 200));

@@ -195,6 +195,19 @@ TEST_F(CVelumWinManTest, ShowDialogLoadsOnceAndUnloadForgets) {
   EXPECT_TRUE(alive.isNull());
 }
 
+TEST_F(CVelumWinManTest, ShowDialogBringsAMinimisedOneBack) {
+  auto* form = new TestForm(u"CVelumWelcome"_s);
+  CVelumWinMan::ShowDialog(*form);
+  form->showMinimized();
+  ASSERT_TRUE(form->isMinimized());
+  CVelumWinMan::ShowDialog(*form);
+  EXPECT_FALSE(form->isMinimized());
+  EXPECT_TRUE(form->isVisible());
+  EXPECT_TRUE(QTest::qWaitForWindowActive(form));
+  CVelumWinMan::UnloadForm(*form);
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
 TEST_F(CVelumWinManTest, ShowDialogModalReturnsWhenClosed) {
   auto* form = new TestForm(u"CVelumWelcome"_s);
   bool modal = false;
