@@ -1,6 +1,11 @@
 #include "app/CVelumApplication.h"
 
 #include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumStyle.h"
+
+CVelumApplication::CVelumApplication(int& aArgc, char** aArgv) : QApplication(aArgc, aArgv) {
+  setStyle(new CVelumStyle);
+}
 
 bool CVelumApplication::notify(QObject* aReceiver, QEvent* aEvent) {
   bool handled = true;

@@ -5,7 +5,7 @@
 
 class CVelumApplication final : public QApplication {
 public:
-  using QApplication::QApplication;
+  CVelumApplication(int& aArgc, char** aArgv);
   // A failure that no handler caught is shown, and the program goes on.
   bool notify(QObject* aReceiver, QEvent* aEvent) override;
 };

@@ -1,0 +1,15 @@
+// The desktop's style, with what all desktops are to have in common.
+#pragma once
+
+#include <QProxyStyle>
+
+// Buttons of dialogs have no pictures: they stand beside the program's own, which have none.
+class CVelumStyle final : public QProxyStyle {
+  Q_OBJECT
+
+public:
+  // Without aBase it changes the style that the desktop or the user has chosen.
+  explicit CVelumStyle(QStyle* aBase = nullptr);
+  int styleHint(StyleHint aHint, const QStyleOption* aOption = nullptr, const QWidget* aWidget = nullptr,
+                QStyleHintReturn* aReturn = nullptr) const override;
+};
