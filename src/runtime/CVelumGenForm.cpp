@@ -151,7 +151,11 @@ float CVelumGenForm::OuterWidth() {
 void CVelumGenForm::SetBackColor(qint32 aColor) {
   if (aColor == iBackColor) return;
   iBackColor = aColor;
-  setPalette(CVelumBaseColor::CardPalette(aColor, QGuiApplication::palette()));
+  FollowPalette();
+}
+
+void CVelumGenForm::FollowPalette() {
+  setPalette(CVelumBaseColor::CardPalette(iBackColor, QGuiApplication::palette()));
 }
 
 void CVelumGenForm::SetCaption(const QString& aCaption) {
@@ -285,8 +289,8 @@ void CVelumGenForm::ShowLines(const CVelumBaseControl& aOver, const QString& aTe
 
 bool CVelumGenForm::event(QEvent* aEvent) {
   const bool done = QWidget::event(aEvent);
-  if (aEvent->type() == QEvent::WindowDeactivate && gStackView)
-    CVelumGuard::Run(u"CVelumGenForm.Deactivate"_s, [] { gStackView->BaseFormLostFocus(); });
+  if (aEvent->type() == QEvent::WindowDeactivate && gStackView) gStackView->BaseFormLostFocus();
+  if (aEvent->type() == QEvent::ApplicationPaletteChange) FollowPalette();
   if (aEvent->type() == QEvent::PaletteChange)
     for (CVelumBaseControl* base : std::as_const(iControls)) base->RefreshColors();
   return done;

@@ -67,6 +67,8 @@ protected:
 
 private:
   struct TRoad;
+  // Takes the colours of the desktop anew, as far as the card leaves them.
+  void FollowPalette();
   void AddPool(EBase aKind);
   void Add(CVelumBaseControl* aBase);
   void AddOthers();

@@ -4,6 +4,7 @@
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumStackView.h"
 #include "shell/CVelumFrame.h"
+#include "shell/CVelumHelpForm.h"
 #include "shell/CVelumMain.h"
 #include "shell/CVelumMsgForm.h"
 #include "shell/CVelumSave.h"
@@ -43,7 +44,12 @@ bool WriteBoxes(const QString& aStem, const QString& aEnding) {
   message.show();
   CVelumSave save(QFileInfo(gStack ? gStack->Filename() : QString()).fileName(), gFrame);
   save.show();
-  return Grab(message, aStem + u"question"_s + aEnding) && Grab(save, aStem + u"save"_s + aEnding);
+  CVelumMsg::ShowHelp(gFrame->Name(), {});
+  QWidget& help = *CVelumHelpForm::Instance();
+  const bool good = Grab(message, aStem + u"question"_s + aEnding) &&
+                    Grab(save, aStem + u"save"_s + aEnding) && Grab(help, aStem + u"help"_s + aEnding);
+  help.close();
+  return good;
 }
 
 bool WriteAll(const QString& aStem, const QString& aEnding) {

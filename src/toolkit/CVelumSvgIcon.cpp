@@ -6,10 +6,12 @@
 #include <QGuiApplication>
 #include <QIconEngine>
 #include <QPainter>
-#include <QPalette>
 #include <QSvgRenderer>
 
 namespace {
+
+// What icons are painted in; null for the desktop's palette.
+const QPalette* gColors = nullptr;
 
 // Keeps the hue of the accent, and enough contrast to the window behind it.
 QColor Accent(const QPalette& aPalette) {
@@ -41,7 +43,7 @@ public:
 
 private:
   [[nodiscard]] QByteArray Colored(QIcon::Mode aMode) const {
-    const QPalette palette = QGuiApplication::palette();
+    const QPalette palette = gColors ? *gColors : QGuiApplication::palette();
     QColor text = palette.color(QPalette::Active, QPalette::WindowText);
     QColor accent = Accent(palette);
     if (aMode == QIcon::Disabled)
@@ -58,6 +60,14 @@ private:
 };
 
 } // namespace
+
+CVelumSvgIcon::CColors::CColors(QPalette aPalette) : iPalette(std::move(aPalette)), iBefore(gColors) {
+  gColors = &iPalette;
+}
+
+CVelumSvgIcon::CColors::~CColors() {
+  gColors = iBefore;
+}
 
 QIcon CVelumSvgIcon::Load(const QString& aPath) {
   QFile file(aPath);

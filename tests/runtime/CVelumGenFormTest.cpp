@@ -27,6 +27,18 @@ TEST_F(CVelumGenFormTest, ThePoolHasItsNumbersAndNames) {
   EXPECT_EQ(Form().FindControl(u"fgentextbox0"_s), nullptr) << "names are exact";
 }
 
+TEST_F(CVelumGenFormTest, ALightCardStaysLightWhenTheDesktopTurnsDark) {
+  iSet->SetBackColor(0xF0F0E0);
+  AddCard(u"a"_s);
+  Open();
+  const QPalette before = QApplication::palette();
+  QApplication::setPalette(QPalette(QColor(56, 56, 60), QColor(45, 45, 48)));
+  EXPECT_GT(Form().palette().color(QPalette::Button).lightness(), 200);
+  EXPECT_GT(Pool(u"fGenTextBox0"_s).Widget()->palette().color(QPalette::Base).lightness(), 200);
+  EXPECT_EQ(Form().palette().color(QPalette::Window), QColor(0xE0, 0xF0, 0xF0));
+  QApplication::setPalette(before);
+}
+
 TEST_F(CVelumGenFormTest, ADoubleClickOnTheFormSaysSo) {
   const auto field = AddField(iSet, u"A"_s, EConText);
   AddCard(u"a"_s);

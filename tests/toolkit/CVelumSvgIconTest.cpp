@@ -1,10 +1,13 @@
 #include "toolkit/CVelumSvgIcon.h"
 
 #include "support/WidgetTest.h"
+#include "toolkit/CVelumBaseButton.h"
+#include "toolkit/CVelumBaseColor.h"
 
 #include <QImage>
 #include <QPainter>
 #include <QPalette>
+#include <QWidget>
 
 namespace {
 
@@ -43,6 +46,41 @@ TEST_F(CVelumSvgIconTest, FollowsThePaletteOfTheMoment) {
     EXPECT_EQ(Colors(icon, QIcon::Disabled).second, QColor(99, 98, 97));
     EXPECT_EQ(Colors(icon, QIcon::Selected).first, QColor(1, 2, 3));
   }
+}
+
+TEST_F(CVelumSvgIconTest, TakesOtherColoursWhereItIsTold) {
+  const QIcon icon = CVelumSvgIcon::Load(iPath);
+  const QColor desktop = Colors(icon, QIcon::Normal).first;
+  QPalette palette;
+  palette.setColor(QPalette::WindowText, QColor(10, 200, 30));
+  {
+    const CVelumSvgIcon::CColors colors(palette);
+    EXPECT_EQ(Colors(icon, QIcon::Normal).first, QColor(10, 200, 30));
+    palette.setColor(QPalette::WindowText, QColor(1, 2, 3));
+    {
+      const CVelumSvgIcon::CColors inner(palette);
+      EXPECT_EQ(Colors(icon, QIcon::Normal).first, QColor(1, 2, 3));
+    }
+    EXPECT_EQ(Colors(icon, QIcon::Normal).first, QColor(10, 200, 30));
+  }
+  EXPECT_EQ(Colors(icon, QIcon::Normal).first, desktop);
+}
+
+TEST_F(CVelumSvgIconTest, PictureOfAButtonStandsOutFromItsFace) {
+  QApplication::setPalette(QPalette(QColor(56, 56, 60), QColor(45, 45, 48)));
+  QWidget form;
+  form.setPalette(CVelumBaseColor::CardPalette(0xE0F0FF, QApplication::palette()));
+  CVelumBaseButton button(u"b"_s, &form, nullptr);
+  button.SetPicture(CVelumSvgIcon::Load(iPath), u"tip"_s);
+  button.SetSize(900, 600);
+  button.SetVisible(true);
+  form.resize(100, 60);
+  form.show();
+  const QImage image = button.Widget()->grab().toImage();
+  QPoint middle = image.rect().center();
+  middle.rx() -= 3;
+  EXPECT_LT(image.pixelColor(middle).lightness(), 60) << "a dark picture";
+  EXPECT_GT(image.pixelColor(4, image.height() / 2).lightness(), 180) << "on a light button";
 }
 
 TEST_F(CVelumSvgIconTest, HasThePixelsOfTheScreen) {
