@@ -99,8 +99,22 @@ public:
   void Externalize(CVelumFile& aFile) override;
   // Asserts for an array of blobs, which is never stored.
   [[nodiscard]] qint64 ExtLen() const override;
-  // Whether an XML element of this name holds an array.
-  [[nodiscard]] static bool IsInXml(const QString& aElemName) { return aElemName == u"Array"_s; }
+  [[nodiscard]] QStringView XmlTag() const override { return u"Array"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
+
+  // The members that stand in front of the elements.
+  struct TXmlHead {
+    qint32 iId;
+    qint32 iFlags;
+    qint16 iType;
+    qint32 iAllocStep;
+    qint32 iAlloc;
+    qint32 iMax;
+    qint32 iSortKeyId;
+  };
+  // Start of an array in XML, for what is written like one.
+  static void BeginXml(CVelumXmlWriter& aWriter, const TXmlHead& aHead);
 
   // A blank element for this array.
   void InitElem(TVelumElem& aElem) const;
@@ -139,6 +153,19 @@ public:
   void EnsureSorted();
 
 private:
+  // A larger capacity on file is taken for damage.
+  static constexpr qint32 EMaxAlloc = 50000000;
+  // Arrays in objects in arrays ... that are being read; a stack has 4, and what has more than 20 is damaged.
+  class CNesting {
+  public:
+    explicit CNesting(const CVelumArray& aArray);
+    ~CNesting() { --gDepth; }
+    CNesting(const CNesting&) = delete;
+    CNesting& operator=(const CNesting&) = delete;
+
+  private:
+    inline static int gDepth = 0;
+  };
   // What few arrays have.
   struct TRare {
     Ref<CVelumKeyOrder> iSortKey;
@@ -197,6 +224,11 @@ private:
   [[nodiscard]] TVelumValue ReadVal(CVelumFile& aFile);
   void WriteVal(CVelumFile& aFile, const TVelumValue& aVal) const;
   [[nodiscard]] qint64 ValLen(const TVelumValue& aVal) const;
+  void ReadElemXml(CVelumXmlParser& aParser);
+  [[nodiscard]] TVelumValue ReadValXml(CVelumXmlParser& aParser);
+  [[nodiscard]] Ref<CVelumStored> ReadObjXml(CVelumXmlParser& aParser, int aTag);
+  void WriteValXml(CVelumXmlWriter& aWriter, const TVelumValue& aVal) const;
+  static void WriteObjXml(CVelumXmlWriter& aWriter, const TVelumValue& aVal);
 
   qint32 iId = ENoInt;
   qint32 iFlags = 0;

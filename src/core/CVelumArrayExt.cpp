@@ -13,29 +13,16 @@ namespace {
 constexpr int ETypeId = 5;
 constexpr int EGeneration = 3;
 constexpr qint64 EHeadLen = 4 + 4 + 4 + 2 + 4 + 4 + 4 + 4;
-// A larger capacity on file is taken for damage.
-constexpr qint32 EMaxAlloc = 50000000;
 // Counts up to this one are not compared with the length of the file, which costs a system call.
 constexpr qint32 ESmallCount = 64;
-// Arrays in objects in arrays ... on file; a stack has 4.
 constexpr int EMaxNesting = 20;
 
-// How many arrays are being read within each other.
-class CNesting {
-public:
-  explicit CNesting(const CVelumArray& aArray) {
-    CVelumError::ThrowBadStruct(gDepth < EMaxNesting, &aArray, u"CVelumArray.Internalize"_s, u"nesting"_s);
-    ++gDepth;
-  }
-  ~CNesting() { --gDepth; }
-  CNesting(const CNesting&) = delete;
-  CNesting& operator=(const CNesting&) = delete;
-
-private:
-  inline static int gDepth = 0;
-};
-
 } // namespace
+
+CVelumArray::CNesting::CNesting(const CVelumArray& aArray) {
+  CVelumError::ThrowBadStruct(gDepth < EMaxNesting, &aArray, u"CVelumArray.Internalize"_s, u"nesting"_s);
+  ++gDepth;
+}
 
 void CVelumArray::Internalize(CVelumFile& aFile) {
   const CNesting nesting(*this);

@@ -8,6 +8,8 @@
 using namespace Qt::Literals::StringLiterals;
 
 class CVelumFile;
+class CVelumXmlParser;
+class CVelumXmlWriter;
 
 // An object with a description for assertions, a dirty flag and an intrusive reference count.
 // The program has one thread, so the count is a plain number.
@@ -44,6 +46,13 @@ public:
   virtual void Externalize(CVelumFile& aFile) = 0;
   // The number of bytes that Externalize writes.
   [[nodiscard]] virtual qint64 ExtLen() const = 0;
+
+  // The same in an XML document. The name of the object's element:
+  [[nodiscard]] virtual QStringView XmlTag() const = 0;
+  [[nodiscard]] bool IsInXml(QStringView aElemName) const { return aElemName == XmlTag(); }
+  // Reads the object; its start tag has been read up to the name.
+  virtual void InternalizeXml(CVelumXmlParser& aParser) = 0;
+  virtual void ExternalizeXml(CVelumXmlWriter& aWriter) = 0;
 };
 
 // Counted reference to a CVelumObject; a null Ref is "nothing".

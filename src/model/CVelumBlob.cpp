@@ -4,6 +4,8 @@
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 #include <QtEndian>
@@ -13,6 +15,7 @@ using CVelumRecord::Store;
 namespace {
 
 constexpr int ETypeId = 10;
+const QString EBytes = u"Bytes"_s;
 constexpr int EMinGen = 3;
 constexpr int EGenIds = 4;  // has OriginalId and SampleId
 constexpr int EGenSize = 5; // has Width and Height
@@ -229,4 +232,51 @@ CVelumBlob::TSpan CVelumBlob::SpanAt(CVelumFile& aFile, qint64 aPos) {
   if (!TakeSpan(bytes, span) && bytes.size() == EUsual)
     static_cast<void>(TakeSpan(aFile.PeekAt(aPos, ELongest), span));
   return span;
+}
+
+void CVelumBlob::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadStructAttr(*this);
+  CVelumError::AssertObj(aParser.CountAttr(u"gen"_s) >= EMinGen, this, u"InternalizeXml"_s, u"gen"_s);
+  iId = aParser.IntAttr(u"id"_s);
+  iBlobType = aParser.CountAttr(u"type"_s);
+  iName = aParser.Attr(u"name"_s);
+  iFilename = aParser.Attr(u"fileName"_s);
+  iCreDate = CVelumValue::IntToDate(aParser.IntAttr(u"creDate"_s));
+  iCreTime = CVelumValue::IntToTime(aParser.IntAttr(u"creTime"_s));
+  iFileDate = CVelumValue::IntToDate(aParser.IntAttr(u"fileDate"_s));
+  iFileTime = CVelumValue::IntToTime(aParser.IntAttr(u"fileTime"_s));
+  iMimeType = aParser.Attr(u"mimeType"_s);
+  iOriginalId = aParser.IntAttr(u"originalId"_s);
+  iSampleId = aParser.IntAttr(u"sampleId"_s);
+  iWidth = aParser.ShortAttr(u"width"_s);
+  iHeight = aParser.ShortAttr(u"height"_s);
+  iRefCount = aParser.CountAttr(u"refCount"_s);
+  iBytes = CVelumLib::HexToBytes(aParser.ReadTextElem(EBytes));
+  aParser.ReadTheNext(u"Blob"_s, true);
+  iOnFile = false;
+  SetChanged(false);
+}
+
+void CVelumBlob::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  CVelumError::AssertObj(!iInfoOnly, this, u"ExternalizeXml"_s, u"iInfoOnly"_s);
+  if (iInfoOnly) CVelumError::RaiseHost(EHostBadCall, ObjDescr());
+  aWriter.BeginElem(u"Blob"_s);
+  aWriter.AddShortAttr(u"gen"_s, EGen);
+  aWriter.AddIntAttr(u"id"_s, iId);
+  aWriter.AddShortAttr(u"type"_s, CVelumChecked::Narrow<qint16>(iBlobType));
+  aWriter.AddAttr(u"name"_s, iName);
+  aWriter.AddAttr(u"fileName"_s, iFilename);
+  aWriter.AddIntAttr(u"creDate"_s, CVelumValue::DateToInt(iCreDate));
+  aWriter.AddIntAttr(u"creTime"_s, CVelumValue::TimeToInt(iCreTime));
+  aWriter.AddIntAttr(u"fileDate"_s, CVelumValue::DateToInt(iFileDate));
+  aWriter.AddIntAttr(u"fileTime"_s, CVelumValue::TimeToInt(iFileTime));
+  aWriter.AddAttr(u"mimeType"_s, iMimeType);
+  aWriter.AddIntAttr(u"originalId"_s, iOriginalId);
+  aWriter.AddIntAttr(u"sampleId"_s, iSampleId);
+  aWriter.AddShortAttr(u"width"_s, iWidth);
+  aWriter.AddShortAttr(u"height"_s, iHeight);
+  aWriter.AddIntAttr(u"refCount"_s, iRefCount);
+  aWriter.BeginStruct();
+  aWriter.WriteTextElem(EBytes, CVelumLib::BytesToHex(iBytes, false));
+  aWriter.EndElem(u"Blob"_s);
 }

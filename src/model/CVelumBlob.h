@@ -68,6 +68,9 @@ public:
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
+  [[nodiscard]] QStringView XmlTag() const override { return u"Blob"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
   // What a file says of the blob at some place, without its content.
   struct TSpan {

@@ -516,7 +516,12 @@ void CVelumBlobStore::Restore(const TState& aState) {
   iPosTab = aState.iPosTab;
   iFile = aState.iFile;
   iFileId = aState.iFileId;
+  // What came into memory since then still is on file.
+  for (qint32 i = 0; i < iCache->Count(); ++i)
+    if (Ref<CVelumBlob> blob = ToBlob(iCache->ValRef(i)); blob && HasBlob(blob->Id()))
+      blob->SetOnFile(HasPlace(iIndex->ValRef(iIndex->FindIntKey(blob->Id()))));
   for (const auto& [blob, marks] : aState.iMarks) blob->SetMarks(marks);
+  if (Flag(EBstFileBased)) EvictFromCache();
 }
 
 // Tables of another kind would be misread everywhere.

@@ -34,6 +34,8 @@ public:
   // The state of the open file when it was opened or noted last; empty when none is open.
   [[nodiscard]] const TVelumFileId& FileId() const { return iFileId; }
   void NoteFileId();
+  // For a store without an open file: the state of the document that it was read from or written to.
+  void SetFileId(const TVelumFileId& aId) { iFileId = aId; }
   [[nodiscard]] bool Changed() const override;
   void SetChanged(bool aChanged) override;
   [[nodiscard]] qint32 NumBlobs() const { return iIndex->Count(); }
@@ -96,6 +98,9 @@ public:
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
+  [[nodiscard]] QStringView XmlTag() const override { return u"BlobStore"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
   struct TPlace {
@@ -109,6 +114,7 @@ private:
   [[nodiscard]] Ref<CVelumBlob> ReadSound(qint32 aId, const TPlace& aPlace);
   [[nodiscard]] QByteArray RawAt(const TPlace& aPlace) const;
   void CheckTables(const CVelumFile& aFile) const;
+  void CheckXmlTables() const;
   [[nodiscard]] TPlace PlaceAt(qint32 aPosIndex) const;
   [[nodiscard]] Ref<CVelumBlob> Cached(qint32 aId) const;
   [[nodiscard]] Ref<CVelumBlob> ReadFrom(CVelumFile& aFile, qint32 aPos, qint32 aId, bool aInfoOnly);

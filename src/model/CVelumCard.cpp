@@ -4,6 +4,8 @@
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
 
@@ -207,4 +209,47 @@ void CVelumCard::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumCard::ExtLen() const {
   return ExtLenCommon() + 6 * 4 + iValue.ExtLen();
+}
+
+void CVelumCard::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadStructAttr(*this);
+  CVelumError::AssertObj(aParser.ShortAttr(u"gen"_s) == EGen, this, u"InternalizeXml"_s, u"gen"_s);
+  iId = aParser.IntAttr(u"id"_s);
+  iOrderNum = aParser.IntAttr(u"orderNum"_s);
+  iName = aParser.Attr(u"name"_s);
+  iFlags = aParser.CountAttr(u"flags"_s);
+  iBackgroundId = aParser.IntAttr(u"backgroundId"_s);
+  iBackColor = aParser.IntAttr(u"backColor"_s);
+  iCreDate = NormalDate(aParser.IntAttr(u"creDate"_s));
+  iCreTime = NormalTime(aParser.IntAttr(u"creTime"_s));
+  iModDate = NormalDate(aParser.IntAttr(u"modDate"_s));
+  iModTime = NormalTime(aParser.IntAttr(u"modTime"_s));
+  const TXmlExtras extras = ReadExtrasAttr(aParser);
+  ReadExtrasXml(aParser, extras);
+  aParser.ReadChild(*iValue, *this, u"InternalizeXml iValue"_s);
+  aParser.ReadTheNext(u"Card"_s, true);
+  const bool keyedByInt = (iValue->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
+  CVelumError::ThrowBadStruct(keyedByInt, this, u"CVelumCard.InternalizeXml"_s, u"value"_s);
+  iChanged = false;
+}
+
+void CVelumCard::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  if (Dirty()) UpdateCardLists();
+  aWriter.BeginElem(u"Card"_s);
+  aWriter.AddShortAttr(u"gen"_s, EGen);
+  aWriter.AddIntAttr(u"id"_s, iId);
+  aWriter.AddIntAttr(u"orderNum"_s, OrderNum());
+  aWriter.AddAttr(u"name"_s, iName);
+  aWriter.AddIntAttr(u"flags"_s, iFlags);
+  aWriter.AddIntAttr(u"backgroundId"_s, iBackgroundId);
+  aWriter.AddIntAttr(u"backColor"_s, iBackColor);
+  aWriter.AddIntAttr(u"creDate"_s, iCreDate);
+  aWriter.AddIntAttr(u"creTime"_s, iCreTime);
+  aWriter.AddIntAttr(u"modDate"_s, iModDate);
+  aWriter.AddIntAttr(u"modTime"_s, iModTime);
+  WriteExtrasAttr(aWriter);
+  aWriter.BeginStruct();
+  WriteExtrasXml(aWriter);
+  iValue->ExternalizeXml(aWriter);
+  aWriter.EndElem(u"Card"_s);
 }

@@ -60,6 +60,9 @@ public:
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
+  [[nodiscard]] QStringView XmlTag() const override { return u"Card"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
   friend class CVelumStack; // shares the text of its name index, and knows the order number

@@ -3,6 +3,8 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 
 #include <algorithm>
 #include <bit>
@@ -403,6 +405,29 @@ void CVelumCardOrder::Internalize(CVelumFile& aFile) {
   CVelumLib::CheckRead(aFile, keyedByInt && array->Type() == EValInt, &aFile,
                        u"CVelumCardOrder.Internalize"_s, u"flags"_s);
   Adopt(*array);
+}
+
+void CVelumCardOrder::InternalizeXml(CVelumXmlParser& aParser) {
+  auto array = MakeRef<CVelumArray>();
+  array->InternalizeXml(aParser);
+  const bool keyedByInt = (array->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
+  CVelumError::ThrowBadStruct(keyedByInt && array->Type() == EValInt, this,
+                              u"CVelumCardOrder.InternalizeXml"_s, u"flags"_s);
+  Adopt(*array);
+}
+
+void CVelumCardOrder::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  CVelumArray::BeginXml(aWriter, {iId, iFlags, EValInt, iAllocStep, iAlloc, iCount, iSortKeyId});
+  for (const auto& block : iBlocks)
+    for (qint32 i = 0; i < block->Count(); ++i) {
+      aWriter.BeginElem(u"Elem"_s);
+      aWriter.AddIntAttr(u"intKey"_s, block->Num(i));
+      aWriter.AddShortAttr(u"type"_s, EValInt);
+      aWriter.AddIntAttr(u"int"_s, block->iIds[size_t(i)]);
+      aWriter.BeginStruct();
+      aWriter.EndElem(u"Elem"_s);
+    }
+  aWriter.EndElem(u"Array"_s);
 }
 
 void CVelumCardOrder::Adopt(const CVelumArray& aArray) {

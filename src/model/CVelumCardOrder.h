@@ -67,6 +67,9 @@ public:
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
+  [[nodiscard]] QStringView XmlTag() const override { return u"Array"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
   static constexpr qint32 EMaxId = 50'000'000; // beyond every capacity that a file may have

@@ -144,6 +144,9 @@ public:
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
+  [[nodiscard]] QStringView XmlTag() const override { return u"Control"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
   void CreateListBox() const;
@@ -151,6 +154,8 @@ private:
   // Drops the companions that no longer fit; aOldLisType is what LisType was.
   void DropStaleBoxes(int aOldLisType);
   void InternalizeListCol(CVelumFile& aFile);
+  void ReadAttrXml(const CVelumXmlParser& aParser);
+  void ReadListColXml(CVelumXmlParser& aParser);
   [[nodiscard]] QList<CVelumControl*> CardListCols(const CVelumControlSet& aBackground) const;
   void DefineListColumns(CVelumStack* aStack, bool aWithIds);
 

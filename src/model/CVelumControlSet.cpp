@@ -3,6 +3,8 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
 
@@ -239,4 +241,43 @@ void CVelumControlSet::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumControlSet::ExtLen() const {
   return ExtLenCommon() + CVelumFile::ExtStrLen(iDescr) + 4 + iSet->ExtLen() + iIdIndex->ExtLen() + 4;
+}
+
+void CVelumControlSet::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadStructAttr(*this);
+  CVelumError::AssertObj(aParser.ShortAttr(u"gen"_s) == EGen, this, u"InternalizeXml"_s, u"gen"_s);
+  iName = aParser.Attr(u"name"_s);
+  iDescr = aParser.Attr(u"descr"_s);
+  iId = aParser.IntAttr(u"id"_s);
+  iFlags = aParser.CountAttr(u"flags"_s);
+  iWallPaperId = aParser.IntAttr(u"wallPaperId"_s);
+  iBackColor = aParser.IntAttr(u"backColor"_s);
+  iKeyIndexId = aParser.IntAttr(u"keyIndexId"_s);
+  const TXmlExtras extras = ReadExtrasAttr(aParser);
+  aParser.ReadChild(*iSet, *this, u"InternalizeXml iSet"_s);
+  aParser.ReadChild(*iIdIndex, *this, u"InternalizeXml iIdIndex"_s);
+  ReadExtrasXml(aParser, extras);
+  aParser.ReadTheNext(u"ControlSet"_s, true);
+  iKeyIndex = nullptr;
+  iLoadProblem.clear();
+  CheckLoaded();
+  iChanged = false;
+}
+
+void CVelumControlSet::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  aWriter.BeginElem(u"ControlSet"_s);
+  aWriter.AddShortAttr(u"gen"_s, EGen);
+  aWriter.AddAttr(u"name"_s, iName);
+  aWriter.AddAttr(u"descr"_s, iDescr);
+  aWriter.AddIntAttr(u"id"_s, iId);
+  aWriter.AddIntAttr(u"flags"_s, iFlags);
+  aWriter.AddIntAttr(u"wallPaperId"_s, iWallPaperId);
+  aWriter.AddIntAttr(u"backColor"_s, iBackColor);
+  aWriter.AddIntAttr(u"keyIndexId"_s, iKeyIndexId);
+  WriteExtrasAttr(aWriter);
+  aWriter.BeginStruct();
+  iSet->ExternalizeXml(aWriter);
+  iIdIndex->ExternalizeXml(aWriter);
+  WriteExtrasXml(aWriter);
+  aWriter.EndElem(u"ControlSet"_s);
 }

@@ -3,6 +3,8 @@
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 using CVelumRecord::Store;
@@ -81,4 +83,24 @@ void CVelumFont::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumFont::ExtLen() const {
   return 4 + CVelumFile::ExtStrLen(iFaceName) + 2 + 4 + 4;
+}
+
+void CVelumFont::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadAttrTerm();
+  CVelumError::AssertObj(aParser.ShortAttr(u"gen"_s) == 0, this, u"InternalizeXml"_s, u"gen"_s);
+  iFaceName = aParser.Attr(u"faceName"_s);
+  iSize = aParser.ShortAttr(u"size"_s);
+  iForeColor = aParser.IntAttr(u"foreColor"_s);
+  iFlags = aParser.CountAttr(u"flags"_s);
+  iChanged = false;
+}
+
+void CVelumFont::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  aWriter.BeginElem(u"Font"_s);
+  aWriter.AddShortAttr(u"gen"_s, 0);
+  aWriter.AddAttr(u"faceName"_s, iFaceName);
+  aWriter.AddShortAttr(u"size"_s, iSize);
+  aWriter.AddIntAttr(u"foreColor"_s, iForeColor);
+  aWriter.AddIntAttr(u"flags"_s, iFlags);
+  aWriter.EndEmptyElem();
 }

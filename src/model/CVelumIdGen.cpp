@@ -2,6 +2,8 @@
 
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 namespace {
@@ -29,4 +31,16 @@ void CVelumIdGen::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumIdGen::ExtLen() const {
   return 4 + 4;
+}
+
+void CVelumIdGen::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadAttrTerm();
+  iNextId = aParser.CountAttr(u"nextId"_s);
+  iChanged = false;
+}
+
+void CVelumIdGen::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  aWriter.BeginElem(u"IdGen"_s);
+  aWriter.AddIntAttr(u"nextId"_s, iNextId);
+  aWriter.EndEmptyElem();
 }

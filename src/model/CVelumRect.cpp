@@ -2,9 +2,12 @@
 
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 #include <cmath>
+#include <limits>
 
 using CVelumRecord::Store;
 
@@ -16,6 +19,11 @@ constexpr int EGen = 1;
 float ReadNumber(CVelumFile& aFile) {
   const float num = aFile.ReadSingle();
   return std::isfinite(num) ? num : 0.0F;
+}
+
+float ReadNumber(const CVelumXmlParser& aParser, const QString& aName) {
+  const double num = aParser.RealAttr(aName);
+  return std::abs(num) <= std::numeric_limits<float>::max() ? static_cast<float>(num) : 0.0F;
 }
 } // namespace
 
@@ -61,4 +69,24 @@ void CVelumRect::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumRect::ExtLen() const {
   return 4 + 4 * 4;
+}
+
+void CVelumRect::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadAttrTerm();
+  CVelumError::AssertObj(aParser.ShortAttr(u"gen"_s) == EGen, this, u"InternalizeXml"_s, u"gen"_s);
+  iX = ReadNumber(aParser, u"x"_s);
+  iY = ReadNumber(aParser, u"y"_s);
+  iWidth = ReadNumber(aParser, u"width"_s);
+  iHeight = ReadNumber(aParser, u"height"_s);
+  iChanged = false;
+}
+
+void CVelumRect::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  aWriter.BeginElem(u"Rect"_s);
+  aWriter.AddShortAttr(u"gen"_s, EGen);
+  aWriter.AddSingleAttr(u"x"_s, iX);
+  aWriter.AddSingleAttr(u"y"_s, iY);
+  aWriter.AddSingleAttr(u"width"_s, iWidth);
+  aWriter.AddSingleAttr(u"height"_s, iHeight);
+  aWriter.EndEmptyElem();
 }

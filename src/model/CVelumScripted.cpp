@@ -3,6 +3,8 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 using CVelumRecord::Store;
@@ -10,6 +12,7 @@ using CVelumRecord::Store;
 namespace {
 
 const QString EReadProc = u"CVelumLib.InternalizeCommon"_s;
+const QString EScriptSource = u"ScriptSource"_s;
 
 // Handlers are looked up by name and read as texts; an array of another make would fail at each script
 // message instead of here.
@@ -142,4 +145,34 @@ qint64 CVelumScripted::ExtLenCommon() const {
   if (ScriptCount() > 0) len += iExtras->iScript->ExtLen();
   if (const Ref<CVelumFont> font = Font()) len += font->ExtLen();
   return len;
+}
+
+CVelumScripted::TXmlExtras CVelumScripted::ReadExtrasAttr(const CVelumXmlParser& aParser) {
+  return {aParser.CountAttr(u"numScripts"_s) > 0, aParser.BooleanAttr(u"fontDef"_s)};
+}
+
+void CVelumScripted::ReadExtrasXml(CVelumXmlParser& aParser, TXmlExtras aExtras) {
+  iExtras.reset();
+  if (QString source = aParser.ReadTextElem(EScriptSource); !source.isEmpty())
+    Extras().iScriptSource = std::move(source);
+  if (aExtras.iScript) {
+    Ref<CVelumArray> script = MakeRef<CVelumArray>();
+    aParser.ReadChild(*script, *this, u"InternalizeXml iScript"_s);
+    CVelumError::ThrowBadStruct(IsScriptArray(*script), this, EReadProc, u"script"_s);
+    Extras().iScript = std::move(script);
+  }
+  if (!aExtras.iFont) return;
+  Extras().iFont = MakeRef<CVelumFont>();
+  aParser.ReadChild(*iExtras->iFont, *this, u"InternalizeXml iFont"_s);
+}
+
+void CVelumScripted::WriteExtrasAttr(CVelumXmlWriter& aWriter) const {
+  aWriter.AddShortAttr(u"numScripts"_s, ScriptCount());
+  aWriter.AddBooleanAttr(u"fontDef"_s, static_cast<bool>(Font()));
+}
+
+void CVelumScripted::WriteExtrasXml(CVelumXmlWriter& aWriter) const {
+  aWriter.WriteTextElem(EScriptSource, ScriptSource());
+  if (ScriptCount() > 0) iExtras->iScript->ExternalizeXml(aWriter);
+  if (const Ref<CVelumFont> font = Font()) font->ExternalizeXml(aWriter);
 }

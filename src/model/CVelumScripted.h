@@ -38,6 +38,16 @@ protected:
   int InternalizeCommon(CVelumFile& aFile, int aTypeId, int aMinGen, int aMaxGen);
   void ExternalizeCommon(CVelumFile& aFile, int aTypeId, int aGen);
   [[nodiscard]] qint64 ExtLenCommon() const;
+  // The same in XML, where only script and font stand together: what the attributes promise ...
+  struct TXmlExtras {
+    bool iScript;
+    bool iFont;
+  };
+  [[nodiscard]] static TXmlExtras ReadExtrasAttr(const CVelumXmlParser& aParser);
+  // ... and the children.
+  void ReadExtrasXml(CVelumXmlParser& aParser, TXmlExtras aExtras);
+  void WriteExtrasAttr(CVelumXmlWriter& aWriter) const;
+  void WriteExtrasXml(CVelumXmlWriter& aWriter) const;
   // Changed of the script and the font, and clearing both.
   [[nodiscard]] bool ExtrasChanged() const;
   void ClearExtrasChanged();

@@ -5,6 +5,8 @@
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 #include "model/CVelumCard.h"
 #include "model/CVelumRecorder.h"
 
@@ -15,6 +17,7 @@ namespace {
 constexpr int ETypeId = 9;
 constexpr int EGen = 0;
 constexpr int EIdWidth = 10;
+const QString EPart = u"Part"_s;
 
 // Results of Compare, as the array's binary search takes them.
 enum EOrder : int { EBefore = 0, EEqual = 1, EAfter = 2 };
@@ -171,4 +174,49 @@ void CVelumSortKey::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumSortKey::ExtLen() const {
   return 4 + 4 + CVelumFile::ExtStrLen(iName) + 4 + 2 + qint64(iNumKeyPart) * 12;
+}
+
+void CVelumSortKey::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadStructAttr(*this);
+  iId = aParser.IntAttr(u"id"_s);
+  iName = aParser.Attr(u"name"_s);
+  iBackgroundId = aParser.IntAttr(u"backgroundId"_s);
+  const qint32 num = aParser.CountAttr(u"numKeyPart"_s);
+  iNumKeyPart = 0;
+  for (qint32 i = 0; i < num; ++i) {
+    TVelumKeyPart& part = iKeyPart[CVelumChecked::Index(i, qint32(EMaxParts))];
+    aParser.ReadTheNext(EPart, false);
+    bool term = false;
+    aParser.ReadAttrAndSym(term);
+    CVelumError::AssertObj(term, this, u"InternalizeXml"_s, u"Part term"_s);
+    part.iType = aParser.ShortAttr(u"type"_s);
+    part.iControlId = aParser.IntAttr(u"controlId"_s);
+    part.iWay = aParser.ShortAttr(u"way"_s);
+    part.iLen = aParser.ShortAttr(u"len"_s);
+    part.iPos = aParser.ShortAttr(u"pos"_s);
+    ++iNumKeyPart;
+  }
+  aParser.ReadTheNext(u"SortKey"_s, true);
+  iChanged = false;
+}
+
+void CVelumSortKey::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  aWriter.BeginElem(u"SortKey"_s);
+  aWriter.AddShortAttr(u"gen"_s, EGen);
+  aWriter.AddIntAttr(u"id"_s, iId);
+  aWriter.AddAttr(u"name"_s, iName);
+  aWriter.AddIntAttr(u"backgroundId"_s, iBackgroundId);
+  aWriter.AddShortAttr(u"numKeyPart"_s, static_cast<qint16>(iNumKeyPart));
+  aWriter.BeginStruct();
+  for (qint32 i = 0; i < iNumKeyPart; ++i) {
+    const TVelumKeyPart& part = iKeyPart[i];
+    aWriter.BeginElem(EPart);
+    aWriter.AddShortAttr(u"type"_s, static_cast<qint16>(part.iType));
+    aWriter.AddIntAttr(u"controlId"_s, part.iControlId);
+    aWriter.AddShortAttr(u"way"_s, static_cast<qint16>(part.iWay));
+    aWriter.AddShortAttr(u"len"_s, part.iLen);
+    aWriter.AddShortAttr(u"pos"_s, part.iPos);
+    aWriter.EndEmptyElem();
+  }
+  aWriter.EndElem(u"SortKey"_s);
 }

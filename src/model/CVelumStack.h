@@ -144,6 +144,9 @@ public:
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;
   [[nodiscard]] qint64 ExtLen() const override;
+  [[nodiscard]] QStringView XmlTag() const override { return u"Stack"; }
+  void InternalizeXml(CVelumXmlParser& aParser) override;
+  void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
   friend class CVelumCard; // the change hub
@@ -196,6 +199,9 @@ private:
   void BulkOrder(qint32 aStart);
 
   void InternalizeArrays(CVelumFile& aFile);
+  void InternalizeArraysXml(CVelumXmlParser& aParser);
+  void CheckArrays() const;
+  void LinkLoaded();
   void LinkBackgrounds();
   void LinkCards();
   void MendCard(CVelumCard& aCard, qint32 aId, qint32 aNum);

@@ -50,6 +50,12 @@ void CVelumStack::Internalize(CVelumFile& aFile) {
   iIdGen = MakeRef<CVelumIdGen>();
   iIdGen->Internalize(aFile);
   InternalizeArrays(aFile);
+  LinkLoaded();
+}
+
+// What follows the reading in either form.
+void CVelumStack::LinkLoaded() {
+  CheckArrays();
   iLoadProblems.clear();
   LinkBackgrounds();
   LinkCards();
@@ -72,6 +78,9 @@ void CVelumStack::InternalizeArrays(CVelumFile& aFile) {
   iKeyIndex = ReadArray(aFile);
   // In a file that ended before, the view's frame, which comes next, is the first thing that fails.
   if (aFile.PastEnd()) static_cast<void>(CVelumLib::ReadBinObjStart(aFile, EViewTypeId, 0, 0));
+}
+
+void CVelumStack::CheckArrays() const {
   Require(*iBackground, EArrIntKey, EValControlSet, u"background"_s);
   Require(*iCard, 0, EValCard, u"card"_s);
   Require(*iNameIndex, EArrStrKey, EValInt, u"nameIndex"_s);

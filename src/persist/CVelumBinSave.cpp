@@ -40,9 +40,7 @@ void CVelumBinSave::Run() {
   iStore.NoteFileId();
   iStack.SetChanged(false);
   TellDamage(damaged);
-  if (!iKept.isEmpty())
-    CVelumSeams::Presenter().Tell(
-        u"Another program had changed the file %1. Its version was kept as %2."_s.arg(iFilename, iKept));
+  CVelumOtherVersion::Tell(iFilename, iKept);
 }
 
 // What the save itself has found, besides what was known before.

@@ -1,5 +1,6 @@
 #include "persist/CVelumOtherVersion.h"
 
+#include "core/CVelumSeams.h"
 #include "persist/CVelumNewFile.h"
 
 #include <QDateTime>
@@ -48,4 +49,10 @@ QString CVelumOtherVersion::Keep(const QString& aPath) {
   if (!CVelumOs::Link(aPath, name)) Copy(aPath, name);
   CVelumOs::SyncFolderOf(name);
   return name;
+}
+
+void CVelumOtherVersion::Tell(const QString& aFilename, const QString& aKept) {
+  if (aKept.isEmpty()) return;
+  CVelumSeams::Presenter().Tell(
+      u"Another program had changed the file %1. Its version was kept as %2."_s.arg(aFilename, aKept));
 }

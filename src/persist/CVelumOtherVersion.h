@@ -9,4 +9,7 @@ namespace CVelumOtherVersion {
 // that; the file stays under its first name too. The date is that of its last change. Raises.
 QString Keep(const QString& aPath);
 
+// Tells the user that another version of aFilename was kept as aKept; nothing when aKept is empty.
+void Tell(const QString& aFilename, const QString& aKept);
+
 } // namespace CVelumOtherVersion

@@ -5,7 +5,7 @@
 #include "persist/CVelumBinFormat.h"
 #include "persist/CVelumBinLoad.h"
 #include "persist/CVelumBinSave.h"
-#include "persist/CVelumSaveCheck.h"
+#include "persist/CVelumXmlStack.h"
 
 CVelumStackFile::CVelumStackFile(QString aFilename) : iFilename(std::move(aFilename)) {}
 
@@ -50,9 +50,13 @@ void CVelumStackFile::LoadBinStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState
   }
 }
 
-void CVelumStackFile::LoadXmlStack(Ref<CVelumStack>&, Ref<CVelumViewState>&) {
-  CVelumError::Throw(EMsgNotAOrvelle, u"CVelumStackFile.LoadXmlStack"_s,
-                     iFilename + u"\r\nIt is an XML file. XML stacks come with a later version."_s, {});
+void CVelumStackFile::LoadXmlStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
+  try {
+    CVelumXmlStack::Load(iFilename, aStack, aView);
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumStackFile.LoadXmlStack"_s);
+    CVelumError::Rethrow();
+  }
 }
 
 void CVelumStackFile::SaveStack(const Ref<CVelumStack>& aStack, const Ref<CVelumViewState>& aView) {
@@ -76,7 +80,7 @@ void CVelumStackFile::SaveBinStack() {
 
 void CVelumStackFile::SaveXmlStack() {
   try {
-    CVelumSaveCheck::Refuse(u"XML stacks come with a later version; choose the binary form."_s);
+    CVelumXmlStack::Save(iFilename, *iStack, CVelumChecked::Deref(iView));
   } catch (...) {
     CVelumError::CatchError(u"CVelumStackFile.SaveXmlStack"_s);
     CVelumError::Rethrow();

@@ -3,6 +3,8 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumXmlParser.h"
+#include "core/CVelumXmlWriter.h"
 
 namespace {
 constexpr int ETypeId = 4;
@@ -38,4 +40,28 @@ void CVelumViewState::Externalize(CVelumFile& aFile) {
 
 qint64 CVelumViewState::ExtLen() const {
   return 4 + CVelumFile::ExtStrLen(iName) + 2 + iCardViewRect->ExtLen() + 2 + iCardListRect->ExtLen();
+}
+
+void CVelumViewState::InternalizeXml(CVelumXmlParser& aParser) {
+  aParser.ReadStructAttr(*this);
+  iName = aParser.Attr(u"name"_s);
+  iCardViewOpen = aParser.BooleanAttr(u"cardViewOpen"_s);
+  iCardListOpen = aParser.BooleanAttr(u"cardListOpen"_s);
+  iCardViewRect = MakeRef<CVelumRect>();
+  aParser.ReadChild(*iCardViewRect, *this, ObjDescr() + u"iCardViewRect"_s);
+  iCardListRect = MakeRef<CVelumRect>();
+  aParser.ReadChild(*iCardListRect, *this, ObjDescr() + u"iCardListRect"_s);
+  aParser.ReadTheNext(u"StackView"_s, true);
+}
+
+void CVelumViewState::ExternalizeXml(CVelumXmlWriter& aWriter) {
+  aWriter.BeginElem(u"StackView"_s);
+  aWriter.AddAttr(u"gen"_s, u"0"_s);
+  aWriter.AddAttr(u"name"_s, iName);
+  aWriter.AddBooleanAttr(u"cardViewOpen"_s, iCardViewOpen);
+  aWriter.AddBooleanAttr(u"cardListOpen"_s, iCardListOpen);
+  aWriter.BeginStruct();
+  CVelumChecked::Deref(iCardViewRect).ExternalizeXml(aWriter);
+  CVelumChecked::Deref(iCardListRect).ExternalizeXml(aWriter);
+  aWriter.EndElem(u"StackView"_s);
 }

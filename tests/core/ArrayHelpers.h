@@ -5,13 +5,14 @@
 #include "core/CVelumCollation.h"
 #include "core/CVelumFile.h"
 #include "core/CVelumMsg.h"
+#include "support/FakeStored.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 
 #include <gtest/gtest.h>
 
 // A stored object that holds nothing but its mark and a number.
-class MarkedObj final : public CVelumStored {
+class MarkedObj final : public FakeStored {
 public:
   explicit MarkedObj(qint32 aNum = 0) : iNum(aNum) {}
   [[nodiscard]] QString ObjDescr() const override { return u"MarkedObj "_s + QString::number(iNum); }
@@ -40,6 +41,9 @@ public:
   void Internalize(CVelumFile&) override {}
   void Externalize(CVelumFile&) override {}
   [[nodiscard]] qint64 ExtLen() const override { return 0; }
+  [[nodiscard]] QStringView XmlTag() const override { return u"ReverseOrder"; }
+  void InternalizeXml(CVelumXmlParser&) override {}
+  void ExternalizeXml(CVelumXmlWriter&) override {}
 };
 
 inline TVelumElem IntElem(qint32 aVal) {

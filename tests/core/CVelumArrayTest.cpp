@@ -287,8 +287,8 @@ TEST_F(CVelumArrayTest, BulkChecksElementsAndDuplicates) {
 }
 
 TEST_F(CVelumArrayTest, IsTheArrayElementInXml) {
-  EXPECT_TRUE(CVelumArray::IsInXml(u"Array"_s));
-  EXPECT_FALSE(CVelumArray::IsInXml(u"array"_s));
+  EXPECT_TRUE(CVelumArray().IsInXml(u"Array"_s));
+  EXPECT_FALSE(CVelumArray().IsInXml(u"array"_s));
 }
 
 } // namespace

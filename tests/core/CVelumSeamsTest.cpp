@@ -2,16 +2,14 @@
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 
+#include "support/FakeStored.h"
 #include <gtest/gtest.h>
 
 namespace {
 
-class CThing final : public CVelumStored {
+class CThing final : public FakeStored {
 public:
   [[nodiscard]] QString ObjDescr() const override { return u"CThing"_s; }
-  void Internalize(CVelumFile&) override {}
-  void Externalize(CVelumFile&) override {}
-  [[nodiscard]] qint64 ExtLen() const override { return 0; }
 };
 
 struct CSink final : CVelumChangeSink {

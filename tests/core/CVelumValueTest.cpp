@@ -8,6 +8,7 @@
 #include "support/Raised.h"
 
 #include <cmath>
+#include "support/FakeStored.h"
 #include <gtest/gtest.h>
 
 namespace {
@@ -23,12 +24,9 @@ TVelumFieldInfo Field(int aConType, qint16 aDigits = ENoShort) {
   return {aConType, aDigits};
 }
 
-class CThing final : public CVelumStored {
+class CThing final : public FakeStored {
 public:
   [[nodiscard]] QString ObjDescr() const override { return u"CThing"_s; }
-  void Internalize(CVelumFile&) override {}
-  void Externalize(CVelumFile&) override {}
-  [[nodiscard]] qint64 ExtLen() const override { return 0; }
 };
 
 class CVelumValueTest : public testing::Test {

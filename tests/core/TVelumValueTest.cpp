@@ -1,19 +1,17 @@
 #include "core/TVelumValue.h"
 #include "support/PrintQt.h"
 
+#include "support/FakeStored.h"
 #include <gtest/gtest.h>
 #include <utility>
 
 namespace {
 
-class CThing final : public CVelumStored {
+class CThing final : public FakeStored {
 public:
   explicit CThing(int& aAlive) : iAlive(aAlive) { ++iAlive; }
   ~CThing() override { --iAlive; }
   [[nodiscard]] QString ObjDescr() const override { return u"CThing"_s; }
-  void Internalize(CVelumFile&) override {}
-  void Externalize(CVelumFile&) override {}
-  [[nodiscard]] qint64 ExtLen() const override { return 0; }
 
 private:
   int& iAlive;

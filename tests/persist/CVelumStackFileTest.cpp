@@ -152,19 +152,6 @@ TEST_F(CVelumStackFileTest, TellsTheFormats) {
   EXPECT_TRUE(iFolder.Has(u"none"_s)) << "asking makes the file";
 }
 
-TEST_F(CVelumStackFileTest, XmlIsRefusedForNow) {
-  QString path = iFolder.Write(u"a"_s, "<Stack/>");
-  EXPECT_THROW(CVelumStackFile(path).LoadStack(iStack, iView), CVelumException);
-  EXPECT_EQ(gLastError.iMsgId, EMsgNotAOrvelle);
-  EXPECT_TRUE(gLastError.iP0.contains(u"XML"_s));
-  Load(u"good/one_card.Orvelle"_s);
-  iStack->SetFlag(EStaBinary, false);
-  EXPECT_THROW(Save(iPath), CVelumException);
-  CVelumMsg::ShowLastError();
-  EXPECT_EQ(iPresenter.LastMsg(), EMsgCouldNotSave);
-  EXPECT_EQ(iFolder.Read(u"t.Orvelle"_s), ReadData(u"good/one_card.Orvelle"_s));
-}
-
 TEST_F(CVelumStackFileTest, LoadSetsTheBinaryFlag) {
   QByteArray bytes = ReadData(u"good/one_card.Orvelle"_s);
   Load(u"good/one_card.Orvelle"_s);
