@@ -154,13 +154,16 @@ TEST(CVelumConvertCommand, AFailedSaveLeavesNothingBehind) {
   EXPECT_TRUE(QDir(folder.Path()).isEmpty());
 }
 
-TEST(CVelumConvertCommand, XmlIsRefusedUntilItComes) {
+TEST(CVelumConvertCommand, ToXmlAndBackIsTheSameFile) {
   const TempFolder folder;
-  const TCliResult result = CliRun::Run({u"convert"_s, CliRun::Data(u"one_card.Orvelle"_s),
-                                         folder.Path(u"out.xml"_s), u"--format"_s, u"xml"_s});
-  EXPECT_EQ(result.iStatus, 1);
-  EXPECT_TRUE(result.iErr.contains("XML stacks come with a later version")) << result.iErr.toStdString();
-  EXPECT_TRUE(QDir(folder.Path()).isEmpty());
+  const QString xml = folder.Path(u"out.xml"_s);
+  const QString back = folder.Path(u"back.Orvelle"_s);
+  const QString in = CliRun::Data(u"one_card.Orvelle"_s);
+  EXPECT_EQ(CliRun::Run({u"convert"_s, in, xml, u"--format"_s, u"xml"_s}).iStatus, 0);
+  EXPECT_TRUE(
+      folder.Read(u"out.xml"_s).startsWith("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<VelumStack>"));
+  EXPECT_EQ(CliRun::Run({u"convert"_s, xml, back, u"--format"_s, u"binary"_s}).iStatus, 0);
+  EXPECT_EQ(folder.Read(u"back.Orvelle"_s), Bytes(in));
 }
 
 TEST(CVelumConvertCommand, AFailedLoadLeavesTheOutputAsItWas) {
