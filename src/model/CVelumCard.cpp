@@ -226,9 +226,9 @@ void CVelumCard::InternalizeXml(CVelumXmlParser& aParser) {
   iModTime = NormalTime(aParser.IntAttr(u"modTime"_s));
   const TXmlExtras extras = ReadExtrasAttr(aParser);
   ReadExtrasXml(aParser, extras);
-  aParser.ReadChild(*iValue, *this, u"InternalizeXml iValue"_s);
+  aParser.ReadChild(iValue, *this, u"InternalizeXml iValue"_s);
   aParser.ReadTheNext(u"Card"_s, true);
-  const bool keyedByInt = (iValue->Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
+  const bool keyedByInt = (iValue.Flags() & (EArrStrKey | EArrIntKey)) == EArrIntKey;
   CVelumError::ThrowBadStruct(keyedByInt, this, u"CVelumCard.InternalizeXml"_s, u"value"_s);
   iChanged = false;
 }
@@ -250,6 +250,6 @@ void CVelumCard::ExternalizeXml(CVelumXmlWriter& aWriter) {
   WriteExtrasAttr(aWriter);
   aWriter.BeginStruct();
   WriteExtrasXml(aWriter);
-  iValue->ExternalizeXml(aWriter);
+  iValue.ExternalizeXml(aWriter);
   aWriter.EndElem(u"Card"_s);
 }
