@@ -6,24 +6,35 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMimeDatabase>
 #include <QProcess>
 #include <gtest/gtest.h>
 
 namespace {
 
-// Asks as the file manager does, with our description beside that of the system.
+// Asks as the file manager does where our description is installed beside that of the system.
 class MimeTypeTest : public testing::Test {
 protected:
   MimeTypeTest() {
     EXPECT_TRUE(QDir().mkpath(iFolder.Path(u"mime/packages"_s)));
-    EXPECT_TRUE(QFile::copy(QStringLiteral(ORVELLES_SOURCE "/packaging/orvelles-mime.xml"),
-                            iFolder.Path(u"mime/packages/orvelles.xml"_s)));
+    Install(QStringLiteral(ORVELLES_SOURCE "/packaging/orvelles-mime.xml"));
+    Install(u"/usr/share/mime/packages/freedesktop.org.xml"_s);
     EXPECT_EQ(QProcess::execute(u"update-mime-database"_s, {iFolder.Path(u"mime"_s)}), 0);
-    qputenv("XDG_DATA_HOME", iFolder.Path(u"."_s).toLocal8Bit());
+    qputenv("XDG_DATA_HOME", iFolder.Path().toLocal8Bit());
+    qputenv("XDG_DATA_DIRS", iFolder.Path().toLocal8Bit());
   }
-  ~MimeTypeTest() override { qunsetenv("XDG_DATA_HOME"); }
+  ~MimeTypeTest() override {
+    qunsetenv("XDG_DATA_HOME");
+    if (iDataDirs.isNull())
+      qunsetenv("XDG_DATA_DIRS");
+    else
+      qputenv("XDG_DATA_DIRS", iDataDirs);
+  }
 
+  void Install(const QString& aPath) const {
+    EXPECT_TRUE(QFile::copy(aPath, iFolder.Path(u"mime/packages/"_s + QFileInfo(aPath).fileName())));
+  }
   static QString OfContent(const QByteArray& aContent) {
     return QMimeDatabase().mimeTypeForFileNameAndData(u"x.Orvelle"_s, aContent).name();
   }
@@ -34,6 +45,7 @@ protected:
   }
 
   TempFolder iFolder;
+  QByteArray iDataDirs = qgetenv("XDG_DATA_DIRS");
 };
 
 } // namespace
