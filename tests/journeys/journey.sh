@@ -66,6 +66,14 @@ open_program() {
 press() { xdotool key --delay 30 "$@"; }
 type_text() { xdotool type --delay 30 "$1"; }
 
+# go_to CARD: leafs from the first card to that one.
+go_to() {
+  local place
+  place=$("$cli" cards "$stack" | cut -f 1 | grep -nxF "$1" | head -n 1 | cut -d : -f 1)
+  [ -n "$place" ] || fail "there is no card $1"
+  for ((; place > 1; --place)); do press ctrl+Next; done
+}
+
 # The program ends by itself, with status 0.
 expect_end() {
   until_true 20 "the program goes on" eval "! kill -0 $program 2>/dev/null"
