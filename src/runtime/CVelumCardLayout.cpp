@@ -317,9 +317,6 @@ void CVelumCardLayout::PlacePicture(TPlace& aPlace) {
   box.SetSize(ClampWidth(AvgWidth(control) + CVelumSeams::Metrics().iFieldGapX), aPlace.iHeight);
   Bind(control, box);
   box.SetBackColor(control.BackColor());
-  // Showing pictures comes with their import.
-  box.SetPlaceholder(u"Picture"_s);
-  box.SetEnabled(false);
 }
 
 void CVelumCardLayout::PlaceButton(TPlace& aPlace) {

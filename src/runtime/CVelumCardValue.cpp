@@ -4,9 +4,11 @@
 #include "runtime/CVelumCardView.h"
 #include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumListBox.h"
+#include "runtime/CVelumPictureLib.h"
 #include "toolkit/CVelumBaseCheckBox.h"
 #include "toolkit/CVelumBaseComboBox.h"
 #include "toolkit/CVelumBaseLabel.h"
+#include "toolkit/CVelumBasePictureBox.h"
 #include "toolkit/CVelumBaseRichTextBox.h"
 
 #include <QScopedValueRollback>
@@ -88,9 +90,8 @@ TVelumValue ComboVal(const CVelumControl& aControl, const CVelumBaseControl& aBa
   return CVelumValue::ExtTextToVal(aBase.Text(), aControl.FieldInfo());
 }
 
-// Whether ShowValues shows the value of a field. Pictures show none until their boxes do.
+// Whether ShowValues shows the value of a field.
 bool IsShown(const CVelumControl& aControl) {
-  if (aControl.ConType() == EConPicture) return false;
   return aControl.Flag(EConComboList) || (aControl.ConType() != EConCommand && aControl.InCardView());
 }
 
@@ -146,12 +147,19 @@ void CVelumCardView::SetBaseControlVal(CVelumControl& aControl, const TVelumValu
     aControl.SetList(aCard.Stack(), TextOf(aControl, aVal, u"aVal.iType"_s), aControl.Flag(EConCardList));
     break;
   case EBasePictureBox:
-    if (aVal.Type() != EValUndef)
-      CVelumError::AssertObj(aVal.Type() == EValBlobId, &aControl, gSet, u"EValBlobId"_s);
+    ShowPicture(aControl, static_cast<CVelumBasePictureBox&>(*base), aVal);
     break;
   default:
     CVelumError::AssertObj(false, &aControl, gSet, u"SetBaseControlVal iBaseType"_s);
   }
+}
+
+void CVelumCardView::ShowPicture(const CVelumControl& aControl, CVelumBasePictureBox& aBox,
+                                 const TVelumValue& aVal) {
+  if (aVal.Type() != EValUndef)
+    CVelumError::AssertObj(aVal.Type() == EValBlobId, &aControl, gSet, u"EValBlobId"_s);
+  const Ref<CVelumBlobStore> store = iStack->BlobStore();
+  if (store) CVelumLib::ShowPictureBlob(*store, aBox, aVal.Type() == EValUndef ? ENoInt : aVal.Int());
 }
 
 void CVelumCardView::ShowCombo(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard) {

@@ -4,6 +4,7 @@
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumPictureLib.h"
 #include "toolkit/CVelumBaseLabel.h"
 #include "toolkit/CVelumBasePictureBox.h"
 #include "toolkit/CVelumWinMan.h"
@@ -185,13 +186,8 @@ void CVelumCardView::ShowMenuCommand(int aNum) {
 }
 
 void CVelumCardView::ReleasePicture(CVelumBaseControl& aBox) {
-  if (aBox.Tag().isEmpty()) return;
-  const qint32 id = aBox.Tag().toInt();
-  aBox.SetTag({});
-  Ref<CVelumBlobStore> store = iStack->BlobStore();
-  if (!store || !store->HasBlob(id)) return;
-  Ref<CVelumBlob> blob = store->ReadBlob(id, false);
-  if (blob) store->DecDynRefCount(blob);
+  const Ref<CVelumBlobStore> store = iStack->BlobStore();
+  if (store) CVelumLib::ReleasePictureBlob(*store, static_cast<CVelumBasePictureBox&>(aBox));
 }
 
 void CVelumCardView::DrawWallPaper(const CVelumCard& aCard) {
@@ -201,8 +197,9 @@ void CVelumCardView::DrawWallPaper(const CVelumCard& aCard) {
   auto& box = CVelumChecked::Deref(dynamic_cast<CVelumBasePictureBox*>(form.FindControl(u"fWallPaperBox"_s)));
   const qint32 id = set->WallPaperId();
   const bool held = !box.Tag().isEmpty() && box.Tag().toInt() == id;
+  const bool failed = id != ENoInt && iWallPaperId == id && box.Picture().isNull();
   form.update();
-  if (held) return;
+  if (held || failed) return;
   ReleasePicture(box);
   if (id == ENoInt) {
     box.SetPicture({});
@@ -213,17 +210,20 @@ void CVelumCardView::DrawWallPaper(const CVelumCard& aCard) {
 }
 
 void CVelumCardView::HoldWallPaper(CVelumBasePictureBox& aBox, qint32 aId) {
-  const Ref<CVelumBlob> blob = CVelumChecked::Deref(iStack->BlobStore()).ReadBlob(aId, false);
-  if (!blob) return;
+  CVelumBlobStore& store = CVelumChecked::Deref(iStack->BlobStore());
   // A layout empties the tag, but the picture is still there.
-  if (iWallPaperId != aId) {
-    QPixmap picture;
-    picture.loadFromData(blob->Bytes());
-    aBox.SetPicture(picture);
-    iWallPaperId = aId;
+  if (iWallPaperId == aId && store.HasBlob(aId)) {
+    store.ReadBlob(aId, false)->IncDynRefCount();
+    aBox.SetTag(QString::number(aId));
+    return;
   }
-  blob->IncDynRefCount();
-  aBox.SetTag(QString::number(aId));
+  CVelumLib::ShowPictureBlob(store, aBox, aId);
+  iWallPaperId = aId;
+  if (!aBox.Picture().isNull()) return;
+  // Told once, when the card stands.
+  QMetaObject::invokeMethod(
+      &ViewForm(), [] { CVelumSeams::Presenter().Tell(u"The wallpaper cannot be read."_s); },
+      Qt::QueuedConnection);
 }
 
 void CVelumCardView::PaintWallPaper(QPainter& aPainter, const CVelumCard& aCard) {

@@ -66,6 +66,7 @@ private:
   void SetTabOrder(CVelumGenForm& aForm);
   void HoldWallPaper(CVelumBasePictureBox& aBox, qint32 aId);
   void ReleasePicture(CVelumBaseControl& aBox);
+  void ShowPicture(const CVelumControl& aControl, CVelumBasePictureBox& aBox, const TVelumValue& aVal);
   void ShowCombo(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard);
 
   Ref<CVelumStack> iStack;

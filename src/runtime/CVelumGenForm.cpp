@@ -2,6 +2,7 @@
 
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumFrameHost.h"
+#include "runtime/CVelumPictureLib.h"
 #include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
 #include "toolkit/CVelumBaseButton.h"
@@ -50,6 +51,14 @@ const TPool& PoolOf(EBase aKind) {
   return gPools[static_cast<size_t>(aKind)];
 }
 
+CVelumBaseControl* NewPictureBox(const QString& aName, CVelumGenForm& aForm) {
+  auto* box = new CVelumBasePictureBox(aName, &aForm, &aForm);
+  box->SetInteractive();
+  QObject::connect(box, &CVelumBasePictureBox::Offered, &aForm,
+                   [&aForm, box](const QMimeData& aData) { aForm.TakeOffer(*box, aData); });
+  return box;
+}
+
 CVelumBaseControl* NewBase(EBase aKind, const QString& aName, CVelumGenForm& aForm) {
   switch (aKind) {
   case EBaseTextBox:
@@ -67,7 +76,7 @@ CVelumBaseControl* NewBase(EBase aKind, const QString& aName, CVelumGenForm& aFo
   case EBaseLabel:
     return new CVelumBaseLabel(aName, &aForm);
   case EBasePictureBox:
-    return new CVelumBasePictureBox(aName, &aForm, &aForm);
+    return NewPictureBox(aName, aForm);
   case EBaseLine:
     break;
   }
@@ -211,13 +220,23 @@ void CVelumGenForm::OnChange(CVelumBaseControl& aBase, bool&) {
 }
 
 void CVelumGenForm::OnClick(CVelumBaseControl& aBase, bool&) {
-  if (aBase.Kind() != EBasePictureBox) {
-    gStackView->BaseObjClick(&aBase);
-    return;
-  }
-  // A click on the progress display stops the running script; on a picture it will change its size.
+  // A click on the progress display stops the running script.
   const bool progress = aBase.Name() == u"fProgress" || aBase.Name() == u"fProgressBox";
-  if (progress && gScriptRunner) gScriptRunner->Break();
+  if (aBase.Kind() != EBasePictureBox)
+    gStackView->BaseObjClick(&aBase);
+  else if (!progress)
+    CVelumLib::TogglePictureFit(static_cast<CVelumBasePictureBox&>(aBase));
+  else if (gScriptRunner)
+    gScriptRunner->Break();
+}
+
+void CVelumGenForm::TakeOffer(CVelumBasePictureBox& aBox, const QMimeData& aData) {
+  CVelumGuard::Run(u"CVelumGenForm.TakeOffer"_s, [&] {
+    const CVelumCardView* view = gStackView ? gStackView->CardView() : nullptr;
+    if (!view || !view->IsVelumControl(&aBox)) return;
+    const Ref<CVelumControl> control = view->VelumControl(&aBox);
+    CVelumLib::ImportPicture(*control, aData);
+  });
 }
 
 void CVelumGenForm::OnCheckClick(CVelumBaseControl& aBase, bool&) {

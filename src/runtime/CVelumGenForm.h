@@ -10,6 +10,7 @@
 #include <QWidget>
 
 class CVelumBasePictureBox;
+class QMimeData;
 
 // Holds no logic: all events go to gStackView. Pool members are named by a prefix of their kind and a number
 // from 0, such as "fGenTextBox0"; besides them there are "fProgressBox" with "fProgress" inside it,
@@ -50,6 +51,9 @@ public:
 
   // Goes to a card that was chosen in the window for it.
   void SetCard(int aTag, const Ref<CVelumCard>& aCard) override;
+
+  // Imports what was dropped on a picture box or pasted into it.
+  void TakeOffer(CVelumBasePictureBox& aBox, const QMimeData& aData);
 
   void BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) override;
 

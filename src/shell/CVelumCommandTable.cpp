@@ -29,9 +29,9 @@ constexpr TVelumCommand EMenus[] = {
     {u"fDeleteCard", Stack, u""},
     {u"fEmptyStack", Stack, u""},
     {u"fEditCard", Stack, u"CVelumCardEdit"},
-    {u"fPicture", Picture, u"CVelumPictureViewer"},
-    {u"fImportPicFile", Stack, u"CVelumPictureViewer"},
-    {u"fShowPicture", Picture, u"CVelumPictureViewer"},
+    {u"fPicture", Picture, u""},
+    {u"fImportPicFile", Stack, u""},
+    {u"fShowPicture", Picture, u""},
     {u"fEditField", Field, u"CVelumControlEdit"},
     {u"fOptions", Nothing, u"CVelumOptionEdit"},
     {u"fHelp", Nothing, u""},
@@ -55,12 +55,12 @@ constexpr TVelumCommand EToolbar[] = {
     {u"EditControls", Stack, u"CVelumControlEdit"},
 };
 
-Ref<CVelumControl> FocusedControl() {
-  CVelumCardView* view = gStackView ? gStackView->CardView() : nullptr;
+} // namespace
+
+Ref<CVelumControl> CVelumCommandTable::FocusedControl() {
+  const CVelumCardView* view = gStackView ? gStackView->CardView() : nullptr;
   return view ? view->FocusControl() : nullptr;
 }
-
-} // namespace
 
 std::span<const TVelumCommand> CVelumCommandTable::Menus() {
   return EMenus;

@@ -1,7 +1,7 @@
 // Which commands of the main window can be used when.
 #pragma once
 
-#include "core/CVelumObject.h"
+#include "model/CVelumControl.h"
 
 #include <span>
 
@@ -20,6 +20,8 @@ namespace CVelumCommandTable {
 [[nodiscard]] std::span<const TVelumCommand> Menus();
 // The toolbar buttons in order, by key.
 [[nodiscard]] std::span<const TVelumCommand> Toolbar();
+// The field that has the focus in the card window, or nothing.
+[[nodiscard]] Ref<CVelumControl> FocusedControl();
 // Whether what the command needs is there.
 [[nodiscard]] bool IsMet(EVelumNeed aNeed);
 // Whether the window that the command works with exists in this program.

@@ -36,7 +36,7 @@ QString Literal(QString aCaption) {
 } // namespace
 
 CVelumFrame::CVelumFrame()
-    : CVelumForm(u"CVelumFrame"_s, true), iUi(new Ui::CVelumFrame), iCommands(*this),
+    : CVelumForm(u"CVelumFrame"_s, true), iUi(new Ui::CVelumFrame), iCommands(*this), iPictureCommands(*this),
       iEndProcess([] { QCoreApplication::exit(0); }) {
   iUi->setupUi(this);
   setAnimated(false);
@@ -86,6 +86,8 @@ void CVelumFrame::ConnectMenus() {
   onIdle(iUi->fCloseStack, [this] { iCommands.CloseStack(); });
   onIdle(iUi->fDeleteCard, [this] { iCommands.DeleteCard(); });
   onIdle(iUi->fEmptyStack, [this] { iCommands.EmptyStack(); });
+  on(iUi->fImportPicFile, [this] { iPictureCommands.ImportPicFile(); });
+  on(iUi->fShowPicture, [this] { ShowPicture(); });
   on(iUi->fHelp, [this] { CVelumMsg::ShowHelp(Name(), {}); });
   on(iUi->fClose, [this] { close(); });
   on(iUi->fSize, [this] { SetPhoneSize(); });
@@ -329,7 +331,7 @@ QWidget* CVelumFrame::ShowForm(const QString& aName) {
 }
 
 void CVelumFrame::ShowPicture() {
-  // The picture viewer comes later.
+  iPictureCommands.ShowPicture();
 }
 
 void CVelumFrame::AddToFileHistory(const QString& aPath) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/CVelumFrameHost.h"
+#include "shell/CVelumPictureCommands.h"
 #include "shell/CVelumScriptBar.h"
 #include "shell/CVelumStackCommands.h"
 #include "toolkit/CVelumForm.h"
@@ -74,6 +75,7 @@ private:
   std::unique_ptr<Ui::CVelumFrame> iUi;
   QString iTitle; // the caption as designed
   CVelumStackCommands iCommands;
+  CVelumPictureCommands iPictureCommands;
   std::function<void()> iEndProcess;
   CVelumScriptBar* iScriptBar = nullptr;
   QAction* iShowCardList = nullptr;

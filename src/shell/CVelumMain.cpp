@@ -10,6 +10,7 @@
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumHelpKeys.h"
 #include "shell/CVelumOptions.h"
+#include "shell/CVelumPictureViewer.h"
 #include "shell/CVelumShellPresenter.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumToolkitPump.h"
@@ -42,6 +43,7 @@ void InitLibraries() {
   CVelumOptions::LoadOptions();
   CVelumWinMan::InitWinMan();
   CVelumLib::InitRuntime();
+  CVelumWinMan::SetFactory(u"CVelumPictureViewer"_s, [] { return new CVelumPictureViewer; });
   gCompiler = MakeRef<CVelumCompiler>();
   // Whoever starts the program may have put another one in.
   if (!gScriptRunner) gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();

@@ -8,6 +8,7 @@
 #include "shell/CVelumMain.h"
 #include "shell/CVelumMsgForm.h"
 #include "shell/CVelumSave.h"
+#include "toolkit/CVelumWinMan.h"
 
 #include <QApplication>
 #include <QDir>
@@ -52,10 +53,21 @@ bool WriteBoxes(const QString& aStem, const QString& aEnding) {
   return good;
 }
 
+// The picture of the card in full, where it has one.
+bool WriteViewer(const QString& aStem, const QString& aEnding) {
+  gFrame->ShowPicture();
+  if (!CVelumWinMan::FormIsLoaded(u"CVelumPictureViewer"_s)) return true;
+  QWidget* viewer = CVelumWinMan::NameToForm(u"CVelumPictureViewer"_s)->Widget();
+  const bool good = Grab(*viewer, aStem + u"picture"_s + aEnding);
+  viewer->close();
+  return good;
+}
+
 bool WriteAll(const QString& aStem, const QString& aEnding) {
   bool good = Grab(*gFrame, aStem + u"main"_s + aEnding);
   Ref<CVelumCard> card;
-  if (gStackView && gStackView->OrderLast(card)) good = Grab(*gFrame, aStem + u"last"_s + aEnding) && good;
+  if (gStackView && gStackView->OrderLast(card))
+    good = Grab(*gFrame, aStem + u"last"_s + aEnding) && WriteViewer(aStem, aEnding) && good;
   if (gStackView) static_cast<void>(gStackView->OrderFirst(card));
   return WriteBoxes(aStem, aEnding) && good;
 }
