@@ -1,8 +1,9 @@
 #include "cli/CVelumCommands.h"
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
-  static const QList<const TVelumCommand*> all{&Info(),    &Check(),      &Convert(), &Search(), &Cards(),
-                                               &Compile(), &RunMessage(), &Render(),  &Wiki()};
+  static const QList<const TVelumCommand*> all{&Info(),  &Check(),        &Convert(),    &Search(),
+                                               &Cards(), &Compile(),      &RunMessage(), &Render(),
+                                               &Wiki(),  &ImportPicture()};
   return all;
 }
 

@@ -15,6 +15,7 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& RunMessage();
 [[nodiscard]] const TVelumCommand& Render();
 [[nodiscard]] const TVelumCommand& Wiki();
+[[nodiscard]] const TVelumCommand& ImportPicture();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();
