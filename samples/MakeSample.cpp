@@ -1,4 +1,5 @@
 // Makes the sample stack from the facts in the folder data.
+#include "SampleCharts.h"
 #include "SampleData.h"
 #include "SampleLayout.h"
 #include "SampleScripts.h"
@@ -79,9 +80,10 @@ QString WelcomeText(qsizetype aCountries, qsizetype aMountains, qsizetype aRiver
          u"country has a lake that turns pink? Which mountain was never climbed?\r\n\r\n"
          u"Every value can be changed. Give a mountain another height, and its card moves to its new place: "
          u"mountains and rivers are kept sorted.\r\n\r\n"
-         u"The guide tells more, in pages with links. In the workshop a few scripts show what a stack can do "
-         u"by "
-         u"itself."_s.arg(aCountries)
+         u"The charts are pictures: a click fits one into its place, a double click shows it in full. The "
+         u"guide "
+         u"tells more, in pages with links. In the workshop a few scripts show what a stack can do by itself."_s
+             .arg(aCountries)
              .arg(aMountains)
              .arg(aRivers);
 }
@@ -116,6 +118,8 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   const TMountainLayout mountain = SampleLayout::Mountains(*stack);
   const TRiverLayout river = SampleLayout::Rivers(*stack);
   const TStartLayout workshop = SampleLayout::Workshop(*stack);
+  const TChartLayout chart = SampleLayout::Charts(*stack);
+  SampleCharts::AddWallPaper(*stack, *chart.iBackground);
   SampleScripts::AddTo(*stack, *workshop.iBackground);
   const TStartLayout guide = SampleLayout::Guide(*stack);
   SampleScripts::AddLeap(*guide.iBackground->FindControl(guide.iText));
@@ -137,6 +141,7 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   for (const TCountry& each : countries) AddCountry(*stack, country, each);
   for (const TMountain& each : mountains) AddMountain(*stack, mountain, each);
   for (const TRiver& each : rivers) AddRiver(*stack, river, each);
+  SampleCharts::AddTo(*stack, chart, countries);
 
   Ref<CVelumCard> card;
   qint32 index = 0;
@@ -144,9 +149,12 @@ Ref<CVelumStack> MakeStack(const QString& aFolder) {
   for (const auto& [name, set] : {std::pair{u"Guide"_s, guide.iBackground},
                                   {u"Countries"_s, country.iBackground},
                                   {u"Mountains"_s, mountain.iBackground},
-                                  {u"Rivers"_s, river.iBackground}}) {
+                                  {u"Rivers"_s, river.iBackground},
+                                  {u"Charts"_s, chart.iBackground}}) {
+    // The first card has no room for another button, so that the workshop leads to the charts.
+    CVelumControlSet& from = set == chart.iBackground ? *workshop.iBackground : *start.iBackground;
     if (stack->GetFirstCardInBackground(set->Id(), card, index))
-      SampleLayout::AddGoTo(*stack, *start.iBackground, name, card->Id());
+      SampleLayout::AddGoTo(*stack, from, name, card->Id());
     SampleLayout::AddLeafing(*stack, *set);
     SampleLayout::AddGoTo(*stack, *set, u"Start"_s, first->Id());
   }

@@ -170,6 +170,19 @@ TRiverLayout SampleLayout::Rivers(CVelumStack& aStack) {
   return layout;
 }
 
+TChartLayout SampleLayout::Charts(CVelumStack& aStack) {
+  TChartLayout layout;
+  layout.iBackground =
+      NewBackground(aStack, u"Chart"_s, u"Pictures: a click shows all of one, a double click opens it."_s,
+                    Rgb(240, 238, 230));
+  CVelumControlSet& set = *layout.iBackground;
+  const Ref<CVelumControl> chart = AddField(aStack, set, u"Chart"_s, EConPicture, {40, ENoShort, false});
+  chart->SetVisLines(12);
+  layout.iChart = chart->Id();
+  layout.iLegend = AddNotes(aStack, set, u"Legend"_s)->Id();
+  return layout;
+}
+
 void SampleLayout::AddGoTo(CVelumStack& aStack, CVelumControlSet& aBackground, const QString& aName,
                            qint32 aCardId) {
   const Ref<CVelumControl> button = AddButton(aStack, aBackground, aName, EStdGoToCard);

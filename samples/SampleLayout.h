@@ -24,6 +24,11 @@ struct TRiverLayout {
   qint32 iLength, iMouth, iCountries, iNotes;
 };
 
+struct TChartLayout {
+  Ref<CVelumControlSet> iBackground;
+  qint32 iChart, iLegend;
+};
+
 namespace SampleLayout {
 
 // Colours of the cards by continent; ENoInt for a name that is none.
@@ -35,6 +40,7 @@ namespace SampleLayout {
 [[nodiscard]] TCountryLayout Countries(CVelumStack& aStack);
 [[nodiscard]] TMountainLayout Mountains(CVelumStack& aStack);
 [[nodiscard]] TRiverLayout Rivers(CVelumStack& aStack);
+[[nodiscard]] TChartLayout Charts(CVelumStack& aStack);
 
 // A button at the bottom of a background's cards that goes to a card.
 void AddGoTo(CVelumStack& aStack, CVelumControlSet& aBackground, const QString& aName, qint32 aCardId);

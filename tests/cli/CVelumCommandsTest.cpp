@@ -238,7 +238,7 @@ TEST(Sample, IsSoundAndRich) {
   EXPECT_EQ(check.iStatus, 0) << check.iOut.toStdString() << check.iErr.toStdString();
   const QJsonObject facts = Json({u"info"_s, CliRun::Sample()});
   EXPECT_GT(facts[u"cards"_s].toInt(), 300);
-  EXPECT_EQ(facts[u"backgrounds"_s].toArray().size(), 6);
+  EXPECT_EQ(facts[u"backgrounds"_s].toArray().size(), 7);
   EXPECT_EQ(facts[u"backgrounds"_s][1][u"cards"_s].toInt(), 195);
   EXPECT_TRUE(facts[u"backgrounds"_s][2][u"keptSorted"_s].toBool());
 }
