@@ -61,6 +61,12 @@ void CVelumCardSelect::SelectCard(QWidget* aOwner, const Ref<CVelumControlSet>& 
   iTag = aTag;
   {
     const QScopedValueRollback loading(iLoading, true);
+    int index = -1;
+    bool found = false;
+    iBackgroundBox->GetObjIndex(aBackground.Get(), index, found);
+    // One that was made after the window was loaded.
+    if (aBackground && !found)
+      CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, nullptr);
     if (aBackground) iBackgroundBox->SetSelIndexByObj(aBackground.Get());
   }
   iUi->fBackgroundCombo->setEnabled(!aBackground);
@@ -71,9 +77,11 @@ void CVelumCardSelect::Select() {
   auto* taker = dynamic_cast<CVelumCardTaker*>(iOwner.data());
   // The card may have left its stack since it was chosen.
   if (!taker || !iCard || !iCard->Stack()) return;
-  QWidget* owner = iOwner;
+  const QPointer<QWidget> owner = iOwner;
   iOwner = nullptr;
   CVelumGuard::Run(u"CVelumCardSelect.Select"_s, [&] { taker->SetCard(iTag, iCard); });
+  // It may have closed itself.
+  if (!owner) return;
   owner->raise();
   owner->activateWindow();
 }

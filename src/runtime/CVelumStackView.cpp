@@ -324,7 +324,9 @@ void CVelumStackView::DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlS
   iStack->DeleteCard(aCard);
   if (iCardListOpen) OpenCardList();
   iStack->SetCardListsDirty(nullptr);
-  if (iCurCard) iCurCard->UpdateCardLists();
+  RenewCardLists();
+  // There is a card less, and the current one may have moved up.
+  ShowTitle();
 }
 
 void CVelumStackView::LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude) {
@@ -353,6 +355,7 @@ void CVelumStackView::DeleteBackground(const Ref<CVelumControlSet>& aBackground,
   // The other cards go without a word from here, and no way may lead back to them.
   iHistory.RemoveBackground(aBackground->Id());
   iStack->DeleteBackground(aBackground, aOnlyCards);
+  ShowTitle();
   RefreshViews(false, true);
 }
 

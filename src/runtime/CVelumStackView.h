@@ -142,6 +142,8 @@ private:
   void CloseLines();
   [[nodiscard]] bool TakeValue(CVelumControl& aControl);
   void ShowStored(CVelumControl& aControl);
+  // Computes the current card's lists of other cards and shows its values.
+  void RenewCardLists();
   void ClickCheckBox(CVelumBaseControl& aObj);
   void ClickText(CVelumBaseRichTextBox& aObj);
   void EditWikiText(const CVelumBaseControl& aObj);

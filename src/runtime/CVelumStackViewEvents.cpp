@@ -39,16 +39,19 @@ void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, con
       ShowStored(*control);
     newTitle = control && control->Flag(EConCardName);
   }
-  if (iCurCard && iCurCard->Dirty()) {
-    iCurCard->UpdateCardLists();
-    if (iCardViewOpen) {
-      const QScopedValueRollback noChange(iNoChange, true);
-      // What the user is typing has not been taken yet and stays.
-      iCardView->ShowValues(*iCurCard, iCurObjChanged ? iCurObj.data() : nullptr);
-    }
-  }
+  if (iCurCard && iCurCard->Dirty()) RenewCardLists();
   if (newTitle) ShowTitle();
   UpdateLine(*aCard);
+}
+
+void CVelumStackView::RenewCardLists() {
+  if (!iCurCard) return;
+  iCurCard->UpdateCardLists();
+  // A layout that failed has fields without a place.
+  if (!iCardViewOpen || iFailedSet) return;
+  const QScopedValueRollback noChange(iNoChange, true);
+  // What the user is typing has not been taken yet and stays.
+  iCardView->ShowValues(*iCurCard, iCurObjChanged ? iCurObj.data() : nullptr);
 }
 
 bool CVelumStackView::Bound(const CVelumBaseControl* aObj) const {

@@ -4,6 +4,7 @@
 #include "toolkit/CVelumBaseCheckBox.h"
 #include "toolkit/CVelumBasePictureBox.h"
 
+#include <QAbstractItemView>
 #include <QBuffer>
 #include <QTest>
 #include <QTextEdit>
@@ -76,6 +77,22 @@ TEST_F(CVelumCardLayoutTest, AValueNeverGoesPastTheRightMarginButAButtonMay) {
   Open();
   EXPECT_EQ(Base(field).Width(), 6000 - 440 - 20);
   EXPECT_EQ(Base(button).Width(), 2 * 130 + 200 * 100);
+}
+
+TEST_F(CVelumCardLayoutTest, EachKindOfValueEndsAtTheRightMargin) {
+  const auto rich = AddField(iSet, u"Rich"_s, EConText);
+  rich->SetVisLines(2);
+  const auto combo = AddField(iSet, u"Town"_s, EConText, EConComboText);
+  const auto choices = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+  combo->SetPartnerId(choices->Id());
+  choices->SetPartnerId(combo->Id());
+  const auto list = AddField(iSet, u"List"_s, EConList);
+  const auto picture = AddField(iSet, u"Pict"_s, EConPicture);
+  for (const auto& field : {rich, combo, list, picture}) field->SetVisChar(32000);
+  AddCard(u"a"_s);
+  Open();
+  for (const auto& field : {rich, combo, list, picture})
+    EXPECT_EQ(Base(field).Left() + Base(field).Width(), 6000 - 20) << field->Name().toStdString();
 }
 
 TEST_F(CVelumCardLayoutTest, TheHeaderHoldsTheCardsNameAndTheProgress) {
@@ -168,6 +185,52 @@ TEST_F(CVelumCardLayoutTest, AComboSharesItsBoxWithItsList) {
   EXPECT_EQ(View().CardView()->VelumControl(&Base(text)), text.Get());
 }
 
+TEST_F(CVelumCardLayoutTest, AComboIsAsHighAsTheToolkitMakesItAndGrowsFromTheBottomToo) {
+  Ref<CVelumControl> texts[2];
+  const qint32 flags[] = {0, EConFromBottom};
+  for (int i = 0; i < 2; ++i) {
+    texts[i] = AddField(iSet, u"Town"_s, EConText, EConComboText | flags[i]);
+    const auto list = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+    texts[i]->SetPartnerId(list->Id());
+    list->SetPartnerId(texts[i]->Id());
+  }
+  const auto below = AddField(iSet, u"Name"_s, EConText);
+  AddCard(u"a"_s);
+  Open();
+  const float height = Base(texts[0]).Height();
+  EXPECT_GT(height, 150);
+  EXPECT_EQ(Base(texts[0]).Top(), 20);
+  EXPECT_EQ(Base(below).Top(), 20 + height + 20);
+  EXPECT_EQ(Base(texts[1]).Top(), 7480 - height);
+}
+
+TEST_F(CVelumCardLayoutTest, AComboBelowAGrownFieldMovesOnce) {
+  const auto grown = AddField(iSet, u"A"_s, EConText, EConMaxHeight);
+  const auto text = AddField(iSet, u"Town"_s, EConText, EConComboText);
+  const auto list = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+  text->SetPartnerId(list->Id());
+  list->SetPartnerId(text->Id());
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(Base(text).Top(), Base(grown).Top() + Base(grown).Height() + 20);
+  EXPECT_EQ(Label(text).Top(), Base(text).Top() + 2);
+}
+
+TEST_F(CVelumCardLayoutTest, AnEleventhComboIsMoreThanThePoolHolds) {
+  Ref<CVelumControl> last;
+  for (int i = 0; i < 11; ++i) {
+    last = AddField(iSet, u"Town"_s, EConText, EConComboText);
+    const auto list = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+    last->SetPartnerId(list->Id());
+    list->SetPartnerId(last->Id());
+  }
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(last->BaseControl(), nullptr);
+  EXPECT_EQ(CVelumError::GetErrorCode(), EHostObjectNotSet);
+  EXPECT_EQ(iPresenter.CountOf(EMsgSystemError), 1);
+}
+
 TEST_F(CVelumCardLayoutTest, AComboWithoutItsListAsserts) {
   AddField(iSet, u"Town"_s, EConText, EConComboText);
   AddCard(u"a"_s);
@@ -231,6 +294,16 @@ TEST_F(CVelumCardLayoutTest, RowsFromTheBottomAreTheirOwn) {
   EXPECT_EQ(Base(top).Top(), 20);
   EXPECT_EQ(RectOf(Base(low)), QRectF(20, 7480 - 375, 560, 375));
   EXPECT_EQ(RectOf(Base(low2)), QRectF(600, 7480 - 375, 560, 375));
+}
+
+TEST_F(CVelumCardLayoutTest, ACommandOfTheMenuDoesNotEndARow) {
+  const auto one = AddField(iSet, u"One"_s, EConCommand, EConAsButton);
+  AddField(iSet, u"Menu"_s, EConCommand, EConInMenu);
+  const auto two = AddField(iSet, u"Two"_s, EConCommand, EConAsButton);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(RectOf(Base(two)), QRectF(600, Base(one).Top(), 560, 375));
+  EXPECT_EQ(Base(two).TabIndex(), 1) << "it has no place among the tabs either";
 }
 
 TEST_F(CVelumCardLayoutTest, StandardCommandsCanShowTheirPicture) {
@@ -378,6 +451,40 @@ TEST_F(CVelumCardLayoutTest, FontsAndColoursComeFromTheirLevels) {
   EXPECT_EQ(Label(field).BackColor(), 0x00FF00);
   EXPECT_EQ(Base(box).BackColor(), 0x00FF00);
   EXPECT_EQ(Base(field).BackColor(), 0xFFC0C0);
+}
+
+TEST_F(CVelumCardLayoutTest, TheStacksColourIsTheCardsUnlessOneIsNearer) {
+  gStack->SetBackColor(0x102030);
+  const auto field = AddField(iSet, u"A"_s, EConText);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(Form().BackColor(), 0x102030);
+  EXPECT_EQ(Label(field).BackColor(), 0x102030);
+  iSet->SetBackColor(0xC0FFFF);
+  View().RefreshViews(true, false);
+  EXPECT_EQ(Form().BackColor(), 0xC0FFFF);
+}
+
+TEST_F(CVelumCardLayoutTest, WhatIsHiddenHoldsNothingAndListsLieOutside) {
+  const auto list = AddField(iSet, u"List"_s, EConList);
+  const auto text = AddField(iSet, u"Text"_s, EConText);
+  text->SetVisLines(2);
+  const auto card = AddCard(u"a"_s);
+  card->SetControlVal(list->Id(), TVelumValue::OfStr(u"1\r\n2"_s));
+  card->SetControlVal(text->Id(), TVelumValue::OfStr(u"long"_s));
+  Open();
+  CVelumBaseControl& listView = Base(list);
+  CVelumBaseControl& box = Base(text);
+  const QAbstractItemModel& lines = *qobject_cast<QAbstractItemView*>(listView.Widget())->model();
+  ASSERT_EQ(lines.rowCount(), 2);
+  ASSERT_EQ(box.Text(), u"long"_s);
+  EXPECT_EQ(Pool(u"fGenListView9"_s).Left(), 10000) << "as all that this layout does not use";
+  View().CardView()->Clear();
+  EXPECT_EQ(QPointF(static_cast<qreal>(listView.Left()), static_cast<qreal>(listView.Top())),
+            QPointF(10000, 10000));
+  EXPECT_FALSE(listView.Visible());
+  EXPECT_EQ(lines.rowCount(), 0);
+  EXPECT_EQ(box.Text(), QString());
 }
 
 TEST_F(CVelumCardLayoutTest, AnotherCardOfTheBackgroundCostsNoLayout) {
@@ -563,6 +670,15 @@ TEST_F(CVelumCardLayoutTest, AnEleventhMenuCommandAsserts) {
   Open();
   EXPECT_TRUE(iPresenter.Shown().first().iText.contains(u"ControlByName fGenFunc10"_s));
   EXPECT_EQ(iFrame.iActions[u"fGenFunc9"_s]->text(), u"9"_s);
+}
+
+TEST_F(CVelumCardLayoutTest, MoreThanAHundredAndOneMenuCommandsAreABoundsFailure) {
+  for (int i = 0; i < 102; ++i)
+    AddField(iSet, QString::number(i), EConCommand, EConInMenu)->SetFlag(EConInCardView, false);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(CVelumError::GetErrorCode(), EHostIndex);
+  EXPECT_EQ(iPresenter.CountOf(EMsgSystemError), 1);
 }
 
 TEST_F(CVelumCardLayoutTest, AResizedWindowIsLaidOutAnew) {

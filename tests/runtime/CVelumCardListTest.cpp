@@ -7,6 +7,7 @@
 
 #include <QClipboard>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace {
@@ -151,12 +152,57 @@ TEST_F(CVelumCardListTest, UpdateCardShowsItsNewLine) {
   AddSecond();
   OpenThree();
   const auto card = iCards[2];
+  QSignalSpy renewed(Widget().model(), &QAbstractItemModel::dataChanged);
+  QSignalSpy filled(Widget().model(), &QAbstractItemModel::modelReset);
   card->SetControlVal(iName->Id(), TVelumValue::OfStr(u"new"_s));
   List().UpdateCard(*card);
   EXPECT_EQ(Lines().at(2), u"new\t10"_s);
+  ASSERT_EQ(renewed.size(), 1) << "that line alone is drawn anew";
+  EXPECT_EQ(renewed.first().first().toModelIndex().row(), 2);
+  EXPECT_TRUE(filled.isEmpty());
   List().BackgroundCombo().SetSelIndexByLine(u"Second"_s);
+  renewed.clear();
+  filled.clear();
   List().UpdateCard(*card);
   EXPECT_EQ(Names(), (QStringList{u"x"_s, u"y"_s})) << "a card that is not listed is left alone";
+  EXPECT_TRUE(renewed.isEmpty() && filled.isEmpty());
+}
+
+TEST_F(CVelumCardListTest, WhileAScriptRunsTheListWaits) {
+  OpenThree();
+  QSignalSpy renewed(Widget().model(), &QAbstractItemModel::dataChanged);
+  iRunner.iRunning = true;
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"x"_s));
+  Type(iName, u"y"_s);
+  View().ValidateCurControl();
+  EXPECT_TRUE(renewed.isEmpty());
+  iRunner.iRunning = false;
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"z"_s));
+  ASSERT_EQ(renewed.size(), 1);
+  EXPECT_EQ(renewed.first().first().toModelIndex().row(), 1);
+}
+
+TEST_F(CVelumCardListTest, AFieldThatIsLeftRenewsItsLine) {
+  OpenThree();
+  QSignalSpy renewed(Widget().model(), &QAbstractItemModel::dataChanged);
+  Type(iName, u"y"_s);
+  View().ValidateCurControl();
+  ASSERT_FALSE(renewed.isEmpty());
+  EXPECT_EQ(renewed.first().first().toModelIndex().row(), 0);
+}
+
+TEST_F(CVelumCardListTest, MixedCardsHaveTheirNamesWhereTheFirstBackgroundSaysSo) {
+  AddSecond();
+  iSet->SetFlag(ECseCardNameInList, true);
+  OpenThree();
+  Ref<CVelumControlSet> first;
+  qint32 index = 0;
+  ASSERT_TRUE(gStack->GetFirstBackground(first, index));
+  ASSERT_EQ(first, iSet);
+  EXPECT_TRUE(List().Mixed());
+  EXPECT_EQ(Box().ColTitles(), (QList<QString>{u"Card"_s, u"Field 1"_s, u"Field 2"_s, u"Field 3"_s}));
+  EXPECT_EQ(Lines().first(), u"x\t\t\t"_s);
+  EXPECT_EQ(Lines().last(), u"c\tNc\t8"_s);
 }
 
 TEST_F(CVelumCardListTest, ALeftCardIsSkippedAndNeverRead) {
@@ -220,6 +266,11 @@ TEST_F(CVelumCardListTest, DownOnTheLastAndUpOnTheFirstDoNothing) {
   EXPECT_FALSE(List().MoveSelected(false));
   Box().SetSelIndexOrClear(-1);
   EXPECT_FALSE(List().MoveSelected(true));
+  Box().SetSelIndex(2);
+  QSignalSpy filled(Widget().model(), &QAbstractItemModel::modelReset);
+  Press(u"fDownBut"_s);
+  EXPECT_TRUE(filled.isEmpty()) << "nothing is refreshed";
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
   EXPECT_FALSE(gStack->Changed());
 }
 

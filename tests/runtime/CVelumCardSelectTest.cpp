@@ -14,8 +14,10 @@ class TakingWindow final : public QWidget, public CVelumCardTaker {
 public:
   void SetCard(int aTag, const Ref<CVelumCard>& aCard) override {
     iTaken.append(QString::number(aTag) + u' ' + aCard->Name());
+    if (iGoes) delete this;
   }
   QStringList iTaken;
+  bool iGoes = false;
 };
 
 class CVelumCardSelectTest : public RuntimeTest {
@@ -53,6 +55,9 @@ protected:
 TEST_F(CVelumCardSelectTest, ListsTheCardsOfTheChosenBackground) {
   iForm->SelectCard(&iOwner, nullptr, 3);
   EXPECT_EQ(iForm->windowTitle(), u"Select Card"_s);
+  EXPECT_EQ(Select().text(), u"Select"_s);
+  EXPECT_EQ(List().model()->headerData(0, Qt::Horizontal).toString(), u"Name"_s);
+  EXPECT_EQ(List().model()->columnCount(), 1);
   EXPECT_TRUE(Combo().isEnabled());
   EXPECT_EQ(Combo().count(), 2);
   EXPECT_EQ(Combo().currentIndex(), 0);
@@ -64,6 +69,8 @@ TEST_F(CVelumCardSelectTest, ListsTheCardsOfTheChosenBackground) {
   Combo().setCurrentIndex(1);
   EXPECT_EQ(Names(), QStringList{u"x"_s});
   EXPECT_FALSE(Select().isEnabled()) << "a card that is not seen is not chosen";
+  Combo().setCurrentIndex(-1);
+  EXPECT_TRUE(Names().isEmpty()) << "without a background there are no cards";
 }
 
 TEST_F(CVelumCardSelectTest, ABackgroundThatIsGivenCannotBeChanged) {
@@ -73,6 +80,26 @@ TEST_F(CVelumCardSelectTest, ABackgroundThatIsGivenCannotBeChanged) {
   EXPECT_EQ(Names(), QStringList{u"x"_s});
   iForm->SelectCard(&iOwner, nullptr, 3);
   EXPECT_TRUE(Combo().isEnabled());
+  const auto later = AddBackground(u"Later"_s);
+  AddCard(u"l"_s, later);
+  iForm->SelectCard(&iOwner, later, 3);
+  EXPECT_EQ(Combo().currentText(), u"Later"_s) << "also one that was made meanwhile";
+  EXPECT_EQ(Names(), QStringList{u"l"_s});
+}
+
+TEST_F(CVelumCardSelectTest, TheOwnerComesToTheFrontAndMayCloseItself) {
+  iOwner.show();
+  iForm->SelectCard(&iOwner, nullptr, 3);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(iForm));
+  ClickLine(0);
+  Select().click();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&iOwner));
+  auto* closing = new TakingWindow;
+  closing->iGoes = true;
+  iForm->SelectCard(closing, nullptr, 3);
+  ClickLine(0);
+  Select().click();
+  EXPECT_EQ(iPresenter.Count(), 0);
 }
 
 TEST_F(CVelumCardSelectTest, TheChoiceGoesToTheOwnerOnce) {

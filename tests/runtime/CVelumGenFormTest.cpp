@@ -217,6 +217,32 @@ TEST_F(CVelumGenFormTest, AnUnknownKindOfControlAsserts) {
   text->SetBaseControl(text->BaseControl(), EBaseTextBox);
 }
 
+TEST_F(CVelumGenFormTest, ALongTextIsShownFromItsBeginning) {
+  const auto text = AddField(iSet, u"Text"_s, EConText);
+  text->SetVisLines(2);
+  const auto wiki = AddField(iSet, u"Wiki"_s, EConText, EConWikiText);
+  AddCard(u"a"_s);
+  const auto card = AddCard(u"b"_s);
+  for (const auto& field : {text, wiki})
+    card->SetControlVal(field->Id(), TVelumValue::OfStr(u"many words "_s.repeated(100)));
+  Open();
+  View().GoToCard(card);
+  EXPECT_EQ(Base(text).Cursor(), 0);
+  EXPECT_EQ(Base(wiki).Cursor(), 0);
+  Base(text).SetCursor(50);
+  View().SetCardValue(card, text->Id(), TVelumValue::OfStr(u"other words "_s.repeated(100)));
+  EXPECT_EQ(Base(text).Cursor(), 0);
+}
+
+TEST_F(CVelumGenFormTest, TheFieldOfTheNameStandsInTheHeaderEvenWithoutAValue) {
+  iSet->SetFlags(ECseDenseLayout | ECseShowCardName);
+  AddField(iSet, u"Name"_s, EConText, EConCardName);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(Pool(u"fGenLabel0"_s).Text(), QString());
+  EXPECT_EQ(Form().Caption(), u"a - 1 of 1"_s);
+}
+
 // --- Lists and combo boxes
 
 class CardListsTest : public CVelumGenFormTest {
@@ -319,6 +345,30 @@ TEST_F(CardListsTest, AComboWithoutAPartnerAsserts) {
   iPresenter.SetDefaultAnswer(true);
   View().CardView()->SetBaseControlVal(*iText, TVelumValue::OfStr(u"x"_s), *card);
   EXPECT_EQ(Combo().currentText(), u"x"_s);
+}
+
+TEST_F(CardListsTest, AComboNeverShowsCards) {
+  const auto town = AddCard(u"Bern"_s);
+  AddCombo(QString::number(town->Id()) + u"\tshown"_s);
+  iList->SetFlag(EConCardList, true);
+  iList->SetSelBackgroundId(iSet->Id());
+  AddCard(u"a"_s);
+  Open();
+  View().CardView()->SetBaseControlVal(*iList, TVelumValue::OfStr(u"Ulm\r\nZug"_s), *town);
+  ASSERT_EQ(Combo().count(), 2);
+  EXPECT_EQ(Combo().itemText(0), u"Ulm"_s);
+  EXPECT_EQ(Combo().itemText(1), u"Zug"_s);
+}
+
+TEST_F(CardListsTest, ATextOfAComboThatIsNoTextAsserts) {
+  AddCombo(u"1\r\n2"_s, EConInteger);
+  const auto card = AddCard(u"a"_s);
+  card->SetControlVal(iText->Id(), TVelumValue::OfInt(5));
+  Open();
+  iText->SetConType(EConText);
+  EXPECT_THROW(View().CardView()->SetBaseControlVal(*iList, TVelumValue::OfStr(u"1"_s), *card),
+               CVelumException);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"Partner str"_s)) << iPresenter.LastText().toStdString();
 }
 
 TEST_F(CardListsTest, AListShowsItsLinesAndAClickOnThemGoesNowhere) {

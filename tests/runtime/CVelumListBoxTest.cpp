@@ -313,6 +313,7 @@ TEST_F(CVelumListBoxTest, NothingOfALineIsMadeBeforeItIsSeen) {
   EXPECT_EQ(list->Line(999999), u"line 999999"_s);
   list->SetSelIndex(999999);
   EXPECT_EQ(list->SelIndex(), 999999);
+  EXPECT_GT(iWidget->TopRow(), 999000) << "what is selected is seen";
   iWidget->grab();
   EXPECT_LT(asked, 1000);
 }

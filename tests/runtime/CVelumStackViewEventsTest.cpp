@@ -46,6 +46,31 @@ TEST_F(CVelumStackViewEventsTest, ProgramsOwnCheckMarksAreNoClicks) {
   EXPECT_FALSE(View().CardChanged());
 }
 
+TEST_F(CVelumStackViewEventsTest, AReadOnlyCheckBoxStaysCheckedAndShowingItIsNoClick) {
+  OpenThree();
+  const auto done = AddField(iSet, u"Done"_s, EConBoolean, EConReadOnly);
+  iCards[1]->SetControlVal(done->Id(), TVelumValue::OfBoolean(true));
+  View().RefreshViews(true, false);
+  View().GoToCard(iCards[1]);
+  EXPECT_TRUE(iPresenter.Told().isEmpty()) << "another value that the program shows is no click";
+  QTest::mouseClick(Base(done).Widget(), Qt::LeftButton, {}, QPoint(8, 10));
+  EXPECT_EQ(iPresenter.Told(), QList<QString>{u"Read-only!"_s});
+  EXPECT_EQ(static_cast<CVelumBaseCheckBox&>(Base(done)).Value(), 1);
+  EXPECT_TRUE(iCards[1]->GetControlVal(done->Id(), false).Boolean());
+}
+
+TEST_F(CVelumStackViewEventsTest, AClickThatBelongsToNoCommandOfTheCardDoesNothing) {
+  OpenThree();
+  const auto go = AddField(iSet, u"Go"_s, EConCommand, EConAsButton);
+  go->SetStdCmd(EStdNextCard);
+  View().RefreshViews(true, false);
+  iRunner.iSent.clear();
+  View().BaseObjClick(&Pool(u"fGenButton5"_s));
+  View().BaseObjClick(iFrame.iActions[u"fGenFunc3"_s]);
+  EXPECT_TRUE(iRunner.iSent.isEmpty());
+  EXPECT_EQ(Cur(), u"a"_s);
+}
+
 TEST_F(CVelumStackViewEventsTest, AButtonSendsSelectAndRunsItsStandardCommand) {
   OpenThree();
   const auto next = AddField(iSet, u"Next"_s, EConCommand, EConAsButton);

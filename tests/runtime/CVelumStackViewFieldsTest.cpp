@@ -184,7 +184,7 @@ TEST_F(CVelumStackViewFieldsTest, AKeptSortedBackgroundNotesTheKeyWhenAFieldIsEn
   EXPECT_EQ(View().OldKey(), key->BuildKey(*iCards[0]));
 }
 
-TEST_F(CVelumStackViewFieldsTest, AKeyChangeThatMovesTheCardShowsInTheTitle) {
+TEST_F(CVelumStackViewFieldsTest, AKeyChangeMovesTheCard) {
   OpenThree();
   KeepSortedByName();
   for (int i = 1; i < 3; ++i)

@@ -1,9 +1,15 @@
 #include "runtime/StackViewTest.h"
 #include "toolkit/CVelumWinMan.h"
 
+#include <QAbstractItemView>
 #include <QTest>
 
 namespace {
+
+// A card that the windows are not told of.
+void AddUnseen(CVelumStack& aStack, const Ref<CVelumControlSet>& aSet) {
+  aStack.AddCard(MakeRef<CVelumCard>(u"unseen"_s, aSet), nullptr, false);
+}
 
 using CVelumStackViewTest = StackViewTest;
 
@@ -146,6 +152,7 @@ TEST_F(CVelumStackViewTest, DeletingTheCurrentCardShowsTheNext) {
   View().DeleteCard(iCards[1], nullptr);
   EXPECT_EQ(Cur(), u"c"_s);
   EXPECT_EQ(gStack->NumCards(), 2);
+  EXPECT_EQ(Form().Caption(), u"c - 2 of 2"_s) << "counted without the card that went";
   View().DeleteCard(iCards[2], nullptr);
   EXPECT_EQ(Cur(), u"a"_s) << "the first one when there is none behind";
 }
@@ -156,6 +163,37 @@ TEST_F(CVelumStackViewTest, DeletingAnotherCardLeavesTheCurrentOne) {
   View().DeleteCard(iCards[0], nullptr);
   EXPECT_EQ(Cur(), u"c"_s);
   EXPECT_EQ(View().History().Len(), 1);
+  EXPECT_EQ(Form().Caption(), u"c - 2 of 2"_s);
+}
+
+TEST_F(CVelumStackViewTest, ADeletedCardLeavesTheListsOfTheCurrentOne) {
+  OpenThree();
+  const auto list = AddReferredList();
+  for (const auto& card : {iCards[1], iCards[2]})
+    card->SetControlVal(iName->Id(), TVelumValue::OfStr(u"x"_s));
+  iCards[0]->SetControlVal(iRef->Id(), TVelumValue::OfStr(u"x"_s));
+  View().UpdateAfterControlChange();
+  View().RefreshViews(true, false);
+  const auto lines = [&] {
+    return qobject_cast<QAbstractItemView*>(Base(list).Widget())->model()->rowCount();
+  };
+  ASSERT_EQ(lines(), 2);
+  View().DeleteCard(iCards[1], nullptr);
+  EXPECT_FALSE(iCards[0]->Dirty());
+  EXPECT_EQ(lines(), 1) << "and its line is not seen any more";
+}
+
+TEST_F(CVelumStackViewTest, ACardDeletedAtSeveralPlacesOfTheHistoryLeavesThePlaceOnItsCard) {
+  OpenThree();
+  for (const int card : {1, 0, 2, 1}) View().GoToCard(iCards[card]);
+  View().HistoryPrev(iFound);
+  ASSERT_EQ(Cur(), u"c"_s);
+  View().DeleteCard(iCards[0], nullptr);
+  EXPECT_EQ(View().History().Len(), 3);
+  EXPECT_EQ(View().History().At(View().History().Index()), iCards[2]);
+  EXPECT_TRUE(View().HistoryPrev(iFound));
+  EXPECT_EQ(Cur(), u"b"_s);
+  EXPECT_FALSE(View().HistoryPrev(iFound));
 }
 
 TEST_F(CVelumStackViewTest, DeletingTheOnlyCardLeavesAClearedView) {
@@ -214,6 +252,65 @@ TEST_F(CVelumStackViewTest, AnEmptiedStackHasNoHistory) {
   EXPECT_TRUE(View().OrderFirst(iFound));
   EXPECT_EQ(Cur(), u"new"_s);
   EXPECT_EQ(View().History().Len(), 1);
+}
+
+TEST_F(CVelumStackViewTest, OneEntryIsNoWayBackAndTheCardIsNotLeft) {
+  OpenThree();
+  EXPECT_FALSE(View().HistoryPrev(iFound));
+  EXPECT_EQ(iFound, nullptr);
+  EXPECT_FALSE(View().HistoryNext(iFound));
+  EXPECT_EQ(Cur(), u"a"_s);
+  EXPECT_TRUE(iRunner.iSent.isEmpty());
+}
+
+TEST_F(CVelumStackViewTest, AnotherCardIsSoughtForwardFirstAndThenFromTheBeginning) {
+  const auto other = AddBackground(u"Other"_s);
+  AddCard(u"x"_s, other);
+  const auto a = AddCard(u"a"_s);
+  const auto b = AddCard(u"b"_s);
+  const auto y = AddCard(u"y"_s, other);
+  Open();
+  View().GoToCard(a);
+  View().DeleteCard(a, iSet);
+  EXPECT_EQ(Cur(), u"y"_s) << "b is left out, and x lies behind";
+  View().DeleteCard(y, iSet);
+  EXPECT_EQ(Cur(), u"x"_s);
+  View().GoToCard(b);
+  View().DeleteCard(b, other);
+  EXPECT_EQ(View().CurCard(), nullptr) << "only cards that are to be left out remain";
+  EXPECT_EQ(Form().Caption(), u"(No Card)"_s);
+}
+
+TEST_F(CVelumStackViewTest, LeavingAChangedCardFillsTheOpenListAnew) {
+  OpenThree();
+  View().OpenCardList();
+  AddUnseen(*gStack, iSet);
+  View().GoToCard(iCards[1]);
+  EXPECT_EQ(View().CardListView()->CardBox().NumLines(), 3) << "nothing was changed on the card";
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"x"_s));
+  View().GoToCard(iCards[2]);
+  EXPECT_EQ(View().CardListView()->CardBox().NumLines(), 4);
+}
+
+TEST_F(CVelumStackViewTest, TheFocusGoesToTheFieldOfTheCardWindow) {
+  OpenThree();
+  View().OpenCardList();
+  iFrame.iCalls.clear();
+  View().SetFocusToCardView();
+  EXPECT_EQ(iFrame.iCalls, QStringList{u"raise CVelumGenForm"_s});
+  EXPECT_TRUE(Base(iName).HasFocus());
+}
+
+TEST_F(CVelumStackViewTest, AtThePhonesSizeTheSameRulesHold) {
+  const auto wide = AddField(iSet, u"Name"_s, EConText);
+  wide->SetVisChar(200);
+  const auto low = AddField(iSet, u"Low"_s, EConText, EConFromBottom);
+  AddCard(u"a"_s);
+  Open(208 * 20, 255 * 20);
+  EXPECT_NEAR(Form().ClientWidth(), 208 * 20, ETwipsPerPixel);
+  EXPECT_NEAR(Form().ClientHeight(), 255 * 20, ETwipsPerPixel);
+  EXPECT_EQ(Base(wide).Left() + Base(wide).Width(), Form().ClientWidth() - 20);
+  EXPECT_EQ(Base(low).Top() + Base(low).Height(), Form().ClientHeight() - 20);
 }
 
 TEST_F(CVelumStackViewTest, ATitleTakesAnyName) {
