@@ -268,7 +268,8 @@ const std::vector<TMutator>& Mutators() {
 const QSet<QString>& NoMutators() {
   static const QSet<QString> names = {
       // the stored form, and the marks of what was stored
-      u"Internalize"_s, u"Externalize"_s, u"SetChanged"_s, u"ResetChanged"_s, u"ResetChangeInfo"_s,
+      u"Internalize"_s, u"Externalize"_s, u"InternalizeXml"_s, u"ExternalizeXml"_s, u"SetChanged"_s,
+      u"ResetChanged"_s, u"ResetChangeInfo"_s,
       // bindings to owners and to what stands on the screen
       u"SetStack"_s, u"SetBaseControl"_s, u"SetBaseLabel"_s, u"SetBaseFunc"_s, u"SetList"_s,
       u"SetBlobStore"_s, u"SetDynFlags"_s, u"SetDynFlag"_s, u"SetControlDynFlags"_s,
@@ -278,7 +279,7 @@ const QSet<QString>& NoMutators() {
       // where blobs lie, in memory and on file, and who holds them
       u"SetOnFile"_s, u"SetAge"_s, u"SetInfoOnly"_s, u"SetMarks"_s, u"IncDynRefCount"_s,
       u"CVelumBlob::DecDynRefCount"_s, u"IncDynRefCounts"_s, u"CVelumBlobStore::SetFlag"_s, u"SetFile"_s,
-      u"CloseFile"_s, u"NoteFileId"_s, u"SwitchToRamBased"_s, u"SwitchToFileBased"_s,
+      u"CloseFile"_s, u"NoteFileId"_s, u"SetFileId"_s, u"SwitchToRamBased"_s, u"SwitchToFileBased"_s,
       u"ReleaseChangedPlaces"_s, u"Commit"_s, u"SetNewStartPos"_s, u"WriteAllTo"_s, u"Restore"_s,
       u"IsSound"_s, u"ReadBlob"_s, u"ReadFirstBlob"_s, u"ReadNextBlob"_s,
       // lookups that may compute first
