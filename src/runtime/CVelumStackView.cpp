@@ -163,8 +163,11 @@ void CVelumStackView::SetCurCard(Ref<CVelumCard> aCard) {
   if (aCard == iCurCard || !Holds(aCard)) return;
   LeaveCurCard();
   Yield();
-  // Leaving may have run a script that deleted the card.
-  if (!Holds(aCard)) return;
+  // Leaving may have run a script that deleted the card, or went elsewhere.
+  if (!Holds(aCard)) {
+    if (!iCurCard) ShowCurCard();
+    return;
+  }
   iCurCard = aCard;
   ShowCurCard();
   ExecScript(aCard, u"openCard"_s);
@@ -178,6 +181,8 @@ void CVelumStackView::FocusCurrent() {
 }
 
 void CVelumStackView::ShowCurCard() {
+  // Fields of a card that was left take no values.
+  if (!iCurCard && iCardViewOpen) iCardView->Clear();
   if (!iCurCard || !iCardView) return;
   const Ref<CVelumCard> card = iCurCard;
   const QScopedValueRollback noChange(iNoChange, true);

@@ -217,6 +217,24 @@ TEST_F(CVelumGenFormTest, AnUnknownKindOfControlAsserts) {
   text->SetBaseControl(text->BaseControl(), EBaseTextBox);
 }
 
+TEST_F(CVelumGenFormTest, NoFieldTakesMoreThanItsMostCharacters) {
+  const auto line = AddField(iSet, u"Line"_s, EConText);
+  const auto rich = AddField(iSet, u"Rich"_s, EConText);
+  rich->SetVisLines(2);
+  const auto combo = AddField(iSet, u"Town"_s, EConText, EConComboText);
+  const auto list = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+  combo->SetPartnerId(list->Id());
+  list->SetPartnerId(combo->Id());
+  for (const auto& field : {line, rich, combo}) field->SetMaxChar(3);
+  const auto card = AddCard(u"a"_s);
+  Open();
+  for (const auto& field : {line, rich, combo}) {
+    Type(field, u"abcde"_s);
+    View().ValidateCurControl();
+    EXPECT_EQ(TextOf(card, field), u"abc"_s) << field->Name().toStdString();
+  }
+}
+
 TEST_F(CVelumGenFormTest, ALongTextIsShownFromItsBeginning) {
   const auto text = AddField(iSet, u"Text"_s, EConText);
   text->SetVisLines(2);

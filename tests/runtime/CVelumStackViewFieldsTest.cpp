@@ -275,7 +275,11 @@ TEST_F(CVelumStackViewFieldsTest, AScriptThatDeletesTheCardGoneToLeavesTheViewSo
   View().GoToCard(iCards[1]);
   EXPECT_EQ(gStack->NumCards(), 2);
   EXPECT_EQ(View().CurCard(), nullptr);
+  EXPECT_EQ(Form().Caption(), u"(No Card)"_s);
+  for (const CVelumBaseControl* base : Form().Controls())
+    EXPECT_FALSE(base->Visible()) << "typing would be lost";
   EXPECT_TRUE(View().OrderFirst(iFound));
+  EXPECT_EQ(Base(iName).Text(), u"Ada"_s);
 }
 
 } // namespace
