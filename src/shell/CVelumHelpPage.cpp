@@ -2,9 +2,27 @@
 
 #include "shell/CVelumHelpBook.h"
 
-#include <QDesktopServices>
+#include "toolkit/CVelumBaseColor.h"
 
-CVelumHelpPage::CVelumHelpPage(QWidget* aParent) : QTextBrowser(aParent) {}
+#include <QDesktopServices>
+#include <QEvent>
+
+CVelumHelpPage::CVelumHelpPage(QWidget* aParent) : QTextBrowser(aParent) {
+  ColorLinks();
+}
+
+void CVelumHelpPage::ColorLinks() {
+  const QColor color =
+      CVelumBaseColor::Readable(palette().color(QPalette::Link), palette().color(QPalette::Base));
+  document()->setDefaultStyleSheet(u"a { color: %1; }"_s.arg(color.name()));
+}
+
+void CVelumHelpPage::changeEvent(QEvent* aEvent) {
+  QTextBrowser::changeEvent(aEvent);
+  if (aEvent->type() != QEvent::PaletteChange) return;
+  ColorLinks();
+  if (!source().isEmpty()) reload();
+}
 
 QVariant CVelumHelpPage::loadResource(int, const QUrl& aUrl) {
   return iBook ? QString::fromUtf8(iBook->Data(aUrl)) : QVariant();

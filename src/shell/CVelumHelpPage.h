@@ -20,7 +20,11 @@ public:
 
 protected:
   void doSetSource(const QUrl& aUrl, QTextDocument::ResourceType aType) override;
+  void changeEvent(QEvent* aEvent) override;
 
 private:
+  // Gives links a colour that can be read on this desktop's background: many dark palettes have none.
+  void ColorLinks();
+
   const CVelumHelpBook* iBook = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "shell/CVelumHelpKeys.h"
 #include "shell/CVelumHelpPage.h"
 #include "shell/ShellTest.h"
+#include "toolkit/CVelumBaseColor.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -15,6 +16,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
 
 namespace {
 
@@ -146,6 +148,23 @@ TEST_F(CVelumHelpFormTest, PagesTakeTheColoursOfTheDesktop) {
     EXPECT_FALSE(html.contains(u"color"_s) && html.contains(u"style="_s)) << url.toString().toStdString();
     EXPECT_FALSE(html.contains(u"<font"_s) || html.contains(u"<style"_s)) << url.toString().toStdString();
   }
+}
+
+TEST_F(CVelumHelpFormTest, LinksCanBeReadOnADarkDesktop) {
+  const auto linkContrast = [] {
+    for (QTextBlock block = Page().document()->begin(); block.isValid(); block = block.next())
+      for (auto at = block.begin(); !at.atEnd(); ++at)
+        if (const QTextCharFormat format = at.fragment().charFormat(); format.isAnchor())
+          return CVelumBaseColor::Contrast(format.foreground().color(),
+                                           Page().palette().color(QPalette::Base));
+    return 0.0;
+  };
+  CVelumHelpForm::ShowPage(u"CVelumFrame"_s);
+  EXPECT_GE(linkContrast(), 4.5);
+  QPalette dark = Page().palette();
+  dark.setColor(QPalette::Base, QColor(30, 30, 32));
+  Page().setPalette(dark);
+  EXPECT_GE(linkContrast(), 4.5);
 }
 
 TEST_F(CVelumHelpFormTest, WorksWhereTheCacheCannotBeWritten) {
