@@ -1,4 +1,5 @@
 #include "core/CVelumMsg.h"
+#include "runtime/CVelumListBox.h"
 #include "runtime/RuntimeFixture.h"
 #include "toolkit/CVelumBaseButton.h"
 #include "toolkit/CVelumBaseCheckBox.h"
@@ -11,7 +12,21 @@
 
 namespace {
 
-class CVelumCardLayoutTest : public RuntimeTest {};
+class CVelumCardLayoutTest : public RuntimeTest {
+protected:
+  // A picture of 20 by 10 pixels that nothing refers to.
+  static Ref<CVelumBlob> AddGreenPicture() {
+    const auto blob = MakeRef<CVelumBlob>(gStack->IdGen().NextId());
+    QByteArray bytes;
+    QPixmap picture(20, 10);
+    picture.fill(Qt::green);
+    QBuffer buffer(&bytes);
+    picture.save(&buffer, "PNG");
+    blob->SetBytes(bytes);
+    gStack->BlobStore()->AddBlob(blob);
+    return blob;
+  }
+};
 
 // Lines are 160 twips high at the default 8 points, characters 100 wide; the dense gap is 20.
 
@@ -453,6 +468,20 @@ TEST_F(CVelumCardLayoutTest, FontsAndColoursComeFromTheirLevels) {
   EXPECT_EQ(Base(field).BackColor(), 0xFFC0C0);
 }
 
+TEST_F(CVelumCardLayoutTest, AListHasTheFontOfItsLevels) {
+  iSet->SetFont(MakeRef<CVelumFont>(u"DejaVu Serif"_s, qint16{240}, ENoInt));
+  const auto list = AddField(iSet, u"List"_s, EConList);
+  list->SetFont(MakeRef<CVelumFont>(QString(), qint16{400}, ENoInt));
+  AddCard(u"a"_s);
+  Open();
+  const Ref<CVelumListBoxBase> base = list->ListBox();
+  const auto* box = dynamic_cast<CVelumListBox*>(base.Get());
+  ASSERT_NE(box, nullptr);
+  EXPECT_EQ(box->Font()->PointSize(), 20);
+  EXPECT_EQ(box->Font()->FaceName(), u"DejaVu Serif"_s);
+  EXPECT_EQ(Base(list).Font().pointSizeF(), 20.0);
+}
+
 TEST_F(CVelumCardLayoutTest, TheStacksColourIsTheCardsUnlessOneIsNearer) {
   gStack->SetBackColor(0x102030);
   const auto field = AddField(iSet, u"A"_s, EConText);
@@ -692,14 +721,7 @@ TEST_F(CVelumCardLayoutTest, AResizedWindowIsLaidOutAnew) {
 }
 
 TEST_F(CVelumCardLayoutTest, TheWallpaperIsReadOnceAndGivenUp) {
-  const auto blob = MakeRef<CVelumBlob>(gStack->IdGen().NextId());
-  QByteArray bytes;
-  QPixmap picture(20, 10);
-  picture.fill(Qt::green);
-  QBuffer buffer(&bytes);
-  picture.save(&buffer, "PNG");
-  blob->SetBytes(bytes);
-  gStack->BlobStore()->AddBlob(blob);
+  const Ref<CVelumBlob> blob = AddGreenPicture();
   blob->IncRefCount(); // of the two backgrounds
   blob->IncRefCount();
   iSet->SetFlags(ECseDenseLayout | ECseShowWallPaper | ECseTileWallPaper);
@@ -729,6 +751,27 @@ TEST_F(CVelumCardLayoutTest, TheWallpaperIsReadOnceAndGivenUp) {
   View().RefreshViews(true, false);
   EXPECT_EQ(box.Tag(), QString());
   EXPECT_EQ(blob->DynRefCount(), before);
+}
+
+TEST_F(CVelumCardLayoutTest, AWindowThatIsClearedOrClosedGivesItsPicturesUp) {
+  const Ref<CVelumBlob> paper = AddGreenPicture();
+  const Ref<CVelumBlob> shown = AddGreenPicture();
+  paper->IncRefCount();
+  iSet->SetFlags(ECseDenseLayout | ECseShowWallPaper);
+  iSet->SetWallPaperId(paper->Id());
+  const auto field = AddField(iSet, u"Pict"_s, EConPicture);
+  const auto card = AddCard(u"a"_s);
+  card->SetControlVal(field->Id(), TVelumValue::OfBlobId(shown->Id()));
+  const auto held = [&] { return QPoint(paper->DynRefCount(), shown->DynRefCount()); };
+  const QPoint before = held();
+  Open();
+  EXPECT_EQ(held(), before + QPoint(1, 1));
+  View().CardView()->Clear();
+  EXPECT_EQ(held(), before);
+  View().RefreshViews(true, false);
+  EXPECT_EQ(held(), before + QPoint(1, 1));
+  View().CloseCardView(true);
+  EXPECT_EQ(held(), before);
 }
 
 } // namespace

@@ -342,6 +342,9 @@ TEST_F(CVelumCardListTest, TakesItsPlaceFromTheStackAndGivesItBack) {
   ListForm().SetPlace(QRectF(600, 750, 5400, 6600), true);
   View().UpdateRect();
   EXPECT_EQ(View().CardListPlace(), QRectF(600, 750, 5400, 6600));
+  ListForm().SetPlace(QRectF(750, 900, 5400, 6600), true);
+  View().CloseCardList();
+  EXPECT_EQ(View().CardListPlace(), QRectF(750, 900, 5400, 6600)) << "also when it closes";
   EXPECT_GT(Widget().height(), 300) << "the list fills the window";
 }
 
@@ -362,7 +365,13 @@ TEST_F(CVelumCardListTest, ChangesRefillTheBackgroundsAndKeepTheChoice) {
   OpenThree();
   List().BackgroundCombo().SetSelIndexByLine(u"Second"_s);
   AddBackground(u"Third"_s);
-  for (const int kind : {0, 1}) CVelumSeams::ChangeNotify(kind);
+  CVelumSeams::ChangeNotify(1);
+  EXPECT_EQ(List().BackgroundCombo().NumLines(), 4);
+  const auto fourth = AddBackground(u"Fourth"_s);
+  CVelumSeams::ChangeNotify(0);
+  EXPECT_EQ(List().BackgroundCombo().NumLines(), 5);
+  gStack->DeleteBackground(fourth, false);
+  CVelumSeams::ChangeNotify(0);
   EXPECT_EQ(List().BackgroundCombo().NumLines(), 4);
   EXPECT_EQ(List().BackgroundCombo().SelLine(), u"Second"_s);
   CVelumSeams::ChangeNotify(6, iSecond.Get());

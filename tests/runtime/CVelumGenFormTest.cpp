@@ -3,6 +3,7 @@
 #include "toolkit/CVelumBaseCheckBox.h"
 #include "toolkit/CVelumListWidget.h"
 
+#include <QAbstractScrollArea>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QTest>
@@ -215,6 +216,46 @@ TEST_F(CVelumGenFormTest, AnUnknownKindOfControlAsserts) {
   EXPECT_THROW(static_cast<void>(View().CardView()->GetBaseControlVal(*text)), CVelumException);
   EXPECT_TRUE(iPresenter.LastText().contains(u"GetBaseControlVal iBaseType"_s));
   text->SetBaseControl(text->BaseControl(), EBaseTextBox);
+}
+
+TEST_F(CVelumGenFormTest, EachFieldThatCanBeTypedInTellsThatItHasTheFocus) {
+  const auto line = AddField(iSet, u"Line"_s, EConText);
+  const auto rich = AddField(iSet, u"Rich"_s, EConText);
+  rich->SetVisLines(2);
+  const auto done = AddField(iSet, u"Done"_s, EConBoolean);
+  const auto combo = AddField(iSet, u"Town"_s, EConText, EConComboText);
+  const auto list = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+  combo->SetPartnerId(list->Id());
+  list->SetPartnerId(combo->Id());
+  AddCard(u"a"_s);
+  Open();
+  for (const auto& field : {rich, done, combo, line}) {
+    Base(field).SetFocus();
+    EXPECT_EQ(View().CurObj(), &Base(field)) << field->Name().toStdString();
+    EXPECT_EQ(View().CardView()->FocusControl(), field.Get());
+  }
+}
+
+TEST_F(CVelumGenFormTest, AChoiceFromAComboIsAChange) {
+  const auto combo = AddField(iSet, u"Town"_s, EConText, EConComboText);
+  const auto list = AddField(iSet, u"Towns"_s, EConList, EConComboList);
+  combo->SetPartnerId(list->Id());
+  list->SetPartnerId(combo->Id());
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_FALSE(View().CurObjChanged());
+  bool cancel = false;
+  Form().BaseEvent(Base(combo), EBaseClick, cancel);
+  EXPECT_TRUE(View().CurObjChanged());
+}
+
+TEST_F(CVelumGenFormTest, ADoubleClickOnALongTextOpensItsEditor) {
+  const auto text = AddField(iSet, u"Text"_s, EConText, EConWikiText);
+  AddCard(u"a"_s);
+  Open();
+  auto* box = qobject_cast<QAbstractScrollArea*>(Base(text).Widget());
+  QTest::mouseDClick(box->viewport(), Qt::LeftButton);
+  EXPECT_TRUE(iFrame.iCalls.contains(u"ShowForm CVelumWikiTextEdit"_s));
 }
 
 TEST_F(CVelumGenFormTest, NoFieldTakesMoreThanItsMostCharacters) {

@@ -55,6 +55,18 @@ TEST_F(CVelumStackViewFieldsTest, NumbersAndDatesAreShownInTheirNormalForm) {
   EXPECT_DOUBLE_EQ(card->GetControlVal(real->Id(), false).Real(), 1234.5);
 }
 
+TEST_F(CVelumStackViewFieldsTest, ANumberTypedInAnotherFormIsNoChangeButIsShownInItsOwn) {
+  const auto num = AddField(iSet, u"Num"_s, EConInteger);
+  const auto card = AddCard(u"a"_s);
+  card->SetControlVal(num->Id(), TVelumValue::OfInt(12));
+  Open();
+  iRunner.iSent.clear();
+  Type(num, u"abc"_s);
+  View().ValidateCurControl();
+  EXPECT_EQ(Base(num).Text(), u"12"_s);
+  EXPECT_EQ(iRunner.iSent, QStringList{u"exitField a.Num"_s});
+}
+
 TEST_F(CVelumStackViewFieldsTest, SaveTakesTheValueAndWhatIsTypedNextIsTakenToo) {
   OpenThree();
   Type(iName, u"Ad"_s);

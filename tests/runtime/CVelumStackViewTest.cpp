@@ -328,12 +328,18 @@ TEST_F(CVelumStackViewTest, UpdateRectTakesThePlaceOfTheWindow) {
   EXPECT_EQ(View().CardViewRect()->Y(), 300);
   EXPECT_EQ(View().CardViewRect()->Width(), 4500);
   EXPECT_EQ(View().CardViewRect()->Height(), 6000);
+  Form().setGeometry(20, 40, 400, 500);
+  View().CloseCardView(true);
+  EXPECT_EQ(View().CardViewPlace(), QRectF(300, 600, 6000, 7500)) << "also when it closes";
 }
 
 TEST_F(CVelumStackViewTest, ReleaseUnloadsTheWindowAndFreesTheFields) {
   OpenThree();
+  View().OpenCardList();
   Type(iName, u"Ada"_s);
   View().Release();
+  EXPECT_FALSE(View().CardListIsOpen());
+  EXPECT_TRUE(View().State()->iCardListOpen) << "the stack keeps that it was open";
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumGenForm"_s));
   EXPECT_EQ(iName->BaseControl(), nullptr);
   EXPECT_EQ(TextOf(iCards[0], iName), u"Ada"_s);
