@@ -75,8 +75,11 @@ bool CVelumStack::GetFirstCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
 bool CVelumStack::GetNextCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
   aCard = nullptr;
   while (!aCard && aIndex >= 0 && aIndex < iOrder.Count()) aCard = FindCard(iOrder.IdAt(aIndex++));
-  if (aIndex >= 0 && aIndex < iOrder.Count() - ECardAhead) {
-    FetchCard(FindCard(iOrder.IdAt(aIndex + ECardAhead)));
+  if (aCard && aIndex < iOrder.Count() - ECardAhead) {
+    // Cards in the order in which they were made lie so in memory, and the processor fetches these by itself.
+    const qint32 ahead = iOrder.IdAt(aIndex + ECardAhead);
+    if (ahead == aCard->Id() + 1 + ECardAhead) return true;
+    FetchCard(FindCard(ahead));
     FetchValues(FindCard(iOrder.IdAt(aIndex + EValuesAhead)));
     FetchTexts(FindCard(iOrder.IdAt(aIndex + ETextsAhead)));
   }
