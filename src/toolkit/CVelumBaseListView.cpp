@@ -6,8 +6,8 @@
 
 CVelumBaseListView::CVelumBaseListView(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
     : CVelumBaseControl(EBaseListView, aName, new CVelumListWidget(aParent), aSink),
-      iList(static_cast<CVelumListWidget*>(Widget())) {
-  iList->viewport()->installEventFilter(this);
+      iList(static_cast<CVelumListWidget*>(Widget())), iViewport(iList->viewport()) {
+  iViewport->installEventFilter(this);
   connect(iList, &CVelumListWidget::ItemClick, this, [this] { Notify(EBaseItemClick); });
 }
 
@@ -17,7 +17,8 @@ void CVelumBaseListView::Clear() {
 }
 
 bool CVelumBaseListView::eventFilter(QObject* aWatched, QEvent* aEvent) {
-  if (aWatched == iList->viewport()) {
+  // Events still come while the list is being destroyed, when it must not be asked for anything.
+  if (aWatched == iViewport) {
     if (aEvent->type() == QEvent::MouseButtonDblClick) Notify(EBaseDblClick);
     return false;
   }

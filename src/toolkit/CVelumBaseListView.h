@@ -18,4 +18,5 @@ protected:
 
 private:
   CVelumListWidget* iList;
+  QWidget* iViewport; // of iList
 };
