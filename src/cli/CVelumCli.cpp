@@ -5,6 +5,7 @@
 #include "cli/CVelumTerminal.h"
 #include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "exchange/CVelumExports.h"
 #include "model/CVelumStack.h"
 
 #include <QCommandLineParser>
@@ -93,6 +94,7 @@ int RunCommand(const TCall& aCall, CVelumTerminal& aTerminal) {
   CVelumLocale::Init(aCall.iLocale);
   CVelumMsg::InitMessages();
   CVelumModel::Install();
+  CVelumExports::InitExports();
   aTerminal.SetAnswer(aCall.iYes);
   // A damaged file can fail the same check thousands of times.
   const CVelumError::CCommand command;

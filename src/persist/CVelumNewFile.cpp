@@ -1,5 +1,7 @@
 #include "persist/CVelumNewFile.h"
 
+#include <QFileInfo>
+
 #include <cerrno>
 #include <fcntl.h>
 
@@ -14,6 +16,9 @@ CVelumNewFile::CVelumNewFile(const QString& aTarget) : iTarget(aTarget), iPath(a
 
 // A file of that name that nobody holds is what a crash has left.
 void CVelumNewFile::Create() {
+  const QFileInfo there(iTarget);
+  if (there.exists() && !there.isFile())
+    CVelumError::RaiseHost(EHostPermissionDenied, iTarget + u" (a folder or a device)"_s);
   iFd = CVelumOs::Open(iPath, O_RDWR | O_CREAT | O_NOFOLLOW);
   if (iFd < 0) CVelumOs::Raise(errno, iPath);
   bool mine = CVelumOs::TryLock(iFd, iPath) && CVelumOs::IdOf(iPath).SameFile(CVelumOs::IdOf(iFd));

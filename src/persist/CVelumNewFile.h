@@ -7,7 +7,8 @@
 // opens NAME at any moment finds the old file or the new one.
 class CVelumNewFile {
 public:
-  // aTarget need not be there, and is no symbolic link. Raises when the folder cannot be written to.
+  // aTarget need not be there, and is no symbolic link. Raises when the folder cannot be written to, and for
+  // a folder or a device.
   explicit CVelumNewFile(const QString& aTarget);
   // Removes the new file unless it has taken its place.
   ~CVelumNewFile();

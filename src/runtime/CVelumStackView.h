@@ -2,6 +2,7 @@
 // window do.
 #pragma once
 
+#include "model/CVelumStackHost.h"
 #include "persist/CVelumViewState.h"
 #include "runtime/CVelumCardListView.h"
 #include "runtime/CVelumCardView.h"
@@ -14,7 +15,7 @@ class CVelumBaseRichTextBox;
 
 // One for each open stack. Events of the card window end up here and become changes of values and messages
 // to scripts. Pending window events run at fixed points, also in the middle of a change of cards.
-class CVelumStackView final : public CVelumObject {
+class CVelumStackView final : public CVelumObject, public CVelumStackHost {
 public:
   // A view of a new stack: both windows are to be open, at the default places.
   CVelumStackView(const QString& aName, Ref<CVelumStack> aStack);
@@ -24,7 +25,7 @@ public:
 
   [[nodiscard]] QString ObjDescr() const override { return u"CVelumStackView name="_s + Name(); }
   [[nodiscard]] const QString& Name() const { return iState->iName; }
-  [[nodiscard]] Ref<CVelumStack> Stack() const { return iStack; }
+  [[nodiscard]] Ref<CVelumStack> Stack() const override { return iStack; }
   // What the stack file holds of the view; its rectangles and flags are kept up to date by UpdateRect.
   [[nodiscard]] Ref<CVelumViewState> State() const { return iState; }
   [[nodiscard]] Ref<CVelumRect> CardViewRect() const { return iState->iCardViewRect; }
@@ -92,7 +93,7 @@ public:
   Ref<CVelumCard> AddCard(const Ref<CVelumControlSet>& aBackground, const QString& aName);
   // When the current card goes, another one is shown, if possible not of aExclude (or nothing).
   void DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
-  void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards);
+  void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) override;
   void UpdateAfterControlChange();
   // Sets a value for a script or a dialog, and shows it.
   void SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue);

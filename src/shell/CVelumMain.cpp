@@ -2,6 +2,7 @@
 
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "exchange/CVelumExports.h"
 #include "model/CVelumStack.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
@@ -41,6 +42,7 @@ void InitLibraries() {
   CVelumModel::Install();
   CVelumMsg::InitMessages();
   CVelumOptions::LoadOptions();
+  CVelumExports::InitExports();
   CVelumWinMan::InitWinMan();
   CVelumLib::InitRuntime();
   CVelumWinMan::SetFactory(u"CVelumPictureViewer"_s, [] { return new CVelumPictureViewer; });
