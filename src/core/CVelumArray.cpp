@@ -404,14 +404,8 @@ bool CVelumArray::ReadObjByNum(qint32 aNum, TVelumElem& aElem, qint32& aIndex) {
 }
 
 // Walks over all cards go through these two: no calls within.
-const TVelumValue& CVelumArray::ValRef(qint32 aIndex) const {
-  if (static_cast<quint32>(aIndex) >= static_cast<quint32>(iMax)) CVelumError::RaiseHost(EHostIndex);
-  return iStore.Cell(aIndex).Val();
-}
-
-qint32 CVelumArray::IntKeyAt(qint32 aIndex) const {
-  if (static_cast<quint32>(aIndex) >= static_cast<quint32>(iMax)) CVelumError::RaiseHost(EHostIndex);
-  return iStore.Cell(aIndex).iIntKey;
+void CVelumArray::RaiseIndex() {
+  CVelumError::RaiseHost(EHostIndex);
 }
 
 const QString& CVelumArray::StrKeyAt(qint32 aIndex) const {

@@ -136,8 +136,8 @@ public:
   [[nodiscard]] bool ReadObjByNum(qint32 aNum, TVelumElem& aElem, qint32& aIndex);
 
   // Cheap views for hot paths: no copies, bounds checked, host error 9 beyond Count().
-  [[nodiscard]] const TVelumValue& ValRef(qint32 aIndex) const;
-  [[nodiscard]] qint32 IntKeyAt(qint32 aIndex) const;
+  [[nodiscard]] const TVelumValue& ValRef(qint32 aIndex) const { return CellRef(aIndex).Val(); }
+  [[nodiscard]] qint32 IntKeyAt(qint32 aIndex) const { return CellRef(aIndex).iIntKey; }
   [[nodiscard]] const QString& StrKeyAt(qint32 aIndex) const;
   // Index of an integer key by binary search, or -1.
   [[nodiscard]] qint32 FindIntKey(qint32 aKey) const;
@@ -227,6 +227,11 @@ private:
   void ReadElemXml(CVelumXmlParser& aParser);
   [[nodiscard]] TVelumValue ReadValXml(CVelumXmlParser& aParser);
   [[nodiscard]] Ref<CVelumStored> ReadObjXml(CVelumXmlParser& aParser, int aTag);
+  [[nodiscard]] const TVelumCell& CellRef(qint32 aIndex) const {
+    if (static_cast<quint32>(aIndex) >= static_cast<quint32>(iMax)) RaiseIndex();
+    return iStore.Cell(aIndex);
+  }
+  [[noreturn]] static void RaiseIndex();
   void WriteValXml(CVelumXmlWriter& aWriter, const TVelumValue& aVal) const;
   static void WriteObjXml(CVelumXmlWriter& aWriter, const TVelumValue& aVal);
 

@@ -74,6 +74,14 @@ public:
     return *this;
   }
 
+  // The object with its count, which is the caller's to pass on to Adopt; this becomes nothing.
+  [[nodiscard]] T* Detach() { return std::exchange(iObj, nullptr); }
+  // Takes over an object with its count.
+  [[nodiscard]] static Ref Adopt(T* aCounted) {
+    Ref ref;
+    ref.iObj = aCounted;
+    return ref;
+  }
   [[nodiscard]] T* Get() const { return iObj; }
   T* operator->() const { return iObj; }
   T& operator*() const { return *iObj; }

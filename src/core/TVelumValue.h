@@ -104,6 +104,12 @@ public:
   void ReplaceInt(qint32 aInt) {
     if (iType == EValInt) iSlot.iInt = aInt;
   }
+  // Replaces an object by one of the same tag, and gives back the old one; nothing for any other tag.
+  template <class T> void SwapObj(Ref<T>& aObj) {
+    if (!IsObjType()) return;
+    CVelumStored* old = std::exchange(iSlot.iObj, aObj.Detach());
+    aObj = Ref<T>::Adopt(static_cast<T*>(old));
+  }
   // Appends to a text in place; nothing for any other tag.
   void AppendStr(QStringView aStr) {
     if (iType == EValStr) iSlot.iStr += aStr;

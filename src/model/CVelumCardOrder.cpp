@@ -49,6 +49,13 @@ struct CVelumCardOrder::TBlock {
   }
 };
 
+// Walks go from one position to the next, mostly within a block.
+inline CVelumCardOrder::TPlace CVelumCardOrder::Locate(qint32 aPos) const {
+  const auto index = static_cast<quint32>(aPos) - static_cast<quint32>(iMemoStart);
+  if (iMemo && index < iMemo->iIds.size()) return {iMemo, static_cast<qint32>(index)};
+  return Search(aPos);
+}
+
 CVelumCardOrder::CVelumCardOrder() = default;
 CVelumCardOrder::~CVelumCardOrder() = default;
 
@@ -59,6 +66,11 @@ QString CVelumCardOrder::ObjDescr() const {
 qint32 CVelumCardOrder::IdAt(qint32 aPos) const {
   const TPlace place = Locate(aPos);
   return place.iBlock->iIds[size_t(place.iIndex)];
+}
+
+std::span<const qint32> CVelumCardOrder::IdsFrom(qint32 aPos) const {
+  const TPlace place = Locate(aPos);
+  return std::span<const qint32>(place.iBlock->iIds).subspan(size_t(place.iIndex));
 }
 
 qint32 CVelumCardOrder::NumAt(qint32 aPos) const {
@@ -196,7 +208,8 @@ void CVelumCardOrder::Clear() {
   iTree.clear();
   iHome.clear();
   iBitNo.clear();
-  iMemoNo = iMemoStart = iCount = 0;
+  iMemo = nullptr;
+  iMemoStart = iCount = 0;
   iChanged = true;
 }
 
@@ -284,23 +297,19 @@ Ref<CVelumArray> CVelumCardOrder::ToArray() const {
 
 // Blocks and the tree.
 
-CVelumCardOrder::TPlace CVelumCardOrder::Locate(qint32 aPos) const {
+CVelumCardOrder::TPlace CVelumCardOrder::Search(qint32 aPos) const {
   static_cast<void>(CVelumChecked::Index(aPos, iCount));
-  // Walks go from one position to the next, mostly within a block.
-  if (aPos < iMemoStart || size_t(iMemoNo) >= iBlocks.size() ||
-      aPos >= iMemoStart + iBlocks[size_t(iMemoNo)]->Count()) {
-    qint32 no = 0;
-    qint32 rest = aPos;
-    const qint32 size = static_cast<qint32>(iTree.size()) - 1;
-    for (qint32 step = std::bit_floor(quint32(size)); step > 0; step /= 2)
-      if (no + step <= size && iTree[size_t(no + step)] <= rest) {
-        no += step;
-        rest -= iTree[size_t(no)];
-      }
-    iMemoNo = no;
-    iMemoStart = aPos - rest;
-  }
-  return {iBlocks[size_t(iMemoNo)].get(), aPos - iMemoStart};
+  qint32 no = 0;
+  qint32 rest = aPos;
+  const qint32 size = static_cast<qint32>(iTree.size()) - 1;
+  for (qint32 step = std::bit_floor(quint32(size)); step > 0; step /= 2)
+    if (no + step <= size && iTree[size_t(no + step)] <= rest) {
+      no += step;
+      rest -= iTree[size_t(no)];
+    }
+  iMemo = iBlocks[size_t(no)].get();
+  iMemoStart = aPos - rest;
+  return {iMemo, rest};
 }
 
 qint32 CVelumCardOrder::StartOf(qint32 aBlockNo) const {
@@ -311,7 +320,7 @@ qint32 CVelumCardOrder::StartOf(qint32 aBlockNo) const {
 
 void CVelumCardOrder::AddToTree(qint32 aBlockNo, qint32 aDelta) {
   for (size_t i = size_t(aBlockNo) + 1; i < iTree.size(); i += i & (~i + 1)) iTree[i] += aDelta;
-  if (aBlockNo < iMemoNo) iMemoStart += aDelta;
+  if (iMemo && aBlockNo < iMemo->iNo) iMemoStart += aDelta;
 }
 
 // After blocks came or went.
@@ -324,7 +333,7 @@ void CVelumCardOrder::RebuildTree() {
     const size_t next = i + (i & (~i + 1));
     if (next < iTree.size()) iTree[next] += iTree[i];
   }
-  iMemoNo = iMemoStart = 0;
+  iMemo = nullptr;
   RebuildGroups();
 }
 

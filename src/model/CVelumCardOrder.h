@@ -4,6 +4,7 @@
 #include "core/CVelumArray.h"
 
 #include <memory>
+#include <span>
 #include <vector>
 
 // On file it is a keyed array (key: order number, value: card id). In memory it is a list of blocks of some
@@ -23,6 +24,9 @@ public:
 
   // Card id and order number at a position from 0; host error 9 beyond Count().
   [[nodiscard]] qint32 IdAt(qint32 aPos) const;
+  // The ids from a position on, at least one, as far as they lie side by side; good until the order changes.
+  // Host error 9 as above.
+  [[nodiscard]] std::span<const qint32> IdsFrom(qint32 aPos) const;
   [[nodiscard]] qint32 NumAt(qint32 aPos) const;
   // Position of a card, or -1.
   [[nodiscard]] qint32 PosOf(qint32 aId) const;
@@ -80,6 +84,7 @@ private:
   };
 
   [[nodiscard]] TPlace Locate(qint32 aPos) const;
+  [[nodiscard]] TPlace Search(qint32 aPos) const;
   [[nodiscard]] qint32 StartOf(qint32 aBlockNo) const;
   void Mark(qint32 aBlockNo, quint64 aBit);
   void RebuildGroups();
@@ -99,12 +104,12 @@ private:
   void Adopt(const CVelumArray& aArray);
 
   std::vector<std::unique_ptr<TBlock>> iBlocks;
-  std::vector<quint64> iBits;   // per block: backgrounds that may occur there
-  std::vector<quint64> iGroups; // the same for each EGroup blocks
-  std::vector<qint32> iTree;    // Fenwick tree over the counts of the blocks
-  std::vector<TBlock*> iHome;   // by card id
-  std::vector<quint8> iBitNo;   // by card id: which bit its background has; ENoBit when unknown
-  mutable qint32 iMemoNo = 0;   // block of the last access and its first position
+  std::vector<quint64> iBits;      // per block: backgrounds that may occur there
+  std::vector<quint64> iGroups;    // the same for each EGroup blocks
+  std::vector<qint32> iTree;       // Fenwick tree over the counts of the blocks
+  std::vector<TBlock*> iHome;      // by card id
+  std::vector<quint8> iBitNo;      // by card id: which bit its background has; ENoBit when unknown
+  mutable TBlock* iMemo = nullptr; // block of the last access, if it is still there, and its first position
   mutable qint32 iMemoStart = 0;
   qint32 iCount = 0;
   qint32 iIdBound = EMaxId;

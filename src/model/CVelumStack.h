@@ -151,6 +151,8 @@ public:
 private:
   friend class CVelumCard; // the change hub
 
+  // Asks for the memory of the cards that a walk comes to next. aIds begin with the card before aIndex.
+  void FetchAhead(std::span<const qint32> aIds, qint32 aIndex) const;
   // Parts of CVelumCard::SetControlVal.
   [[nodiscard]] qint32 OrderNumOf(const CVelumCard& aCard) const;
   void BackgroundSet(CVelumCard& aCard, qint32 aOldId);

@@ -73,17 +73,24 @@ bool CVelumStack::GetFirstCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
 }
 
 bool CVelumStack::GetNextCard(Ref<CVelumCard>& aCard, qint32& aIndex) const {
-  aCard = nullptr;
-  while (!aCard && aIndex >= 0 && aIndex < iOrder.Count()) aCard = FindCard(iOrder.IdAt(aIndex++));
-  if (aCard && aIndex < iOrder.Count() - ECardAhead) {
-    // Cards in the order in which they were made lie so in memory, and the processor fetches these by itself.
-    const qint32 ahead = iOrder.IdAt(aIndex + ECardAhead);
-    if (ahead == aCard->Id() + 1 + ECardAhead) return true;
-    FetchCard(FindCard(ahead));
-    FetchValues(FindCard(iOrder.IdAt(aIndex + EValuesAhead)));
-    FetchTexts(FindCard(iOrder.IdAt(aIndex + ETextsAhead)));
+  CVelumCard* card = nullptr;
+  while (!card && aIndex >= 0 && aIndex < iOrder.Count()) {
+    const std::span<const qint32> ids = iOrder.IdsFrom(aIndex++);
+    card = FindCard(ids.front());
+    if (card) FetchAhead(ids, aIndex);
   }
-  return static_cast<bool>(aCard);
+  aCard = card;
+  return card != nullptr;
+}
+
+void CVelumStack::FetchAhead(std::span<const qint32> aIds, qint32 aIndex) const {
+  if (aIndex >= iOrder.Count() - ECardAhead) return;
+  const qint32 far = aIds.size() > ECardAhead + 1 ? aIds[ECardAhead + 1] : iOrder.IdAt(aIndex + ECardAhead);
+  // Cards in the order in which they were made lie so in memory, and the processor fetches these by itself.
+  if (far == aIds[0] + ECardAhead + 1) return;
+  FetchCard(FindCard(far));
+  FetchValues(FindCard(iOrder.IdAt(aIndex + EValuesAhead)));
+  FetchTexts(FindCard(iOrder.IdAt(aIndex + ETextsAhead)));
 }
 
 qint32 CVelumStack::GetCardIndex(const CVelumCard& aCard, qint32& aNumCards) const {

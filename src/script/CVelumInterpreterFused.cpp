@@ -374,7 +374,7 @@ bool CVelumInterpreter::FusedNextCard(const TInstr& aInstr) {
   const bool found = background ? OpenStack().GetNextCardInBackground(background->Id(), card, index)
                                 : OpenStack().GetNextCard(card, index);
   if (found) {
-    cardVar->ReplaceCard(card);
+    cardVar->SwapCard(card);
     pos->ReplaceInt(index);
     iIp = aInstr.iNext;
   } else {

@@ -146,12 +146,6 @@ void CVelumVar::LetControlSetVal(const Ref<CVelumControlSet>& aSet) {
   Let(EValControlSet, u"LetControlSetVal"_s, TVelumValue::OfObj(EValControlSet, aSet));
 }
 
-void CVelumVar::ReplaceCard(const Ref<CVelumCard>& aCard) {
-  // Made in its place: an assignment would wait for what was only just written.
-  std::destroy_at(&iValue);
-  new (&iValue) TVelumValue(TVelumValue::OfObj(EValCard, aCard));
-}
-
 int CVelumVar::CheckedCommonType(const CVelumVar& aVar, const QString& aProc) const {
   if (!TypesCompatible(iType, aVar.iType)) AssertObj(false, this, aProc, u"type "_s + TypeStr());
   return CommonType(iType, aVar.iType);

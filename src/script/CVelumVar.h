@@ -68,7 +68,7 @@ public:
   static constexpr qsizetype EMaxTextLen = 32 * 1024 * 1024;
   // For Int and Card cells in the loops of the interpreter.
   void ReplaceInt(qint32 aInt) { iValue.ReplaceInt(aInt); }
-  void ReplaceCard(const Ref<CVelumCard>& aCard);
+  void SwapCard(Ref<CVelumCard>& aCard) { iValue.SwapObj(aCard); }
 
   // Cells come and go with every instruction: a few are kept for the next.
   static void* operator new(size_t aSize);
