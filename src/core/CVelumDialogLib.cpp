@@ -1,11 +1,30 @@
 #include "core/CVelumDialogLib.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumScanner.h"
 #include "core/CVelumSeams.h"
+#include "core/CVelumValue.h"
 
 namespace {
+
 qint16 gWaitCount = 0;
+
+QString TrimBlanks(const QString& aText) {
+  qsizetype start = 0;
+  qsizetype end = aText.size();
+  while (start < end && aText.at(start) == u' ') ++start;
+  while (end > start && aText.at(end - 1) == u' ') --end;
+  return aText.sliced(start, end - start);
 }
+
+// A text longer than a line of the scanner is no number either.
+bool IsShortNumber(const QString& aText) {
+  constexpr qsizetype maxLine = 32766;
+  return aText.size() <= maxLine && CVelumScanner().IsShortNumberStr(aText);
+}
+
+} // namespace
 
 void CVelumDialogLib::BeginWait() {
   CVelumSeams::EventPump().SetWaitCursor(true);
@@ -19,4 +38,27 @@ void CVelumDialogLib::EndWait() {
 
 int CVelumDialogLib::WaitCount() {
   return gWaitCount;
+}
+
+void CVelumDialogLib::CheckNotEmpty(const QString& aFieldName, const QString& aText, bool& aBad) {
+  if (!TrimBlanks(aText).isEmpty()) return;
+  CVelumMsg::Show(EMsgEmptyField, EMsgCritical, aFieldName);
+  aBad = true;
+}
+
+void CVelumDialogLib::CheckInt(const QString& aFieldName, const QString& aText, bool aEmptyOk, bool& aBad,
+                               qint16 aMin, qint16 aMax) {
+  const QString text = TrimBlanks(aText);
+  if (text.isEmpty()) {
+    if (!aEmptyOk) CheckNotEmpty(aFieldName, text, aBad);
+    return;
+  }
+  const auto refuse = [&](qint32 aMsg, const QString& aLimit) {
+    CVelumMsg::Show(aMsg, EMsgCritical, text, aFieldName, aLimit);
+    aBad = true;
+  };
+  if (!IsShortNumber(text)) return refuse(EMsgNotNum, CVelumMsg::EUndefParam);
+  const double num = CVelumValue::LenientNum(text);
+  if (aMin != ENoShort && num < aMin) return refuse(EMsgNumTooLow, QString::number(aMin));
+  if (aMax != ENoShort && num > aMax) return refuse(EMsgNumTooHigh, QString::number(aMax));
 }

@@ -11,7 +11,7 @@
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumHelpKeys.h"
 #include "shell/CVelumOptions.h"
-#include "shell/CVelumPictureViewer.h"
+#include "shell/CVelumShellForms.h"
 #include "shell/CVelumShellPresenter.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumToolkitPump.h"
@@ -45,7 +45,7 @@ void InitLibraries() {
   CVelumExports::InitExports();
   CVelumWinMan::InitWinMan();
   CVelumLib::InitRuntime();
-  CVelumWinMan::SetFactory(u"CVelumPictureViewer"_s, [] { return new CVelumPictureViewer; });
+  CVelumShellForms::Register();
   gCompiler = MakeRef<CVelumCompiler>();
   // Whoever starts the program may have put another one in.
   if (!gScriptRunner) gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();

@@ -11,7 +11,13 @@ CVelumFileDialog::TVelumAnswer& Answer() {
   return answer;
 }
 
-QString AskUser(const CVelumFileDialog& aSettings, const QString& aTitle, QWidget* aOwner, bool aSave) {
+QString AskFolder(const CVelumFileDialog& aSettings, const QString& aTitle, QWidget* aOwner) {
+  if (Answer()) return Answer()(aSettings, false);
+  return QFileDialog::getExistingDirectory(aOwner, aTitle, aSettings.InitDir());
+}
+
+QString AskFile(const CVelumFileDialog& aSettings, const QString& aTitle, QWidget* aOwner, bool aSave) {
+  if (Answer()) return Answer()(aSettings, aSave);
   QFileDialog dialog(aOwner, aTitle, aSettings.InitDir());
   dialog.setAcceptMode(aSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   dialog.setFileMode(aSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -36,18 +42,23 @@ void CVelumFileDialog::SetAnswer(TVelumAnswer aAnswer) {
 }
 
 bool CVelumFileDialog::ShowOpen(QWidget* aOwner) {
-  return Show(aOwner, false);
+  return Take(AskFile(*this, iTitle, aOwner, false));
 }
 
 bool CVelumFileDialog::ShowSave(QWidget* aOwner) {
-  return Show(aOwner, true);
+  return Take(AskFile(*this, iTitle, aOwner, true));
 }
 
-bool CVelumFileDialog::Show(QWidget* aOwner, bool aSave) {
-  const QString path = Answer() ? Answer()(*this, aSave) : AskUser(*this, iTitle, aOwner, aSave);
-  if (path.isEmpty()) return false;
-  iFileName = path;
-  iInitDir = QFileInfo(path).path();
+bool CVelumFileDialog::ShowFolder(QWidget* aOwner) {
+  if (!Take(AskFolder(*this, iTitle, aOwner))) return false;
+  iInitDir = iFileName;
+  return true;
+}
+
+bool CVelumFileDialog::Take(const QString& aPath) {
+  if (aPath.isEmpty()) return false;
+  iFileName = aPath;
+  iInitDir = QFileInfo(aPath).path();
   return true;
 }
 

@@ -23,6 +23,8 @@ public:
   [[nodiscard]] bool ShowOpen(QWidget* aOwner);
   // Asks for a name to save under, and before it takes a file that exists.
   [[nodiscard]] bool ShowSave(QWidget* aOwner);
+  // Asks for a folder that exists; FileName is then its path.
+  [[nodiscard]] bool ShowFolder(QWidget* aOwner);
 
   // The filters in the toolkit's form, and the extension that belongs to one of them.
   [[nodiscard]] QStringList NameFilters() const;
@@ -33,7 +35,7 @@ public:
   static void SetAnswer(TVelumAnswer aAnswer);
 
 private:
-  [[nodiscard]] bool Show(QWidget* aOwner, bool aSave);
+  [[nodiscard]] bool Take(const QString& aPath);
 
   QString iTitle;
   QString iDefaultExt;

@@ -1,13 +1,18 @@
 #include "toolkit/CVelumToolkitLib.h"
 
 #include "core/CVelumLib.h"
+#include "toolkit/CVelumFileDialog.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
 #include <QLayout>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMimeData>
+#include <QScreen>
+#include <QScrollBar>
 #include <algorithm>
 
 namespace CVelumLib {
@@ -30,6 +35,23 @@ QString GetClipboardText() {
   else if (text.endsWith(u'\n'))
     text.chop(1);
   return text;
+}
+
+QString BrowseForFolder(QWidget* aOwner, const QString& aTitle, const QString& aStart) {
+  CVelumFileDialog dialog(aTitle, {}, {});
+  dialog.SetInitDir(aStart);
+  return dialog.ShowFolder(aOwner) ? dialog.FileName() : QString();
+}
+
+void SetComboDropWidth(QComboBox& aCombo, const QWidget& aForm) {
+  QAbstractItemView* view = aCombo.view();
+  const QFontMetrics metrics = view->fontMetrics();
+  int wanted = 0;
+  for (int i = 0; i < aCombo.count(); ++i)
+    wanted = std::max(wanted, metrics.horizontalAdvance(aCombo.itemText(i)));
+  // Room for the margins of a line and for the scroll bar.
+  wanted += metrics.height() + view->verticalScrollBar()->sizeHint().width();
+  view->setMinimumWidth(std::min(wanted, aForm.screen()->availableSize().width()));
 }
 
 void CentreOver(QWidget& aForm, const QWidget* aOver) {

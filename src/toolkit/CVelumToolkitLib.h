@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QSizeF>
 
+class QComboBox;
 class QWidget;
 
 namespace CVelumLib {
@@ -17,6 +18,14 @@ namespace CVelumLib {
 
 // The text of the clipboard as it is (no-break blanks stay); one line end at its end is dropped.
 [[nodiscard]] QString GetClipboardText();
+
+// Asks for a folder that exists; empty when the user cancels. aStart, if not empty, is where the dialog
+// begins.
+[[nodiscard]] QString BrowseForFolder(QWidget* aOwner, const QString& aTitle, const QString& aStart = {});
+
+// Makes the list that drops from a combo box wide enough for its longest line, but not wider than the screen
+// of aForm.
+void SetComboDropWidth(QComboBox& aCombo, const QWidget& aForm);
 
 // Puts the middle of aForm over the middle of aOver; does nothing without one.
 void CentreOver(QWidget& aForm, const QWidget* aOver);

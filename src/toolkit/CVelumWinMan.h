@@ -1,4 +1,16 @@
 // The windows by name: making and finding them, their places, and the broadcast of changes.
+//
+// How a dialog takes part:
+// - its class derives from CVelumDialogForm and hands its name, one of those that InitWinMan registers, to
+//   the constructor, with the size of its design; its entries come from a form of the same name;
+// - the room says how it is made: a SetFactory in CVelumShellForms::Register (or CVelumLib::InitRuntime);
+// - Load calls CVelumDialogForm::Load, which restores the place, then fills the lists and shows the model;
+// - ChangeNotify answers the kinds that concern it. Kind 7 must end in UnloadForm(*this), for the stack that
+//   the dialog shows goes right after it;
+// - Unload calls CVelumDialogForm::Unload, which keeps the place, and clears what the dialog held.
+// Whoever wants it shown calls ShowDialog(*NameToForm(name)) and then the dialog's own operation. A dialog
+// that changes the model calls CVelumSeams::ChangeNotify and refreshes by its own ChangeNotify, like all
+// others.
 #pragma once
 
 #include "toolkit/CVelumForm.h"

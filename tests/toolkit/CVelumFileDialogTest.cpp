@@ -75,3 +75,13 @@ TEST_F(CVelumFileDialogTest, NextDialogStartsWhereTheLastFileWas) {
   CVelumFileDialog::SetAnswer([](const CVelumFileDialog&, bool) { return QString(); });
   EXPECT_FALSE(iDialog.ShowOpen(nullptr));
 }
+
+TEST_F(CVelumFileDialogTest, FolderIsAskedForAndKept) {
+  iDialog.SetInitDir(iFolder.Path());
+  Type(iFolder.Path(), true);
+  ASSERT_TRUE(iDialog.ShowFolder(nullptr));
+  EXPECT_EQ(iDialog.FileName(), iFolder.Path());
+  EXPECT_EQ(iDialog.InitDir(), iFolder.Path());
+  Type(u"x"_s, false);
+  EXPECT_FALSE(iDialog.ShowFolder(nullptr));
+}

@@ -1,11 +1,15 @@
 #include "toolkit/CVelumToolkitLib.h"
 
 #include "support/WidgetTest.h"
+#include "toolkit/CVelumFileDialog.h"
 
+#include <QAbstractItemView>
 #include <QClipboard>
+#include <QComboBox>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMimeData>
+#include <QScreen>
 #include <QWidget>
 
 using CVelumToolkitLibTest = WidgetTest;
@@ -66,4 +70,30 @@ TEST_F(CVelumToolkitLibTest, CentresOverAnotherWindow) {
   EXPECT_EQ(form.pos(), QPoint(250, 199));
   CVelumLib::CentreOver(form, nullptr);
   EXPECT_EQ(form.pos(), QPoint(250, 199));
+}
+
+TEST_F(CVelumToolkitLibTest, FolderOfTheDialogAndNoneWhenCancelled) {
+  QString answer = iFolder.Path();
+  QString start;
+  CVelumFileDialog::SetAnswer([&](const CVelumFileDialog& aDialog, bool) {
+    start = aDialog.InitDir();
+    return answer;
+  });
+  EXPECT_EQ(CVelumLib::BrowseForFolder(nullptr, u"Folder"_s, u"/start"_s), iFolder.Path());
+  EXPECT_EQ(start, u"/start"_s);
+  answer.clear();
+  EXPECT_EQ(CVelumLib::BrowseForFolder(nullptr, u"Folder"_s), QString());
+  CVelumFileDialog::SetAnswer({});
+}
+
+TEST_F(CVelumToolkitLibTest, DroppedListFitsItsLongestLineAndTheScreen) {
+  QWidget form;
+  QComboBox combo(&form);
+  combo.addItem(u"a"_s);
+  combo.addItem(QString(60, u'M'));
+  CVelumLib::SetComboDropWidth(combo, form);
+  EXPECT_GE(combo.view()->minimumWidth(), combo.fontMetrics().horizontalAdvance(combo.itemText(1)));
+  combo.addItem(QString(6000, u'M'));
+  CVelumLib::SetComboDropWidth(combo, form);
+  EXPECT_EQ(combo.view()->minimumWidth(), form.screen()->availableSize().width());
 }
