@@ -1,0 +1,115 @@
+#include "exchange/CVelumCsvCards.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumValue.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
+// How often a name that is written back into its field may become another text, as when a card is renamed.
+constexpr int ENamePasses = 2;
+
+} // namespace
+
+CVelumCsvCards::CVelumCsvCards(const CVelumCsvRows& aRows, const TCsvColumns* aColumns,
+                               const Ref<CVelumControlSet>& aBackground, bool aFirstNames)
+    : iRows(aRows), iColumns(aColumns), iBackground(aBackground), iFirstNames(aFirstNames) {
+  const CVelumControlSet& background = CVelumChecked::Deref(aBackground);
+  for (qint32 i = 0; i < background.NumControls(); ++i)
+    if (CVelumControl* control = background.ControlAt(i)) iControls.push_back(control);
+}
+
+QString CVelumCsvCards::PooledText(QStringView aText) {
+  if (aText.isEmpty()) return u""_s;
+  char16_t* chars = nullptr;
+  QString text = iTexts.Take(aText.size(), chars);
+  std::memcpy(chars, aText.utf16(), static_cast<size_t>(aText.size()) * sizeof(char16_t));
+  return text;
+}
+
+TVelumValue CVelumCsvCards::GeneralValue(QStringView aText, const CVelumControl& aControl) {
+  // Most cells are texts, and stay as they are.
+  if (aControl.ConType() == EConText) return TVelumValue::OfStr(PooledText(aText));
+  return CVelumValue::ExtTextToVal(aText.toString(), aControl.FieldInfo());
+}
+
+TVelumValue CVelumCsvCards::ValueOf(QStringView aItem, const CVelumControl& aControl,
+                                    const TCsvColumn* aColumn) {
+  const QStringView text = CVelumImports::TrimBlanks(aItem);
+  qint32 whole = 0;
+  double real = 0.0;
+  bool boolean = false;
+  const qint32 type = aColumn && !text.isEmpty() ? aColumn->iType : EConText;
+  if (type == EConInteger && CVelumImports::CsvToInt(text, whole)) return TVelumValue::OfInt(whole);
+  if (type == EConReal && CVelumImports::CsvToReal(text, aColumn->iDecimal, real))
+    return TVelumValue::OfReal(real);
+  if (type == EConBoolean && CVelumImports::CsvToBoolean(text, boolean))
+    return TVelumValue::OfBoolean(boolean);
+  return GeneralValue(text, aControl);
+}
+
+void CVelumCsvCards::CheckType(const CVelumCard& aCard, const CVelumControl& aControl,
+                               const TVelumValue& aVal) const {
+  const bool same = aVal.Type() == CVelumValue::ConToValType(aControl.ConType());
+  CVelumError::AssertObj(same, &aCard, u"SetControlVal"_s, u"type"_s);
+}
+
+// The card takes the name that its field shows, and the field what that name means, as when a value of a card
+// in a stack is set.
+void CVelumCsvCards::TakeName(CVelumCard& aCard, const CVelumControl& aControl, TVelumValue& aVal) {
+  for (int pass = 0; pass < ENamePasses; ++pass) {
+    const QString name = CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
+    if (name == aCard.Name()) return;
+    aCard.SetName(name);
+    if (aVal.Type() != EValStr) aVal = CVelumValue::ExtTextToVal(name, aControl.FieldInfo());
+  }
+}
+
+Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
+  auto card = MakeRef<CVelumCard>(QString::number(aNum), iBackground);
+  const int items = iRows.NumItems(aRow);
+  const int fields = std::min(items, static_cast<int>(iControls.size()));
+  TVelumElem elem;
+  card->Value().InitElem(elem);
+  for (int i = 0; i < fields; ++i) {
+    const auto index = static_cast<size_t>(i);
+    const CVelumControl& control = *iControls[index];
+    elem.iIntKey = control.Id();
+    elem.iVal = ValueOf(iRows.Item(aRow, i), control, iColumns ? &(*iColumns)[index] : nullptr);
+    CheckType(*card, control, elem.iVal);
+    if (control.Flag(EConCardName) || (iFirstNames && i == 0)) TakeName(*card, control, elem.iVal);
+    card->Value().CreateIntKey(elem);
+  }
+  if (items > fields) ++iSurplus;
+  return card;
+}
+
+bool CVelumCsvCards::Make(qint32 aFirstRow, int aFrom, int aTo, CVelumImportWatch& aWatch) {
+  iCards.reserve(static_cast<size_t>(std::max(iRows.NumRows() - aFirstRow, 0)));
+  for (qint32 row = aFirstRow; row < iRows.NumRows(); ++row) {
+    iCards.push_back(CardOf(row, row - aFirstRow + 1));
+    if (row % ERowsAStep != 0) continue;
+    const qint64 done = aFrom + qint64{row} * (aTo - aFrom) / iRows.NumRows();
+    if (!aWatch.Progress(static_cast<int>(done))) return false;
+  }
+  return true;
+}
+
+void CVelumCsvCards::TakeBack(CVelumStack& aStack) const {
+  for (auto card = iCards.rbegin(); card != iCards.rend(); ++card)
+    if ((*card)->Stack() == &aStack) aStack.DeleteCard(*card);
+  aStack.EndBulk();
+}
+
+void CVelumCsvCards::Add(CVelumStack& aStack, const Ref<CVelumCard>& aNextCard) const {
+  aStack.BeginBulk(static_cast<qint32>(iCards.size()));
+  try {
+    for (const Ref<CVelumCard>& card : iCards) aStack.AddCard(card, aNextCard, false);
+    aStack.EndBulk();
+  } catch (...) {
+    TakeBack(aStack);
+    throw;
+  }
+}

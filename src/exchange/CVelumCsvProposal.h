@@ -1,0 +1,23 @@
+// What the first lines of a CSV file suggest about it.
+#pragma once
+
+#include "core/CVelumFile.h"
+
+#include <QStringList>
+
+struct TCsvProposal {
+  QStringList iLines;          // at most ten, each tab as the text "<tab>"
+  QChar iDelim = u',';         // by the first line: the one that occurs most; a comma in doubt
+  qint32 iCoding = ECodLatin1; // UTF-8 if a byte order mark opens the file
+  bool iLooksUtf8 = false;     // without a mark: the first 1,000 lines hold other than ASCII, all valid UTF-8
+
+  // The coding that is to be taken unless the user says otherwise.
+  [[nodiscard]] qint32 BestCoding() const { return iLooksUtf8 ? qint32{ECodUtf8} : iCoding; }
+};
+
+namespace CVelumImports {
+
+// Failures are those of CVelumFile.
+[[nodiscard]] TCsvProposal ProposeCsv(const QString& aFilename);
+
+} // namespace CVelumImports

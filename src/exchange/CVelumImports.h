@@ -1,0 +1,48 @@
+// The import of CSV files.
+#pragma once
+
+#include "exchange/CVelumCsvColumns.h"
+#include "model/CVelumStack.h"
+#include "persist/CVelumViewState.h"
+
+#include <functional>
+
+// What the user chose for an import.
+struct TCsvOptions {
+  QChar iDelim = u','; // neither a blank nor a quote
+  qint32 iCoding = ECodLatin1;
+  bool iHeaderLine = true;
+  bool iDetectTypes = true;
+  bool iGuessKey = true;
+  bool iTryCardName = true;
+  // Types that the user wants for columns, in place of those that are detected.
+  std::array<std::optional<qint32>, CVelumCsvRows::EMaxItems> iTypes = {};
+};
+
+enum class ECsvOutcome { Done, Empty, Cancelled };
+
+// A stack that an import has made, with the persistent part of its view; both nothing where it has not.
+struct TNewStack {
+  Ref<CVelumStack> iStack;
+  Ref<CVelumViewState> iView;
+};
+
+namespace CVelumImports {
+
+// Makes a stack of a CSV file: a background with a field for each item of the first row, at most 20, and a
+// card for each further row. Its name is the path of the file. Nothing else is touched: whatever goes wrong,
+// aNew stays as it is. Host errors carry the line; the other failures are those of CVelumFile.
+[[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
+                                     CVelumImportWatch& aWatch, TNewStack& aNew);
+
+// Fills a background of a stack from a CSV file. When the whole file has been read and made into cards, and
+// no sooner, aMakeRoom is called; it deletes the background's cards and returns the card in front of which
+// the new ones are to stand (nothing: at the end).
+using TMakeRoom = std::function<Ref<CVelumCard>()>;
+[[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
+                                     CVelumImportWatch& aWatch, const Ref<CVelumControlSet>& aBackground,
+                                     const TMakeRoom& aMakeRoom);
+// The card that follows the last one of a background in the order of its stack; nothing when there is none.
+[[nodiscard]] Ref<CVelumCard> CardBehind(const CVelumStack& aStack, qint32 aBackgroundId);
+
+} // namespace CVelumImports
