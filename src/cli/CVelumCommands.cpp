@@ -1,9 +1,9 @@
 #include "cli/CVelumCommands.h"
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
-  static const QList<const TVelumCommand*> all{&Info(),  &Check(),        &Convert(),    &Search(),
-                                               &Cards(), &Compile(),      &RunMessage(), &Render(),
-                                               &Wiki(),  &ImportPicture()};
+  static const QList<const TVelumCommand*> all{&Info(),  &Check(),         &Convert(),    &Search(),
+                                               &Cards(), &Compile(),       &RunMessage(), &Render(),
+                                               &Wiki(),  &ImportPicture(), &ImportCsv()};
   return all;
 }
 

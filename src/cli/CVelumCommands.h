@@ -16,6 +16,7 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& Render();
 [[nodiscard]] const TVelumCommand& Wiki();
 [[nodiscard]] const TVelumCommand& ImportPicture();
+[[nodiscard]] const TVelumCommand& ImportCsv();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();

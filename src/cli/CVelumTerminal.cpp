@@ -41,10 +41,17 @@ void CVelumTerminal::HelpPage(const QString& aPage) {
 }
 
 void CVelumTerminal::ScriptProgress(int aSteps) {
-  if (!iShowProgress) return;
   ClearProgress();
-  if (aSteps <= 0) return;
-  iErr.write("\r" + QByteArray::number(aSteps));
+  if (aSteps > 0) ShowProgress(QByteArray::number(aSteps));
+}
+
+void CVelumTerminal::WorkProgress(int aPermille) {
+  ShowProgress(QByteArray::number(aPermille / 10) + " %");
+}
+
+void CVelumTerminal::ShowProgress(const QByteArray& aText) {
+  if (!iShowProgress) return;
+  iErr.write("\r" + aText);
   iProgressShown = true;
 }
 

@@ -22,6 +22,9 @@ public:
   void HelpPage(const QString& aPage) override;
   void ScriptProgress(int aSteps) override;
 
+  // Progress of long work, up to 1,000; only a terminal shows it. To be ended with ClearProgress.
+  void WorkProgress(int aPermille);
+  void ClearProgress();
   // A line of output.
   void Line(const QString& aText);
   void Json(const QJsonObject& aObject);
@@ -34,7 +37,7 @@ public:
 
 private:
   void Write(const QByteArray& aBytes);
-  void ClearProgress();
+  void ShowProgress(const QByteArray& aText);
 
   QFile iOut;
   QFile iErr;

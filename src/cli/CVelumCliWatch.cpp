@@ -1,0 +1,29 @@
+#include "cli/CVelumCliWatch.h"
+
+#include "cli/CVelumTerminal.h"
+
+CVelumCliWatch::~CVelumCliWatch() {
+  iTerminal.ClearProgress();
+  if (iTooManyItems == 0) return;
+  iTerminal.Complain(
+      u"%1: %2 (lines: %3)"_s
+          .arg(CVelumMsg::Name(EMsgTooManyItems), CVelumMsg::Text(EMsgTooManyItems, CVelumMsg::EUndefParam))
+          .arg(iTooManyItems));
+}
+
+void CVelumCliWatch::Message(qint32 aMsg, const QString& aP0) {
+  if (aMsg == EMsgTooManyItems)
+    ++iTooManyItems;
+  else
+    CVelumImportWatch::Message(aMsg, aP0);
+}
+
+void CVelumCliWatch::Unclosed(qint32 aLineNum) {
+  iTerminal.Complain(
+      u"a quoted cell in line %1 is never closed; that line and what follows is left out"_s.arg(aLineNum));
+}
+
+bool CVelumCliWatch::Progress(int aDone) {
+  iTerminal.WorkProgress(aDone);
+  return true;
+}
