@@ -1,5 +1,6 @@
 #include "cli/CVelumCliStack.h"
 
+#include "cli/CVelumTerminal.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
 #include "persist/CVelumStackFile.h"
@@ -26,4 +27,15 @@ QString CVelumCliStack::OneLine(QString aText) {
   aText.replace(u'\r', u' ');
   aText.replace(u'\n', u' ');
   return aText;
+}
+
+CVelumCliStack::CProgress::~CProgress() {
+  iTerminal.ScriptProgress(0);
+}
+
+TVelumStep CVelumCliStack::CProgress::Step() const {
+  return [this](qint64 aDone, qint64) {
+    iTerminal.ScriptProgress(static_cast<int>(aDone));
+    return true;
+  };
 }

@@ -1,8 +1,11 @@
 // The open stack of a command: what HandleLoadStack is to the desktop program.
 #pragma once
 
+#include "exchange/CVelumStep.h"
 #include "model/CVelumStack.h"
 #include "persist/CVelumViewState.h"
+
+class CVelumTerminal;
 
 struct TVelumOpenStack {
   Ref<CVelumStack> iStack;
@@ -17,5 +20,19 @@ namespace CVelumCliStack {
 [[nodiscard]] Ref<CVelumControlSet> BackgroundByName(const CVelumStack& aStack, const QString& aName);
 // aText with a blank for each line end, so that it stays on one line of output.
 [[nodiscard]] QString OneLine(QString aText);
+
+// Shows how far long work is while it exists.
+class CProgress {
+public:
+  explicit CProgress(CVelumTerminal& aTerminal) : iTerminal(aTerminal) {}
+  ~CProgress();
+  CProgress(const CProgress&) = delete;
+  CProgress& operator=(const CProgress&) = delete;
+  // What the work is to call; never gives up.
+  [[nodiscard]] TVelumStep Step() const;
+
+private:
+  CVelumTerminal& iTerminal;
+};
 
 } // namespace CVelumCliStack

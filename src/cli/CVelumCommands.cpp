@@ -1,9 +1,10 @@
 #include "cli/CVelumCommands.h"
 
 const QList<const TVelumCommand*>& CVelumCommands::All() {
-  static const QList<const TVelumCommand*> all{&Info(),  &Check(),         &Convert(),    &Search(),
-                                               &Cards(), &Compile(),       &RunMessage(), &Render(),
-                                               &Wiki(),  &ImportPicture(), &ImportCsv()};
+  static const QList<const TVelumCommand*> all{&Info(),       &Check(),         &Convert(),    &Search(),
+                                               &Cards(),      &Compile(),       &RunMessage(), &Render(),
+                                               &Wiki(),       &ImportPicture(), &ImportCsv(),  &ImportXml(),
+                                               &ImportText(), &ExportCsv(),     &ExportXml()};
   return all;
 }
 

@@ -17,6 +17,10 @@ namespace CVelumCommands {
 [[nodiscard]] const TVelumCommand& Wiki();
 [[nodiscard]] const TVelumCommand& ImportPicture();
 [[nodiscard]] const TVelumCommand& ImportCsv();
+[[nodiscard]] const TVelumCommand& ImportXml();
+[[nodiscard]] const TVelumCommand& ImportText();
+[[nodiscard]] const TVelumCommand& ExportCsv();
+[[nodiscard]] const TVelumCommand& ExportXml();
 
 // All, in the order in which the help lists them.
 [[nodiscard]] const QList<const TVelumCommand*>& All();

@@ -36,6 +36,12 @@ int CodeOf(char16_t aChar) {
   return -1;
 }
 
+bool IsAscii(QStringView aText) {
+  char16_t bits = 0;
+  for (const QChar c : aText) bits |= c.unicode();
+  return bits < 128;
+}
+
 int HexDigit(QChar aChar) {
   const char16_t c = aChar.unicode();
   if (c >= u'0' && c <= u'9') return c - u'0';
@@ -225,6 +231,8 @@ QString CVelumLib::FromCodePage(const QByteArray& aBytes) {
 }
 
 QByteArray CVelumLib::ToCodePage(const QString& aText, int* aLacking) {
+  if (aLacking) *aLacking = 0;
+  if (IsAscii(aText)) return aText.toLatin1();
   QByteArray bytes;
   bytes.reserve(aText.size());
   int lacking = 0;

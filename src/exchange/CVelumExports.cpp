@@ -37,18 +37,44 @@ template <class TVisit> void ForControls(const CVelumControlSet& aBackground, co
     aVisit(*control);
 }
 
-// Calls aVisit with each line of the CSV file; false when aVisit or aStep ended it.
+// What of aStr stands from aPos on until something has to be replaced.
+QStringView PlainRun(QStringView aStr, qsizetype aPos) {
+  qsizetype end = aPos;
+  while (end < aStr.size() && aStr[end] != u'"' && aStr[end] != u'\r') ++end;
+  return aStr.mid(aPos, end - aPos);
+}
+
+// Adds the text of a cell to a line.
+void AppendCell(const QString& aStr, QString& aLine) {
+  aLine += gQuote;
+  for (qsizetype pos = 0; pos < aStr.size();) {
+    const QStringView run = PlainRun(aStr, pos);
+    aLine += run;
+    pos += run.size();
+    if (pos == aStr.size()) break;
+    const bool eol = QStringView(aStr).mid(pos).startsWith(u"\r\n");
+    if (eol)
+      aLine += u"&eol;"_s;
+    else if (aStr[pos] == u'"')
+      aLine += gQuoteQuote;
+    else
+      aLine += aStr[pos];
+    pos += eol ? 2 : 1;
+  }
+  aLine += gQuote;
+}
+
+// Calls aVisit with each line of the CSV file; false when aStep ended it.
 template <class TVisit>
 bool ForLines(const CVelumControlSet& aBackground, const QString& aDelimiter, const TVelumStep& aStep,
               const TVisit& aVisit) {
   const CVelumStack& stack = CVelumChecked::Deref(aBackground.Stack());
   QString line;
-  const auto add = [&](const QString& aCell) {
+  const auto add = [&](const QString& aText) {
     if (!line.isEmpty()) line += aDelimiter;
-    line += aCell;
+    AppendCell(aText, line);
   };
-  ForControls(aBackground,
-              [&](const CVelumControl& aControl) { add(CVelumExports::CsvQuote(aControl.Name())); });
+  ForControls(aBackground, [&](const CVelumControl& aControl) { add(aControl.Name()); });
   aVisit(line);
   Ref<CVelumCard> card;
   qint32 index = 0;
@@ -56,14 +82,20 @@ bool ForLines(const CVelumControlSet& aBackground, const QString& aDelimiter, co
   const qint64 total = aBackground.NumCards();
   for (bool more = stack.GetFirstCardInBackground(aBackground.Id(), card, index); more;
        more = stack.GetNextCardInBackground(aBackground.Id(), card, index)) {
-    line.clear();
+    line.resize(0); // keeps the memory
     ForControls(aBackground, [&](const CVelumControl& aControl) {
-      add(CVelumExports::CsvValue(card->GetControlVal(aControl.Id(), false), aControl));
+      add(CVelumValue::ValToExtText(card->GetControlVal(aControl.Id(), false), aControl.FieldInfo()));
     });
     aVisit(line);
     if (aStep && ++count % EStepCards == 0 && !aStep(count, total)) return false;
   }
   return true;
+}
+
+int Lacking(const QString& aText) {
+  int lacking = 0;
+  static_cast<void>(CVelumLib::ToCodePage(aText, &lacking));
+  return lacking;
 }
 
 void WriteCard(CVelumXmlWriter& aWriter, CVelumCard& aCard) {
@@ -110,10 +142,9 @@ void CVelumExports::InitExports() {
 }
 
 QString CVelumExports::CsvQuote(const QString& aStr) {
-  QString cell = aStr;
-  cell.replace(gQuote, gQuoteQuote);
-  cell.replace(u"\r\n"_s, u"&eol;"_s);
-  return gQuote + cell + gQuote;
+  QString cell;
+  AppendCell(aStr, cell);
+  return cell;
 }
 
 QString CVelumExports::CsvValue(const TVelumValue& aVal, const CVelumControl& aControl) {
@@ -121,28 +152,30 @@ QString CVelumExports::CsvValue(const TVelumValue& aVal, const CVelumControl& aC
 }
 
 bool CVelumExports::ExportCsv(const QString& aPath, const CVelumControlSet& aBackground,
-                              const QString& aDelimiter, qint32 aCoding, const TVelumStep& aStep) {
+                              const TVelumCsvForm& aForm, const TVelumStep& aStep, qint64* aLacking) {
+  const bool utf8 = aForm.iCoding == ECodUtf8;
+  const bool count = aLacking && !utf8;
+  qint64 lacking = 0;
   const auto write = [&](const QString& aNew) {
     CVelumFile file(aNew, EFilSeqWrite);
-    file.SetCoding(aCoding);
+    file.SetCoding(aForm.iCoding);
     file.OpenFile();
-    QString mark = aCoding == ECodUtf8 ? EByteOrderMark : QString();
-    const bool whole = ForLines(aBackground, aDelimiter, aStep, [&](const QString& aLine) {
-      file.WriteLine(std::exchange(mark, {}) + aLine);
+    QString mark = utf8 ? EByteOrderMark : QString();
+    const bool whole = ForLines(aBackground, aForm.iDelimiter, aStep, [&](const QString& aLine) {
+      if (count) lacking += Lacking(aLine);
+      file.WriteLine(mark.isEmpty() ? aLine : std::exchange(mark, {}) + aLine);
     });
     file.CloseFile();
     return whole;
   };
-  return WriteBeside(aPath, CVelumChecked::Deref(aBackground.Stack()), write);
+  const bool whole = WriteBeside(aPath, CVelumChecked::Deref(aBackground.Stack()), write);
+  if (aLacking) *aLacking = lacking;
+  return whole;
 }
 
 qint64 CVelumExports::CountLacking(const CVelumControlSet& aBackground) {
   qint64 sum = 0;
-  static_cast<void>(ForLines(aBackground, {}, {}, [&](const QString& aLine) {
-    int lacking = 0;
-    static_cast<void>(CVelumLib::ToCodePage(aLine, &lacking));
-    sum += lacking;
-  }));
+  static_cast<void>(ForLines(aBackground, {}, {}, [&](const QString& aLine) { sum += Lacking(aLine); }));
   return sum;
 }
 

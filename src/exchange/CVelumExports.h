@@ -9,6 +9,12 @@
 extern QString gQuote;
 extern QString gQuoteQuote;
 
+// What a CSV file looks like.
+struct TVelumCsvForm {
+  QString iDelimiter = u","_s;
+  qint32 iCoding = ECodLatin1;
+};
+
 namespace CVelumExports {
 
 // A step of the start: sets gQuote and gQuoteQuote. Safe to call again.
@@ -23,10 +29,10 @@ void InitExports();
 // result is false), leaves what was there. A file that is that of the stack itself is host error 70.
 
 // A line with the names of all fields, also commands and pictures, and a line for each card in the order of
-// the stack. With ECodLatin1 a character that the code page 1252 lacks becomes "?"; a file in ECodUtf8 begins
-// with a byte order mark.
-bool ExportCsv(const QString& aPath, const CVelumControlSet& aBackground, const QString& aDelimiter,
-               qint32 aCoding = ECodLatin1, const TVelumStep& aStep = {});
+// the stack. With ECodLatin1 a character that the code page 1252 lacks becomes "?" (aLacking is their
+// number); a file in ECodUtf8 begins with a byte order mark.
+bool ExportCsv(const QString& aPath, const CVelumControlSet& aBackground, const TVelumCsvForm& aForm = {},
+               const TVelumStep& aStep = {}, qint64* aLacking = nullptr);
 // Characters of that file that the code page 1252 lacks.
 [[nodiscard]] qint64 CountLacking(const CVelumControlSet& aBackground);
 // The cards of all backgrounds, with all their fields but commands.

@@ -82,7 +82,7 @@ bool CVelumImports::ImportTextFile(const QString& aPath, const Ref<CVelumControl
   Ref<CVelumControl> control;
   if (!set.GetControlByName(EField, control)) {
     CVelumMsg::Show(EMsgControlMissing, EMsgCritical, EField, set.Name());
-    return true;
+    return false;
   }
   // Asserted again for each value, but then the old cards would be gone.
   CVelumError::Assert(CVelumValue::ConToValType(control->ConType()) == EValStr, u"type"_s);

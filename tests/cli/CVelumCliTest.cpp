@@ -13,9 +13,10 @@
 
 namespace {
 
-const QStringList ECommands{u"info"_s,  u"check"_s,          u"convert"_s,   u"search"_s,
-                            u"cards"_s, u"compile"_s,        u"run"_s,       u"render"_s,
-                            u"wiki"_s,  u"import-picture"_s, u"import-csv"_s};
+const QStringList ECommands{u"info"_s,        u"check"_s,          u"convert"_s,    u"search"_s,
+                            u"cards"_s,       u"compile"_s,        u"run"_s,        u"render"_s,
+                            u"wiki"_s,        u"import-picture"_s, u"import-csv"_s, u"import-xml"_s,
+                            u"import-text"_s, u"export-csv"_s,     u"export-xml"_s};
 
 QByteArray ReadText(const QString& aPath) {
   QFile file(QStringLiteral(ORVELLES_SOURCE) + aPath);

@@ -20,7 +20,7 @@ protected:
     Set(card, u"Open"_s, TVelumValue::OfBoolean(true));
   }
   QByteArray Csv(const QString& aDelimiter = u","_s, qint32 aCoding = ECodLatin1) {
-    EXPECT_TRUE(CVelumExports::ExportCsv(iPath, *iFirst, aDelimiter, aCoding));
+    EXPECT_TRUE(CVelumExports::ExportCsv(iPath, *iFirst, {aDelimiter, aCoding}));
     return iFolder.Read(u"out"_s);
   }
   QByteArray Xml() {
@@ -112,6 +112,11 @@ TEST_F(CVelumExportsTest, TheCodePageCountsWhatItLacks) {
   AddCard(iFirst, u"a"_s, QString::fromUtf8("é € Я 你 😀"));
   EXPECT_EQ(CVelumExports::CountLacking(*iFirst), 3);
   EXPECT_EQ(CVelumExports::CountLacking(*iSecond), 0);
+  qint64 lacking = 0;
+  EXPECT_TRUE(CVelumExports::ExportCsv(iPath, *iFirst, {}, {}, &lacking));
+  EXPECT_EQ(lacking, 3);
+  EXPECT_TRUE(CVelumExports::ExportCsv(iPath, *iFirst, {u","_s, ECodUtf8}, {}, &lacking));
+  EXPECT_EQ(lacking, 0);
   EXPECT_TRUE(Csv().contains("\"\xE9 \x80 ? ? ?\""));
   const QByteArray utf8 = Csv(u","_s, ECodUtf8);
   EXPECT_TRUE(utf8.startsWith("\xEF\xBB\xBF\"Text\",")) << "so that it is told when it is read";
@@ -162,7 +167,7 @@ TEST_F(CVelumExportsTest, AFailureAtAnyCallLeavesTheOldFile) {
       FaultInjection faults(FaultInjection::EAct::Fail, at);
       const auto work = [&] {
         static_cast<void>(xml ? CVelumExports::ExportXml(*iStack, iPath)
-                              : CVelumExports::ExportCsv(iPath, *iFirst, u","_s));
+                              : CVelumExports::ExportCsv(iPath, *iFirst));
       };
       const qint32 raised = Raised(work);
       if (!faults.Hit()) {
@@ -189,7 +194,7 @@ TEST_F(CVelumExportsTest, ItCanBeGivenUp) {
     total = aTotal;
     return false;
   };
-  EXPECT_FALSE(CVelumExports::ExportCsv(iPath, *iFirst, u","_s, ECodLatin1, stop));
+  EXPECT_FALSE(CVelumExports::ExportCsv(iPath, *iFirst, {}, stop));
   EXPECT_EQ(done, 500);
   EXPECT_EQ(total, 600);
   EXPECT_FALSE(CVelumExports::ExportXml(*iStack, iPath, stop));
@@ -204,8 +209,7 @@ TEST_F(CVelumExportsTest, TheStackItselfIsNoTarget) {
   QFile::link(iPath, iFolder.Path(u"link"_s));
   for (const QString& name : {u"out"_s, u"link"_s}) {
     EXPECT_EQ(Raised([&] { CVelumExports::ExportXml(*iStack, iFolder.Path(name)); }), EHostPermissionDenied);
-    EXPECT_EQ(Raised([&] { CVelumExports::ExportCsv(iFolder.Path(name), *iFirst, u","_s); }),
-              EHostPermissionDenied);
+    EXPECT_EQ(Raised([&] { CVelumExports::ExportCsv(iFolder.Path(name), *iFirst); }), EHostPermissionDenied);
   }
   EXPECT_EQ(iFolder.Read(u"out"_s), QByteArray("the stack"));
 }

@@ -76,7 +76,7 @@ TEST_F(CVelumTextImportTest, WithoutTheFieldNothingHappens) {
   iStack->AddBackground(other);
   AddField(*iStack, other, u"Texts"_s, EConText);
   AddCard(other, u"old"_s);
-  EXPECT_TRUE(CVelumImports::ImportTextFile(iFolder.Write(u"in.txt"_s, "x"), other, iHost));
+  EXPECT_FALSE(CVelumImports::ImportTextFile(iFolder.Write(u"in.txt"_s, "x"), other, iHost));
   EXPECT_EQ(iPresenter.CountOf(EMsgControlMissing), 1);
   EXPECT_EQ(iPresenter.Shown().last().iClass, EMsgCritical);
   EXPECT_EQ(iPresenter.LastText(),

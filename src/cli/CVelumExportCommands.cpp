@@ -1,0 +1,81 @@
+// export-csv and export-xml: write cards for other programs.
+#include "cli/CVelumCliStack.h"
+#include "cli/CVelumCommands.h"
+#include "cli/CVelumTerminal.h"
+#include "exchange/CVelumExports.h"
+
+namespace {
+
+QString Delimiter(const TVelumArgs& aArgs) {
+  const QString delimiter = aArgs.Value(u"delimiter"_s, u","_s);
+  if (delimiter == u"tab"_s) return u"\t"_s;
+  if (delimiter.size() != 1) throw TVelumUsage{u"--delimiter takes one character, or tab."_s};
+  return delimiter;
+}
+
+qint32 Coding(const TVelumArgs& aArgs) {
+  const QString coding = aArgs.Value(u"coding"_s, u"latin1"_s);
+  if (coding != u"latin1"_s && coding != u"utf8"_s)
+    throw TVelumUsage{u"There is no coding '%1': latin1 or utf8."_s.arg(coding)};
+  return coding == u"utf8"_s ? ECodUtf8 : ECodLatin1;
+}
+
+int RunCsv(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
+  if (!aArgs.Has(u"background"_s)) throw TVelumUsage{u"--background is missing."_s};
+  TVelumCsvForm form;
+  form.iDelimiter = Delimiter(aArgs);
+  form.iCoding = Coding(aArgs);
+  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
+  const auto background = CVelumCliStack::BackgroundByName(*open.iStack, aArgs.Value(u"background"_s));
+  qint64 lacking = 0;
+  const CVelumCliStack::CProgress progress(aTerminal);
+  static_cast<void>(
+      CVelumExports::ExportCsv(aArgs.iOperands.at(1), *background, form, progress.Step(), &lacking));
+  if (lacking > 0)
+    aTerminal.Complain(
+        u"%1 characters became \"?\", as latin1 lacks them; --coding utf8 keeps them."_s.arg(lacking));
+  return EExitDone;
+}
+
+int RunXml(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
+  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
+  const CVelumCliStack::CProgress progress(aTerminal);
+  static_cast<void>(CVelumExports::ExportXml(*open.iStack, aArgs.iOperands.at(1), progress.Step()));
+  return EExitDone;
+}
+
+} // namespace
+
+const TVelumCommand& CVelumCommands::ExportCsv() {
+  static const TVelumCommand command{
+      u"export-csv"_s,
+      {u"STACK"_s, u"OUT"_s},
+      u"write the cards of a background as CSV"_s,
+      u"The first line holds the names of the fields; each card is a line. All cells are in\n"
+      "double quotes, and a line end inside a value is written as &eol;. Dates and numbers\n"
+      "are written as the locale has them. An OUT that exists is replaced once the new\n"
+      "file is complete."_s,
+      {{u"background"_s, u"NAME"_s, u"the background (needed)"_s},
+       {u"delimiter"_s, u"C"_s, u"the character between cells, or tab; a comma if not given"_s},
+       {u"coding"_s, u"NAME"_s, u"latin1 (the Windows code page, unless told otherwise) or utf8"_s}},
+      false,
+      RunCsv,
+  };
+  return command;
+}
+
+const TVelumCommand& CVelumCommands::ExportXml() {
+  static const TVelumCommand command{
+      u"export-xml"_s,
+      {u"STACK"_s, u"OUT"_s},
+      u"write the content of all cards as XML"_s,
+      u"The file holds the cards with the texts of their fields, not the stack itself (see\n"
+      "convert for that). Dates and numbers are written as the locale has them; import-xml\n"
+      "reads them with the same locale. An OUT that exists is replaced once the new file is\n"
+      "complete."_s,
+      {},
+      false,
+      RunXml,
+  };
+  return command;
+}

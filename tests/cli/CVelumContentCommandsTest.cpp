@@ -1,0 +1,148 @@
+// import-xml, import-text, export-csv, export-xml.
+#include "cli/CliRun.h"
+#include "core/CVelumMsg.h"
+#include "persist/CVelumStackFile.h"
+#include "support/PrintQt.h"
+#include "support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Two backgrounds: "People" with Text and Age, and "Notes" with Text.
+class CVelumContentCommands : public testing::Test {
+protected:
+  CVelumContentCommands() {
+    CVelumMsg::InitMessages();
+    CVelumModel::Install();
+    Make(iStack, true);
+    Make(iEmpty, false);
+    iBefore = iFolder.Read(u"a.Orvelle"_s);
+  }
+  static void Make(const QString& aPath, bool aWithCards) {
+    auto stack = MakeRef<CVelumStack>(u"Test"_s);
+    stack->SetFlag(EStaBinary, true);
+    Ref<CVelumControlSet> people;
+    qint32 index = 0;
+    ASSERT_TRUE(stack->GetFirstBackground(people, index));
+    people->SetName(u"People"_s);
+    auto notes = MakeRef<CVelumControlSet>(u"Notes"_s, stack->IdGen().NextId());
+    stack->AddBackground(notes);
+    const qint32 text = AddField(*stack, *people, u"Text"_s, EConText);
+    const qint32 age = AddField(*stack, *people, u"Age"_s, EConInteger);
+    AddField(*stack, *notes, u"Text"_s, EConText);
+    if (aWithCards) {
+      auto card = MakeRef<CVelumCard>(u"Ada"_s, people);
+      stack->AddCard(card, nullptr, false);
+      card->SetControlVal(text, TVelumValue::OfStr(QString::fromUtf8("a \"b\"\r\nЯ")));
+      card->SetControlVal(age, TVelumValue::OfInt(36));
+      stack->AddCard(MakeRef<CVelumCard>(u"Note"_s, notes), nullptr, false);
+    }
+    CVelumStackFile(aPath).SaveStack(stack, MakeRef<CVelumViewState>(u"v"_s));
+  }
+  static qint32 AddField(CVelumStack& aStack, CVelumControlSet& aSet, const QString& aName, qint32 aType) {
+    auto control = MakeRef<CVelumControl>(aStack.IdGen().NextId(), aName, aType);
+    aSet.AddControl(control, ENoInt);
+    return control->Id();
+  }
+  // Runs what must go well, without a word.
+  static void Do(const QStringList& aArguments) {
+    const TCliResult result = CliRun::Run(aArguments);
+    EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+    EXPECT_EQ(result.iErr, QByteArray());
+    EXPECT_EQ(result.iOut, QByteArray());
+  }
+  static QByteArray CardsOf(const QString& aStack) {
+    EXPECT_EQ(CliRun::Run({u"check"_s, aStack}).iStatus, 0);
+    return CliRun::Run({u"cards"_s, aStack}).iOut;
+  }
+  [[nodiscard]] bool Untouched() const { return iFolder.Read(u"a.Orvelle"_s) == iBefore; }
+
+  TempFolder iFolder;
+  QString iStack = iFolder.Path(u"a.Orvelle"_s);
+  QString iEmpty = iFolder.Path(u"empty.Orvelle"_s);
+  QString iOut = iFolder.Path(u"out"_s);
+  QByteArray iBefore;
+};
+
+TEST_F(CVelumContentCommands, ExportsCsv) {
+  Do({u"export-csv"_s, iStack, iOut, u"--background"_s, u"Notes"_s});
+  EXPECT_EQ(iFolder.Read(u"out"_s), QByteArray("\"Text\"\r\n\"\"\r\n"));
+  const QStringList people{u"export-csv"_s, iStack, iOut, u"--background"_s, u"People"_s};
+  Do(people + QStringList{u"--delimiter"_s, u";"_s, u"--coding"_s, u"utf8"_s});
+  EXPECT_EQ(iFolder.Read(u"out"_s),
+            QByteArray("\xEF\xBB\xBF\"Text\";\"Age\"\r\n\"a \"\"b\"\"&eol;Я\";\"36\"\r\n"));
+  const TCliResult result = CliRun::Run(people + QStringList{u"--delimiter"_s, u"tab"_s});
+  EXPECT_EQ(result.iStatus, 0);
+  EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: 1 characters became \"?\"")) << result.iErr.toStdString();
+  EXPECT_EQ(iFolder.Read(u"out"_s), QByteArray("\"Text\"\t\"Age\"\r\n\"a \"\"b\"\"&eol;?\"\t\"36\"\r\n"));
+  EXPECT_TRUE(Untouched());
+}
+
+TEST_F(CVelumContentCommands, ContentGoesOutAndIn) {
+  Do({u"export-xml"_s, iStack, iOut});
+  Do({u"import-xml"_s, iOut, iEmpty});
+  EXPECT_EQ(CardsOf(iEmpty), CardsOf(iStack));
+  const QByteArray first = iFolder.Read(u"out"_s);
+  Do({u"export-xml"_s, iEmpty, iOut});
+  EXPECT_EQ(iFolder.Read(u"out"_s), first);
+  EXPECT_TRUE(Untouched());
+}
+
+TEST_F(CVelumContentCommands, DatesAndNumbersAreOfTheLocale) {
+  Do({u"--locale"_s, u"de_DE"_s, u"export-xml"_s, CliRun::Sample(), iOut});
+  Do({u"--locale"_s, u"de_DE"_s, u"import-xml"_s, iOut, CliRun::Sample(), u"--out"_s, iEmpty});
+  Do({u"--locale"_s, u"de_DE"_s, u"export-xml"_s, iEmpty, iFolder.Path(u"again"_s)});
+  const QByteArray again = iFolder.Read(u"again"_s);
+  EXPECT_EQ(again.count("<card "), 2 * iFolder.Read(u"out"_s).count("<card "));
+}
+
+TEST_F(CVelumContentCommands, ImportsText) {
+  const QString text = iFolder.Write(u"t.txt"_s, QByteArray("line\n").repeated(51));
+  Do({u"import-text"_s, text, iStack, u"--background"_s, u"Notes"_s, u"--out"_s, iOut});
+  EXPECT_TRUE(Untouched());
+  EXPECT_EQ(CardsOf(iOut).count('\n'), 3) << "Ada and two notes";
+  Do({u"import-text"_s, text, iStack, u"--background"_s, u"People"_s});
+  EXPECT_FALSE(Untouched());
+}
+
+TEST_F(CVelumContentCommands, FailuresWriteNothing) {
+  const QString bad = iFolder.Write(
+      u"bad.xml"_s,
+      "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<orvelle version=\"1.0\">\r\n"
+      "<card name=\"x\" background=\"People\"></card>\r\n<card name=\"y\" background=\"None\">");
+  const QString text = iFolder.Write(u"t.txt"_s, "x");
+  const struct {
+    QStringList iArguments;
+    const char* iMessage;
+  } cases[] = {
+      {{u"import-xml"_s, bad, iStack}, "ImportXml Background"},
+      {{u"import-xml"_s, iFolder.Path(u"none"_s), iStack}, "EMsgFileNotFound"},
+      {{u"import-text"_s, iFolder.Path(u"none"_s), iStack, u"--background"_s, u"Notes"_s},
+       "EMsgFileNotFound"},
+      {{u"import-text"_s, text, iStack, u"--background"_s, u"None"_s}, "EMsgBackgroundNotFound"},
+      {{u"export-csv"_s, iStack, iOut, u"--background"_s, u"None"_s}, "EMsgBackgroundNotFound"},
+      {{u"export-csv"_s, iStack, iStack, u"--background"_s, u"Notes"_s}, "is the stack itself"},
+      {{u"export-xml"_s, iStack, iStack}, "is the stack itself"},
+      {{u"export-xml"_s, iStack, iFolder.Path()}, "a folder or a device"},
+      {{u"export-xml"_s, iStack, iFolder.Path(u"no/folder"_s)}, "File not found"},
+  };
+  for (const auto& each : cases) {
+    const TCliResult result = CliRun::Run(each.iArguments);
+    EXPECT_EQ(result.iStatus, 1) << each.iMessage;
+    EXPECT_TRUE(result.iErr.contains(each.iMessage)) << each.iMessage << ": " << result.iErr.toStdString();
+    EXPECT_TRUE(Untouched()) << each.iMessage;
+  }
+  EXPECT_FALSE(iFolder.Has(u"out"_s));
+}
+
+TEST_F(CVelumContentCommands, WrongUsage) {
+  const QStringList csv{u"export-csv"_s, iStack, iOut, u"--background"_s, u"Notes"_s};
+  EXPECT_EQ(CliRun::Run({u"export-csv"_s, iStack, iOut}).iStatus, 2);
+  EXPECT_EQ(CliRun::Run(csv + QStringList{u"--delimiter"_s, u"ab"_s}).iStatus, 2);
+  EXPECT_EQ(CliRun::Run(csv + QStringList{u"--coding"_s, u"utf16"_s}).iStatus, 2);
+  EXPECT_EQ(CliRun::Run({u"import-text"_s, iOut, iStack}).iStatus, 2);
+  EXPECT_FALSE(iFolder.Has(u"out"_s));
+}
+
+} // namespace
