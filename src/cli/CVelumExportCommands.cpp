@@ -1,4 +1,5 @@
 // export-csv and export-xml: write cards for other programs.
+#include "cli/CVelumCliCsv.h"
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
@@ -6,25 +7,11 @@
 
 namespace {
 
-QString Delimiter(const TVelumArgs& aArgs) {
-  const QString delimiter = aArgs.Value(u"delimiter"_s, u","_s);
-  if (delimiter == u"tab"_s) return u"\t"_s;
-  if (delimiter.size() != 1) throw TVelumUsage{u"--delimiter takes one character, or tab."_s};
-  return delimiter;
-}
-
-qint32 Coding(const TVelumArgs& aArgs) {
-  const QString coding = aArgs.Value(u"coding"_s, u"latin1"_s);
-  if (coding != u"latin1"_s && coding != u"utf8"_s)
-    throw TVelumUsage{u"There is no coding '%1': latin1 or utf8."_s.arg(coding)};
-  return coding == u"utf8"_s ? ECodUtf8 : ECodLatin1;
-}
-
 int RunCsv(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   if (!aArgs.Has(u"background"_s)) throw TVelumUsage{u"--background is missing."_s};
   TVelumCsvForm form;
-  form.iDelimiter = Delimiter(aArgs);
-  form.iCoding = Coding(aArgs);
+  form.iDelimiter = CVelumCliCsv::Delimiter(aArgs.Value(u"delimiter"_s, u"comma"_s));
+  form.iCoding = CVelumCliCsv::Coding(aArgs.Value(u"coding"_s, u"latin1"_s));
   const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
   const auto background = CVelumCliStack::BackgroundByName(*open.iStack, aArgs.Value(u"background"_s));
   qint64 lacking = 0;
@@ -56,7 +43,7 @@ const TVelumCommand& CVelumCommands::ExportCsv() {
       "are written as the locale has them. An OUT that exists is replaced once the new\n"
       "file is complete."_s,
       {{u"background"_s, u"NAME"_s, u"the background (needed)"_s},
-       {u"delimiter"_s, u"C"_s, u"the character between cells, or tab; a comma if not given"_s},
+       {u"delimiter"_s, u"C"_s, u"comma, semicolon, tab or any one character; comma if not given"_s},
        {u"coding"_s, u"NAME"_s, u"latin1 (the Windows code page, unless told otherwise) or utf8"_s}},
       false,
       RunCsv,

@@ -1,4 +1,5 @@
 // import-csv: makes a stack of a CSV file, or fills a background from one.
+#include "cli/CVelumCliCsv.h"
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCliWatch.h"
 #include "cli/CVelumCommands.h"
@@ -8,27 +9,11 @@
 
 namespace {
 
-QChar DelimOf(const QString& aText) {
-  if (aText == u"comma") return u',';
-  if (aText == u"semicolon") return u';';
-  if (aText == u"tab") return u'\t';
-  const bool usable = aText.size() == 1 && aText != u" " && aText != u"\"";
-  if (!usable)
-    throw TVelumUsage{u"'%1' is no delimiter: comma, semicolon, tab or one character."_s.arg(aText)};
-  return aText.front();
-}
-
-qint32 CodingOf(const QString& aText) {
-  if (aText == u"latin1") return ECodLatin1;
-  if (aText == u"utf8") return ECodUtf8;
-  throw TVelumUsage{u"There is no coding '%1': latin1 or utf8."_s.arg(aText)};
-}
-
 // What the first lines suggest, unless the caller knows better.
 TCsvOptions OptionsOf(const TVelumArgs& aArgs) {
   TCsvOptions options;
-  if (aArgs.Has(u"delimiter"_s)) options.iDelim = DelimOf(aArgs.Value(u"delimiter"_s));
-  if (aArgs.Has(u"coding"_s)) options.iCoding = CodingOf(aArgs.Value(u"coding"_s));
+  if (aArgs.Has(u"delimiter"_s)) options.iDelim = CVelumCliCsv::Delimiter(aArgs.Value(u"delimiter"_s));
+  if (aArgs.Has(u"coding"_s)) options.iCoding = CVelumCliCsv::Coding(aArgs.Value(u"coding"_s));
   const TCsvProposal proposal = CVelumImports::ProposeCsv(aArgs.iOperands.at(0));
   if (!aArgs.Has(u"delimiter"_s)) options.iDelim = proposal.iDelim;
   if (!aArgs.Has(u"coding"_s)) options.iCoding = proposal.BestCoding();
@@ -46,7 +31,7 @@ ECsvOutcome FillBackground(const TVelumArgs& aArgs, const TCsvOptions& aOptions,
       CVelumCliStack::BackgroundByName(*open.iStack, aArgs.Value(u"background"_s));
   aStack = {open.iStack, open.iView};
   return CVelumImports::ImportCsv1(aArgs.iOperands.at(0), aOptions, aWatch, background, [&] {
-    const Ref<CVelumCard> next = CVelumImports::CardBehind(*open.iStack, background->Id());
+    const Ref<CVelumCard> next = CVelumImports::FindNextCard(*open.iStack, background->Id());
     open.iStack->DeleteBackground(background, true);
     return next;
   });

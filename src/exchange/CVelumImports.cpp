@@ -156,7 +156,7 @@ ECsvOutcome CVelumImports::ImportCsv1(const QString& aFilename, const TCsvOption
   return Guarded([&] { return CImport(aFilename, aOptions, aWatch).IntoBackground(aBackground, aMakeRoom); });
 }
 
-Ref<CVelumCard> CVelumImports::CardBehind(const CVelumStack& aStack, qint32 aBackgroundId) {
+Ref<CVelumCard> CVelumImports::FindNextCard(const CVelumStack& aStack, qint32 aBackgroundId) {
   Ref<CVelumCard> last;
   Ref<CVelumCard> next;
   if (!aStack.GetLastCardInBackground(aBackgroundId, last) || !aStack.OrderNext(*last, next)) return nullptr;

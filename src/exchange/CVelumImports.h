@@ -43,6 +43,6 @@ using TMakeRoom = std::function<Ref<CVelumCard>()>;
                                      CVelumImportWatch& aWatch, const Ref<CVelumControlSet>& aBackground,
                                      const TMakeRoom& aMakeRoom);
 // The card that follows the last one of a background in the order of its stack; nothing when there is none.
-[[nodiscard]] Ref<CVelumCard> CardBehind(const CVelumStack& aStack, qint32 aBackgroundId);
+[[nodiscard]] Ref<CVelumCard> FindNextCard(const CVelumStack& aStack, qint32 aBackgroundId);
 
 } // namespace CVelumImports

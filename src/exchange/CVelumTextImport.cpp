@@ -5,6 +5,7 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
 #include "exchange/CVelumImportLimits.h"
+#include "exchange/CVelumImports.h"
 
 #include <vector>
 
@@ -67,14 +68,6 @@ void AddCards(const std::vector<QString>& aChunks, const Ref<CVelumControlSet>& 
 
 } // namespace
 
-Ref<CVelumCard> CVelumImports::FindNextCard(const CVelumStack& aStack, const CVelumControlSet& aBackground) {
-  Ref<CVelumCard> last;
-  Ref<CVelumCard> next;
-  if (!aStack.GetLastCardInBackground(aBackground.Id(), last) || !aStack.OrderNext(*last, next))
-    return nullptr;
-  return next;
-}
-
 bool CVelumImports::ImportTextFile(const QString& aPath, const Ref<CVelumControlSet>& aBackground,
                                    CVelumStackHost& aHost, const TVelumStep& aStep) {
   const Ref<CVelumControlSet> background = aBackground; // aBackground may be what a window holds
@@ -89,7 +82,7 @@ bool CVelumImports::ImportTextFile(const QString& aPath, const Ref<CVelumControl
   std::vector<QString> chunks;
   if (!ReadChunks(aPath, aStep, chunks)) return false;
   const Ref<CVelumStack> stack = aHost.Stack();
-  const Ref<CVelumCard> next = FindNextCard(CVelumChecked::Deref(stack), set);
+  const Ref<CVelumCard> next = FindNextCard(CVelumChecked::Deref(stack), set.Id());
   aHost.DeleteBackground(background, true);
   stack->BeginBulk(static_cast<qint32>(chunks.size()));
   try {

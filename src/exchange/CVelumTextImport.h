@@ -6,10 +6,6 @@
 
 namespace CVelumImports {
 
-// The card that follows the last card of a background in the order of the stack, or nothing: new cards of
-// the background go before it.
-[[nodiscard]] Ref<CVelumCard> FindNextCard(const CVelumStack& aStack, const CVelumControlSet& aBackground);
-
 // Replaces the cards of a background by the lines of a file, 50 to a card, in its field "Text"; shows
 // EMsgControlMissing when there is no such field. A file whose lines fill the last card,
 // as an empty one, gives one more card without a text. The file is read to its end before a card goes: a

@@ -63,14 +63,6 @@ TEST_F(CVelumTextImportTest, ReplacesTheCardsOfItsBackgroundWhereTheyEnded) {
                          u"First Background|behind"_s}));
 }
 
-TEST_F(CVelumTextImportTest, FindNextCard) {
-  EXPECT_FALSE(CVelumImports::FindNextCard(*iStack, *iSecond));
-  AddCard(iSecond, u"a"_s);
-  EXPECT_FALSE(CVelumImports::FindNextCard(*iStack, *iSecond));
-  const Ref<CVelumCard> next = AddCard(iFirst, u"next"_s);
-  EXPECT_EQ(CVelumImports::FindNextCard(*iStack, *iSecond), next);
-}
-
 TEST_F(CVelumTextImportTest, WithoutTheFieldNothingHappens) {
   auto other = MakeRef<CVelumControlSet>(u"Third"_s, iStack->IdGen().NextId());
   iStack->AddBackground(other);
