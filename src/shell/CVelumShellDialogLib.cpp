@@ -23,7 +23,8 @@ void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
     CVelumError::Assert(iDialogRes >= ESaveResSave && iDialogRes <= ESaveResBack,
                         u"CheckLeaveStack iDialogRes "_s + QString::number(iDialogRes));
     aSave = iDialogRes == ESaveResSave;
-    aProceed = iDialogRes != ESaveResBack;
+    // Any other answer loses nothing.
+    aProceed = aSave || iDialogRes == ESaveResDiscard;
   }
   CVelumSeams::EventPump().PumpPaint();
 }

@@ -1,6 +1,8 @@
 #include "shell/CVelumShellForms.h"
 
+#include "shell/CVelumNewStackForm.h"
 #include "shell/CVelumPictureViewer.h"
+#include "shell/CVelumWelcome.h"
 #include "toolkit/CVelumWinMan.h"
 
 namespace {
@@ -12,5 +14,7 @@ template <class T> void Add(const QString& aName) {
 } // namespace
 
 void CVelumShellForms::Register() {
+  Add<CVelumNewStackForm>(u"CVelumNewStackForm"_s);
   Add<CVelumPictureViewer>(u"CVelumPictureViewer"_s);
+  Add<CVelumWelcome>(u"CVelumWelcome"_s);
 }

@@ -4,7 +4,9 @@
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumSave.h"
 #include "toolkit/CVelumReg.h"
+#include "toolkit/CVelumWinMan.h"
 
+#include <QDialog>
 #include <QFile>
 #include <QMenu>
 #include <QPushButton>
@@ -20,6 +22,7 @@ ShellTest::ShellTest() {
 }
 
 ShellTest::~ShellTest() {
+  CloseDialogs();
   CVelumMain::End();
   CVelumFileDialog::SetAnswer({});
   CVelumReg::SetFolder({});
@@ -30,6 +33,16 @@ ShellTest::~ShellTest() {
 void ShellTest::Start(const QString& aCommandLine) {
   CVelumMain::Main(aCommandLine, &iPresenter);
   gFrame->SetEndProcess([this] { iEnded = true; });
+}
+
+void ShellTest::CloseDialogs() {
+  for (int i = 0; i < CVelumWinMan::FormCount(); ++i) {
+    const QString& name = CVelumWinMan::FormName(i);
+    if (!CVelumWinMan::FormIsLoaded(name)) continue;
+    auto* dialog = qobject_cast<QDialog*>(CVelumWinMan::NameToForm(name)->Widget());
+    if (dialog) dialog->close();
+  }
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 QString ShellTest::CopyStack(const QString& aName) {

@@ -17,6 +17,8 @@ protected:
   ~ShellTest() override;
 
   void Start(const QString& aCommandLine = {});
+  // Closes all windows but the main one and its children, and lets them go.
+  static void CloseDialogs();
   // A copy of a stack of tests/data in the test's folder: 13 cards, "card 00" to "card 12".
   QString CopyStack(const QString& aName);
   [[nodiscard]] static QAction* Action(const QString& aName);
