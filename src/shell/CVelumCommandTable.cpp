@@ -1,16 +1,18 @@
 #include "shell/CVelumCommandTable.h"
 
 #include "runtime/CVelumStackView.h"
-#include "toolkit/CVelumWinMan.h"
+
+#include <algorithm>
 
 namespace {
 
 using enum EVelumNeed;
 
 constexpr TVelumCommand EMenus[] = {
-    {u"fOpenStack", Nothing, u""},
-    {u"fSaveStack", Stack, u""},
-    {u"fSaveStackAs", Stack, u""},
+    {u"fOpenStack", Nothing},
+    {u"fOpenRecent", Nothing},
+    {u"fSaveStack", Stack},
+    {u"fSaveStackAs", Stack},
     {u"fNewStack", Nothing, u"CVelumNewStackForm"},
     {u"fImport", Nothing, u"CVelumImportOptions"},
     {u"fExport", Stack, u"CVelumExportOptions"},
@@ -21,38 +23,30 @@ constexpr TVelumCommand EMenus[] = {
     {u"fEditControls", Stack, u"CVelumControlEdit"},
     {u"fEditSortKeys", Stack, u"CVelumSortKeyEdit1"},
     {u"fEditValues", Stack, u"CVelumValueEdit"},
-    {u"fCloseStack", Stack, u""},
-    {u"fEditBackground", CurCard, u"CVelumBackgroundEdit"},
-    {u"fEditBackgroundControls", CurCard, u"CVelumControlEdit"},
-    {u"fSelectCard", Stack, u"CVelumCardSelect"},
-    {u"fNewCard", Stack, u"CVelumCardEdit"},
-    {u"fDeleteCard", Stack, u""},
-    {u"fEmptyStack", Stack, u""},
-    {u"fEditCard", Stack, u"CVelumCardEdit"},
-    {u"fPicture", Picture, u""},
-    {u"fImportPicFile", Stack, u""},
-    {u"fShowPicture", Picture, u""},
-    {u"fEditField", Field, u"CVelumControlEdit"},
+    {u"fCloseStack", Stack},
+    {u"fEditBackground", CurCard, u"CVelumBackgroundEdit", EVelumShows::Background},
+    {u"fEditBackgroundControls", CurCard, u"CVelumControlEdit", EVelumShows::Background},
+    {u"fSelectCard", Stack, u"CVelumCardSelect", EVelumShows::CardChoice},
+    {u"fNewCard", Stack, u"CVelumCardEdit", EVelumShows::NewCard},
+    {u"fDeleteCard", Stack},
+    {u"fEmptyStack", Stack},
+    {u"fEditCard", Stack, u"CVelumCardEdit", EVelumShows::Card},
+    {u"fPicture", Picture},
+    {u"fImportPicFile", Stack},
+    {u"fShowPicture", Picture},
+    {u"fEditField", Field, u"CVelumControlEdit", EVelumShows::Field},
     {u"fOptions", Nothing, u"CVelumOptionEdit"},
-    {u"fHelp", Nothing, u""},
-    {u"fAbout", Nothing, u"CVelumWelcome"},
-    {u"fClose", Nothing, u""},
+    {u"fHelp", Nothing},
+    {u"fAbout", Nothing, u"CVelumWelcome", EVelumShows::About},
+    {u"fClose", Nothing},
 };
 
 constexpr TVelumCommand EToolbar[] = {
-    {u"NewStack", Nothing, u"CVelumNewStackForm"},
-    {u"OpenStack", Nothing, u""},
-    {u"SaveStack", Stack, u""},
-    {u"FirstCard", Stack, u""},
-    {u"PrevCard", Stack, u""},
-    {u"NextCard", Stack, u""},
-    {u"LastCard", Stack, u""},
-    {u"BackInHistory", Stack, u""},
-    {u"ForwInHistory", Stack, u""},
-    {u"EditStack", Stack, u"CVelumStackEdit"},
-    {u"EditBackgrounds", Stack, u"CVelumBackgroundEdit"},
-    {u"EditCards", Stack, u"CVelumCardEdit"},
-    {u"EditControls", Stack, u"CVelumControlEdit"},
+    {u"NewStack", Nothing},   {u"OpenStack", Nothing},     {u"SaveStack", Stack},
+    {u"FirstCard", Stack},    {u"PrevCard", Stack},        {u"NextCard", Stack},
+    {u"LastCard", Stack},     {u"BackInHistory", Stack},   {u"ForwInHistory", Stack},
+    {u"EditStack", Stack},    {u"EditBackgrounds", Stack}, {u"EditCards", Stack},
+    {u"EditControls", Stack},
 };
 
 } // namespace
@@ -70,6 +64,11 @@ std::span<const TVelumCommand> CVelumCommandTable::Toolbar() {
   return EToolbar;
 }
 
+bool CVelumCommandTable::IsToolbarKey(QStringView aKey) {
+  return std::any_of(std::begin(EToolbar), std::end(EToolbar),
+                     [aKey](const TVelumCommand& aCommand) { return aCommand.iAction == aKey; });
+}
+
 bool CVelumCommandTable::IsMet(EVelumNeed aNeed) {
   if (aNeed == Nothing) return true;
   if (!gStack) return false;
@@ -77,8 +76,4 @@ bool CVelumCommandTable::IsMet(EVelumNeed aNeed) {
   if (aNeed == CurCard) return gStackView && gStackView->CurCard();
   const Ref<CVelumControl> field = FocusedControl();
   return field && (aNeed == Field || field->ConType() == EConPicture);
-}
-
-bool CVelumCommandTable::IsBuilt(const TVelumCommand& aCommand) {
-  return aCommand.iForm.isEmpty() || CVelumWinMan::HasForm(aCommand.iForm.toString());
 }

@@ -1,13 +1,14 @@
 #include "shell/CVelumFrame.h"
 
 #include "core/CVelumMsg.h"
-#include "runtime/CVelumCardSelect.h"
 #include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
 #include "script/CVelumInterpreter.h"
 #include "shell/CVelumCommandTable.h"
+#include "shell/CVelumFormCommands.h"
 #include "shell/CVelumIcons.h"
+#include "shell/CVelumNotBuilt.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumShellDialogLib.h"
 #include "toolkit/CVelumGuard.h"
@@ -90,6 +91,8 @@ void CVelumFrame::ConnectMenus() {
   on(iUi->fShowPicture, [this] { ShowPicture(); });
   on(iUi->fHelp, [this] { CVelumMsg::ShowHelp(Name(), {}); });
   on(iUi->fClose, [this] { close(); });
+  // The transfer server comes with its own change.
+  on(iUi->fHttpServer, [this] { CVelumNotBuilt::Tell(CaptionOf(*iUi->fHttpServer), this); });
   on(iUi->fSize, [this] { SetPhoneSize(); });
   for (int i = 0; i < ENumHistory; ++i) {
     QAction* item = findChild<QAction*>(u"fHistory"_s + QString::number(i));
@@ -102,10 +105,9 @@ void CVelumFrame::ConnectMenus() {
     });
   }
   for (const TVelumCommand& command : CVelumCommandTable::Menus()) {
-    // A submenu has no command of its own.
-    const QString form = command.iForm.toString();
+    if (command.iForm.isEmpty()) continue;
     auto* item = findChild<QAction*>(command.iAction.toString());
-    if (item && !form.isEmpty()) on(item, [this, form] { ShowCommandForm(form); });
+    on(item, [this, command, item] { CVelumFormCommands::Show(command, CaptionOf(*item), this); });
   }
   for (QMenu* menu : findChildren<QMenu*>())
     connect(menu, &QMenu::aboutToShow, this, &CVelumFrame::UpdateMenus);
@@ -113,11 +115,13 @@ void CVelumFrame::ConnectMenus() {
   iUi->fDevelopment->menuAction()->setVisible(false);
 }
 
-void CVelumFrame::ShowCommandForm(const QString& aName) {
-  auto* select = qobject_cast<CVelumCardSelect*>(ShowForm(aName));
-  // The card that is chosen is gone to.
-  if (select && gStackView && gStackView->CardView())
-    select->SelectCard(&gStackView->CardView()->ViewForm(), nullptr, 0);
+QString CVelumFrame::CaptionOf(const QAction& aItem) const {
+  const auto plain = [](QString aText) {
+    return aText.remove(u"..."_s).replace(u"&&"_s, u"\n"_s).remove(u'&').replace(u'\n', u'&');
+  };
+  for (const QMenu* menu : findChildren<QMenu*>())
+    if (menu->actions().contains(&aItem)) return tr("%1, %2").arg(plain(menu->title()), plain(aItem.text()));
+  return plain(aItem.text());
 }
 
 void CVelumFrame::ConnectToolbar() {
@@ -156,12 +160,11 @@ void CVelumFrame::ButtonClick(const QString& aKey) {
     if (view) static_cast<void>((view.Get()->*step)(card));
     return;
   }
-  // The other buttons do what the menu item with an "f" before the key does.
-  QAction* item = findChild<QAction*>(u"f"_s + aKey);
-  CVelumError::Assert(item != nullptr, u"fToolbar_ButtonClick Button.Key "_s + aKey);
-  if (!item) return;
+  const bool known = CVelumCommandTable::IsToolbarKey(aKey);
+  CVelumError::Assert(known, u"fToolbar_ButtonClick Button.Key "_s + aKey);
+  if (!known) return;
   UpdateMenus();
-  item->trigger();
+  findChild<QAction*>(u"f"_s + aKey)->trigger();
 }
 
 void CVelumFrame::Load() {
@@ -195,7 +198,7 @@ void CVelumFrame::closeEvent(QCloseEvent* aEvent) {
 void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
   switch (aKind) {
   case 0:
-    SetCaption(gStack ? gStack->Filename() : QString());
+    ShowStackName();
     UpdateToolbar();
     if (gStackView) gStackView->ExecScript(nullptr, u"openStack"_s);
     break;
@@ -205,7 +208,7 @@ void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
     if (gStackView) gStackView->RefreshViews(true, true);
     break;
   case 8:
-    SetCaption({});
+    setWindowTitle(iTitle);
     UpdateToolbar();
     break;
   default:
@@ -213,16 +216,14 @@ void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
   }
 }
 
-void CVelumFrame::SetCaption(const QString& aStackName) {
-  setWindowTitle(aStackName.isEmpty() ? iTitle : Literal(aStackName) + u" - "_s + iTitle);
+// A new stack has no name yet; what follows the name stands there all the same.
+void CVelumFrame::ShowStackName() {
+  if (gStack) setWindowTitle(Literal(gStack->Filename()) + u" - "_s + iTitle);
 }
 
 void CVelumFrame::UpdateToolbar() {
   for (const TVelumCommand& command : CVelumCommandTable::Toolbar()) {
-    auto* button = findChild<QAction*>(command.iAction.toString());
-    const bool built = CVelumCommandTable::IsBuilt(command);
-    button->setEnabled(built && CVelumCommandTable::IsMet(command.iNeed));
-    button->setToolTip(built ? button->text() : tr("%1 (comes later)").arg(button->text()));
+    findChild<QAction*>(command.iAction.toString())->setEnabled(CVelumCommandTable::IsMet(command.iNeed));
   }
   iUi->fCmd->setEnabled(bool(gStack));
   iShowCardList->setEnabled(bool(gStack));
@@ -234,9 +235,7 @@ void CVelumFrame::UpdateMenus() {
     // A submenu is switched by its own action.
     const auto* menu = findChild<QMenu*>(command.iAction.toString());
     QAction* action = menu ? menu->menuAction() : findChild<QAction*>(command.iAction.toString());
-    const bool built = CVelumCommandTable::IsBuilt(command);
-    action->setEnabled(built && CVelumCommandTable::IsMet(command.iNeed));
-    action->setToolTip(built ? QString() : tr("Comes later"));
+    action->setEnabled(CVelumCommandTable::IsMet(command.iNeed));
   }
 }
 

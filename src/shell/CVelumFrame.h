@@ -29,6 +29,9 @@ public:
   void SetEndProcess(std::function<void()> aEnd) { iEndProcess = std::move(aEnd); }
   // Where a running script shows; never null.
   [[nodiscard]] CVelumScriptBar* ScriptBar() const { return iScriptBar; }
+  // Does what the toolbar button of a key does. Asserts "fToolbar_ButtonClick Button.Key " and the key for a
+  // key that no button has.
+  void ButtonClick(const QString& aKey);
   // Sets what depends on the open stack: toolbar, commands menu, items of the menus.
   void UpdateToolbar();
 
@@ -64,12 +67,12 @@ private:
   void ConnectToolbar();
   // The card list can be opened from the status bar too, for no menu names it.
   void AddCardListButton();
-  void ShowCommandForm(const QString& aName);
+  // How the user knows the command of a menu item: "Card, New".
+  [[nodiscard]] QString CaptionOf(const QAction& aItem) const;
   void ConnectKeys();
-  void ButtonClick(const QString& aKey);
   void UpdateMenus();
   void FillHistory();
-  void SetCaption(const QString& aStackName);
+  void ShowStackName();
   void SetPhoneSize();
 
   std::unique_ptr<Ui::CVelumFrame> iUi;

@@ -95,18 +95,6 @@ TEST_F(CVelumFrameTest, EveryToolbarButtonHasACommand) {
   EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 0);
 }
 
-TEST_F(CVelumFrameTest, CommandsWithoutTheirWindowAreThereButDisabled) {
-  Start(CopyStack(u"a.Orvelle"_s));
-  for (const char* name :
-       {"fImport", "fExport", "fEditStack", "fSearch", "fEditBackgrounds", "fEditCards", "fEditControls",
-        "fEditSortKeys", "fEditValues", "fEditBackground", "fNewCard", "fEditCard", "fOptions", "EditStack",
-        "EditBackgrounds", "EditCards", "EditControls"}) {
-    EXPECT_FALSE(Action(QString::fromLatin1(name))->isEnabled()) << name;
-    EXPECT_TRUE(Action(QString::fromLatin1(name))->toolTip().contains(u"comes later"_s, Qt::CaseInsensitive))
-        << name;
-  }
-}
-
 TEST_F(CVelumFrameTest, CommandsFollowTheOpenStack) {
   const QString path = CopyStack(u"a.Orvelle"_s);
   Start();
@@ -550,11 +538,75 @@ TEST_F(CVelumFrameTest, EmptyStackAsks) {
   EXPECT_EQ(iPresenter.Count(), 2);
 }
 
+TEST_F(CVelumFrameTest, ItemsFollowTheirRulesEachTimeTheirMenuOpens) {
+  // By menu: the items that are enabled while no stack is open, with a stack and a card, and with a stack
+  // without cards. No field has the focus.
+  struct TRule {
+    QString iMenu;
+    QStringList iNothing, iCard, iEmpty;
+  };
+  const QStringList ofStack{u"fOpenStack"_s,       u"fSaveStack"_s, u"fSaveStackAs"_s,  u"fNewStack"_s,
+                            u"fImport"_s,          u"fExport"_s,    u"fEditStack"_s,    u"fSearch"_s,
+                            u"fEditBackgrounds"_s, u"fEditCards"_s, u"fEditControls"_s, u"fEditSortKeys"_s,
+                            u"fEditValues"_s,      u"fCloseStack"_s};
+  const QStringList ofCard{u"fSelectCard"_s, u"fNewCard"_s, u"fDeleteCard"_s, u"fEmptyStack"_s,
+                           u"fEditCard"_s};
+  const QStringList ofBackground{u"fEditBackground"_s, u"fEditBackgroundControls"_s};
+  const QStringList ofProgram{u"fOptions"_s, u"fHelp"_s, u"fAbout"_s, u"fClose"_s};
+  const QList<TRule> rules{{u"fStack"_s, {u"fOpenStack"_s, u"fNewStack"_s, u"fImport"_s}, ofStack, ofStack},
+                           {u"fBackground"_s, {}, ofBackground, {}},
+                           {u"fCard"_s, {}, ofCard, ofCard},
+                           {u"fField"_s, {}, {}, {}},
+                           {u"fPicture"_s, {}, {u"fImportPicFile"_s}, {u"fImportPicFile"_s}},
+                           {u"fOrvelles"_s, ofProgram, ofProgram, ofProgram}};
+  const auto expect = [&rules](QStringList TRule::*aWhich, const char* aState) {
+    for (const TRule& rule : rules) {
+      for (QAction* item : Menu(rule.iMenu)->actions()) item->setEnabled(!item->isEnabled());
+      Open(rule.iMenu);
+      QStringList enabled;
+      for (const QAction* item : Menu(rule.iMenu)->actions())
+        if (item->isEnabled() && !item->isSeparator() && !item->menu()) enabled.append(item->objectName());
+      EXPECT_EQ(enabled, rule.*aWhich) << rule.iMenu.toStdString() << ' ' << aState;
+    }
+    Open(u"fField"_s);
+    EXPECT_FALSE(Menu(u"fPicture"_s)->menuAction()->isEnabled()) << aState;
+    EXPECT_TRUE(Menu(u"fOpenRecent"_s)->menuAction()->isEnabled()) << aState;
+  };
+  Start();
+  expect(&TRule::iNothing, "without a stack");
+  iPath = CopyStack(u"a.Orvelle"_s);
+  Choose(u"fOpenStack"_s);
+  gStackView->CardView()->ViewForm().DropFocus();
+  expect(&TRule::iCard, "with a card");
+  iPresenter.Answer(true);
+  Choose(u"fEmptyStack"_s);
+  expect(&TRule::iEmpty, "without cards");
+  Choose(u"fCloseStack"_s);
+  expect(&TRule::iNothing, "after closing");
+}
+
 TEST_F(CVelumFrameTest, FieldMenuNeedsAField) {
   Start();
   Open(u"fField"_s);
   EXPECT_FALSE(Menu(u"fPicture"_s)->menuAction()->isEnabled());
   EXPECT_FALSE(Action(u"fEditField"_s)->isEnabled());
+}
+
+TEST_F(CVelumFrameTest, AMenuOnTheScreenLeavesTheFieldItsFocus) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  gFrame->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(gFrame));
+  auto* edit = gStackView->CardView()->ViewForm().findChild<QLineEdit*>(u"fGenTextBox0"_s);
+  QTest::mouseClick(edit, Qt::LeftButton);
+  ASSERT_TRUE(edit->hasFocus());
+  const QMenuBar* bar = gFrame->menuBar();
+  QTest::mouseClick(gFrame->menuBar(), Qt::LeftButton, {},
+                    bar->actionGeometry(Menu(u"fField"_s)->menuAction()).center());
+  EXPECT_TRUE(Menu(u"fField"_s)->isVisible());
+  EXPECT_TRUE(Action(u"fEditField"_s)->isEnabled());
+  EXPECT_FALSE(Menu(u"fPicture"_s)->menuAction()->isEnabled()) << "the field holds text";
+  QTest::keyClick(Menu(u"fField"_s), Qt::Key_Escape);
+  EXPECT_TRUE(CVelumCommandTable::FocusedControl());
 }
 
 TEST_F(CVelumFrameTest, ConditionsFollowStackCardAndField) {
@@ -611,6 +663,26 @@ TEST_F(CVelumFrameTest, NotificationsReachTheFrame) {
   EXPECT_EQ(iPresenter.Count(), 0);
   CVelumSeams::ChangeNotify(8);
   EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
+}
+
+TEST_F(CVelumFrameTest, CaptionOfAStackWithoutNameKeepsItsDash) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  gStack->SetFilename({});
+  CVelumSeams::ChangeNotify(0);
+  EXPECT_EQ(gFrame->windowTitle(), u" - Orvelles"_s);
+}
+
+TEST_F(CVelumFrameTest, AKeyWithoutAButtonAsserts) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  // Keys are compared exactly; the last two have a picture or a menu item, but no button.
+  for (const QString& key : {QString(), u"nextcard"_s, u"Nothing"_s, u"ShowCardList"_s, u"Help"_s}) {
+    EXPECT_THROW(gFrame->ButtonClick(key), CVelumException);
+    EXPECT_EQ(iPresenter.LastMsg(), EMsgAssertFailedOk);
+    EXPECT_TRUE(iPresenter.LastText().contains(u"< fToolbar_ButtonClick Button.Key %1 >"_s.arg(key)));
+    iPresenter.Answer(true);
+    gFrame->ButtonClick(key);
+  }
+  EXPECT_EQ(CardName(), u"card 00"_s);
 }
 
 TEST_F(CVelumFrameTest, SaveQuestionStandsInTheMiddleOfTheFrame) {
