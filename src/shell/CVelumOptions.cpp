@@ -3,6 +3,7 @@
 #include "core/CVelumLib.h"
 #include "toolkit/CVelumReg.h"
 
+#include <QFileInfo>
 #include <variant>
 
 TVelumOptions gOptions;
@@ -88,6 +89,12 @@ void SaveOptions() {
   for (const TOption& option : Table()) vals.append({option.iName, TextOf(option)});
   for (int i = 0; i < ENumHistory; ++i) vals.append({HistoryName(i), gFileHistory[static_cast<size_t>(i)]});
   CVelumReg::PutVals(EOptions, vals, false);
+}
+
+QString StartFolder(const QString& aDir) {
+  for (const QString& dir : {aDir, gOptions.iStackFolder})
+    if (!dir.isEmpty() && QFileInfo(dir).isDir()) return dir;
+  return CVelumLib::GetDocDir();
 }
 
 void AddToFileHistory(const QString& aName) {

@@ -37,6 +37,9 @@ namespace CVelumOptions {
 void LoadOptions();
 // Writes all settings.
 void SaveOptions();
+// Where a file dialog begins whose last folder was aDir: there, or in the folder of the stacks when aDir is
+// empty or gone. Empty when that is gone too.
+[[nodiscard]] QString StartFolder(const QString& aDir);
 // Puts aName in front of the history, where it stands once; the oldest of seven drops out.
 void AddToFileHistory(const QString& aName);
 

@@ -26,7 +26,8 @@ CVelumPictureCommands::CVelumPictureCommands(QWidget& aFrame)
 void CVelumPictureCommands::ImportPicFile() {
   const Ref<CVelumControl> field = PictureField();
   if (!field) return;
-  if (fImportPicDialog.InitDir().isEmpty()) fImportPicDialog.SetInitDir(gOptions.iImportPicDialogInitDir);
+  if (fImportPicDialog.InitDir().isEmpty())
+    fImportPicDialog.SetInitDir(CVelumOptions::StartFolder(gOptions.iImportPicDialogInitDir));
   if (!fImportPicDialog.ShowOpen(&iFrame)) return;
   CVelumLib::ImportPicture(*field, fImportPicDialog.FileName());
   QString name;

@@ -46,7 +46,8 @@ CVelumStackCommands::CVelumStackCommands(QWidget& aFrame)
       fLoadDialog(u"Open Stack"_s, u"orv"_s, u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s) {}
 
 void CVelumStackCommands::OpenStack() {
-  if (fLoadDialog.InitDir().isEmpty()) fLoadDialog.SetInitDir(gOptions.iLoadDialogInitDir);
+  if (fLoadDialog.InitDir().isEmpty())
+    fLoadDialog.SetInitDir(CVelumOptions::StartFolder(gOptions.iLoadDialogInitDir));
   if (!fLoadDialog.ShowOpen(&iFrame)) return;
   const QString path = fLoadDialog.FileName();
   bool stillOpen = false;

@@ -3,13 +3,18 @@
 #include "core/CVelumError.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+#include <algorithm>
 #include <memory>
+#include <new>
 
 namespace {
 
 const QString EOptions = u"Options"_s;
+// Far more than all settings take.
+constexpr qint64 EMaxBytes = 1'000'000;
 
 std::unique_ptr<QSettings> gUserStore;
 
@@ -28,15 +33,36 @@ void SetAside(const QString& aPath) {
   QFile::rename(aPath, u"%1.broken%2"_s.arg(aPath).arg(num));
 }
 
+// Whether the file may be one of settings: a small text. The toolkit checks only how its lines begin.
+bool IsText(const QString& aPath) {
+  QFile file(aPath);
+  if (!file.open(QIODevice::ReadOnly)) return !QFileInfo(aPath).isDir();
+  if (file.size() > EMaxBytes) return false;
+  const QByteArray bytes = file.readAll();
+  const auto isControl = [](char aCh) {
+    return aCh >= 0 && aCh < ' ' && aCh != '\t' && aCh != '\r' && aCh != '\n';
+  };
+  return bytes.isValidUtf8() && std::none_of(bytes.begin(), bytes.end(), isControl);
+}
+
+// Whether the store can be read to its end. A value may claim to be of a kind that takes endless memory.
+bool IsSound(const QSettings& aStore) {
+  try {
+    static_cast<void>(aStore.allKeys());
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return aStore.status() != QSettings::FormatError;
+}
+
 QSettings& UserStore() {
   if (gUserStore) return *gUserStore;
   gUserStore = NewStore(false);
-  if (gUserStore->status() == QSettings::FormatError) {
-    const QString path = gUserStore->fileName();
-    SetAside(path);
-    gUserStore.reset();
-    gUserStore = NewStore(false);
-  }
+  const QString path = gUserStore->fileName();
+  if (IsText(path) && IsSound(*gUserStore)) return *gUserStore;
+  gUserStore.reset();
+  SetAside(path);
+  gUserStore = NewStore(false);
   return *gUserStore;
 }
 

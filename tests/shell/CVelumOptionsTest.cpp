@@ -127,3 +127,29 @@ TEST_F(CVelumOptionsTest, EighthFilePushesTheOldestOut) {
   CVelumOptions::AddToFileHistory(u"1"_s);
   EXPECT_EQ(History(), (QStringList{u"1"_s, u"7"_s, u"6"_s, u"5"_s, u"4"_s, u"3"_s, u"2"_s, QString()}));
 }
+
+TEST_F(CVelumOptionsTest, EmptyLoadFolderIsTheStackFolder) {
+  gOptions.iStackFolder = u"/mine"_s;
+  gOptions.iLoadDialogInitDir.clear();
+  Restart();
+  EXPECT_EQ(gOptions.iLoadDialogInitDir, u"/mine"_s);
+  // Both are kept from there on, each by itself.
+  gOptions.iStackFolder = u"/other"_s;
+  Restart();
+  EXPECT_EQ(gOptions.iLoadDialogInitDir, u"/mine"_s);
+}
+
+TEST_F(CVelumOptionsTest, FolderThatIsGoneIsKeptButNotBegunIn) {
+  const QString stacks = iFolder.Path(u"stacks"_s);
+  QDir().mkpath(stacks);
+  gOptions.iStackFolder = stacks;
+  gOptions.iLoadDialogInitDir = u"/gone"_s;
+  Restart();
+  EXPECT_EQ(gOptions.iLoadDialogInitDir, u"/gone"_s);
+  EXPECT_EQ(CVelumOptions::StartFolder(gOptions.iLoadDialogInitDir), stacks);
+  EXPECT_EQ(CVelumOptions::StartFolder(iFolder.Path()), iFolder.Path());
+  EXPECT_EQ(CVelumOptions::StartFolder({}), stacks);
+  QDir(iFolder.Path()).mkpath(u"Documents/Orvelles"_s);
+  gOptions.iStackFolder = u"/gone too"_s;
+  EXPECT_EQ(CVelumOptions::StartFolder({}), iFolder.Path(u"Documents/Orvelles"_s));
+}

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <random>
 #include <unistd.h>
 
 namespace {
@@ -104,6 +105,63 @@ TEST_F(CVelumRegTest, BrokenFileIsSetAsideAndCountsAsEmpty) {
   CVelumReg::PutBoolVal(u"ShowWelcome"_s, false);
   CVelumReg::SetFolder(iFolder.Path());
   EXPECT_FALSE(GetBool(u"ShowWelcome"_s, true));
+}
+
+TEST_F(CVelumRegTest, RandomBytesAreSetAsideWhole) {
+  QDir(iFolder.Path()).mkdir(u"Brindleway"_s);
+  std::mt19937 random(1);
+  for (int round = 1; round <= 50; ++round) {
+    QByteArray bytes(1 + static_cast<int>(random() % 3000), '\0');
+    for (char& byte : bytes) byte = static_cast<char>(random());
+    bytes += '\0';
+    iFolder.Write(u"Brindleway/Orvelles.conf"_s, bytes);
+    CVelumReg::SetFolder(iFolder.Path());
+    EXPECT_TRUE(GetBool(u"ShowWelcome"_s, true));
+    EXPECT_EQ(Get(u"AutoLoadName"_s), QString());
+    EXPECT_EQ(iFolder.Read(u"Brindleway/Orvelles.conf.broken%1"_s.arg(round)), bytes);
+  }
+  CVelumReg::PutBoolVal(u"ShowWelcome"_s, false);
+  EXPECT_EQ(Written(), "[1.x]\nOptions\\ShowWelcome=False\n");
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
+TEST_F(CVelumRegTest, WhatIsNoSmallTextIsSetAside) {
+  QDir(iFolder.Path()).mkdir(u"Brindleway"_s);
+  const QByteArray good("[1.x]\nOptions\\ShowWelcome=False\n");
+  int num = 0;
+  for (const QByteArray& bytes : {good + QByteArray("X=\0", 3), good + "X=\x07", good + "X=\xff\xfe",
+                                  good + "X=" + QByteArray(2'000'000, 'x')}) {
+    iFolder.Write(u"Brindleway/Orvelles.conf"_s, bytes);
+    CVelumReg::SetFolder(iFolder.Path());
+    EXPECT_TRUE(GetBool(u"ShowWelcome"_s, true));
+    EXPECT_EQ(iFolder.Read(u"Brindleway/Orvelles.conf.broken%1"_s.arg(++num)), bytes);
+  }
+}
+
+TEST_F(CVelumRegTest, FolderInPlaceOfTheFileIsSetAside) {
+  QDir(iFolder.Path()).mkpath(u"Brindleway/Orvelles.conf/kept"_s);
+  CVelumReg::SetFolder(iFolder.Path());
+  EXPECT_TRUE(GetBool(u"ShowWelcome"_s, true));
+  CVelumReg::PutBoolVal(u"ShowWelcome"_s, false);
+  EXPECT_FALSE(GetBool(u"ShowWelcome"_s, true));
+  EXPECT_TRUE(QDir(iFolder.Path(u"Brindleway/Orvelles.conf.broken1/kept"_s)).exists());
+}
+
+TEST_F(CVelumRegTest, ValuesOfOtherTypesAreDefaults) {
+  QDir(iFolder.Path()).mkdir(u"Brindleway"_s);
+  iFolder.Write(u"Brindleway/Orvelles.conf"_s,
+                "[1.x]\nOptions\\ShowWelcome=@Size(3 4)\nOptions\\AutoLoadName=@Rect(1 2 3 4)\n"
+                // Lists and texts that claim to have some thousand million items.
+                "Options\\A=@Variant(\\0\\0\\0\\x9\\0\\xff\\xff\\xff\\xf0)\n"
+                "Options\\B=@Variant(\\0\\0\\0\\xa\\0\\xff\\xff\\xff\\xf0)\n"
+                "Windows\\CVelumFrame=@Invalid()\n");
+  CVelumReg::SetFolder(iFolder.Path());
+  EXPECT_TRUE(GetBool(u"ShowWelcome"_s, true));
+  for (const QString& name : {u"AutoLoadName"_s, u"A"_s, u"B"_s}) EXPECT_EQ(Get(name), QString());
+  CVelumReg::PutBoolVal(u"ShowWelcome"_s, false);
+  CVelumReg::SetFolder(iFolder.Path());
+  EXPECT_FALSE(GetBool(u"ShowWelcome"_s, true));
+  EXPECT_EQ(iPresenter.Count(), 0);
 }
 
 TEST_F(CVelumRegTest, FailureToWriteAsserts) {
