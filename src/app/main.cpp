@@ -1,7 +1,6 @@
 // orvelles: the desktop program.
 #include "app/CVelumApplication.h"
 
-#include "shell/CVelumFrame.h"
 #include "shell/CVelumIcons.h"
 #include "shell/CVelumMain.h"
 #include "shell/CVelumPictures.h"
@@ -75,10 +74,10 @@ int RunDesktop(int& aArgc, char** aArgv) {
     return 1;
   }
   CVelumApplication app(aArgc, aArgv);
-  // What the toolkit has left of the arguments, as one line.
-  CVelumMain::Main(QCoreApplication::arguments().mid(1).join(u' '));
-  // The end of the main window is the end of the process, whatever else is open or under way.
-  gFrame->SetEndProcess([] { std::_Exit(EXIT_SUCCESS); });
+  // What the toolkit has left of the arguments, as one line. The end of the main window is the end of the
+  // process, whatever else is open or under way, and already while the program starts.
+  CVelumMain::Main(QCoreApplication::arguments().mid(1).join(u' '), nullptr,
+                   [] { std::_Exit(EXIT_SUCCESS); });
   return QApplication::exec();
 }
 

@@ -8,7 +8,7 @@
 namespace CVelumLib {
 
 // Registers the windows of this room with the window manager, installs the companions of controls, and
-// measures the layout metrics. Called once at start, after InitWinMan.
+// measures the layout metrics. Called once at start.
 void InitRuntime();
 // A font of the toolkit; its size is HostPointSize(aExact).
 [[nodiscard]] QFont MakeToolkitFont(const CVelumFont& aFont, bool aExact);

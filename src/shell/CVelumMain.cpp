@@ -40,34 +40,53 @@ void InstallSeams(CVelumPresenter* aPresenter) {
 
 void InitLibraries() {
   CVelumModel::Install();
+  CVelumLib::InitLib();
+  CVelumLib::InitRuntime();
   CVelumMsg::InitMessages();
   CVelumOptions::LoadOptions();
   CVelumExports::InitExports();
   CVelumWinMan::InitWinMan();
-  CVelumLib::InitRuntime();
   CVelumShellForms::Register();
+}
+
+void MakeScripts() {
   gCompiler = MakeRef<CVelumCompiler>();
-  // Whoever starts the program may have put another one in.
+  // Whoever starts the program may have put another runner in. The interpreter seeds its random numbers.
   if (!gScriptRunner) gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();
 }
 
-void ShowFrame() {
+void ShowFrame(std::function<void()> aEndProcess) {
   gInstalled->iFrame = std::make_unique<CVelumFrame>();
+  if (aEndProcess) gFrame->SetEndProcess(std::move(aEndProcess));
   CVelumWinMan::SetFactory(u"CVelumFrame"_s, [] { return gFrame; });
-  CVelumWinMan::ShowDialog(*gInstalled->iFrame);
+  CVelumWinMan::ShowDialog(*gFrame);
 }
 
-// The stack of the command line, or else the one of the settings.
+// Only blanks: a file name may begin or end with other white space.
+QString Trimmed(QStringView aText) {
+  while (aText.startsWith(u' ')) aText = aText.sliced(1);
+  while (aText.endsWith(u' ')) aText.chop(1);
+  return aText.toString();
+}
+
+// The stack of the command line, or else the one of the options.
 void OpenFirstStack(const QString& aCommandLine) {
-  const QString path = CVelumMain::StackPath(aCommandLine);
-  const QString name = path.isEmpty() ? gOptions.iAutoLoadName : path;
-  if (!name.isEmpty()) CVelumLib::HandleLoadStack(name);
+  if (!Trimmed(aCommandLine).isEmpty())
+    CVelumLib::HandleLoadStack(CVelumMain::StackPath(aCommandLine));
+  else if (!gOptions.iAutoLoadName.isEmpty())
+    CVelumLib::HandleLoadStack(gOptions.iAutoLoadName);
+}
+
+// The box goes by itself after a while.
+void Greet() {
+  const QString name = u"CVelumWelcome"_s;
+  if (CVelumWinMan::HasForm(name)) CVelumWinMan::ShowDialog(*CVelumWinMan::NameToForm(name));
 }
 
 } // namespace
 
 QString CVelumMain::StackPath(const QString& aCommandLine) {
-  QString path = aCommandLine.trimmed();
+  QString path = Trimmed(aCommandLine);
   if (path.startsWith(u'"') && path.endsWith(u'"')) {
     if (path.size() < 2) CVelumError::RaiseHost(EHostBadCall);
     path = path.sliced(1, path.size() - 2);
@@ -76,13 +95,18 @@ QString CVelumMain::StackPath(const QString& aCommandLine) {
   return path.isEmpty() || !file.exists() ? path : file.absoluteFilePath();
 }
 
-void CVelumMain::Main(const QString& aCommandLine, CVelumPresenter* aPresenter) {
+void CVelumMain::Main(const QString& aCommandLine, CVelumPresenter* aPresenter,
+                      std::function<void()> aEndProcess) {
   InstallSeams(aPresenter);
   InitLibraries();
-  ShowFrame();
+  MakeScripts();
+  ShowFrame(std::move(aEndProcess));
   // A failure here leaves the main window without a stack.
   CVelumGuard::Run(u"Main"_s, [&] { OpenFirstStack(aCommandLine); });
+  // The transfer server is to be made here, behind the first stack.
   CVelumSeams::EventPump().Pump();
+  const bool showWelcome = Trimmed(aCommandLine).isEmpty();
+  if (showWelcome && gOptions.iShowWelcome) Greet();
   static_cast<void>(CVelumLib::GetDocDir());
 }
 

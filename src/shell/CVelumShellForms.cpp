@@ -1,6 +1,7 @@
 #include "shell/CVelumShellForms.h"
 
 #include "shell/CVelumNewStackForm.h"
+#include "shell/CVelumOptionEdit.h"
 #include "shell/CVelumPictureViewer.h"
 #include "shell/CVelumWelcome.h"
 #include "toolkit/CVelumWinMan.h"
@@ -15,6 +16,7 @@ template <class T> void Add(const QString& aName) {
 
 void CVelumShellForms::Register() {
   Add<CVelumNewStackForm>(u"CVelumNewStackForm"_s);
+  Add<CVelumOptionEdit>(u"CVelumOptionEdit"_s);
   Add<CVelumPictureViewer>(u"CVelumPictureViewer"_s);
   Add<CVelumWelcome>(u"CVelumWelcome"_s);
 }

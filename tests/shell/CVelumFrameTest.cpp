@@ -581,6 +581,7 @@ TEST_F(CVelumFrameTest, ItemsFollowTheirRulesEachTimeTheirMenuOpens) {
   iPresenter.Answer(true);
   Choose(u"fEmptyStack"_s);
   expect(&TRule::iEmpty, "without cards");
+  AnswerSave(u"fDiscardBut"_s);
   Choose(u"fCloseStack"_s);
   expect(&TRule::iNothing, "after closing");
 }

@@ -8,7 +8,9 @@
 #include "toolkit/CVelumReg.h"
 #include "toolkit/CVelumWinMan.h"
 
+#include <QApplication>
 #include <QDir>
+#include <QTimer>
 
 using CVelumMainTest = ShellTest;
 
@@ -20,6 +22,8 @@ TEST_F(CVelumMainTest, CommandLineIsTrimmedAndLosesItsQuotes) {
   EXPECT_EQ(CVelumMain::StackPath(u"\"/no/a"_s), u"\"/no/a"_s);
   EXPECT_EQ(CVelumMain::StackPath(u"/no/a\""_s), u"/no/a\""_s);
   EXPECT_EQ(CVelumMain::StackPath(u"\"\""_s), QString());
+  EXPECT_EQ(CVelumMain::StackPath(u"\"\"/no/a\"\""_s), u"\"/no/a\""_s); // one pair only
+  EXPECT_EQ(CVelumMain::StackPath(u" \n/no/a\t "_s), u"\n/no/a\t"_s);   // only blanks
   try {
     static_cast<void>(CVelumMain::StackPath(u"\""_s));
     FAIL() << "no error";
@@ -77,6 +81,19 @@ TEST_F(CVelumMainTest, EmptyCommandLineOpensTheStackOfTheSettings) {
   Start(u"  "_s);
   ASSERT_TRUE(gStack);
   EXPECT_EQ(gStack->Filename(), path);
+}
+
+TEST_F(CVelumMainTest, QuotesAroundNothingNameAFileThatIsNotThere) {
+  CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, CopyStack(u"a.Orvelle"_s), false);
+  Start(u"\"\""_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgFileNotFound);
+  EXPECT_FALSE(gStack);
+}
+
+TEST_F(CVelumMainTest, TheWindowCanBeClosedWhileTheProgramStarts) {
+  QTimer::singleShot(0, qApp, [] { gFrame->close(); });
+  Start();
+  EXPECT_TRUE(iEnded);
 }
 
 TEST_F(CVelumMainTest, CommandLineGoesBeforeTheSettings) {

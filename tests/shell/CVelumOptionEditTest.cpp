@@ -16,6 +16,9 @@ namespace {
 
 class CVelumOptionEditTest : public ShellTest {
 protected:
+  ~CVelumOptionEditTest() override {
+    if (Form()) delete Form()->Widget();
+  }
   void Open() {
     Start();
     gOptions.iAutoLoadName = u"/auto.Orvelle"_s;

@@ -15,6 +15,7 @@
 
 ShellTest::ShellTest() {
   CVelumReg::SetFolder(iFolder.Path(u"settings"_s));
+  CVelumReg::PutBoolVal(u"ShowWelcome"_s, false);
   CVelumFileDialog::SetAnswer([this](const CVelumFileDialog&, bool) {
     ++iDialogs;
     return iPath;
@@ -31,8 +32,7 @@ ShellTest::~ShellTest() {
 }
 
 void ShellTest::Start(const QString& aCommandLine) {
-  CVelumMain::Main(aCommandLine, &iPresenter);
-  gFrame->SetEndProcess([this] { iEnded = true; });
+  CVelumMain::Main(aCommandLine, &iPresenter, [this] { iEnded = true; });
 }
 
 void ShellTest::CloseDialogs() {

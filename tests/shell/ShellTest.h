@@ -10,7 +10,8 @@
 #include <QAction>
 #include <functional>
 
-// Start makes the program. Messages go to iPresenter. File dialogs answer iPath, and nothing until it is set.
+// Start makes the program; the welcome box is switched off in the options. Messages go to iPresenter. File
+// dialogs answer iPath, and nothing until it is set.
 class ShellTest : public WidgetTest {
 protected:
   ShellTest();
