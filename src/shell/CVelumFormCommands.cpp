@@ -5,6 +5,7 @@
 #include "runtime/CVelumStackView.h"
 #include "shell/CVelumEditors.h"
 #include "shell/CVelumNotBuilt.h"
+#include "shell/CVelumWelcome.h"
 #include "toolkit/CVelumWinMan.h"
 
 namespace {
@@ -55,6 +56,8 @@ void TellControlEditor(CVelumControlEditor& aEditor, EVelumShows aShows, const T
 
 void Tell(CVelumForm& aForm, EVelumShows aShows, const TSubject& aSubject) {
   if (aShows == EVelumShows::CardChoice) ChooseCard(aForm);
+  auto* about = dynamic_cast<CVelumWelcome*>(&aForm);
+  if (about && aShows == EVelumShows::About) about->StayUntilOk();
   if (auto* cards = dynamic_cast<CVelumCardEditor*>(&aForm)) TellCardEditor(*cards, aShows, aSubject);
   if (auto* controls = dynamic_cast<CVelumControlEditor*>(&aForm))
     TellControlEditor(*controls, aShows, aSubject);

@@ -13,6 +13,7 @@
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumShellForms.h"
 #include "shell/CVelumShellPresenter.h"
+#include "shell/CVelumWelcome.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumToolkitPump.h"
 #include "toolkit/CVelumWinMan.h"
@@ -79,8 +80,10 @@ void OpenFirstStack(const QString& aCommandLine) {
 
 // The box goes by itself after a while.
 void Greet() {
-  const QString name = u"CVelumWelcome"_s;
-  if (CVelumWinMan::HasForm(name)) CVelumWinMan::ShowDialog(*CVelumWinMan::NameToForm(name));
+  auto* box = dynamic_cast<CVelumWelcome*>(CVelumWinMan::NameToForm(u"CVelumWelcome"_s));
+  if (!box) return;
+  CVelumWinMan::ShowDialog(*box);
+  box->Stay();
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "shell/CVelumHelpForm.h"
 #include "shell/CVelumMain.h"
 #include "shell/CVelumMsgForm.h"
+#include "shell/CVelumNotBuilt.h"
 #include "shell/CVelumSave.h"
 #include "toolkit/CVelumWinMan.h"
 
@@ -63,12 +64,37 @@ bool WriteViewer(const QString& aStem, const QString& aEnding) {
   return good;
 }
 
+// Windows that are opened by something on a card, or are in other pictures.
+bool NeedsACard(const QString& aName) {
+  static const QStringList names{u"CVelumFrame"_s,         u"CVelumGenForm"_s,      u"CVelumCardListForm"_s,
+                                 u"CVelumPictureViewer"_s, u"CVelumWikiTextEdit"_s, u"CVelumCardSelect"_s};
+  return names.contains(aName);
+}
+
+// All other windows, as they are when they open.
+bool WriteDialogs(const QString& aStem, const QString& aEnding) {
+  bool good = true;
+  for (int i = 0; i < CVelumWinMan::FormCount(); ++i) {
+    const QString& name = CVelumWinMan::FormName(i);
+    if (NeedsACard(name) || !CVelumWinMan::HasForm(name)) continue;
+    CVelumForm* form = CVelumWinMan::NameToForm(name);
+    CVelumWinMan::ShowDialog(*form);
+    good = Grab(*form->Widget(), aStem + name.sliced(6).toLower() + aEnding) && good;
+    form->Widget()->close();
+  }
+  CVelumNotBuilt::Tell(u"Stack, Sort Keys"_s, gFrame);
+  good = Grab(*CVelumNotBuilt::Instance(), aStem + u"notbuilt"_s + aEnding) && good;
+  CVelumNotBuilt::Instance()->close();
+  return good;
+}
+
 bool WriteAll(const QString& aStem, const QString& aEnding) {
   bool good = Grab(*gFrame, aStem + u"main"_s + aEnding);
   Ref<CVelumCard> card;
   if (gStackView && gStackView->OrderLast(card))
     good = Grab(*gFrame, aStem + u"last"_s + aEnding) && WriteViewer(aStem, aEnding) && good;
   if (gStackView) static_cast<void>(gStackView->OrderFirst(card));
+  good = WriteDialogs(aStem, aEnding) && good;
   return WriteBoxes(aStem, aEnding) && good;
 }
 

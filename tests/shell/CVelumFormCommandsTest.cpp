@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 namespace {
 
@@ -61,10 +62,8 @@ class CVelumFormCommandsTest : public ShellTest {
 protected:
   ~CVelumFormCommandsTest() override {
     delete CVelumNotBuilt::Instance();
-    for (const QString& name : iFakes) {
-      if (CVelumWinMan::FormIsLoaded(name)) delete CVelumWinMan::NameToForm(name)->Widget();
-      CVelumWinMan::SetFactory(name, {});
-    }
+    CloseDialogs();
+    for (const QString& name : iFakes) CVelumWinMan::SetFactory(name, {});
     gTold.clear();
   }
   template <class T> void Fake(const QString& aName) {
@@ -186,4 +185,13 @@ TEST_F(CVelumFormCommandsTest, ToolbarButtonsDoAsTheirMenuItems) {
   for (const char* name : {"CVelumBackgroundEdit", "CVelumCardEdit", "CVelumControlEdit"})
     EXPECT_TRUE(CVelumWinMan::FormIsLoaded(QString::fromLatin1(name))) << name;
   EXPECT_EQ(gTold, QStringList());
+}
+
+TEST_F(CVelumFormCommandsTest, AboutStaysUntilItIsClosed) {
+  Start();
+  Choose(u"fAbout"_s);
+  ASSERT_TRUE(CVelumWinMan::FormIsLoaded(u"CVelumWelcome"_s));
+  const QWidget* box = CVelumWinMan::NameToForm(u"CVelumWelcome"_s)->Widget();
+  EXPECT_TRUE(box->isVisible());
+  EXPECT_FALSE(box->findChild<QTimer*>(u"fWaitTimer"_s)->isActive());
 }

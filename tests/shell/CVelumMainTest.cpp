@@ -90,6 +90,31 @@ TEST_F(CVelumMainTest, QuotesAroundNothingNameAFileThatIsNotThere) {
   EXPECT_FALSE(gStack);
 }
 
+TEST_F(CVelumMainTest, WelcomeBoxGreetsWhoeverNamedNoStack) {
+  const auto greets = [this](const QString& aCommandLine) {
+    Start(aCommandLine);
+    const bool shown = CVelumWinMan::FormIsLoaded(u"CVelumWelcome"_s);
+    if (shown) {
+      QWidget* box = CVelumWinMan::NameToForm(u"CVelumWelcome"_s)->Widget();
+      EXPECT_TRUE(box->isVisible());
+      EXPECT_TRUE(box->findChild<QTimer*>(u"fWaitTimer"_s)->isActive());
+      delete box;
+    }
+    CVelumMain::End();
+    return shown;
+  };
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  EXPECT_FALSE(greets({})) << "switched off";
+  CVelumReg::PutBoolVal(u"ShowWelcome"_s, true);
+  EXPECT_TRUE(greets({}));
+  EXPECT_TRUE(greets(u"  "_s));
+  EXPECT_FALSE(greets(path));
+  EXPECT_FALSE(greets(u"/nowhere/a.Orvelle"_s));
+  EXPECT_FALSE(greets(u"\""_s));
+  CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, path, false);
+  EXPECT_TRUE(greets({}));
+}
+
 TEST_F(CVelumMainTest, TheWindowCanBeClosedWhileTheProgramStarts) {
   QTimer::singleShot(0, qApp, [] { gFrame->close(); });
   Start();

@@ -16,9 +16,6 @@ namespace {
 
 class CVelumOptionEditTest : public ShellTest {
 protected:
-  ~CVelumOptionEditTest() override {
-    if (Form()) delete Form()->Widget();
-  }
   void Open() {
     Start();
     gOptions.iAutoLoadName = u"/auto.Orvelle"_s;
