@@ -13,7 +13,6 @@ QPointer<CVelumNotBuilt> gInstance;
 
 CVelumNotBuilt::CVelumNotBuilt(QWidget* aOwner) : QDialog(aOwner), iUi(new Ui::CVelumNotBuilt) {
   iUi->setupUi(this);
-  iUi->fPicture->setPixmap(CVelumIcons::Icon(u"Info"_s).pixmap(QSize(48, 48), devicePixelRatio()));
   connect(iUi->fOkBut, &QPushButton::clicked, this, &QDialog::accept);
 }
 
@@ -22,6 +21,8 @@ CVelumNotBuilt::~CVelumNotBuilt() = default;
 void CVelumNotBuilt::Tell(const QString& aCommand, QWidget* aOwner) {
   if (!gInstance) gInstance = new CVelumNotBuilt(aOwner);
   const bool isNew = !gInstance->isVisible();
+  gInstance->iUi->fPicture->setPixmap(
+      CVelumIcons::Icon(u"Info"_s).pixmap(QSize(48, 48), gInstance->devicePixelRatio()));
   gInstance->iUi->fText->setText(
       tr("\u201c%1\u201d is not built yet. A later version of the program will have it.").arg(aCommand));
   gInstance->setAccessibleDescription(gInstance->iUi->fText->text());
