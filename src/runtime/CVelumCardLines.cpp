@@ -25,7 +25,8 @@ TVelumLineKey KeyOf(const TVelumValue& aVal, const CVelumControl& aControl) {
 
 } // namespace
 
-CVelumCardLines::CVelumCardLines(const CVelumStack& aStack, const CVelumControlSet* aBackground, EShow aShow)
+CVelumCardLines::CVelumCardLines(const CVelumStack& aStack, const CVelumControlSet* aBackground, EShow aShow,
+                                 const CVelumObject* aExclude)
     : iShow(aShow) {
   iCards.reserve(static_cast<size_t>(aBackground ? aBackground->NumCards() : aStack.NumCards()));
   Ref<CVelumCard> card;
@@ -34,7 +35,8 @@ CVelumCardLines::CVelumCardLines(const CVelumStack& aStack, const CVelumControlS
     return aBackground ? aStack.GetNextCardInBackground(aBackground->Id(), card, index)
                        : aStack.GetNextCard(card, index);
   };
-  while (next()) iCards.push_back(std::move(card));
+  while (next())
+    if (card.Get() != aExclude) iCards.push_back(std::move(card));
 }
 
 CVelumCard* CVelumCardLines::CardAt(int aIndex) const {

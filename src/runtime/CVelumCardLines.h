@@ -16,8 +16,9 @@ public:
     NameFields // both
   };
 
-  // All cards in the order of the stack, or those of aBackground.
-  CVelumCardLines(const CVelumStack& aStack, const CVelumControlSet* aBackground, EShow aShow);
+  // All cards in the order of the stack, or those of aBackground, but aExclude (may be null).
+  CVelumCardLines(const CVelumStack& aStack, const CVelumControlSet* aBackground, EShow aShow,
+                  const CVelumObject* aExclude = nullptr);
 
   [[nodiscard]] int NumLines() const override { return static_cast<int>(iCards.size()); }
   [[nodiscard]] QString Line(int aIndex) const override;

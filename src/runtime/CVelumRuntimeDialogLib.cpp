@@ -69,10 +69,11 @@ void FillSortKeyList(CVelumListBox& aList, const CVelumControlSet* aSet, const Q
     if (key->BackgroundId() == aSet->Id()) aList.AddLine(key->Name(), key);
 }
 
-void FillCardList(CVelumListBox& aList, const CVelumControlSet& aSet) {
+void FillCardList(CVelumListBox& aList, const CVelumControlSet& aSet, const CVelumObject* aExclude) {
   if (!aSet.Stack()) return aList.ClearAndShow();
   aList.Clear();
-  aList.SetProvider(std::make_unique<CVelumCardLines>(*aSet.Stack(), &aSet, CVelumCardLines::EShow::Name));
+  aList.SetProvider(
+      std::make_unique<CVelumCardLines>(*aSet.Stack(), &aSet, CVelumCardLines::EShow::Name, aExclude));
 }
 
 void FillTypeCombo(CVelumListBox& aList) {

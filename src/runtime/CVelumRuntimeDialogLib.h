@@ -21,8 +21,8 @@ void FillControlList(CVelumListBox& aList, const CVelumControlSet* aSet, const Q
                      bool aWithType, bool aOnlyCombo);
 // The sort keys of a background (nothing: none) by name.
 void FillSortKeyList(CVelumListBox& aList, const CVelumControlSet* aSet, const QString& aFirst);
-// The cards of a background in order by name; made as they are seen.
-void FillCardList(CVelumListBox& aList, const CVelumControlSet& aSet);
+// The cards of a background but aExclude (may be null) in order by name; made as they are seen.
+void FillCardList(CVelumListBox& aList, const CVelumControlSet& aSet, const CVelumObject* aExclude = nullptr);
 // The line of a type stands at its number.
 void FillTypeCombo(CVelumListBox& aList);
 // The line of a standard command stands one below its EStdCmd; none stands first.

@@ -1,5 +1,6 @@
 #include "shell/CVelumShellForms.h"
 
+#include "shell/CVelumCardEdit.h"
 #include "shell/CVelumNewStackForm.h"
 #include "shell/CVelumOptionEdit.h"
 #include "shell/CVelumPictureViewer.h"
@@ -15,6 +16,7 @@ template <class T> void Add(const QString& aName) {
 } // namespace
 
 void CVelumShellForms::Register() {
+  Add<CVelumCardEdit>(u"CVelumCardEdit"_s);
   Add<CVelumNewStackForm>(u"CVelumNewStackForm"_s);
   Add<CVelumOptionEdit>(u"CVelumOptionEdit"_s);
   Add<CVelumPictureViewer>(u"CVelumPictureViewer"_s);

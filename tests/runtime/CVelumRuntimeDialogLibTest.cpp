@@ -107,6 +107,9 @@ TEST_F(CVelumRuntimeDialogLibTest, CardsOfABackgroundInOrder) {
   EXPECT_EQ(list->Line(0), u"z"_s);
   EXPECT_EQ(list->Line(1), u"a"_s);
   EXPECT_EQ(list->Obj(0).Get(), z.Get());
+  CVelumDialogLib::FillCardList(*list, *iSet, z.Get());
+  ASSERT_EQ(list->NumLines(), 1);
+  EXPECT_EQ(list->Line(0), u"a"_s);
 }
 
 TEST_F(CVelumRuntimeDialogLibTest, PositionsOfTypesAndStandardCommands) {
