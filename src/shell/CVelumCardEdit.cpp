@@ -4,9 +4,10 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
-#include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumRuntimeDialogLib.h"
 #include "runtime/CVelumStackView.h"
+#include "shell/CVelumFrame.h"
+#include "shell/CVelumNotBuilt.h"
 #include "shell/CVelumScriptBar.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumToolkitDialogLib.h"
@@ -24,9 +25,13 @@ QString Moment(double aDate, double aTime) {
   return CVelumLocale::ShortDate(aDate) + u' ' + CVelumLocale::LongTime(aTime);
 }
 
-// Opens another window of the program, or the one that says that there is none yet.
-void OpenForm(const QString& aName) {
-  if (gFrameHost) gFrameHost->ShowForm(aName);
+// Opens another window of the program; for one that does not exist yet says so. aCaption is how the user
+// knows the command.
+void OpenForm(const QString& aName, const QString& aCaption) {
+  if (CVelumWinMan::HasForm(aName))
+    CVelumWinMan::ShowDialog(*CVelumWinMan::NameToForm(aName));
+  else
+    CVelumNotBuilt::Tell(aCaption, gFrame);
 }
 
 // Shows what a background's cards look like in the card window and in the list.
@@ -55,7 +60,8 @@ void CVelumCardEdit::ConnectLists() {
   };
   onSelect(iUi->fBackgroundBox, &CVelumCardEdit::TakeBackground);
   onSelect(iUi->fCardBox, &CVelumCardEdit::TakeCard);
-  connect(iUi->fControlBox, &CVelumListWidget::ItemDblClick, this, [] { OpenForm(u"CVelumControlEdit"_s); });
+  connect(iUi->fControlBox, &CVelumListWidget::ItemDblClick, this,
+          [] { OpenForm(u"CVelumControlEdit"_s, tr("Cards, Field")); });
 }
 
 void CVelumCardEdit::ConnectButtons() {
@@ -75,8 +81,8 @@ void CVelumCardEdit::ConnectButtons() {
       if (form) CVelumGuard::Run(u"CVelumCardEdit.fDeleteBut"_s, [&] { form->DeleteCard(); });
     });
   });
-  on(iUi->fScriptBut, [] { OpenForm(u"CVelumScriptEdit"_s); });
-  on(iUi->fSelectFontBut, [] { OpenForm(u"CVelumFontSelect"_s); });
+  on(iUi->fScriptBut, [] { OpenForm(u"CVelumScriptEdit"_s, tr("Cards, Script")); });
+  on(iUi->fSelectFontBut, [] { OpenForm(u"CVelumFontSelect"_s, tr("Cards, Select font")); });
   on(iUi->fSelectColorBut, [this] {
     if (CVelumDialogLib::SelectColor(this, *iUi->fColorSample, iBackColor)) iEdited = true;
   });

@@ -3,6 +3,7 @@
 
 #include "runtime/CVelumCardSelect.h"
 #include "runtime/CVelumListBox.h"
+#include "shell/CVelumEditors.h"
 #include "shell/CVelumFontTaker.h"
 #include "toolkit/CVelumDialogForm.h"
 
@@ -13,7 +14,10 @@ class CVelumCardEdit;
 }
 
 // Values of a card are listed only; they are changed in the card window. Stays open beside it.
-class CVelumCardEdit final : public CVelumDialogForm, public CVelumCardTaker, public CVelumFontTaker {
+class CVelumCardEdit final : public CVelumDialogForm,
+                             public CVelumCardEditor,
+                             public CVelumCardTaker,
+                             public CVelumFontTaker {
   Q_OBJECT
 
 public:
@@ -21,9 +25,9 @@ public:
   ~CVelumCardEdit() override;
 
   // Shows a card of the open stack.
-  void SetAndShowCard(const Ref<CVelumCard>& aCard);
+  void SetAndShowCard(const Ref<CVelumCard>& aCard) override;
   // Begins a new card of a background.
-  void NewCard(const Ref<CVelumControlSet>& aSet);
+  void NewCard(const Ref<CVelumControlSet>& aSet) override;
   // The card before which the new one will stand; asserts "SetCard aCase" for any case but 0.
   void SetCard(int aCase, const Ref<CVelumCard>& aCard) override;
   // The font being edited; asserts "SetFont aCase" for any case but 0.

@@ -3,6 +3,7 @@
 #include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "runtime/CVelumGenForm.h"
+#include "shell/CVelumNotBuilt.h"
 #include "shell/ShellTest.h"
 #include "toolkit/CVelumBaseColor.h"
 #include "toolkit/CVelumListWidget.h"
@@ -418,6 +419,26 @@ TEST_F(CVelumCardEditTest, AnotherCaseOfAnAnswerAsserts) {
   EXPECT_THROW(iForm->SetFont(1, nullptr), CVelumException);
   EXPECT_TRUE(iPresenter.LastText().contains(u"< SetFont aCase >"_s));
   EXPECT_TRUE(Checked(u"fAtEnd"_s));
+}
+
+TEST_F(CVelumCardEditTest, CommandsOfTheMainWindowLeadHere) {
+  Choose(u"fEditCard"_s);
+  iForm = dynamic_cast<CVelumCardEdit*>(CVelumWinMan::NameToForm(u"CVelumCardEdit"_s));
+  ASSERT_TRUE(iForm && iForm->isVisible());
+  EXPECT_EQ(ModeText(), u"a"_s);
+  Choose(u"fNewCard"_s);
+  EXPECT_EQ(ModeText(), u"<new \"Main\">"_s);
+}
+
+TEST_F(CVelumCardEditTest, WindowsThatAreMissingAreExcused) {
+  OpenForm().SetAndShowCard(iCards[0]);
+  for (const QString& name : {u"fScriptBut"_s, u"fSelectFontBut"_s}) {
+    Press(name);
+    ASSERT_TRUE(CVelumNotBuilt::Instance() && CVelumNotBuilt::Instance()->isVisible());
+    CVelumNotBuilt::Instance()->close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+  EXPECT_EQ(iPresenter.Count(), 0);
 }
 
 TEST_F(CVelumCardEditTest, TheChangedBoxOnlyTells) {
