@@ -30,11 +30,8 @@ ECsvOutcome FillBackground(const TVelumArgs& aArgs, const TCsvOptions& aOptions,
   const Ref<CVelumControlSet> background =
       CVelumCliStack::BackgroundByName(*open.iStack, aArgs.Value(u"background"_s));
   aStack = {open.iStack, open.iView};
-  return CVelumImports::ImportCsv1(aArgs.iOperands.at(0), aOptions, aWatch, background, [&] {
-    const Ref<CVelumCard> next = CVelumImports::FindNextCard(*open.iStack, background->Id());
-    open.iStack->DeleteBackground(background, true);
-    return next;
-  });
+  CVelumPlainStackHost host(open.iStack);
+  return CVelumImports::ImportCsv1(aArgs.iOperands.at(0), aOptions, aWatch, background, host);
 }
 
 int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {

@@ -151,9 +151,20 @@ void CVelumArray::EndBulk() {
   const auto compare = [this](qint32 aA, qint32 aB) { return CompareElems(aA, aB); };
   bool sorted = true;
   bool twice = false;
-  for (qint32 i = 1; WithKey() && i < iMax && sorted; ++i) sorted = compare(i - 1, i) <= 0;
-  if (!sorted) iStore.Permute(CVelumArraySort::StableOrder(iMax, compare).data());
-  for (qint32 i = 1; WithKey() && i < iMax && !twice; ++i) twice = compare(i - 1, i) == 0;
+  const auto look = [&] {
+    twice = false;
+    for (qint32 i = 1; WithKey() && i < iMax && sorted; ++i) {
+      const int order = compare(i - 1, i);
+      sorted = order <= 0;
+      twice = twice || order == 0;
+    }
+  };
+  look();
+  if (!sorted) {
+    iStore.Permute(CVelumArraySort::StableOrder(iMax, compare).data());
+    sorted = true;
+    look();
+  }
   ApplyShape();
   if (twice && (iFlags & EArrDuplicates) == 0) Check(false, u"Create duplicate");
 }

@@ -95,8 +95,9 @@ bool CVelumLib::StartsWith(QStringView aText, QStringView aPrefix) {
 }
 
 QString CVelumLib::RightAlignNum(qint64 aNum, int aWidth) {
-  const int width = qMax(aWidth, 0);
-  return QString::number(aNum).rightJustified(width).right(width);
+  const qsizetype width = qMax(aWidth, 0);
+  const QString digits = QString::number(aNum);
+  return digits.size() == width ? digits : QString(width - digits.size(), u' ') + digits.right(width);
 }
 
 void CVelumLib::ReplaceAll(QString& aText, const QString& aFind, const QString& aReplace) {
@@ -163,7 +164,9 @@ QString CVelumLib::ToUpperByLetter(const QString& aText) {
   QString text = aText;
   QChar* const letters = text.data();
   for (qsizetype i = 0; i < text.size(); ++i) {
-    if (letters[i].isHighSurrogate() && i + 1 < text.size() && letters[i + 1].isLowSurrogate()) {
+    if (const char16_t c = letters[i].unicode(); c < 128) {
+      if (c >= u'a' && c <= u'z') letters[i] = QChar(static_cast<char16_t>(c - u'a' + u'A'));
+    } else if (letters[i].isHighSurrogate() && i + 1 < text.size() && letters[i + 1].isLowSurrogate()) {
       const char32_t upper = QChar::toUpper(QChar::surrogateToUcs4(letters[i], letters[i + 1]));
       letters[i++] = QChar(QChar::highSurrogate(upper));
       letters[i] = QChar(QChar::lowSurrogate(upper));

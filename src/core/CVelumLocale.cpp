@@ -308,10 +308,26 @@ bool CVelumLocale::ToReal(const QString& aText, double& aReal) {
   return CVelumDecimal::Parse({plain.data(), static_cast<size_t>(plain.size())}, aReal);
 }
 
+// A moment has at least two numbers, each of one, two or four digits, whatever the locale.
+bool CVelumLocale::MayBeDateTime(QStringView aText) {
+  if (State().iDigitFirst && !aText.isEmpty() && aText.front().isLetter()) return false;
+  int numbers = 0;
+  int digits = 0;
+  for (const QChar c : aText) {
+    if (c.unicode() > 127) return true; // digits of other scripts, or nothing at all
+    if (IsDigit(c)) {
+      if (++digits > 4) return false;
+      continue;
+    }
+    if (digits == 3) return false;
+    if (digits > 0) ++numbers;
+    digits = 0;
+  }
+  return digits != 3 && numbers + (digits > 0 ? 1 : 0) >= 2;
+}
+
 bool CVelumLocale::ToDateTime(const QString& aText, double& aDateTime) {
-  const TState& state = State();
-  // Most texts that are asked about start with a letter.
-  if (state.iDigitFirst && !aText.isEmpty() && aText.front().isLetter()) return false;
+  if (!MayBeDateTime(aText)) return false;
   const QString text = CVelumPattern::Normal(aText);
   if (text.isEmpty()) return false;
   qint64 day = 0;

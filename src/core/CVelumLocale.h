@@ -31,5 +31,7 @@ void Init(const QString& aName = {});
 // 29 being 20xx and 30 to 99 19xx) or as yyyy-MM-dd; times as h:mm or h:mm:ss, with the locale's day halves
 // or in 24 hours.
 [[nodiscard]] bool ToDateTime(const QString& aText, double& aDateTime);
+// False for most texts that ToDateTime refuses, at a small part of its price; never for one that it takes.
+[[nodiscard]] bool MayBeDateTime(QStringView aText);
 
 } // namespace CVelumLocale

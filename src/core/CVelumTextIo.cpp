@@ -26,13 +26,13 @@ bool CVelumTextReader::Fill() {
 qsizetype CVelumTextReader::FindEnd(qsizetype aFrom) {
   const char* from = iBuf.constData() + aFrom;
   auto len = static_cast<size_t>(iBuf.size() - aFrom);
-  auto* cr = static_cast<const char*>(std::memchr(from, '\r', len));
+  // What ends lines here is near; what does not must only be sought up to there.
   const char* lf = nullptr;
-  if (iFirstEnd || iLfEnds)
-    lf = static_cast<const char*>(std::memchr(from, '\n', cr ? static_cast<size_t>(cr - from) : len));
-  const char* end = lf ? lf : cr;
+  if (iFirstEnd || iLfEnds) lf = static_cast<const char*>(std::memchr(from, '\n', len));
+  auto* cr = static_cast<const char*>(std::memchr(from, '\r', lf ? static_cast<size_t>(lf - from) : len));
+  const char* end = cr ? cr : lf;
   if (!end) return -1;
-  if (std::exchange(iFirstEnd, false)) iLfEnds = lf != nullptr;
+  if (std::exchange(iFirstEnd, false)) iLfEnds = !cr;
   return end - iBuf.constData();
 }
 

@@ -53,7 +53,7 @@ TVelumValue CVelumCsvCards::ValueOf(QStringView aItem, const CVelumControl& aCon
 void CVelumCsvCards::CheckType(const CVelumCard& aCard, const CVelumControl& aControl,
                                const TVelumValue& aVal) const {
   const bool same = aVal.Type() == CVelumValue::ConToValType(aControl.ConType());
-  CVelumError::AssertObj(same, &aCard, u"SetControlVal"_s, u"type"_s);
+  if (!same) CVelumError::AssertObj(false, &aCard, u"SetControlVal"_s, u"type"_s);
 }
 
 // The card takes the name that its field shows, and the field what that name means, as when a value of a card
@@ -73,6 +73,7 @@ Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
   const int fields = std::min(items, static_cast<int>(iControls.size()));
   TVelumElem elem;
   card->Value().InitElem(elem);
+  card->Value().BeginBulk(fields);
   for (int i = 0; i < fields; ++i) {
     const auto index = static_cast<size_t>(i);
     const CVelumControl& control = *iControls[index];
@@ -80,8 +81,9 @@ Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
     elem.iVal = ValueOf(iRows.Item(aRow, i), control, iColumns ? &(*iColumns)[index] : nullptr);
     CheckType(*card, control, elem.iVal);
     if (control.Flag(EConCardName) || (iFirstNames && i == 0)) TakeName(*card, control, elem.iVal);
-    card->Value().CreateIntKey(elem);
+    card->Value().AppendBulk(elem);
   }
+  card->Value().EndBulk();
   if (items > fields) ++iSurplus;
   return card;
 }

@@ -31,6 +31,19 @@ void KeepNumber(QStringView aText, QChar aDecimal, TPlain& aPlain) {
   }
 }
 
+// A whole number of up to 9 digits with nothing else but a minus: nearly all that come.
+bool ReadPlainInt(QStringView aText, qint32& aValue) {
+  constexpr qsizetype most = 9;
+  const bool negative = aText.startsWith(u'-');
+  const QStringView digits = negative ? aText.sliced(1) : aText;
+  if (digits.isEmpty() || digits.size() > most || !std::all_of(digits.begin(), digits.end(), IsDigit))
+    return false;
+  qint32 value = 0;
+  for (const QChar c : digits) value = value * 10 + (c.unicode() - u'0');
+  aValue = negative ? -value : value;
+  return true;
+}
+
 // What of aPlain is behind a plus; from_chars does not know that one.
 std::string_view WithoutPlus(const TPlain& aPlain) {
   const std::string_view text(aPlain.data(), static_cast<size_t>(aPlain.size()));
@@ -64,6 +77,7 @@ void CountSeparator(QStringView aText, TColStats& aStats) {
 
 void CountMoment(QStringView aText, TColStats& aStats) {
   double moment = 0.0;
+  if (!CVelumLocale::MayBeDateTime(aText)) return;
   if (!CVelumLocale::ToDateTime(aText.toString(), moment)) return;
   if (moment > 1.0)
     ++aStats.iDates;
@@ -81,7 +95,8 @@ QStringView CVelumImports::TrimBlanks(QStringView aText) {
 
 bool CVelumImports::CsvToBoolean(QStringView aText, bool& aValue) {
   if (aText.isEmpty() || aText.size() > EMaxWord) return false;
-  const char16_t first = aText.front().toUpper().unicode();
+  // Nearly all texts are turned away by their first letter, which no other one has as its capital.
+  const char16_t first = aText.front().unicode() & ~0x20;
   if (first != u'T' && first != u'F' && first != u'Y' && first != u'N') return false;
   const QString word = aText.toString().toUpper();
   const bool isTrue = word == u"TRUE" || word == u"T" || word == u"YES" || word == u"Y";
@@ -91,6 +106,7 @@ bool CVelumImports::CsvToBoolean(QStringView aText, bool& aValue) {
 }
 
 bool CVelumImports::CsvToInt(QStringView aText, qint32& aValue) {
+  if (ReadPlainInt(aText, aValue)) return true;
   TPlain plain;
   KeepNumber(aText, QChar(), plain);
   const std::string_view text = WithoutPlus(plain);
@@ -128,7 +144,8 @@ void CVelumImports::ScanCell(QStringView aText, TColStats& aStats) {
   }
   CountSeparator(text, aStats);
   const auto isCapital = [](QChar c) { return c >= u'A' && c <= u'Z'; };
-  if (std::any_of(text.begin(), text.end(), IsDigit)) ++aStats.iWithDigit;
-  if (std::any_of(text.begin(), text.end(), isCapital)) ++aStats.iWithLetter;
-  if (text.size() >= EMinMoment && CountNonDigits(text) != 0) CountMoment(text, aStats);
+  const qint32 others = CountNonDigits(text);
+  if (others < text.size()) ++aStats.iWithDigit;
+  if (others > 0 && std::any_of(text.begin(), text.end(), isCapital)) ++aStats.iWithLetter;
+  if (others > 0 && text.size() >= EMinMoment) CountMoment(text, aStats);
 }

@@ -1,5 +1,7 @@
 #include "exchange/CVelumCsvRows.h"
 
+#include "exchange/CVelumImportLimits.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -127,12 +129,8 @@ bool CVelumCsvRows::ReadRow(CVelumImportWatch& aWatch) {
 // What could not be read back from a stack file is refused before it gets into one.
 void CVelumCsvRows::CheckItems() const {
   for (size_t i = 0; i < iItems.size(); ++i)
-    if (iItems[i].iLen > EMaxItemLen)
-      CVelumError::RaiseHost(EHostOverflow, u"%1: item %2 has %3 characters, at most %4 can be stored"_s
-                                                .arg(Place(*iFile, iRowLine))
-                                                .arg(i + 1)
-                                                .arg(iItems[i].iLen)
-                                                .arg(EMaxItemLen));
+    if (iItems[i].iLen > CVelumImportLimits::EMaxText)
+      CVelumImportLimits::RaiseTooLong(u"%1, item %2: it "_s.arg(Place(*iFile, iRowLine)).arg(i + 1));
 }
 
 const char16_t* CVelumCsvRows::StoreText() {

@@ -15,8 +15,6 @@
 class CVelumCsvRows {
 public:
   static constexpr int EMaxItems = 20;
-  // The longest text that a stack file can hold.
-  static constexpr qsizetype EMaxItemLen = 15000;
   // The longest line, as for all texts that are scanned.
   static constexpr qsizetype EMaxLineLen = 32766;
 

@@ -25,8 +25,7 @@ public:
       : iFilename(aFilename), iOptions(aOptions), iWatch(aWatch), iRows(aOptions.iDelim) {}
 
   [[nodiscard]] ECsvOutcome IntoNew(TNewStack& aNew);
-  [[nodiscard]] ECsvOutcome IntoBackground(const Ref<CVelumControlSet>& aBackground,
-                                           const TMakeRoom& aMakeRoom);
+  [[nodiscard]] ECsvOutcome IntoBackground(const Ref<CVelumControlSet>& aBackground, CVelumStackHost& aHost);
 
 private:
   [[nodiscard]] ECsvOutcome Read();
@@ -34,7 +33,7 @@ private:
   void MakeFields(CVelumStack& aStack, CVelumControlSet& aBackground) const;
   [[nodiscard]] bool FindsNames(const CVelumControlSet& aBackground) const;
   [[nodiscard]] ECsvOutcome PutCards(CVelumStack& aStack, const Ref<CVelumControlSet>& aBackground,
-                                     const TMakeRoom& aMakeRoom);
+                                     CVelumStackHost* aHost);
   [[nodiscard]] const TCsvColumns* Columns() const { return iOptions.iDetectTypes ? &iColumns : nullptr; }
   [[nodiscard]] qint32 TypeOf(int aColumn) const;
 
@@ -88,8 +87,9 @@ bool CImport::FindsNames(const CVelumControlSet& aBackground) const {
   return iOptions.iTryCardName && first && !first->Flag(EConCardName) && TryCardName(iRows, 0);
 }
 
+// With a host its cards of the background go, as soon as nothing can be wrong with the new ones any more.
 ECsvOutcome CImport::PutCards(CVelumStack& aStack, const Ref<CVelumControlSet>& aBackground,
-                              const TMakeRoom& aMakeRoom) {
+                              CVelumStackHost* aHost) {
   const bool firstNames = FindsNames(*aBackground);
   {
     CVelumCsvCards cards(iRows, Columns(), aBackground, firstNames);
@@ -97,7 +97,9 @@ ECsvOutcome CImport::PutCards(CVelumStack& aStack, const Ref<CVelumControlSet>& 
       return ECsvOutcome::Cancelled;
     iSurplus = cards.NumSurplus();
     iRows.Clear();
-    cards.Add(aStack, aMakeRoom ? aMakeRoom() : nullptr);
+    const Ref<CVelumCard> next = aHost ? FindNextCard(aStack, aBackground->Id()) : nullptr;
+    if (aHost) aHost->DeleteBackground(aBackground, true);
+    cards.Add(aStack, next);
   }
   if (firstNames) aBackground->ControlAt(0)->SetFlag(EConCardName, true);
   if (iOptions.iGuessKey) GuessKey(aStack, aBackground->Id());
@@ -114,7 +116,7 @@ ECsvOutcome CImport::IntoNew(TNewStack& aNew) {
   qint32 index = 0;
   static_cast<void>(stack->GetFirstBackground(background, index));
   MakeFields(*stack, CVelumChecked::Deref(background));
-  if (const ECsvOutcome outcome = PutCards(*stack, background, {}); outcome != ECsvOutcome::Done)
+  if (const ECsvOutcome outcome = PutCards(*stack, background, nullptr); outcome != ECsvOutcome::Done)
     return outcome;
   stack->AdjustVisChar();
   aNew = {stack, MakeRef<CVelumViewState>(stack->Name())};
@@ -122,13 +124,14 @@ ECsvOutcome CImport::IntoNew(TNewStack& aNew) {
   return ECsvOutcome::Done;
 }
 
-ECsvOutcome CImport::IntoBackground(const Ref<CVelumControlSet>& aBackground, const TMakeRoom& aMakeRoom) {
-  CVelumStack& stack = CVelumChecked::Deref(CVelumChecked::Deref(aBackground).Stack());
+ECsvOutcome CImport::IntoBackground(const Ref<CVelumControlSet>& aBackground, CVelumStackHost& aHost) {
+  const Ref<CVelumStack> stack = aHost.Stack();
   if (const ECsvOutcome outcome = Read(); outcome != ECsvOutcome::Done) return outcome;
   // A field that no key can have says so while all is as it was.
-  if (iOptions.iGuessKey && !aBackground->Flag(ECseKeepCardsSorted) && aBackground->NumControls() > 0)
+  if (iOptions.iGuessKey && !CVelumChecked::Deref(aBackground).Flag(ECseKeepCardsSorted) &&
+      aBackground->NumControls() > 0)
     static_cast<void>(CVelumLib::SortKeyLen(CVelumChecked::Deref(aBackground->ControlAt(0))));
-  const ECsvOutcome outcome = PutCards(stack, aBackground, aMakeRoom);
+  const ECsvOutcome outcome = PutCards(CVelumChecked::Deref(stack), aBackground, &aHost);
   if (outcome == ECsvOutcome::Done && iSurplus > 0)
     iWatch.Message(EMsgSurplusItems, QString::number(iSurplus));
   return outcome;
@@ -152,8 +155,8 @@ ECsvOutcome CVelumImports::ImportCsv1(const QString& aFilename, const TCsvOption
 
 ECsvOutcome CVelumImports::ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
                                       CVelumImportWatch& aWatch, const Ref<CVelumControlSet>& aBackground,
-                                      const TMakeRoom& aMakeRoom) {
-  return Guarded([&] { return CImport(aFilename, aOptions, aWatch).IntoBackground(aBackground, aMakeRoom); });
+                                      CVelumStackHost& aHost) {
+  return Guarded([&] { return CImport(aFilename, aOptions, aWatch).IntoBackground(aBackground, aHost); });
 }
 
 Ref<CVelumCard> CVelumImports::FindNextCard(const CVelumStack& aStack, qint32 aBackgroundId) {

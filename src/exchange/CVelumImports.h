@@ -2,10 +2,8 @@
 #pragma once
 
 #include "exchange/CVelumCsvColumns.h"
-#include "model/CVelumStack.h"
+#include "model/CVelumStackHost.h"
 #include "persist/CVelumViewState.h"
-
-#include <functional>
 
 // What the user chose for an import.
 struct TCsvOptions {
@@ -35,13 +33,11 @@ namespace CVelumImports {
 [[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
                                      CVelumImportWatch& aWatch, TNewStack& aNew);
 
-// Fills a background of a stack from a CSV file. When the whole file has been read and made into cards, and
-// no sooner, aMakeRoom is called; it deletes the background's cards and returns the card in front of which
-// the new ones are to stand (nothing: at the end).
-using TMakeRoom = std::function<Ref<CVelumCard>()>;
+// Replaces the cards of a background of aHost's stack by those of a CSV file. No card goes before the whole
+// file has been read and made into cards: up to then a failure, or a cancel, leaves the stack as it was.
 [[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
                                      CVelumImportWatch& aWatch, const Ref<CVelumControlSet>& aBackground,
-                                     const TMakeRoom& aMakeRoom);
+                                     CVelumStackHost& aHost);
 // The card that follows the last one of a background in the order of its stack; nothing when there is none.
 [[nodiscard]] Ref<CVelumCard> FindNextCard(const CVelumStack& aStack, qint32 aBackgroundId);
 

@@ -17,6 +17,7 @@ namespace {
 constexpr int ETypeId = 9;
 constexpr int EGen = 0;
 constexpr int EIdWidth = 10;
+constexpr int EUsualLen = 40; // of a key with one text
 const QString EPart = u"Part"_s;
 
 // Results of Compare, as the array's binary search takes them.
@@ -113,10 +114,14 @@ void CVelumSortKey::RecordParts(const QString& aOld) {
 QString CVelumSortKey::BuildKey(CVelumCard& aCard) const {
   CVelumError::AssertObj(aCard.BackgroundId() == iBackgroundId, this, u"BuildKey"_s, u"background"_s);
   QString key;
+  key.reserve(EUsualLen);
   for (qint32 i = 0; i < iNumKeyPart; ++i) {
     const TVelumKeyPart& part = iKeyPart[i];
+    const qsizetype len = std::max<qsizetype>(part.iLen, 0);
     const QString text = CVelumValue::ValToIntText(aCard.GetControlVal(part.iControlId, false));
-    key += CVelumLib::ToUpperByLetter(text.leftJustified(std::max<int>(part.iLen, 0), u' ', true));
+    const qsizetype kept = std::min(text.size(), len);
+    key += CVelumLib::ToUpperByLetter(text.size() > len ? text.first(len) : text);
+    key.resize(key.size() + len - kept, u' ');
   }
   return key + CVelumLib::RightAlignNum(aCard.Id(), EIdWidth);
 }

@@ -1,5 +1,6 @@
 // What changes of cards mean for the lists that are computed from them, and other work over all cards.
 #include "core/CVelumChecked.h"
+#include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
 #include "model/CVelumStack.h"
 
@@ -163,19 +164,51 @@ void CVelumStack::PrepareForSave() {
   }
 }
 
+namespace {
+
+// The longest external texts of a field. A value is only written out where it could beat the longest one.
+class CLongest {
+public:
+  explicit CLongest(const CVelumControl& aControl)
+      : iId(aControl.Id()), iInfo(aControl.FieldInfo()), iMost(MostOf(aControl.ConType())) {}
+  [[nodiscard]] qint32 Id() const { return iId; }
+  [[nodiscard]] qint64 Length() const { return iLength; }
+  void Take(const TVelumValue& aVal) {
+    if (aVal.Type() == EValStr)
+      iLength = std::max<qint64>(iLength, aVal.Str().size());
+    else if (iLength < iMost)
+      iLength = std::max<qint64>(iLength, CVelumValue::ValToExtText(aVal, iInfo).size());
+  }
+
+private:
+  // Days, months, hours, minutes and seconds of two digits, a year of four: no date or time is longer.
+  [[nodiscard]] static qint64 MostOf(qint32 aType) {
+    const double afternoon = CVelumValue::IntToTime(221010);
+    const double morning = CVelumValue::IntToTime(101010);
+    if (aType == EConDate) return CVelumLocale::ShortDate(CVelumValue::IntToDate(20001212)).size();
+    if (aType == EConTime)
+      return std::max(CVelumLocale::LongTime(afternoon).size(), CVelumLocale::LongTime(morning).size());
+    return std::numeric_limits<qint64>::max();
+  }
+
+  qint32 iId;
+  TVelumFieldInfo iInfo;
+  qint64 iMost;
+  qint64 iLength = 0;
+};
+
+} // namespace
+
 void CVelumStack::AdjustVisChar() {
   Ref<CVelumControlSet> background;
   for (qint32 i = 0; GetNextBackground(background, i);) {
-    std::vector<qint64> longest(size_t(background->NumControls()), 0);
+    std::vector<CLongest> longest;
+    for (qint32 c = 0; c < background->NumControls(); ++c)
+      longest.emplace_back(CVelumChecked::Deref(background->ControlAt(c)));
     Ref<CVelumCard> card;
     for (qint32 at = 0; GetNextCardInBackground(background->Id(), card, at);)
-      for (size_t c = 0; c < longest.size(); ++c) {
-        const CVelumControl& control = CVelumChecked::Deref(background->ControlAt(static_cast<qint32>(c)));
-        const TVelumValue val = card->GetControlVal(control.Id(), false);
-        longest[c] = std::max<qint64>(longest[c], CVelumValue::ValToExtText(val, control.FieldInfo()).size());
-      }
+      for (CLongest& field : longest) field.Take(card->GetControlVal(field.Id(), false));
     for (size_t c = 0; c < longest.size(); ++c)
-      if (CVelumControl* control = background->ControlAt(static_cast<qint32>(c)))
-        SetVisSize(*control, longest[c]);
+      SetVisSize(*background->ControlAt(static_cast<qint32>(c)), longest[c].Length());
   }
 }
