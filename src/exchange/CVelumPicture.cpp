@@ -115,6 +115,7 @@ CVelumPicture::CVelumPicture(const QByteArray& aBytes) {
   if (format == EPicJpeg) jpeg = CVelumPictureFilter::Jpeg(aBytes);
   const QByteArray bytes = format == EPicJpeg  ? jpeg.iBytes
                            : format == EPicPng ? CVelumPictureFilter::Png(aBytes)
+                           : format == EPicBmp ? CVelumPictureFilter::Bmp(aBytes)
                                                : aBytes;
   CheckSize(HeadSize(format, bytes), jpeg.iScans);
   Replace(Load(format, bytes, format == EPicJpeg ? JPEG_ACCURATE : 0));

@@ -155,6 +155,67 @@ QSize SizeAt(const QByteArray& aBytes, qsizetype aPos) {
           ByteAt(aBytes, aPos + 2) | ByteAt(aBytes, aPos + 3) << 8};
 }
 
+// Heads of a BMP: 14 bytes of the file, then those of the picture, which begin with their number.
+constexpr qsizetype EFileHead = 14;
+constexpr qsizetype EPicHead = 40;
+constexpr qsizetype EMasks = 12; // of red, green and blue
+constexpr quint32 EUncoded = 0;
+constexpr quint32 EBitFields = 3;
+constexpr quint32 EAlphaBitFields = 6;
+
+quint32 LongAt(const QByteArray& aBytes, qsizetype aPos) {
+  return aPos + 4 <= aBytes.size() ? qFromLittleEndian<quint32>(aBytes.constData() + aPos) : 0;
+}
+
+void PutLong(QByteArray& aBytes, qsizetype aPos, quint32 aValue) {
+  qToLittleEndian(aValue, aBytes.data() + aPos);
+}
+
+// Which bits of a pixel hold a colour, read as 0 to 255.
+struct TMask {
+  explicit TMask(quint32 aBits)
+      : iBits(aBits), iShift(aBits ? qCountTrailingZeroBits(aBits) : 0), iMost(aBits >> iShift) {}
+  [[nodiscard]] quint32 Of(quint32 aPixel) const {
+    return iMost ? static_cast<quint32>(quint64{(aPixel & iBits) >> iShift} * 255 / iMost) : 0;
+  }
+  quint32 iBits;
+  quint32 iShift;
+  quint32 iMost;
+};
+
+// The header of a BMP, as far as it decides how the pixels lie.
+struct TBmp {
+  explicit TBmp(const QByteArray& aBytes)
+      : iHead(LongAt(aBytes, EFileHead)), iBitCount(SizeAt(aBytes, EFileHead + 14).width()),
+        iCoding(LongAt(aBytes, EFileHead + 16)),
+        iPixels(std::max<qsizetype>(LongAt(aBytes, 10), EFileHead + iHead)) {}
+  [[nodiscard]] bool IsLong() const { return iHead == 52 || iHead == 56 || iHead == 108 || iHead == 124; }
+  [[nodiscard]] bool HasMasks() const { return iCoding == EBitFields || iCoding == EAlphaBitFields; }
+  qsizetype iHead;
+  int iBitCount;
+  quint32 iCoding;
+  qsizetype iPixels; // where they begin
+};
+
+// Pixels of 32 bits in the order that needs no masks. A cut one at the end is dropped.
+QByteArray InOrder(const QByteArray& aBytes, const TBmp& aBmp) {
+  const qsizetype masks = EFileHead + EPicHead;
+  const bool hasAlpha = aBmp.iHead >= 56 || aBmp.iCoding == EAlphaBitFields;
+  const TMask red(LongAt(aBytes, masks));
+  const TMask green(LongAt(aBytes, masks + 4));
+  const TMask blue(LongAt(aBytes, masks + 8));
+  const TMask alpha(hasAlpha ? LongAt(aBytes, masks + 12) : 0);
+  // Behind a short header the masks stand on their own.
+  const qsizetype least = aBmp.iHead == EPicHead ? masks + EMasks + (hasAlpha ? 4 : 0) : 0;
+  const qsizetype from = std::max(aBmp.iPixels, least);
+  QByteArray pixels(std::max<qsizetype>(aBytes.size() - from, 0) / 4 * 4, '\0');
+  for (qsizetype i = 0; i < pixels.size(); i += 4) {
+    const quint32 pixel = LongAt(aBytes, from + i);
+    PutLong(pixels, i, blue.Of(pixel) | green.Of(pixel) << 8 | red.Of(pixel) << 16 | alpha.Of(pixel) << 24);
+  }
+  return pixels;
+}
+
 } // namespace
 
 CVelumPictureFilter::TJpeg CVelumPictureFilter::Jpeg(const QByteArray& aBytes) {
@@ -173,6 +234,27 @@ QByteArray CVelumPictureFilter::Png(const QByteArray& aBytes) {
     pos += length;
   }
   return kept;
+}
+
+QByteArray CVelumPictureFilter::Bmp(const QByteArray& aBytes) {
+  const TBmp bmp(aBytes);
+  const bool reorder = bmp.iBitCount == 32 && bmp.HasMasks() && (bmp.IsLong() || bmp.iHead == EPicHead);
+  if (aBytes.size() < EFileHead + EPicHead || !(bmp.IsLong() || reorder)) return aBytes;
+  QByteArray head = aBytes.left(EFileHead + EPicHead);
+  PutLong(head, EFileHead, EPicHead);
+  if (reorder) {
+    PutLong(head, EFileHead + 16, EUncoded);
+    PutLong(head, EFileHead + 32, 0); // no colours in a table
+    PutLong(head, 10, static_cast<quint32>(head.size()));
+    return head + InOrder(aBytes, bmp);
+  }
+  if (bmp.HasMasks()) {
+    PutLong(head, EFileHead + 16, EBitFields);
+    head += aBytes.mid(head.size(), EMasks);
+  }
+  const QByteArray table = aBytes.mid(EFileHead + bmp.iHead, bmp.iPixels - EFileHead - bmp.iHead);
+  PutLong(head, 10, static_cast<quint32>(head.size() + table.size()));
+  return head + table + aBytes.mid(bmp.iPixels);
 }
 
 QSize CVelumPictureFilter::GifSize(const QByteArray& aBytes) {

@@ -21,6 +21,11 @@ struct TJpeg {
 // The critical chunks and those that decide over colours. What follows a chunk that is cut off is dropped.
 [[nodiscard]] QByteArray Png(const QByteArray& aBytes);
 
+// The picture behind the 40-byte header that the library reads: longer ones, which many programs write, lose
+// what they say beyond it. Pixels of four bytes come out as blue, green, red and opacity (0 in all of them
+// where there is none), whichever bits they lay in. Any other bytes come back as they are.
+[[nodiscard]] QByteArray Bmp(const QByteArray& aBytes);
+
 // The greatest of the sizes that a GIF names until its first picture: of the screen and of the picture, which
 // need not agree. Empty when the bytes are no GIF or hold no picture.
 [[nodiscard]] QSize GifSize(const QByteArray& aBytes);

@@ -84,6 +84,20 @@ TEST(CVelumPictureFilter, KeepsTheChunksOfAPngThatAreSeen) {
   EXPECT_EQ(CVelumPictureFilter::Png({}), QByteArray());
 }
 
+TEST(CVelumPictureFilter, ABmpGetsTheShortHeader) {
+  const QByteArray plain = TestPictures::Bmp(2, 2);
+  EXPECT_EQ(CVelumPictureFilter::Bmp(plain), plain);
+  EXPECT_EQ(CVelumPictureFilter::Bmp(TestPictures::BmpWithMasks(plain, 124, 24, 0, {}, plain.mid(54))),
+            plain);
+  for (qsizetype i = 0; i < 54; ++i) EXPECT_EQ(CVelumPictureFilter::Bmp(plain.left(i)), plain.left(i)) << i;
+  // A colour table stays between header and pixels.
+  QByteArray table = TestPictures::BmpWithMasks(plain, 108, 8, 0, {}, "tabletable" + plain.mid(54));
+  table[10] = static_cast<char>(table[10] + 10);
+  const QByteArray shortened = CVelumPictureFilter::Bmp(table);
+  EXPECT_EQ(shortened.mid(54), "tabletable" + plain.mid(54));
+  EXPECT_EQ(shortened[10], 64);
+}
+
 TEST(CVelumPictureFilter, SizeOfAGif) {
   EXPECT_EQ(CVelumPictureFilter::GifSize(TestPictures::Gif()), QSize(1, 1));
   const QByteArray extension = Hex("21f90401020304002103") + Hex("02aabb0100") + Hex("00");

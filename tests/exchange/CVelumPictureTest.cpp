@@ -148,6 +148,39 @@ TEST(CVelumPicture, FillersOfABmpAreNoTransparency) {
   EXPECT_EQ(image.pixel(3, 3), qRgb(0x30, 0x60, 0xC0));
 }
 
+TEST(CVelumPicture, BmpsWithLongHeadersAreRead) {
+  const QByteArray plain = TestPictures::Bmp(4, 3, 0x3060C0);
+  const QImage image = CVelumPicture(plain).ToImage();
+  for (const int head : {52, 56, 108, 124})
+    EXPECT_EQ(CVelumPicture(TestPictures::BmpWithMasks(plain, head, 24, 0, {}, plain.mid(54))).ToImage(),
+              image)
+        << head;
+}
+
+TEST(CVelumPicture, ColoursOfABmpLieWhereItsMasksSay) {
+  const QByteArray four = TestPictures::Bmp(2, 2);
+  // Red in the highest byte, then opacity, green, blue.
+  const QByteArray masks = QByteArray::fromHex("000000ff00ff0000ff0000000000ff00");
+  const QByteArray pixels = QByteArray::fromHex("c0608030").repeated(4);
+  QImage image = CVelumPicture(TestPictures::BmpWithMasks(four, 124, 32, 3, masks, pixels)).ToImage();
+  EXPECT_EQ(image.pixel(1, 1), qRgba(0x30, 0x60, 0xC0, 0x80));
+  // The same behind a short header, which knows of no opacity.
+  image = CVelumPicture(TestPictures::BmpWithMasks(four, 40, 32, 3, masks.left(12), pixels)).ToImage();
+  EXPECT_EQ(image.pixel(0, 1), qRgb(0x30, 0x60, 0xC0));
+  image = CVelumPicture(TestPictures::BmpWithMasks(four, 40, 32, 6, masks, pixels)).ToImage();
+  EXPECT_EQ(image.pixel(0, 0), qRgba(0x30, 0x60, 0xC0, 0x80));
+  // Ten bits each.
+  const QByteArray tens = QByteArray::fromHex("0000f03f00fc0f00ff030000");
+  const QByteArray white = QByteArray::fromHex("ffffff3f").repeated(4);
+  image = CVelumPicture(TestPictures::BmpWithMasks(four, 124, 32, 3, tens, white)).ToImage();
+  EXPECT_EQ(image.pixel(0, 0), qRgb(255, 255, 255));
+  // Two bytes a pixel, 5 6 5.
+  const QByteArray small = QByteArray::fromHex("00f80000e00700001f000000");
+  const QByteArray red = QByteArray::fromHex("00f8").repeated(4);
+  image = CVelumPicture(TestPictures::BmpWithMasks(four, 108, 16, 3, small, red)).ToImage();
+  EXPECT_EQ(image.pixel(1, 0), qRgb(255, 0, 0));
+}
+
 TEST(CVelumPicture, TooManyPixelsAreRefusedBeforeDecoding) {
   QElapsedTimer timer;
   timer.start();
@@ -221,6 +254,19 @@ TEST_P(Damaged, IsAPictureOrARefusal) {
   const QByteArray whole = Whole(GetParam());
   for (qsizetype i = 0; i <= whole.size(); ++i) Try(whole.left(i));
   for (qsizetype i = 0; i < whole.size(); ++i)
+    for (const int value : {0, 255, whole[i] ^ 0x80, whole[i] + 1}) {
+      QByteArray bytes = whole;
+      bytes[i] = static_cast<char>(value);
+      Try(bytes);
+    }
+}
+
+TEST(CVelumPicture, DamagedBmpsWithLongHeadersToo) {
+  const QByteArray masks = QByteArray::fromHex("000000ff00ff0000ff0000000000ff00");
+  const QByteArray whole = TestPictures::BmpWithMasks(TestPictures::Bmp(3, 3), 124, 32, 3, masks,
+                                                      QByteArray::fromHex("c0608030").repeated(9));
+  for (qsizetype i = 0; i <= whole.size(); ++i) Try(whole.left(i));
+  for (qsizetype i = 0; i < 70; ++i)
     for (const int value : {0, 255, whole[i] ^ 0x80, whole[i] + 1}) {
       QByteArray bytes = whole;
       bytes[i] = static_cast<char>(value);

@@ -23,6 +23,9 @@ QList<QByteArray> Seeds() {
   for (int y = 0; y < image.height(); ++y)
     for (int x = 0; x < image.width(); ++x) image.setPixel(x, y, qRgba(x * 10, y * 15, x * y, 255 - x));
   QList<QByteArray> seeds{TestPictures::Bmp(5, 7), TestPictures::Gif(), Encoded(image, "JPG")};
+  seeds.append(TestPictures::BmpWithMasks(TestPictures::Bmp(3, 3), 124, 32, 3,
+                                          QByteArray::fromHex("000000ff00ff0000ff0000000000ff00"),
+                                          QByteArray::fromHex("c0608030").repeated(9)));
   for (const auto format : {QImage::Format_ARGB32, QImage::Format_RGB888, QImage::Format_Indexed8,
                             QImage::Format_Mono, QImage::Format_RGBA64, QImage::Format_Grayscale16}) {
     seeds.append(Encoded(image.convertToFormat(format), "PNG"));

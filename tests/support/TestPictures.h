@@ -24,6 +24,19 @@ inline QByteArray Bmp(int aWidth, int aHeight, quint32 aRgb = 0x3060C0) {
          line.repeated(aHeight);
 }
 
+// The same picture behind a header of aHeadLen bytes, as newer programs write it, with masks for red, green,
+// blue and opacity in it, or behind a short one.
+inline QByteArray BmpWithMasks(const QByteArray& aBmp, int aHeadLen, int aBitCount, int aCoding,
+                               const QByteArray& aMasks, const QByteArray& aPixels) {
+  QByteArray head = aBmp.left(54);
+  const QByteArray rest = aHeadLen > 40 ? aMasks.leftJustified(aHeadLen - 40, '\0', true) : aMasks;
+  head[10] = static_cast<char>(54 + rest.size());
+  head[14] = static_cast<char>(aHeadLen);
+  head[28] = static_cast<char>(aBitCount);
+  head[30] = static_cast<char>(aCoding);
+  return head + rest + aPixels;
+}
+
 // A picture of one pixel; a real decoder reads it.
 inline QByteArray Gif() {
   return QByteArray::fromHex("4749463839610100010080000000000000ffff2c0000000001000100000202440100"
