@@ -160,7 +160,10 @@ Ref<CVelumBlob> CVelumBlobStore::ReadFrom(CVelumFile& aFile, qint32 aPos, qint32
   auto blob = MakeRef<CVelumBlob>();
   blob->SetInfoOnly(aInfoOnly);
   blob->Internalize(aFile);
-  CVelumError::AssertObj(blob->Id() == aId, this, u"ReadBlob"_s, u"id"_s);
+  if (blob->Id() == aId) return blob;
+  // Noted before the question, so that the check of all places does not ask it again.
+  iDamaged.insert(aId);
+  CVelumError::AssertObj(false, this, u"ReadBlob"_s, u"id"_s);
   return blob;
 }
 
@@ -172,7 +175,8 @@ Ref<CVelumBlob> CVelumBlobStore::ReadBlob(qint32 aId, bool aInfoOnly) {
   if (!blob && Flag(EBstFileBased) && HasPlace(iIndex->ValRef(at))) {
     TPlace place = PlaceAt(iIndex->ValRef(at).Int());
     blob = ReadFrom(OpenedFile(), place.iPos, aId, aInfoOnly);
-    if (!aInfoOnly) AddToCache(blob);
+    // One of another id, let pass by the user, must not take the place of the blob that has that id.
+    if (!aInfoOnly && blob->Id() == aId) AddToCache(blob);
   }
   CVelumError::AssertObj(static_cast<bool>(blob), this, u"ReadBlob"_s, u"in store"_s);
   if (!blob) CVelumError::RaiseHost(EHostObjectNotSet);

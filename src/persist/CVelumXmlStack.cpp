@@ -1,12 +1,15 @@
 #include "persist/CVelumXmlStack.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumMsg.h"
 #include "core/CVelumXmlParser.h"
 #include "core/CVelumXmlWriter.h"
 #include "persist/CVelumBinSave.h"
 #include "persist/CVelumNewFile.h"
 #include "persist/CVelumOtherVersion.h"
 #include "persist/CVelumSaveCheck.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -50,6 +53,33 @@ bool OtherVersionIsThere(const QString& aFilename, const QString& aPath, const C
   return there.Exists() && there != aStore.FileId();
 }
 
+// A text cannot hold the bytes of what is no picture any more.
+[[noreturn]] void RefuseDamaged(QList<qint32> aIds) {
+  std::sort(aIds.begin(), aIds.end());
+  QStringList names;
+  for (const qint32 id : aIds) names.append(QString::number(id));
+  const QString which = names.isEmpty() ? QString() : u" (%1)"_s.arg(names.join(u", "_s));
+  CVelumSaveCheck::Refuse(
+      u"Pictures of this stack are damaged%1, and XML can only hold pictures that can be "
+      "read. Save the stack in the binary format, which keeps their bytes as they are, or "
+      "put other pictures in their place."_s.arg(which));
+}
+
+// All blobs come into memory.
+void TakeBlobs(CVelumBlobStore& aStore) {
+  QList<qint32> damaged;
+  for (const qint32 id : aStore.Damaged())
+    if (aStore.Cache().FindIntKey(id) < 0) damaged.append(id);
+  if (!damaged.isEmpty()) RefuseDamaged(damaged);
+  try {
+    aStore.SwitchToRamBased();
+  } catch (const CVelumException& e) {
+    // What is found only now. A disk that cannot be read is another matter.
+    if (e.Number() < EMsgAssertFailed) throw;
+    RefuseDamaged({});
+  }
+}
+
 } // namespace
 
 void CVelumXmlStack::Load(const QString& aFilename, Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
@@ -83,7 +113,7 @@ void CVelumXmlStack::Save(const QString& aFilename, CVelumStack& aStack, CVelumV
   QString kept;
   try {
     CVelumNewFile target(path);
-    store.SwitchToRamBased();
+    TakeBlobs(store);
     WriteOrRefuse(target.Path(), aStack, aView);
     if (OtherVersionIsThere(aFilename, path, aStack, store)) kept = CVelumOtherVersion::Keep(path);
     target.TakePlace();

@@ -356,7 +356,8 @@ TEST_F(CVelumBlobStoreTest, FindsAnotherBlobAtThePlace) {
   file.WriteInt(77);
   ExpectAssert(u"id"_s, [this] { (void)iStore->ReadBlob(2, false); });
   EXPECT_FALSE(Cached(2)) << "the cache stays as it was";
-  ExpectAssert(u"id"_s, [this] { (void)iStore->ReadBlob(1, false); });
+  EXPECT_EQ(iStore->ReadBlob(1, false)->Id(), 1) << "and is not asked about once more";
+  EXPECT_EQ(iPresenter.Count(), 1);
   EXPECT_FALSE(iStore->IsSound());
 }
 
@@ -382,6 +383,21 @@ TEST_F(CVelumBlobStoreTest, DamageIsToldOnceAndTheRestWorks) {
   EXPECT_EQ(iStore->Damaged(), QSet<qint32>{2});
   EXPECT_THROW((void)iStore->ReadBlob(2, false), CVelumException);
   EXPECT_FALSE(Cached(2));
+}
+
+TEST_F(CVelumBlobStoreTest, AWrongIdIsAskedAboutOnceAndTakesNoOthersPlace) {
+  SaveThree();
+  CVelumFile file(iFolder.Path(u"f"_s), EFilReadWrite);
+  file.OpenFile();
+  file.SeekPos(PosOf(2) + 4);
+  file.WriteInt(3);
+  file.CloseFile();
+  iPresenter.SetDefaultAnswer(true);
+  EXPECT_EQ(iStore->ReadBlob(2, false)->Id(), 3) << "let pass";
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_EQ(iStore->Damaged(), QSet<qint32>{2});
+  EXPECT_EQ(iStore->ReadBlob(3, false)->Bytes(), Make(3, 30)->Bytes());
+  EXPECT_EQ(iPresenter.Count(), 1);
 }
 
 TEST_F(CVelumBlobStoreTest, NoIsAnAnswerForOneCheckOnly) {

@@ -264,4 +264,39 @@ TEST_F(XmlSave, AFailedSaveOfABinaryStackLeavesItsPicturesOnFile) {
   EXPECT_EQ(text.mid(text.indexOf("<Blob ")), iBefore.mid(iBefore.indexOf("<Blob ")));
 }
 
+TEST_F(XmlSave, ADamagedPictureIsAReasonNotToSave) {
+  iStack->SetFlag(EStaBinary, true);
+  const QString path = iFolder.Path(u"b.Orvelle"_s);
+  CVelumStackFile(path).SaveStack(iStack, iView);
+  const qint32 id = iStack->BlobStore()->Index().IntKeyAt(0);
+  const qint32 pos =
+      iStack->BlobStore()->PosTab().ValRef(iStack->BlobStore()->Index().ValRef(0).Int()).Int0();
+  CVelumFile file(path, EFilReadWrite);
+  file.OpenFile();
+  file.SeekPos(pos);
+  file.WriteRawBytes(QByteArray(6, '\xee'));
+  file.CloseFile();
+  iPresenter.SetDefaultAnswer(true);
+  CVelumStackFile(path).LoadStack(iStack, iView);
+  iStack->SetFlag(EStaBinary, false);
+  for (const bool known : {false, true}) {
+    try {
+      CVelumStackFile(iFolder.Path(u"x.xml"_s)).SaveStack(iStack, iView);
+      FAIL();
+    } catch (const CVelumException& e) {
+      EXPECT_EQ(e.Number(), EMsgCouldNotSave);
+      const QString reason = e.Descr();
+      EXPECT_TRUE(reason.contains(u"are damaged"_s) && reason.contains(u"binary format"_s))
+          << reason.toStdString();
+      EXPECT_EQ(reason.contains(u"(%1)"_s.arg(id)), known);
+    }
+    EXPECT_FALSE(iFolder.Has(u"x.xml"_s));
+    // Reading any picture checks the others.
+    const qint32 other = iStack->BlobStore()->Index().IntKeyAt(1);
+    if (!known) static_cast<void>(iStack->BlobStore()->ReadBlob(other, false));
+  }
+  iStack->SetFlag(EStaBinary, true);
+  CVelumStackFile(path).SaveStack(iStack, iView);
+}
+
 } // namespace
