@@ -70,6 +70,23 @@ int CVelumCollation::Compare(QStringView aA, QStringView aB) {
   return ucol_strcoll(Collator(), aA.utf16(), length(aA), aB.utf16(), length(aB));
 }
 
+void CVelumCollation::AppendSortKey(QByteArray& aBytes, QStringView aStr) {
+  const qsizetype from = aBytes.size();
+  // Room for a name; what needs more says so.
+  qsizetype room = 3 * aStr.size() + 16;
+  for (;;) {
+    aBytes.resize(from + room);
+    const int32_t length =
+        ucol_getSortKey(Collator(), aStr.utf16(), static_cast<int32_t>(aStr.size()),
+                        reinterpret_cast<uint8_t*>(aBytes.data() + from), static_cast<int32_t>(room));
+    if (length <= 0) CVelumError::RaiseHost(EHostBadCall, u"sort key"_s);
+    const bool fits = length <= room;
+    room = length;
+    if (fits) break;
+  }
+  aBytes.resize(from + room);
+}
+
 QString CVelumCollation::CollationKey(QStringView aStr) {
   TBuffer buffer;
   Reduce(aStr, buffer);

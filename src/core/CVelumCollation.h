@@ -1,6 +1,7 @@
 // Comparison of texts in the user's locale, and collation keys.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringView>
 
@@ -21,6 +22,9 @@ void Init(const QString& aLocale = {});
 [[nodiscard]] QString CollationKey(QStringView aStr);
 // Compare(CollationKey(aA), CollationKey(aB)) without making the keys.
 [[nodiscard]] int CompareKeys(QStringView aA, QStringView aB);
+// Appends bytes that compare, byte for byte, as Compare compares the texts; the last one is 0. For a sort of
+// many texts, where each is looked at often.
+void AppendSortKey(QByteArray& aBytes, QStringView aStr);
 // Ordinal comparison: -1, 0 or 1.
 [[nodiscard]] int CompareBin(QStringView aA, QStringView aB);
 

@@ -1,22 +1,9 @@
 #include "toolkit/CVelumListModel.h"
 
-#include "core/CVelumCollation.h"
 #include "core/CVelumObject.h"
+#include "toolkit/CVelumListOrder.h"
 
 #include <algorithm>
-#include <numeric>
-
-namespace {
-
-// Numbers before texts, as they differ; empty texts last.
-int CompareKeys(const TVelumLineKey& aA, const TVelumLineKey& aB) {
-  if (aA.iIsNum != aB.iIsNum) return aA.iIsNum ? -1 : 1;
-  if (aA.iIsNum) return aA.iNum < aB.iNum ? -1 : aA.iNum > aB.iNum ? 1 : 0;
-  if (aA.iText.isEmpty() != aB.iText.isEmpty()) return aA.iText.isEmpty() ? 1 : -1;
-  return CVelumCollation::Compare(aA.iText, aB.iText);
-}
-
-} // namespace
 
 void CVelumListModel::SetSource(const CVelumLineSource* aSource) {
   iSource = aSource;
@@ -72,18 +59,9 @@ void CVelumListModel::SortBy(int aColumn, Qt::SortOrder aOrder) {
 void CVelumListModel::MakeOrder() {
   iLines.clear();
   iRows.clear();
-  if (!Sorted()) return;
-  const auto num = static_cast<size_t>(iNumLines);
-  std::vector<TVelumLineKey> keys(num);
-  for (size_t i = 0; i < num; ++i) keys[i] = iSource->SortKey(static_cast<int>(i), iColumn);
-  iLines.resize(num);
-  std::iota(iLines.begin(), iLines.end(), 0);
-  const bool down = iOrder == Qt::DescendingOrder;
-  std::stable_sort(iLines.begin(), iLines.end(), [&](int aA, int aB) {
-    const TVelumLineKey& a = keys[static_cast<size_t>(down ? aB : aA)];
-    const TVelumLineKey& b = keys[static_cast<size_t>(down ? aA : aB)];
-    return CompareKeys(a, b) < 0;
-  });
+  if (!Sorted() || !iSource) return;
+  iLines = CVelumListOrder::Sorted(*iSource, iNumLines, iColumn, iOrder == Qt::DescendingOrder);
+  const size_t num = iLines.size();
   iRows.resize(num);
   for (size_t row = 0; row < num; ++row) iRows[static_cast<size_t>(iLines[row])] = static_cast<int>(row);
 }
