@@ -1,7 +1,7 @@
 // orvelles: the desktop program.
 #include "app/CVelumApplication.h"
 
-#include "shell/CVelumIcons.h"
+#include "runtime/CVelumIcons.h"
 #include "shell/CVelumMain.h"
 #include "shell/CVelumPictures.h"
 

@@ -5,6 +5,7 @@
 #include "model/CVelumModelLib.h"
 #include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumIcons.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "toolkit/CVelumBaseButton.h"
 #include "toolkit/CVelumBaseCheckBox.h"
@@ -17,10 +18,13 @@
 #include "toolkit/CVelumBaseTextBox.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr float EButtonHeight = 375.0F;
+// The next place in a row of buttons where there is none yet: a button never fits there.
+constexpr float ENoRow = std::numeric_limits<float>::infinity();
 
 // Picture of a standard command; empty for one that has none.
 QString StdCmdPicture(qint16 aCmd) {
@@ -113,6 +117,7 @@ void CVelumCardLayout::Start(const Ref<CVelumControlSet>& aSet) {
   iLabelGap.fill(iGap);
   iNextY = {iGap, iForm->ClientHeight() - iGap, 0};
   iValueLeft = iGap;
+  iRowNextX.fill(ENoRow);
   iLastConType.fill(ENoShort);
   iNumMaxHeight = 0;
 }
@@ -190,6 +195,8 @@ void CVelumCardLayout::AssignBaseControl(CVelumCard& aCard, CVelumControlSet& aS
     PlaceLabel(place);
     PlaceValue(place);
     iNextY[place.iDir] += (place.iHeight + iGap) * iDir;
+    // A command that stands only in the menu may come before the next button and counts as the last one.
+    iRowNextX[place.iDir] = ENoRow;
   }
   iLastConType[place.iDir] = aControl->ConType();
 }
@@ -355,7 +362,8 @@ void CVelumCardLayout::SetButtonFace(CVelumBaseButton& aButton, const CVelumCont
   const QString picture = StdCmdPicture(aControl.StdCmd());
   CVelumError::Assert(!picture.isEmpty(), u"AssignBaseControl pict stdCmd"_s);
   aButton.SetText({});
-  aButton.SetPicture(gFrameHost ? gFrameHost->ToolbarIcon(picture) : QIcon(), aControl.Label());
+  aButton.SetPicture(gFrameHost ? gFrameHost->ToolbarIcon(picture) : CVelumIcons::Icon(picture),
+                     aControl.Label());
 }
 
 float CVelumCardLayout::ButtonWidth(const CVelumBaseButton& aButton, const CVelumControl& aControl) const {

@@ -41,16 +41,6 @@ void ShowWikiText(const CVelumControl& aControl, CVelumBaseRichTextBox& aBox, co
   aBox.SetRtf(wiki->TextStr(), [wiki](int aPos, QString& aTarget) { return wiki->GetLink(aPos, aTarget); });
 }
 
-void ShowRichText(const CVelumControl& aControl, CVelumBaseRichTextBox& aBox, const TVelumValue& aVal) {
-  if (aVal.Type() != EValUndef)
-    CVelumError::AssertObj(aVal.Type() == EValStr, &aControl, gSet, u"aVal.iType"_s);
-  const QString text = CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
-  if (aControl.Flag(EConWikiText))
-    ShowWikiText(aControl, aBox, text);
-  else
-    aBox.SetText(text);
-}
-
 void ShowCheckBox(const CVelumControl& aControl, CVelumBaseCheckBox& aBox, const TVelumValue& aVal,
                   bool& aShowing) {
   const QScopedValueRollback showing(aShowing, true);
@@ -124,7 +114,7 @@ void CVelumCardView::ShowBoundValues(CVelumCard& aCard) {
 
 void CVelumCardView::SetBaseControlVal(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard) {
   CVelumBaseControl* base = BaseOf(aControl);
-  CVelumError::AssertObj(base, &aControl, gSet, u"SetBaseControlVal baseControl"_s);
+  AssertShown(base, aControl, u"SetBaseControlVal baseControl"_s);
   if (!base) return;
   if (aControl.Flag(EConCardName) && iLayout.CardNameLabel())
     iLayout.CardNameLabel()->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
@@ -133,7 +123,7 @@ void CVelumCardView::SetBaseControlVal(CVelumControl& aControl, const TVelumValu
     base->SetText(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
     break;
   case EBaseRichTextBox:
-    ShowRichText(aControl, static_cast<CVelumBaseRichTextBox&>(*base), aVal);
+    ShowRichText(aControl, aVal);
     break;
   case EBaseComboBox:
     ShowCombo(aControl, aVal, aCard);
@@ -152,6 +142,22 @@ void CVelumCardView::SetBaseControlVal(CVelumControl& aControl, const TVelumValu
   default:
     CVelumError::AssertObj(false, &aControl, gSet, u"SetBaseControlVal iBaseType"_s);
   }
+}
+
+void CVelumCardView::AssertShown(bool aCond, const CVelumControl& aControl, const QString& aText) {
+  if (aCond || iAsked.contains(aControl.Id())) return;
+  iAsked.insert(aControl.Id());
+  CVelumError::AssertObj(false, &aControl, gSet, aText);
+}
+
+void CVelumCardView::ShowRichText(const CVelumControl& aControl, const TVelumValue& aVal) {
+  AssertShown(aVal.Type() == EValUndef || aVal.Type() == EValStr, aControl, u"aVal.iType"_s);
+  auto& box = static_cast<CVelumBaseRichTextBox&>(*BaseOf(aControl));
+  const QString text = CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
+  if (aControl.Flag(EConWikiText))
+    ShowWikiText(aControl, box, text);
+  else
+    box.SetText(text);
 }
 
 void CVelumCardView::ShowPicture(const CVelumControl& aControl, CVelumBasePictureBox& aBox,

@@ -82,6 +82,8 @@ void CVelumCardView::AssignControlSet(const Ref<CVelumCard>& aCard, const Ref<CV
   const auto enable = qScopeGuard([&form] { form.setUpdatesEnabled(true); });
   Clear();
   iCurSet = aSet;
+  if (aSet != iLastSet) iAsked.clear();
+  iLastSet = aSet;
   if (!aCard || !aSet) return;
   form.SetBackColor(CVelumCardLayout::BackColorOf(*aCard));
   iLayout.Build(form, aCard, aSet);

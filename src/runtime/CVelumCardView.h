@@ -4,6 +4,8 @@
 
 #include "runtime/CVelumCardLayout.h"
 
+#include <QSet>
+
 class CVelumBasePictureBox;
 class CVelumGenForm;
 class QPainter;
@@ -45,7 +47,8 @@ public:
   // How full the bar of a running script is, 0 to 100.
   void ShowProgress(int aPercent);
 
-  // The base control shows aVal. Asserts when it cannot.
+  // The base control shows aVal. Asserts when it cannot: for each field once, until another background is
+  // laid out, for the next card will hardly fare better.
   void SetBaseControlVal(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard);
   // What the base control shows now; the empty string for a field that has none.
   [[nodiscard]] TVelumValue GetBaseControlVal(const CVelumControl& aControl) const;
@@ -67,6 +70,8 @@ private:
   void HoldWallPaper(CVelumBasePictureBox& aBox, qint32 aId);
   void ReleasePicture(CVelumBaseControl& aBox);
   void ShowPicture(const CVelumControl& aControl, CVelumBasePictureBox& aBox, const TVelumValue& aVal);
+  void AssertShown(bool aCond, const CVelumControl& aControl, const QString& aText);
+  void ShowRichText(const CVelumControl& aControl, const TVelumValue& aVal);
   void ShowCombo(CVelumControl& aControl, const TVelumValue& aVal, CVelumCard& aCard);
 
   Ref<CVelumStack> iStack;
@@ -75,5 +80,7 @@ private:
   std::array<Ref<CVelumControl>, CVelumCardLayout::EMaxControls> iFuncControls;
   int iNumFunc = 0;
   Ref<CVelumControlSet> iCurSet;
-  qint32 iWallPaperId = ENoInt; // the blob whose picture the wallpaper box holds
+  Ref<CVelumControlSet> iLastSet; // laid out last
+  QSet<qint32> iAsked;            // its fields that have failed an assertion when they were shown
+  qint32 iWallPaperId = ENoInt;   // the blob whose picture the wallpaper box holds
 };

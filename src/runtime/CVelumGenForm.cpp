@@ -19,11 +19,13 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyleHints>
 #include <algorithm>
 
 namespace {
@@ -276,17 +278,45 @@ void CVelumGenForm::OnEditLines(CVelumBaseControl& aBase, bool&) {
 }
 
 bool CVelumGenForm::eventFilter(QObject* aWatched, QEvent* aEvent) {
-  if (aWatched != iLinesBox->Widget() || aEvent->type() != QEvent::KeyPress || !gStackView)
-    return QWidget::eventFilter(aWatched, aEvent);
-  const auto& key = static_cast<const QKeyEvent&>(*aEvent);
-  const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
-  if (key.key() == Qt::Key_Escape)
+  if (DropsMouse(aWatched, *aEvent)) return true;
+  const bool isKey = aWatched == iLinesBox->Widget() && aEvent->type() == QEvent::KeyPress && gStackView;
+  return (isKey && LinesKey(static_cast<const QKeyEvent&>(*aEvent))) ||
+         QWidget::eventFilter(aWatched, aEvent);
+}
+
+bool CVelumGenForm::LinesKey(const QKeyEvent& aKey) {
+  const bool enter = aKey.key() == Qt::Key_Return || aKey.key() == Qt::Key_Enter;
+  if (aKey.key() == Qt::Key_Escape)
     gStackView->DropLines();
-  else if (key.key() == Qt::Key_F2 || (enter && (key.modifiers() & Qt::ControlModifier)))
+  else if (aKey.key() == Qt::Key_F2 || (enter && (aKey.modifiers() & Qt::ControlModifier)))
     CVelumGuard::Run(u"CVelumGenForm.fLinesBox"_s, [] { gStackView->TakeLines(); });
   else
-    return QWidget::eventFilter(aWatched, aEvent);
+    return false;
   return true;
+}
+
+void CVelumGenForm::DropDblClick() {
+  iCardClick.start();
+  iDropsRelease = false;
+  // Removed and put in front again when it is there already.
+  qApp->installEventFilter(this);
+}
+
+bool CVelumGenForm::DropsMouse(const QObject* aWatched, const QEvent& aEvent) {
+  const bool press = aEvent.type() == QEvent::MouseButtonPress;
+  const bool second = aEvent.type() == QEvent::MouseButtonDblClick;
+  const bool release = aEvent.type() == QEvent::MouseButtonRelease && iDropsRelease;
+  if (!iCardClick.isValid() || !(press || second || release)) return false;
+  const auto* widget = qobject_cast<const QWidget*>(aWatched);
+  if (!widget) return false;
+  const bool drops =
+      !press && (widget == this || isAncestorOf(widget)) &&
+      (release || iCardClick.elapsed() <= QGuiApplication::styleHints()->mouseDoubleClickInterval());
+  iDropsRelease = drops && second;
+  if (iDropsRelease) return true;
+  iCardClick.invalidate();
+  qApp->removeEventFilter(this);
+  return drops;
 }
 
 void CVelumGenForm::ShowLines(const CVelumBaseControl& aOver, const QString& aText) {

@@ -5,11 +5,13 @@
 #include "toolkit/CVelumBaseControl.h"
 #include "toolkit/CVelumForm.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QList>
 #include <QWidget>
 
 class CVelumBasePictureBox;
+class QKeyEvent;
 class QMimeData;
 
 // Holds no logic: all events go to gStackView. Pool members are named by a prefix of their kind and a number
@@ -57,6 +59,10 @@ public:
 
   void BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) override;
 
+  // The card was changed by a click. Should that click become a double click, the second half is not for
+  // whatever lies under the pointer now.
+  void DropDblClick();
+
   // True while the program sets a check box: its click is not the user's then.
   bool iShowing = false;
 
@@ -86,10 +92,14 @@ private:
   void OnValidate(CVelumBaseControl& aBase, bool& ioCancel);
   void OnItemClick(CVelumBaseControl& aBase, bool& ioCancel);
   void OnEditLines(CVelumBaseControl& aBase, bool& ioCancel);
+  bool LinesKey(const QKeyEvent& aKey);
+  bool DropsMouse(const QObject* aWatched, const QEvent& aEvent);
 
   QList<CVelumBaseControl*> iControls;
   QHash<QString, CVelumBaseControl*> iByName;
   CVelumBaseControl* iLinesBox = nullptr;
   qint32 iBackColor = ENoInt;
   QString iCaption;
+  QElapsedTimer iCardClick;   // runs from a click that changed the card
+  bool iDropsRelease = false; // of a double click that was dropped
 };

@@ -141,10 +141,13 @@ private:
   void Touch(CVelumBaseControl* aObj);
   [[nodiscard]] Ref<CVelumControl> LinesControl(CVelumBaseControl* aObj) const;
   void CloseLines();
+  [[nodiscard]] qint32 KeptPosition(const CVelumCard& aCard) const;
+  void ShowMovedCard();
   [[nodiscard]] bool TakeValue(CVelumControl& aControl);
   void ShowStored(CVelumControl& aControl);
   // Computes the current card's lists of other cards and shows its values.
   void RenewCardLists();
+  void GoToByClick(const Ref<CVelumCard>& aCard);
   void ClickCheckBox(CVelumBaseControl& aObj);
   void ClickText(CVelumBaseRichTextBox& aObj);
   void EditWikiText(const CVelumBaseControl& aObj);

@@ -30,6 +30,7 @@ void ShowRunError(const TRunError& aError) {
 } // namespace
 
 void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue) {
+  const qint32 position = KeptPosition(*aCard);
   aCard->SetControlVal(aControlId, aValue);
   bool newTitle = false;
   if (aCard == iCurCard) {
@@ -41,7 +42,18 @@ void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, con
   }
   if (iCurCard && iCurCard->Dirty()) RenewCardLists();
   if (newTitle) ShowTitle();
-  UpdateLine(*aCard);
+  if (KeptPosition(*aCard) != position)
+    ShowMovedCard();
+  else
+    UpdateLine(*aCard);
+}
+
+// The place in the order of a card that has one by its key, else always the same.
+qint32 CVelumStackView::KeptPosition(const CVelumCard& aCard) const {
+  const CVelumControlSet* set = iStack->FindBackground(aCard.BackgroundId());
+  if (aCard.Stack() != iStack.Get() || !set || !set->Flag(ECseKeepCardsSorted)) return ENoInt;
+  qint32 num = 0;
+  return iStack->GetCardIndex(aCard, num);
 }
 
 void CVelumStackView::RenewCardLists() {
@@ -171,7 +183,7 @@ void CVelumStackView::BaseObjLink(CVelumBaseControl* aObj, const QString& aTarge
   }
   Ref<CVelumCard> card;
   if (iStack->GetCard(aTarget, card))
-    GoToCard(card);
+    GoToByClick(card);
   else
     CVelumMsg::Show(EMsgBadLinkTarget, EMsgCritical, aTarget);
 }

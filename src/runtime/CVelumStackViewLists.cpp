@@ -90,6 +90,12 @@ void CVelumStackView::UpdateCardInList() {
   iStack->ResetChangeInfo();
 }
 
+// A new key has moved a card, and with it the positions of others.
+void CVelumStackView::ShowMovedCard() {
+  ShowTitle();
+  if (!ScriptRuns() && iCardListOpen) iCardListView->FillAndShowCardList(true);
+}
+
 void CVelumStackView::UpdateLine(const CVelumCard& aCard) {
   if (!ScriptRuns() && iCardListOpen) iCardListView->UpdateCard(aCard);
 }
@@ -101,7 +107,13 @@ void CVelumStackView::BaseObjItemClick(CVelumBaseControl* aObj) {
   const Ref<CVelumListBoxBase> box = control->ListBox();
   const auto* list = dynamic_cast<CVelumListBox*>(box.Get());
   const Ref<CVelumObject> obj = list ? list->SelObj() : nullptr;
-  GoToCard(dynamic_cast<CVelumCard*>(obj.Get()));
+  GoToByClick(dynamic_cast<CVelumCard*>(obj.Get()));
+}
+
+void CVelumStackView::GoToByClick(const Ref<CVelumCard>& aCard) {
+  const Ref<CVelumCard> before = iCurCard;
+  GoToCard(aCard);
+  if (iCurCard != before && iCardViewOpen) iCardView->ViewForm().DropDblClick();
 }
 
 // The field whose lines a control shows, if they can be edited.

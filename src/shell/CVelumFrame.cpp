@@ -2,12 +2,12 @@
 
 #include "core/CVelumMsg.h"
 #include "runtime/CVelumGenForm.h"
+#include "runtime/CVelumIcons.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
 #include "script/CVelumInterpreter.h"
 #include "shell/CVelumCommandTable.h"
 #include "shell/CVelumFormCommands.h"
-#include "shell/CVelumIcons.h"
 #include "shell/CVelumNotBuilt.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumShellDialogLib.h"

@@ -1,6 +1,6 @@
 #include "shell/CVelumMsgForm.h"
 
-#include "shell/CVelumIcons.h"
+#include "runtime/CVelumIcons.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "ui_CVelumMsgForm.h"
 

@@ -1,7 +1,7 @@
 #include "shell/CVelumNotBuilt.h"
 
 #include "core/CVelumObject.h"
-#include "shell/CVelumIcons.h"
+#include "runtime/CVelumIcons.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "ui_CVelumNotBuilt.h"
 

@@ -1,7 +1,7 @@
 #include "shell/CVelumWelcome.h"
 
+#include "runtime/CVelumIcons.h"
 #include "shell/CVelumFrame.h"
-#include "shell/CVelumIcons.h"
 #include "shell/CVelumScriptBar.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumWelcome.h"

@@ -321,6 +321,33 @@ TEST_F(CVelumCardLayoutTest, ACommandOfTheMenuDoesNotEndARow) {
   EXPECT_EQ(Base(two).TabIndex(), 1) << "it has no place among the tabs either";
 }
 
+TEST_F(CVelumCardLayoutTest, AButtonBehindAMenuCommandStartsARowWhereThereIsNone) {
+  AddField(iSet, u"Menu"_s, EConCommand, EConInMenu);
+  const auto first = AddField(iSet, u"First"_s, EConCommand, EConAsButton);
+  const auto name = AddField(iSet, u"Name"_s, EConText);
+  AddField(iSet, u"More"_s, EConCommand, EConInMenu);
+  const auto second = AddField(iSet, u"Second"_s, EConCommand, EConAsButton);
+  AddCard(u"a"_s);
+  Open();
+  for (const bool again : {false, true}) {
+    if (again) View().RefreshViews(true, false);
+    EXPECT_EQ(RectOf(Base(first)), QRectF(20, 20, 760, 375)) << again;
+    EXPECT_EQ(Base(name).Top(), 415) << again;
+    EXPECT_EQ(RectOf(Base(second)), QRectF(20, 715, 860, 375))
+        << again << ": the row before the field is over";
+  }
+}
+
+TEST_F(CVelumCardLayoutTest, WithoutAMainWindowPicturesAreThereToo) {
+  const auto next = AddField(iSet, u"Next"_s, EConCommand, EConAsButton | EConPictButton | EConStdCmd);
+  next->SetStdCmd(EStdNextCard);
+  AddCard(u"a"_s);
+  gFrameHost = nullptr;
+  Open();
+  EXPECT_TRUE(static_cast<CVelumBaseButton&>(Base(next)).HasPicture());
+  gFrameHost = &iFrame;
+}
+
 TEST_F(CVelumCardLayoutTest, StandardCommandsCanShowTheirPicture) {
   const auto next = AddField(iSet, u"Next"_s, EConCommand, EConAsButton | EConPictButton | EConStdCmd);
   next->SetStdCmd(EStdNextCard);

@@ -191,6 +191,23 @@ TEST_F(CVelumCardListTest, AFieldThatIsLeftRenewsItsLine) {
   EXPECT_EQ(renewed.first().first().toModelIndex().row(), 0);
 }
 
+TEST_F(CVelumCardListTest, ANewKeyMovesTheLineOfItsCard) {
+  OpenThree();
+  KeepSorted(iSet, iName);
+  View().RefreshViews(true, true);
+  Type(iName, u"z"_s);
+  View().GoToCard(iCards[1]);
+  View().GoToCard(iCards[0]);
+  ASSERT_EQ(Names(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+  View().SetCardValue(iCards[0], iName->Id(), TVelumValue::OfStr(u"Z"_s));
+  EXPECT_EQ(Names(), (QStringList{u"b"_s, u"c"_s, u"a"_s}));
+  // While a script runs the list waits.
+  iRunner.iRunning = true;
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"ZZ"_s));
+  iRunner.iRunning = false;
+  EXPECT_EQ(Names(), (QStringList{u"b"_s, u"c"_s, u"a"_s}));
+}
+
 TEST_F(CVelumCardListTest, MixedCardsHaveTheirNamesWhereTheFirstBackgroundSaysSo) {
   AddSecond();
   iSet->SetFlag(ECseCardNameInList, true);
@@ -354,6 +371,8 @@ TEST_F(CVelumCardListTest, ClosingTheWindowHidesIt) {
   EXPECT_FALSE(View().CardListIsOpen());
   EXPECT_FALSE(View().State()->iCardListOpen);
   EXPECT_FALSE(ListForm().isVisible());
+  EXPECT_EQ(Box().NumLines(), 0) << "a closed list holds no cards";
+  EXPECT_EQ(Widget().model()->rowCount(), 0);
   View().GoToCard(iCards[1]);
   View().OpenCardList();
   EXPECT_TRUE(ListForm().isVisible());

@@ -406,6 +406,77 @@ TEST_F(CardListsTest, AComboWithoutAPartnerAsserts) {
   EXPECT_EQ(Combo().currentText(), u"x"_s);
 }
 
+TEST_F(CardListsTest, AListWhoseTextHasNoPlaceIsAskedAboutOnce) {
+  AddCombo(u"a"_s);
+  iText->SetFlag(EConInCardView, false);
+  const auto name = AddField(iSet, u"Name"_s, EConText);
+  for (const auto& text : {u"a"_s, u"b"_s, u"c"_s})
+    AddCard(text)->SetControlVal(name->Id(), TVelumValue::OfStr(text));
+  iPresenter.SetDefaultAnswer(true);
+  Open();
+  EXPECT_EQ(iPresenter.Count(), 1);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"SetBaseControlVal baseControl"_s));
+  Ref<CVelumCard> card;
+  while (View().OrderNext(card)) EXPECT_EQ(Base(name).Text(), card->Name());
+  View().RefreshViews(true, false);
+  EXPECT_EQ(iPresenter.Count(), 1) << "the same background";
+  const auto other = AddCard(u"x"_s, AddBackground(u"Other"_s));
+  View().GoToCard(other);
+  EXPECT_TRUE(View().OrderFirst(card));
+  EXPECT_EQ(iPresenter.Count(), 2) << "a new layout of it";
+}
+
+TEST_F(CardListsTest, ALongNumberIsAskedAboutOnceAndThenShown) {
+  const auto num = AddField(iSet, u"Num"_s, EConInteger);
+  num->SetVisLines(2);
+  for (const int value : {1, 2, 3}) AddCard(u"a"_s)->SetControlVal(num->Id(), TVelumValue::OfInt(value));
+  Open(); // answered with no
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 1);
+  Ref<CVelumCard> card;
+  for (const auto& text : {u"2"_s, u"3"_s}) {
+    EXPECT_TRUE(View().OrderNext(card));
+    EXPECT_EQ(Base(num).Text(), text);
+  }
+  EXPECT_EQ(iPresenter.CountOf(EMsgAssertFailedOk), 1);
+}
+
+// A list box that only counts how often it is to bring its lines to the screen.
+class NotingBox final : public CVelumListBoxBase {
+public:
+  explicit NotingBox(int& aShows) : iShows(aShows) {}
+  [[nodiscard]] QString ObjDescr() const override { return u"NotingBox"_s; }
+  [[nodiscard]] int LisType() const override { return ELisCombo; }
+  void SetFlag4(bool) override {}
+  void Clear() override {}
+  void AddLine(const QString&, const Ref<CVelumObject>&) override {}
+  [[nodiscard]] int NumLines() const override { return 0; }
+  [[nodiscard]] QString Line(int) const override { return {}; }
+  void DefineColumns(const QList<QString>&, const QList<float>&) override {}
+  void Define1Column(const QString&) override {}
+  void Show() override { ++iShows; }
+  void SetBaseObj(QObject*) override {}
+
+private:
+  int& iShows;
+};
+
+TEST_F(CardListsTest, ALayoutBringsTheLinesOfAComboToItsBox) {
+  class NotingFactory final : public CVelumCompanionFactory {
+  public:
+    Ref<CVelumListBoxBase> NewListBox(int) override { return MakeRef<NotingBox>(iShows); }
+    int iShows = 0;
+  } factory;
+  CVelumCompanions::SetFactory(&factory);
+  AddCombo(u"a\r\nb"_s);
+  const auto card = AddCard(u"a"_s);
+  Open();
+  View().CardView()->ResetCurSet();
+  factory.iShows = 0;
+  View().CardView()->AssignControlSet(card, iSet);
+  EXPECT_EQ(factory.iShows, 1);
+  CVelumLib::InitRuntime();
+}
+
 TEST_F(CardListsTest, AComboNeverShowsCards) {
   const auto town = AddCard(u"Bern"_s);
   AddCombo(QString::number(town->Id()) + u"\tshown"_s);
@@ -471,6 +542,43 @@ TEST_F(CardListsTest, ACardListShowsOtherCardsAndGoesToThem) {
   const QRect line = ListOf(list).visualRect(ListOf(list).model()->index(1, 0));
   QTest::mouseClick(ListOf(list).viewport(), Qt::LeftButton, {}, line.center());
   EXPECT_EQ(View().CurCard()->Name(), u"y"_s);
+}
+
+TEST_F(CardListsTest, ADoubleClickOnACardDoesNotReachTheNextCard) {
+  const auto other = AddBackground(u"Other"_s);
+  const auto list = AddField(iSet, u"List"_s, EConList, EConCardList);
+  list->SetSelBackgroundId(other->Id());
+  gStack->SetControlDynFlags();
+  // Where the list was, the other background has a button.
+  const auto button = AddField(other, u"Go"_s, EConCommand, EConAsButton);
+  button->SetVisChar(50);
+  const auto a = AddCard(u"a"_s);
+  AddCard(u"x"_s, other);
+  gStack->SetCardListsDirty(nullptr);
+  Open();
+  const QRect line = ListOf(list).visualRect(ListOf(list).model()->index(0, 0));
+  const QPoint place = ListOf(list).viewport()->mapTo(&Form(), line.center());
+  QTest::mouseClick(ListOf(list).viewport(), Qt::LeftButton, {}, line.center());
+  ASSERT_EQ(View().CurCard()->Name(), u"x"_s);
+  QWidget* widget = Base(button).Widget();
+  Base(button).SetTop(CVelumTwips::FromPixel(place.y()) - 100);
+  const QPoint inside = widget->mapFrom(&Form(), place);
+  ASSERT_TRUE(widget->rect().contains(inside));
+  iRunner.iSent.clear();
+  const auto send = [&](QEvent::Type aType) {
+    QMouseEvent event(aType, inside, widget->mapToGlobal(inside), Qt::LeftButton,
+                      aType == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+    QApplication::sendEvent(widget, &event);
+  };
+  send(QEvent::MouseButtonDblClick);
+  send(QEvent::MouseButtonRelease);
+  EXPECT_TRUE(iRunner.iSent.isEmpty()) << iRunner.iSent.join(u' ').toStdString();
+  // The next click is one, and so is a double click after it.
+  QTest::mouseClick(widget, Qt::LeftButton, {}, inside);
+  EXPECT_EQ(iRunner.iSent.count(u"select x.Go"_s), 1);
+  send(QEvent::MouseButtonDblClick);
+  send(QEvent::MouseButtonRelease);
+  EXPECT_EQ(iRunner.iSent.count(u"select x.Go"_s), 2);
 }
 
 TEST_F(CardListsTest, F2OpensTheLinesOfAListInATextBox) {

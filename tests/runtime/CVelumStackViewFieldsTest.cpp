@@ -205,6 +205,10 @@ TEST_F(CVelumStackViewFieldsTest, AKeyChangeMovesTheCard) {
   View().ValidateCurControl();
   qint32 num = 0;
   EXPECT_EQ(gStack->GetCardIndex(*iCards[0], num), 2);
+  EXPECT_EQ(Form().Caption(), u"a - 3 of 3"_s);
+  // Another card that moves past the current one moves it too.
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"zz"_s));
+  EXPECT_EQ(Form().Caption(), u"a - 2 of 3"_s);
 }
 
 TEST_F(CVelumStackViewFieldsTest, TheFieldOfTheNameRenamesTheCard) {

@@ -2,7 +2,7 @@
 
 #include "core/CVelumMsg.h"
 #include "shell/CVelumHelpForm.h"
-#include "shell/CVelumIcons.h"
+#include "runtime/CVelumIcons.h"
 #include "shell/CVelumShellPresenter.h"
 #include "support/WidgetTest.h"
 #include "toolkit/CVelumWinMan.h"

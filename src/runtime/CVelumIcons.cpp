@@ -1,4 +1,4 @@
-#include "shell/CVelumIcons.h"
+#include "runtime/CVelumIcons.h"
 
 #include "toolkit/CVelumSvgIcon.h"
 
