@@ -47,7 +47,9 @@ void CVelumPictureViewer::ShowPicture(qint32 aBlobId) {
   for (QLabel* fact : {iUi->fFileName, iUi->fFileDate, iUi->fMimeType, iUi->fWidth, iUi->fHeight})
     fact->clear();
   CVelumLib::ShowPictureBlob(*store, *fPictureBox, aBlobId);
-  if (!fPictureBox->Tag().isEmpty()) ShowFacts(*store->ReadBlob(aBlobId, false));
+  // What cannot be decoded still has its facts.
+  if (store->HasBlob(aBlobId) && !store->Damaged().contains(aBlobId))
+    ShowFacts(*store->ReadBlob(aBlobId, false));
 }
 
 void CVelumPictureViewer::ShowFacts(const CVelumBlob& aBlob) {

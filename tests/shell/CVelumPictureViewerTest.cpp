@@ -180,4 +180,19 @@ TEST_F(CVelumPictureViewerTest, ABlobThatIsNotThereShowsAsSuch) {
   EXPECT_EQ(iPresenter.Count(), 0);
 }
 
+TEST_F(CVelumPictureViewerTest, WhatCannotBeDecodedHasItsFacts) {
+  OpenStack();
+  const auto blob = MakeRef<CVelumBlob>(gStack->IdGen().NextId());
+  blob->SetBytes("no picture");
+  blob->SetFilename(u"/a/b.tif"_s);
+  blob->SetMimeType(u"unknown"_s);
+  Store().AddBlob(blob);
+  CVelumPictureViewer viewer;
+  viewer.ShowPicture(blob->Id());
+  EXPECT_EQ(viewer.findChild<QLabel*>(u"fPictureBox"_s)->text(), u"This picture cannot be read."_s);
+  EXPECT_EQ(viewer.findChild<QLabel*>(u"fFileName"_s)->text(), u"/a/b.tif"_s);
+  EXPECT_EQ(viewer.findChild<QLabel*>(u"fMimeType"_s)->text(), u"unknown"_s);
+  EXPECT_EQ(viewer.findChild<QLabel*>(u"fWidth"_s)->text(), QString());
+}
+
 } // namespace
