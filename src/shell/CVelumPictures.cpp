@@ -16,6 +16,7 @@
 #include <QFileInfo>
 #include <QPalette>
 #include <QPixmap>
+#include <utility>
 
 namespace {
 
@@ -88,11 +89,44 @@ bool WriteDialogs(const QString& aStem, const QString& aEnding) {
   return good;
 }
 
+// The first card with wiki text and its field; false when there is none.
+bool FindWiki(Ref<CVelumCard>& aCard, Ref<CVelumControl>& aField) {
+  Ref<CVelumControlSet> set;
+  for (qint32 at = 0; gStack && gStack->GetNextBackground(set, at);)
+    for (qint32 i = 0; i < set->NumControls(); ++i) {
+      aField = set->ControlAt(i);
+      qint32 index = 0;
+      if (aField->Flag(EConWikiText) && gStack->GetFirstCardInBackground(set->Id(), aCard, index))
+        return true;
+    }
+  return false;
+}
+
+// A card with wiki text, and the windows for its source and for choosing a card.
+bool WriteWiki(const QString& aStem, const QString& aEnding) {
+  Ref<CVelumCard> card;
+  Ref<CVelumControl> field;
+  if (!gStackView || !FindWiki(card, field)) return true;
+  gStackView->GoToCard(card);
+  bool good = Grab(*gFrame, aStem + u"wiki"_s + aEnding);
+  gStackView->BaseObjDblClick(qobject_cast<CVelumBaseControl*>(field->BaseControl()));
+  gFrame->ShowForm(u"CVelumCardSelect"_s);
+  for (const auto& [name, file] :
+       {std::pair(u"CVelumWikiTextEdit"_s, u"wikiedit"_s), std::pair(u"CVelumCardSelect"_s, u"select"_s)}) {
+    if (!CVelumWinMan::FormIsLoaded(name)) continue;
+    QWidget* form = CVelumWinMan::NameToForm(name)->Widget();
+    good = Grab(*form, aStem + file + aEnding) && good;
+    form->close();
+  }
+  return good;
+}
+
 bool WriteAll(const QString& aStem, const QString& aEnding) {
   bool good = Grab(*gFrame, aStem + u"main"_s + aEnding);
   Ref<CVelumCard> card;
   if (gStackView && gStackView->OrderLast(card))
     good = Grab(*gFrame, aStem + u"last"_s + aEnding) && WriteViewer(aStem, aEnding) && good;
+  good = WriteWiki(aStem, aEnding) && good;
   if (gStackView) static_cast<void>(gStackView->OrderFirst(card));
   good = WriteDialogs(aStem, aEnding) && good;
   return WriteBoxes(aStem, aEnding) && good;

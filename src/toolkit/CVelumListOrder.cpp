@@ -9,15 +9,6 @@
 
 namespace {
 
-// What a line is sorted by, cut to what nearly always decides.
-struct TSorted {
-  int iRank = 0; // numbers, texts, empty texts
-  int iLine = 0;
-  double iNum = 0;
-  quint64 iHead = 0;  // the first bytes of the text's sort key
-  qsizetype iKey = 0; // where all of it stands
-};
-
 enum ERank : int { ENumber, EText, EEmpty };
 
 ERank RankOf(const TVelumLineKey& aKey) {
@@ -26,10 +17,27 @@ ERank RankOf(const TVelumLineKey& aKey) {
   return aKey.iText.isEmpty() ? EEmpty : EText;
 }
 
+// A number that compares as aNum does: negative ones by their magnitude, the other way round, and first.
+quint64 OrderOf(double aNum) {
+  constexpr quint64 ESign = quint64{1} << 63;
+  const double num = aNum + 0.0; // of the two zeros the positive one
+  quint64 bits = 0;
+  std::memcpy(&bits, &num, sizeof bits);
+  return bits & ESign ? ~bits : bits | ESign;
+}
+
+// Small, for they are moved about: what nearly always decides, and the line.
+struct TSorted {
+  quint64 iHead; // the number, or the first bytes of the text's sort key
+  int iRank;
+  int iLine;
+};
+
 class CSorter {
 public:
   CSorter(const CVelumLineSource& aSource, int aNumLines, int aColumn) {
     iLines.reserve(static_cast<size_t>(aNumLines));
+    iKeyAt.reserve(static_cast<size_t>(aNumLines));
     for (int i = 0; i < aNumLines; ++i) Add(i, aSource.SortKey(i, aColumn));
   }
 
@@ -48,27 +56,33 @@ public:
 
 private:
   void Add(int aLine, const TVelumLineKey& aKey) {
-    TSorted line{RankOf(aKey), aLine, aKey.iNum, 0, iKeys.size()};
-    if (line.iRank == EText) {
-      CVelumCollation::AppendSortKey(iKeys, aKey.iText);
-      char head[sizeof(quint64)] = {};
-      std::memcpy(head, iKeys.constData() + line.iKey,
-                  std::min<size_t>(sizeof head, static_cast<size_t>(iKeys.size() - line.iKey)));
-      line.iHead = qFromBigEndian<quint64>(head);
-    }
-    iLines.push_back(line);
+    const ERank rank = RankOf(aKey);
+    iKeyAt.push_back(iKeys.size());
+    if (rank == EText) CVelumCollation::AppendSortKey(iKeys, aKey.iText);
+    const quint64 head = rank == ENumber ? OrderOf(aKey.iNum) : HeadFrom(iKeyAt.back());
+    iLines.push_back({head, rank, aLine});
+  }
+
+  // The first bytes of the key that was added last.
+  [[nodiscard]] quint64 HeadFrom(qsizetype aKey) const {
+    char head[sizeof(quint64)] = {};
+    std::copy_n(iKeys.constData() + aKey, std::min<qsizetype>(sizeof head, iKeys.size() - aKey), head);
+    return qFromBigEndian<quint64>(head);
   }
 
   [[nodiscard]] int Compare(const TSorted& aA, const TSorted& aB) const {
     if (aA.iRank != aB.iRank) return aA.iRank - aB.iRank;
-    if (aA.iRank == ENumber) return (aA.iNum > aB.iNum) - (aA.iNum < aB.iNum);
     if (aA.iHead != aB.iHead) return aA.iHead < aB.iHead ? -1 : 1;
-    if (aA.iRank == EEmpty) return 0;
-    return std::strcmp(iKeys.constData() + aA.iKey, iKeys.constData() + aB.iKey);
+    return aA.iRank == EText ? std::strcmp(KeyOf(aA), KeyOf(aB)) : 0;
+  }
+
+  [[nodiscard]] const char* KeyOf(const TSorted& aLine) const {
+    return iKeys.constData() + iKeyAt[static_cast<size_t>(aLine.iLine)];
   }
 
   std::vector<TSorted> iLines;
-  QByteArray iKeys; // all sort keys, each with a 0 at its end
+  QByteArray iKeys;              // all sort keys, each with a 0 at its end
+  std::vector<qsizetype> iKeyAt; // where that of a line begins
 };
 
 } // namespace
