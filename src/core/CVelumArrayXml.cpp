@@ -37,7 +37,7 @@ void CVelumArray::InternalizeXml(CVelumXmlParser& aParser) {
   iFlags = aParser.CountAttr(u"flags"_s);
   iType = aParser.ShortAttr(u"type"_s);
   const qint32 count = aParser.CountAttr(u"max"_s);
-  const bool withAlloc = !aParser.Attr(u"alloc"_s).isEmpty();
+  const bool withAlloc = aParser.HasAttr(u"alloc"_s);
   iAllocStep = withAlloc ? aParser.IntAttr(u"allocStep"_s) : EMissingStep;
   iAlloc = withAlloc ? aParser.IntAttr(u"alloc"_s) : CVelumChecked::Add(count, EMissingRoom);
   iSortKeyId = aParser.IntAttr(u"sortKeyId"_s);
@@ -45,7 +45,7 @@ void CVelumArray::InternalizeXml(CVelumXmlParser& aParser) {
   ApplyShape();
   while (iMax < count) ReadElemXml(aParser);
   ApplyShape();
-  aParser.ReadTheNext(XmlTag().toString(), true);
+  aParser.ReadTheNext(XmlTag(), true);
   iChanged = false;
   if (!WithSortKey()) EnsureSorted();
 }
@@ -90,7 +90,7 @@ TVelumValue CVelumArray::ReadValXml(CVelumXmlParser& aParser) {
 }
 
 Ref<CVelumStored> CVelumArray::ReadObjXml(CVelumXmlParser& aParser, int aTag) {
-  if (!aParser.Attr(u"objMissing"_s).isEmpty()) return nullptr;
+  if (aParser.HasAttr(u"objMissing"_s)) return nullptr;
   Ref<CVelumStored> obj =
       aTag == EValArray ? Ref<CVelumStored>(new CVelumArray) : CVelumSeams::NewObject(aTag);
   Check(static_cast<bool>(obj), u"InternalizeXml class");
@@ -125,7 +125,7 @@ void CVelumArray::ExternalizeXml(CVelumXmlWriter& aWriter) {
     WriteValXml(aWriter, cell);
     aWriter.EndElem(EElem);
   }
-  aWriter.EndElem(XmlTag().toString());
+  aWriter.EndElem(XmlTag());
 }
 
 void CVelumArray::WriteValXml(CVelumXmlWriter& aWriter, const TVelumValue& aVal) const {

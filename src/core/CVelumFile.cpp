@@ -26,8 +26,12 @@ qint64 ToPos(qint64 aPos) {
 }
 
 // A mark that does not stand in front of the file is a character like others.
-QString DecodeUtf8(const QByteArray& aBytes) {
-  return QStringDecoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom)(aBytes);
+// Into the memory that aText has.
+void DecodeUtf8(QByteArrayView aBytes, QString& aText) {
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom);
+  aText.resize(decoder.requiredSpace(aBytes.size()));
+  const QChar* end = decoder.appendToBuffer(aText.data(), aBytes);
+  aText.resize(end - aText.constData());
 }
 
 } // namespace
@@ -465,13 +469,16 @@ bool CVelumFile::ReadLine(QString& aLine) {
                          u"Access EFilSeqRead "_s + QString::number(iAccess));
   if (!Device().iReader) CVelumError::RaiseHost(EHostBadCall, iFilename);
   bool first = std::exchange(iFirstLine, false);
-  QByteArray line;
+  QByteArrayView line;
   if (!iDevice->iReader->ReadLine(line)) return false;
-  if (first && line.startsWith("\xEF\xBB\xBF")) {
-    line.remove(0, 3);
+  if (first && line.startsWith(QByteArrayView("\xEF\xBB\xBF"))) {
+    line = line.sliced(3);
     iCoding = ECodUtf8;
   }
-  aLine = iCoding == ECodUtf8 ? DecodeUtf8(line) : CVelumLib::FromCodePage(line);
+  if (iCoding == ECodUtf8)
+    DecodeUtf8(line, aLine);
+  else
+    aLine = CVelumLib::FromCodePage(QByteArray::fromRawData(line.data(), line.size()));
   return true;
 }
 

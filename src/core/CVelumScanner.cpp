@@ -4,6 +4,7 @@
 #include "core/CVelumValue.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 using namespace CVelumError;
@@ -32,9 +33,18 @@ bool IsDigitChar(int aCh) {
   return aCh >= '0' && aCh <= '9';
 }
 
+// What the characters of ASCII can be in an identifier: 1 any place, 2 any but the first.
+constexpr std::array<quint8, 128> EIdentChars = [] {
+  std::array<quint8, 128> chars{};
+  for (size_t ch = 'a'; ch <= 'z'; ++ch) chars[ch] = chars[ch - 32] = 1;
+  for (size_t ch = '0'; ch <= '9'; ++ch) chars[ch] = 2;
+  chars['_'] = 1;
+  return chars;
+}();
+
 bool IsIdentChar(int aCh, int aIndex) {
-  return (aCh >= 'A' && aCh <= 'Z') || (aCh >= 'a' && aCh <= 'z') || aCh == '_' ||
-         (aIndex >= 1 && IsDigitChar(aCh));
+  const quint8 kind = aCh >= 0 && aCh < 128 ? EIdentChars[static_cast<size_t>(aCh)] : quint8{0};
+  return kind == 1 || (kind == 2 && aIndex >= 1);
 }
 
 qint32 SingleCharSym(int aCh) {
@@ -72,6 +82,18 @@ const QString ECrLf = u"\r\n"_s;
 // A chunk of GetLongAllUntil moves when it is longer than this.
 constexpr qsizetype EChunkLen = 100;
 
+// Adds to aChunk; whenever that is too long, all of it moves to aStr.
+void AppendChunks(QStringView aMore, QString& aStr, QString& aChunk) {
+  while (!aMore.isEmpty()) {
+    const qsizetype count = std::min(EChunkLen + 1 - aChunk.size(), aMore.size());
+    aChunk += aMore.first(count);
+    aMore = aMore.sliced(count);
+    if (aChunk.size() <= EChunkLen) continue;
+    aStr += aChunk;
+    aChunk.resize(0);
+  }
+}
+
 } // namespace
 
 void CVelumScanner::DefKeyword(const QString& aName, qint16 aId) {
@@ -99,9 +121,16 @@ void CVelumScanner::GetChar() {
 }
 
 void CVelumScanner::SetLine(const QString& aLine) {
-  const auto len = CVelumChecked::Narrow<qint16>(aLine.size() + 1);
+  static_cast<void>(CVelumChecked::Narrow<qint16>(aLine.size() + 1));
+  iLine = aLine;
+  BeginLine();
+}
+
+// Puts the marker behind what iLine has become.
+void CVelumScanner::BeginLine() {
+  const auto len = CVelumChecked::Narrow<qint16>(iLine.size() + 1);
   if (!iLineMode) iLineNum = CVelumChecked::Add(iLineNum, 1);
-  iLine = aLine + QChar(EEolMarker);
+  iLine += QChar(EEolMarker);
   iPos = 0;
   iLen = len;
   GetChar();
@@ -116,9 +145,9 @@ void CVelumScanner::BeginFile() {
 
 void CVelumScanner::ReadFileLine() {
   AssertObj(!iEof, this, u"ReadFileLine"_s, u"ReadFileLine eof"_s);
-  QString line;
-  iEof = !CVelumChecked::Deref(iFile).ReadLine(line);
-  if (!iEof) SetLine(line);
+  // Into the memory of the line before.
+  iEof = !CVelumChecked::Deref(iFile).ReadLine(iLine);
+  if (!iEof) BeginLine();
 }
 
 // aName holds letters of ASCII, digits and "_" only.
@@ -135,33 +164,33 @@ bool CVelumScanner::IsKeyword(const QString& aName, qint16& aId) const {
   return false;
 }
 
-// Appends the characters from the look-ahead on for which aHolds; it does not for the end marker.
-template <class THolds> void CVelumScanner::GetWhile(const THolds& aHolds, QString& aStr) {
+QStringView CVelumScanner::LineView(qsizetype aFrom, qsizetype aEnd) const {
+  return QStringView(iLine).sliced(aFrom, aEnd - aFrom);
+}
+
+// The characters from the look-ahead on for which aHolds; it does not for the end marker.
+template <class THolds> QStringView CVelumScanner::TakeWhile(const THolds& aHolds) {
+  const QChar* line = iLine.constData();
   const qsizetype from = iPos - 1;
-  while (aHolds(iCh)) GetChar();
-  aStr.append(QStringView(iLine).sliced(from, iPos - 1 - from));
+  int pos = iPos;
+  int ch = iCh;
+  while (aHolds(ch)) ch = pos < iLen ? line[pos++].unicode() : ENoChar;
+  iCh = ch;
+  iPos = static_cast<qint16>(pos);
+  return LineView(from, pos - 1);
 }
 
-void CVelumScanner::GetIdent(qint32& aSym, QString& aStr, qint16& aKeyword) {
-  GetWhile([](int aCh) { return IsIdentChar(aCh, 1); }, aStr);
-  aSym = IsKeyword(aStr, aKeyword) ? ESymKeyword : ESymIdent;
-}
-
-void CVelumScanner::GetNumber(QString& aStr) {
-  GetWhile(IsDigitChar, aStr);
-}
-
-void CVelumScanner::GetString(QString& aStr) {
-  aStr.resize(0);
+QStringView CVelumScanner::TakeString() {
   GetChar();
-  GetWhile([](int aCh) { return aCh != '"' && aCh != EEolMarker; }, aStr);
+  const QStringView str = TakeWhile([](int aCh) { return aCh != '"' && aCh != EEolMarker; });
   if (iCh == '"') GetChar();
+  return str;
 }
 
 // Everything that is one character, or an operator of two; the text is the first character in any case.
-qint32 CVelumScanner::GetSpecial(QString& aStr) {
+qint32 CVelumScanner::TakeSpecial(QStringView& aStr) {
   const int first = iCh;
-  aStr = Ch();
+  aStr = LineView(iPos - 1, iPos);
   GetChar();
   if (first == '<' && iCh == '>') {
     GetChar();
@@ -176,6 +205,21 @@ qint32 CVelumScanner::GetSpecial(QString& aStr) {
   return SingleCharSym(first);
 }
 
+// The symbol that begins with the look-ahead, which is neither a blank nor the line's end.
+qint32 CVelumScanner::TakeSym(QStringView& aStr) {
+  if (IsIdentChar(iCh, 0)) {
+    aStr = TakeWhile([](int aCh) { return IsIdentChar(aCh, 1); });
+    return ESymIdent;
+  }
+  if (IsDigitChar(iCh)) {
+    aStr = TakeWhile(IsDigitChar);
+    return ESymNumber;
+  }
+  if (iCh != '"') return TakeSpecial(aStr);
+  aStr = TakeString();
+  return ESymString;
+}
+
 void CVelumScanner::GetSym(qint32& aSym, QString& aStr, qint16& aKeyword) {
   aStr.resize(0); // keeps its memory for the next symbol
   aKeyword = 0;
@@ -183,11 +227,6 @@ void CVelumScanner::GetSym(qint32& aSym, QString& aStr, qint16& aKeyword) {
     if (iEof) {
       aSym = ESymEof;
       return;
-    }
-    if (IsIdentChar(iCh, 0)) return GetIdent(aSym, aStr, aKeyword);
-    if (IsDigitChar(iCh)) {
-      aSym = ESymNumber;
-      return GetNumber(aStr);
     }
     if (iCh == ' ') {
       GetChar();
@@ -200,12 +239,28 @@ void CVelumScanner::GetSym(qint32& aSym, QString& aStr, qint16& aKeyword) {
     } else if (iCh == '#' && iStripComments) {
       aStr = Ch();
       iCh = EEolMarker;
-    } else if (iCh == '"') {
-      aSym = ESymString;
-      return GetString(aStr);
     } else {
-      aSym = GetSpecial(aStr);
+      QStringView str;
+      aSym = TakeSym(str);
+      if (aSym != ESymIdent && aSym != ESymNumber) aStr.resize(0);
+      aStr.append(str);
+      if (aSym == ESymIdent && IsKeyword(aStr, aKeyword)) aSym = ESymKeyword;
       return;
+    }
+  }
+}
+
+qint32 CVelumScanner::GetSymView(QStringView& aStr) {
+  aStr = {};
+  for (;;) {
+    if (iEof) return ESymEof;
+    if (AtEol()) {
+      if (iLineMode) return ESymEol;
+      ReadFileLine();
+    } else if (iCh == ' ') {
+      GetChar();
+    } else {
+      return TakeSym(aStr);
     }
   }
 }
@@ -371,18 +426,25 @@ void CVelumScanner::GetAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& a
   }
 }
 
+bool CVelumScanner::GetViewUntil(QChar aCh, QStringView& aStr) {
+  if (iEof || AtEol()) return false;
+  const QStringView rest = LineView(iPos - 1, iLen);
+  const qsizetype end = rest.indexOf(aCh);
+  if (end < 0 || rest.first(end).contains(QChar(EEolMarker))) return false;
+  aStr = rest.first(end);
+  iPos = static_cast<qint16>(iPos + end);
+  iCh = aCh.unicode();
+  return true;
+}
+
 void CVelumScanner::GetLongAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof) {
   aStr.clear();
   QString chunk;
   aEof = iEof;
   while (!aEof && iCh != aCh.unicode()) {
     if (!AtEol()) {
-      chunk += Ch();
-      GetChar();
-      if (chunk.size() > EChunkLen) {
-        aStr += chunk;
-        chunk.clear();
-      }
+      const auto more = [&](int aNext) { return aNext != EEolMarker && aNext != aCh.unicode(); };
+      AppendChunks(TakeWhile(more), aStr, chunk);
     } else if (iLineMode) {
       aEof = true;
     } else {

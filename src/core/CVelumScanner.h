@@ -75,6 +75,9 @@ public:
 
   // The next script symbol. aKeyword is 0 for anything but a keyword.
   void GetSym(qint32& aSym, QString& aStr, qint16& aKeyword);
+  // The same for who looks at a symbol only until the next call: aStr refers to the line. Comments stay, and
+  // keywords are identifiers.
+  [[nodiscard]] qint32 GetSymView(QStringView& aStr);
   // The next CSV cell, always an ESymString; aFile supplies the lines on which a quoted cell goes on. An
   // empty line inside a quoted cell is part of the cell.
   void GetCsvSym(CVelumFile& aFile, qint32& aSym, QString& aStr);
@@ -82,8 +85,11 @@ public:
   void GetWikiSym(qint32& aSym, QString& aStr);
   // Raw text up to aCh, which stays the look-ahead; with aKeepEol line ends become CR LF in the text.
   void GetAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof);
-  // The same for long texts. Characters move to aStr in chunks, but line ends go there at once, ahead of a
-  // chunk that was not moved yet.
+  // The text up to aCh if that stands in the present line, until the next call; false, with nothing taken, if
+  // it does not.
+  [[nodiscard]] bool GetViewUntil(QChar aCh, QStringView& aStr);
+  // The same as GetAllUntil for long texts. Characters move to aStr in chunks, but line ends go there at
+  // once, ahead of a chunk that was not moved yet.
   void GetLongAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof);
 
   // What of aStr can belong to a number: digits, signs, aDecimalSep.
@@ -101,14 +107,15 @@ private:
 
   void GetChar();
   void ReadFileLine();
+  void BeginLine();
   [[nodiscard]] bool AtEol() const { return iCh == EEolMarker || iCh == ENoChar; }
   [[nodiscard]] bool AtDelim() const { return !iCsvDelim.isEmpty() && iCh == iCsvDelim.front().unicode(); }
   [[nodiscard]] bool IsKeyword(const QString& aName, qint16& aId) const;
-  template <class THolds> void GetWhile(const THolds& aHolds, QString& aStr);
-  void GetIdent(qint32& aSym, QString& aStr, qint16& aKeyword);
-  void GetNumber(QString& aStr);
-  void GetString(QString& aStr);
-  [[nodiscard]] qint32 GetSpecial(QString& aStr);
+  template <class THolds> [[nodiscard]] QStringView TakeWhile(const THolds& aHolds);
+  [[nodiscard]] qint32 TakeSym(QStringView& aStr);
+  [[nodiscard]] QStringView TakeString();
+  [[nodiscard]] qint32 TakeSpecial(QStringView& aStr);
+  [[nodiscard]] QStringView LineView(qsizetype aFrom, qsizetype aEnd) const;
   void GetQuotedCell(CVelumFile& aFile, qint32& aSym, QString& aStr);
   [[nodiscard]] bool ContinueCell(CVelumFile& aFile, QString& aStr);
   void SkipBlanks();

@@ -36,27 +36,30 @@ qsizetype CVelumTextReader::FindEnd(qsizetype aFrom) {
   return end - iBuf.constData();
 }
 
-void CVelumTextReader::Take(qsizetype aEnd, QByteArray& aLine) {
-  aLine = iBuf.mid(iPos, aEnd - iPos);
-  bool cr = iBuf.at(aEnd) == '\r';
-  iPos = aEnd + 1;
-  // The LF of a CR LF may not have been read yet.
-  if (cr && (iPos < iBuf.size() || Fill()) && iBuf.at(iPos) == '\n') ++iPos;
+QByteArrayView CVelumTextReader::Take(qsizetype aEnd) {
+  const qsizetype len = aEnd - iPos;
+  // The LF of a CR LF may not have been read yet. Filling moves what is in the buffer.
+  if (aEnd + 1 == iBuf.size() && iBuf.at(aEnd) == '\r') static_cast<void>(Fill());
+  const QByteArrayView line(iBuf.constData() + iPos, len);
+  iPos += len + 1;
+  const bool cr = iBuf.at(iPos - 1) == '\r';
+  if (cr && iPos < iBuf.size() && iBuf.at(iPos) == '\n') ++iPos;
+  return line;
 }
 
-bool CVelumTextReader::ReadLine(QByteArray& aLine) {
+bool CVelumTextReader::ReadLine(QByteArrayView& aLine) {
   qsizetype searched = 0; // bytes behind iPos that are known to hold no line end
   for (;;) {
     qsizetype end = FindEnd(iPos + searched);
     if (end >= 0) {
-      Take(end, aLine);
+      aLine = Take(end);
       return true;
     }
     searched = iBuf.size() - iPos;
     if (!Fill()) break;
   }
   if (searched == 0) return false;
-  aLine = iBuf.mid(iPos);
+  aLine = QByteArrayView(iBuf).sliced(iPos);
   iPos = iBuf.size();
   return true;
 }

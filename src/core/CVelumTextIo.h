@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 // Cuts the bytes of a descriptor into lines. A line ends at CR or CR LF, and at LF alone too if that is how
@@ -9,16 +10,16 @@
 class CVelumTextReader {
 public:
   CVelumTextReader(int aFd, QString aPath) : iFd(aFd), iPath(std::move(aPath)) {}
-  // False at the end of the file, where aLine stays as it is. The line's end is not part of it. Host error 7
-  // for a line of more than 64 MB.
-  [[nodiscard]] bool ReadLine(QByteArray& aLine);
+  // False at the end of the file, where aLine stays as it is. The line's end is not part of it. The bytes
+  // stay where they are until the next call. Host error 7 for a line of more than 64 MB.
+  [[nodiscard]] bool ReadLine(QByteArrayView& aLine);
 
 private:
   // Reads more bytes behind those not yet used; false at the end of the file.
   bool Fill();
   // Place of the next line end at or behind aFrom, or -1 when none has been read yet.
   [[nodiscard]] qsizetype FindEnd(qsizetype aFrom);
-  void Take(qsizetype aEnd, QByteArray& aLine);
+  [[nodiscard]] QByteArrayView Take(qsizetype aEnd);
 
   int iFd;
   QString iPath;

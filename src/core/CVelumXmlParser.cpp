@@ -5,7 +5,26 @@
 #include "core/CVelumValue.h"
 #include "core/CVelumXmlLib.h"
 
+#include <algorithm>
+#include <cstring>
+
 using CVelumError::AssertObj;
+
+namespace {
+
+char16_t Lower(QChar aCh) {
+  return aCh >= u'A' && aCh <= u'Z' ? static_cast<char16_t>(aCh.unicode() + 32) : aCh.unicode();
+}
+
+// Whether two identifiers are the same to the table of attributes. Comparing them by the letters first spares
+// the collation for most.
+bool SameIdent(QStringView aA, QStringView aB) {
+  const auto same = [](QChar aLeft, QChar aRight) { return Lower(aLeft) == Lower(aRight); };
+  return aA.size() == aB.size() && std::equal(aA.begin(), aA.end(), aB.begin(), same) &&
+         CVelumCollation::CompareKeys(aA, aB) == 0;
+}
+
+} // namespace
 
 CVelumXmlParser::CVelumXmlParser(const QString& aFilename)
     : iScanner(MakeRef<CVelumScanner>()), iFile(MakeRef<CVelumFile>(aFilename, qint32{EFilSeqRead})) {}
@@ -38,71 +57,101 @@ void CVelumXmlParser::NextSym() {
   if (iPendingEqual) {
     iPendingEqual = false;
     iSym = ESymEqual;
-    iSymStr = u"="_s;
+    iSymStr = u"=";
     return;
   }
-  iScanner->GetSym(iSym, iSymStr, iKeyword);
+  iSym = iScanner->GetSymView(iSymStr);
 }
 
 void CVelumXmlParser::GetTheSym(qint32 aKind) {
   NextSym();
-  AssertObj(iSym == aKind, this, u"GetTheSym"_s, u"GetTheSym sym"_s);
+  if (iSym != aKind) AssertObj(false, this, u"GetTheSym"_s, u"GetTheSym sym"_s);
 }
 
-void CVelumXmlParser::GetTheIdent(const QString& aName) {
+void CVelumXmlParser::GetTheIdent(QStringView aName) {
   GetTheSym(ESymIdent);
   AssertObj(iSymStr == aName, this, u"GetTheIdent"_s, u"GetTheIdent ident"_s);
 }
 
 // Attributes.
 
-const QString* CVelumXmlParser::FindAttr(const QString& aName) const {
-  for (const auto& [name, value] : iAttrs)
-    if (name == aName) return &value;
-  for (const auto& [name, value] : iAttrs)
-    if (name.size() == aName.size() && CVelumCollation::CompareKeys(name, aName) == 0) return &value;
-  return nullptr;
+QStringView CVelumXmlParser::NameOf(const TAttr& aAttr) const {
+  return QStringView(iAttrText).sliced(aAttr.iName, aAttr.iValue - aAttr.iName);
 }
 
-void CVelumXmlParser::AddAttr(const QString& aName, const QString& aValue) {
-  AssertObj(!FindAttr(aName), this, u"AddAttr"_s, u"Create duplicate"_s);
-  iAttrs.emplace_back(aName, aValue);
+// Index of an attribute, or -1.
+qsizetype CVelumXmlParser::FindAttr(QStringView aName) const {
+  const size_t count = iAttrs.size();
+  if (iNextAttr < count && NameOf(iAttrs[iNextAttr]) == aName) return static_cast<qsizetype>(iNextAttr++);
+  for (size_t i = 0; i < count; ++i) {
+    if (NameOf(iAttrs[i]) != aName) continue;
+    iNextAttr = i + 1;
+    return static_cast<qsizetype>(i);
+  }
+  for (size_t i = 0; i < count; ++i)
+    if (SameIdent(NameOf(iAttrs[i]), aName)) return static_cast<qsizetype>(i);
+  return -1;
 }
 
-QString CVelumXmlParser::Attr(const QString& aName) const {
-  const QString* value = FindAttr(aName);
-  return value ? *value : QString();
+QStringView CVelumXmlParser::AttrView(QStringView aName) const {
+  const qsizetype at = FindAttr(aName);
+  if (at < 0) return {};
+  const TAttr& attr = iAttrs[static_cast<size_t>(at)];
+  return QStringView(iAttrText).sliced(attr.iValue, attr.iEnd - attr.iValue);
 }
 
-qint32 CVelumXmlParser::IntAttr(const QString& aName) const {
-  const QString value = Attr(aName);
+void CVelumXmlParser::AddAttr(QStringView aName, QStringView aValue) {
+  if (FindAttr(aName) >= 0) AssertObj(false, this, u"AddAttr"_s, u"Create duplicate"_s);
+  TAttr attr{};
+  attr.iName = iAttrText.size();
+  iAttrText += aName;
+  attr.iValue = iAttrText.size();
+  iAttrText += aValue;
+  attr.iEnd = iAttrText.size();
+  iAttrs.push_back(attr);
+}
+
+QString CVelumXmlParser::Pooled(QStringView aText) const {
+  if (aText.isEmpty()) return {};
+  char16_t* chars = nullptr;
+  QString text = iTexts.Take(aText.size(), chars);
+  std::memcpy(chars, aText.utf16(), static_cast<size_t>(aText.size()) * sizeof(char16_t));
+  return text;
+}
+
+QString CVelumXmlParser::Attr(QStringView aName) const {
+  return Pooled(AttrView(aName));
+}
+
+qint32 CVelumXmlParser::IntAttr(QStringView aName) const {
+  const QStringView value = AttrView(aName);
   return value.isEmpty() ? ENoInt : CVelumValue::RoundToInt(CVelumValue::LenientNum(value));
 }
 
-qint16 CVelumXmlParser::ShortAttr(const QString& aName) const {
-  const QString value = Attr(aName);
-  if (value.isEmpty()) return ENoShort;
-  return CVelumChecked::Narrow<qint16>(CVelumValue::RoundToInt(CVelumValue::LenientNum(value)));
+qint16 CVelumXmlParser::ShortAttr(QStringView aName) const {
+  return HasAttr(aName) ? CVelumChecked::Narrow<qint16>(IntAttr(aName)) : ENoShort;
 }
 
-double CVelumXmlParser::RealAttr(const QString& aName) const {
-  return CVelumValue::LenientNum(Attr(aName));
+double CVelumXmlParser::RealAttr(QStringView aName) const {
+  return CVelumValue::LenientNum(AttrView(aName));
 }
 
-bool CVelumXmlParser::BooleanAttr(const QString& aName) const {
-  const QString value = Attr(aName);
-  if (value.isEmpty() || value == u"0"_s) return false;
-  AssertObj(value == u"-1"_s, this, u"BooleanAttr"_s, u"iStr "_s + value);
+bool CVelumXmlParser::BooleanAttr(QStringView aName) const {
+  const QStringView value = AttrView(aName);
+  if (value.isEmpty() || value == u"0") return false;
+  if (value != u"-1") AssertObj(false, this, u"BooleanAttr"_s, u"iStr "_s + value.toString());
   return true;
 }
 
-qint32 CVelumXmlParser::CountAttr(const QString& aName) const {
+qint32 CVelumXmlParser::CountAttr(QStringView aName) const {
   const qint32 count = IntAttr(aName);
   return count == ENoInt ? 0 : count;
 }
 
 void CVelumXmlParser::ReadAttr(bool& aTerm) {
   iAttrs.clear();
+  iAttrText.resize(0);
+  iNextAttr = 0;
   for (;;) {
     if (iSym == ESymGreater || iSym == ESymGreaterEqual) {
       iPendingEqual = iSym == ESymGreaterEqual;
@@ -113,16 +162,25 @@ void CVelumXmlParser::ReadAttr(bool& aTerm) {
       aTerm = true;
       return GetTheSym(ESymGreater);
     }
-    AssertObj(iSym == ESymIdent, this, u"ReadAttr"_s, u"ReadAttr sym"_s);
-    if (iSym != ESymIdent) Stop(u"no attribute"_s);
-    const QString name = iSymStr;
-    GetTheSym(ESymEqual);
-    GetTheSym(ESymString);
-    QString value = iSymStr;
-    CVelumLib::UnescapeXml(value);
-    AddAttr(name, value);
+    if (iSym != ESymIdent) {
+      AssertObj(false, this, u"ReadAttr"_s, u"ReadAttr sym"_s);
+      Stop(u"no attribute"_s);
+    }
+    ReadAttrValue();
     NextSym();
   }
+}
+
+// The value of the attribute whose name is the present symbol.
+void CVelumXmlParser::ReadAttrValue() {
+  iName.resize(0);
+  iName.append(iSymStr);
+  GetTheSym(ESymEqual);
+  GetTheSym(ESymString);
+  if (!iSymStr.contains(u'&')) return AddAttr(iName, iSymStr);
+  QString value = iSymStr.toString();
+  CVelumLib::UnescapeXml(value);
+  AddAttr(iName, value);
 }
 
 void CVelumXmlParser::ReadAttrAndSym(bool& aTerm) {
@@ -156,7 +214,7 @@ void CVelumXmlParser::ReadHeader() {
   GetTheSym(ESymString);
   const bool utf8 = iSymStr == u"UTF-8"_s;
   const bool latin1 = iSymStr == u"ISO-8859-1"_s;
-  AssertObj(utf8 || latin1, this, u"ReadHeader"_s, u"encoding "_s + iSymStr);
+  AssertObj(utf8 || latin1, this, u"ReadHeader"_s, u"encoding "_s + iSymStr.toString());
   if (utf8) SetCoding(ECodUtf8);
   if (latin1) SetCoding(ECodLatin1);
   GetTheSym(ESymQuestion);
@@ -164,29 +222,35 @@ void CVelumXmlParser::ReadHeader() {
   NextSym();
 }
 
-void CVelumXmlParser::ReadNext(QString& aName, bool& aTerm) {
-  AssertObj(iSym == ESymLess, this, u"ReadNext"_s, u"ReadNext <"_s);
+// Reads the next tag up to its name; whether it is an end tag.
+bool CVelumXmlParser::ReadName() {
+  if (iSym != ESymLess) AssertObj(false, this, u"ReadNext"_s, u"ReadNext <"_s);
   if (iSym == ESymEof) Stop(u"the file ends"_s);
   NextSym();
-  aTerm = iSym == ESymSlash;
-  if (aTerm) {
+  const bool term = iSym == ESymSlash;
+  if (term)
     GetTheSym(ESymIdent);
-    aName = iSymStr;
-    GetTheSym(ESymGreater);
-    NextSym();
-    return;
-  }
-  AssertObj(iSym == ESymIdent, this, u"ReadNext"_s, u"ReadNext sym"_s);
-  aName = iSymStr;
+  else if (iSym != ESymIdent)
+    AssertObj(false, this, u"ReadNext"_s, u"ReadNext sym"_s);
+  iName.resize(0); // keeps its memory
+  iName.append(iSymStr);
+  if (term) GetTheSym(ESymGreater);
   NextSym();
+  return term;
 }
 
-void CVelumXmlParser::ReadTheNext(const QString& aName, bool aTerm) {
-  QString name;
-  bool term = false;
-  ReadNext(name, term);
-  AssertObj(name == aName, this, u"ReadTheNext"_s, u"ReadTheNext name wanted="_s + aName + u",got="_s + name);
-  AssertObj(term == aTerm, this, u"ReadTheNext"_s, u"ReadTheNext "_s + aName + u" term"_s);
+void CVelumXmlParser::ReadNext(QString& aName, bool& aTerm) {
+  aTerm = ReadName();
+  aName = Pooled(iName);
+}
+
+void CVelumXmlParser::ReadTheNext(QStringView aName, bool aTerm) {
+  const bool term = ReadName();
+  if (iName != aName)
+    AssertObj(false, this, u"ReadTheNext"_s,
+              u"ReadTheNext name wanted="_s + aName.toString() + u",got="_s + iName);
+  if (term != aTerm)
+    AssertObj(false, this, u"ReadTheNext"_s, u"ReadTheNext "_s + aName.toString() + u" term"_s);
 }
 
 // Text.
@@ -206,7 +270,18 @@ void CVelumXmlParser::ReadElemText(QString& aText, bool aKeepEol) {
   NextSym();
 }
 
+// A text on one line, without entities.
+bool CVelumXmlParser::ReadShortText(QString& aText) {
+  QStringView text;
+  if (iPendingEqual || !iScanner->GetViewUntil(u'<', text)) return false;
+  aText = Pooled(text);
+  CVelumLib::UnescapeXml(aText);
+  NextSym();
+  return true;
+}
+
 void CVelumXmlParser::ReadLongElemText(QString& aText) {
+  if (ReadShortText(aText)) return;
   bool eof = false;
   iScanner->GetLongAllUntil(u'<', false, aText, eof);
   AssertObj(!eof, this, u"ReadLongElemText"_s, u"ReadLongElemText eof"_s);
@@ -226,7 +301,7 @@ void CVelumXmlParser::ReadElem(QString& aText) {
   AssertObj(term, this, u"ReadElem"_s, u"ReadElem term"_s);
 }
 
-QString CVelumXmlParser::ReadTextElem(const QString& aName) {
+QString CVelumXmlParser::ReadTextElem(QStringView aName) {
   ReadTheNext(aName, false);
   bool term = false;
   ReadAttr(term);
@@ -237,9 +312,7 @@ QString CVelumXmlParser::ReadTextElem(const QString& aName) {
 }
 
 void CVelumXmlParser::ReadChild(CVelumStored& aChild, const CVelumObject& aOwner, const QString& aText) {
-  QString name;
-  bool term = false;
-  ReadNext(name, term);
-  AssertObj(aChild.IsInXml(name), &aOwner, u"InternalizeXml"_s, aText);
+  static_cast<void>(ReadName());
+  if (!aChild.IsInXml(iName)) AssertObj(false, &aOwner, u"InternalizeXml"_s, aText);
   aChild.InternalizeXml(*this);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/CVelumScanner.h"
+#include "core/CVelumTextPool.h"
 
 #include <vector>
 
@@ -27,13 +28,14 @@ public:
 
   // Attributes of the element that was read last. Numbers are read from their beginning, with a point in any
   // locale; what follows is ignored. Rounded to the nearest, halves to even; host error 6 when too large.
-  [[nodiscard]] QString Attr(const QString& aName) const;
-  [[nodiscard]] qint32 IntAttr(const QString& aName) const;   // ENoInt when empty or absent
-  [[nodiscard]] qint16 ShortAttr(const QString& aName) const; // ENoShort when empty or absent
-  [[nodiscard]] double RealAttr(const QString& aName) const;  // 0 when empty or absent
-  [[nodiscard]] bool BooleanAttr(const QString& aName) const; // false when empty or absent
+  [[nodiscard]] QString Attr(QStringView aName) const;
+  [[nodiscard]] bool HasAttr(QStringView aName) const { return !AttrView(aName).isEmpty(); } // and not empty
+  [[nodiscard]] qint32 IntAttr(QStringView aName) const;   // ENoInt when empty or absent
+  [[nodiscard]] qint16 ShortAttr(QStringView aName) const; // ENoShort when empty or absent
+  [[nodiscard]] double RealAttr(QStringView aName) const;  // 0 when empty or absent
+  [[nodiscard]] bool BooleanAttr(QStringView aName) const; // false when empty or absent
   // A count or set of flags, for which a missing attribute means none.
-  [[nodiscard]] qint32 CountAttr(const QString& aName) const;
+  [[nodiscard]] qint32 CountAttr(QStringView aName) const;
 
   // Reads the attributes of the current start tag. aTerm: the element is an empty one.
   void ReadAttr(bool& aTerm);
@@ -47,12 +49,12 @@ public:
   // The next tag up to its name. aTerm: it is an end tag.
   void ReadNext(QString& aName, bool& aTerm);
   // The same for a tag that is known.
-  void ReadTheNext(const QString& aName, bool aTerm);
+  void ReadTheNext(QStringView aName, bool aTerm);
   // The text up to the next tag. Line ends of the file belong to it only with aKeepEol.
   void ReadElemText(QString& aText, bool aKeepEol);
   void ReadLongElemText(QString& aText);
   // A whole element that holds only text.
-  [[nodiscard]] QString ReadTextElem(const QString& aName);
+  [[nodiscard]] QString ReadTextElem(QStringView aName);
   // The next element, which must be aChild's: asserts aText for aOwner otherwise, and reads it all the same.
   void ReadChild(CVelumStored& aChild, const CVelumObject& aOwner, const QString& aText);
   // ReadAttrAndSym for an element with children.
@@ -61,19 +63,36 @@ public:
 private:
   void NextSym();
   void GetTheSym(qint32 aKind);
-  void GetTheIdent(const QString& aName);
-  void AddAttr(const QString& aName, const QString& aValue);
-  [[nodiscard]] const QString* FindAttr(const QString& aName) const;
+  void GetTheIdent(QStringView aName);
+  void AddAttr(QStringView aName, QStringView aValue);
+  [[nodiscard]] qsizetype FindAttr(QStringView aName) const;
+  [[nodiscard]] QStringView AttrView(QStringView aName) const;
+  void ReadAttrValue();
+  // ReadNext, with the name in iName.
+  [[nodiscard]] bool ReadName();
+  [[nodiscard]] QString Pooled(QStringView aText) const;
+  [[nodiscard]] bool ReadShortText(QString& aText);
   void TakePending(QString& aText);
   [[noreturn]] void Stop(const QString& aWhy) const;
 
   Ref<CVelumScanner> iScanner;
   Ref<CVelumFile> iFile;
-  // By the name as it stands; names that differ in case alone are the same.
-  std::vector<std::pair<QString, QString>> iAttrs;
+  // Attributes of the element: their names and values stand one behind the other in iAttrText. Names that
+  // differ in case alone are the same.
+  struct TAttr {
+    qsizetype iName;  // where the name begins
+    qsizetype iValue; // where it ends and the value begins
+    qsizetype iEnd;
+  };
+  [[nodiscard]] QStringView NameOf(const TAttr& aAttr) const;
+  std::vector<TAttr> iAttrs;
+  QString iAttrText;
+  // Behind the attribute that was asked for last: attributes are mostly asked for in the order of the file.
+  mutable size_t iNextAttr = 0;
+  mutable CVelumTextPool iTexts; // of what is handed out
   qint32 iSym = ESymEof;
-  QString iSymStr;
-  qint16 iKeyword = 0;
+  QStringView iSymStr; // in the line that the scanner reads
+  QString iName;       // of the tag read last
   qint32 iCoding = ECodUtf8;
   // The scanner joins ">" and "=" into one symbol; where ">" ended a tag, the "=" is the first character of
   // what follows.

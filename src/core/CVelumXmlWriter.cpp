@@ -11,12 +11,13 @@
 namespace {
 
 constexpr qsizetype EPieceLen = 80;
+constexpr qsizetype EBufSize = 32768; // characters that are written at a time
 constexpr qsizetype EMaxLine = 32766; // of the scanner that reads it
 constexpr qsizetype EShownLen = 60;   // of a text in a message
-const QString ECrLf = u"\r\n"_s;
+constexpr QStringView ECrLf = u"\r\n";
 
 // The end of the piece that begins at aFrom. A surrogate pair stays whole, or it could not be encoded.
-qsizetype PieceEnd(const QString& aText, qsizetype aFrom) {
+qsizetype PieceEnd(QStringView aText, qsizetype aFrom) {
   const qsizetype end = std::min(aFrom + EPieceLen, aText.size());
   return end < aText.size() && aText.at(end).isLowSurrogate() ? end + 1 : end;
 }
@@ -32,6 +33,32 @@ bool Survives(const QString& aText, qsizetype& aPos) {
   return ch.isHighSurrogate() && next.isLowSurrogate();
 }
 
+void CheckText(const QString& aText) {
+  for (qsizetype pos = 0; pos < aText.size(); ++pos)
+    if (!Survives(aText, pos))
+      CVelumError::RaiseHost(EHostBadCall, u"a character that XML cannot hold in '"_s +
+                                               aText.first(std::min(aText.size(), EShownLen)) + u"'"_s);
+}
+
+// Whether a text is written as it is, as nearly all are.
+bool IsPlain(QStringView aText) {
+  constexpr quint64 ESpecial =
+      1ULL << '&' | 1ULL << '<' | 1ULL << '>' | 1ULL << '"' | 1ULL << '\'' | 1ULL << '\r' | 1ULL << 1;
+  return std::none_of(aText.begin(), aText.end(), [](QChar aCh) {
+    const char16_t ch = aCh.unicode();
+    return ch < 64 ? (ESpecial >> ch & 1) != 0 : QChar::isSurrogate(ch);
+  });
+}
+
+// aText as it stands in the document; aEscaped holds it where it is another one.
+QStringView Escaped(const QString& aText, QString& aEscaped) {
+  if (IsPlain(aText)) return aText;
+  CheckText(aText);
+  aEscaped = aText;
+  CVelumLib::EscapeXml(aEscaped);
+  return aEscaped;
+}
+
 } // namespace
 
 CVelumXmlWriter::CVelumXmlWriter(const QString& aFilename)
@@ -41,52 +68,101 @@ CVelumXmlWriter::CVelumXmlWriter(const QString& aFilename)
 
 void CVelumXmlWriter::OpenFile() {
   iFile->OpenFile();
-  iLine.clear();
+  iUsed = iLineStart = 0;
   iDepth = 0;
   iFile->WriteLine(u"<?xml version=\"1.0\" encoding=\"UTF-8\" ?>"_s);
 }
 
 void CVelumXmlWriter::CloseFile() {
-  CVelumError::AssertObj(iLine.isEmpty(), this, u"CloseFile"_s, u"CloseFile line"_s);
+  CVelumError::AssertObj(AtLineStart(), this, u"CloseFile"_s, u"CloseFile line"_s);
+  WriteOut();
   iFile->CloseFile();
 }
 
-void CVelumXmlWriter::BeginElem(const QString& aName) {
-  iLine += u'<' + aName;
+// The document is built here.
+
+// Where aCount more characters are to be put.
+char16_t* CVelumXmlWriter::Room(qsizetype aCount) {
+  const auto need = static_cast<size_t>(iUsed + aCount);
+  if (need > iBuf.size()) iBuf.resize(std::max({need, 2 * iBuf.size(), size_t{EBufSize}}));
+  char16_t* room = iBuf.data() + iUsed;
+  iUsed += aCount;
+  return room;
+}
+
+void CVelumXmlWriter::Add(QStringView aText) {
+  char16_t* to = Room(aText.size());
+  std::copy(aText.utf16(), aText.utf16() + aText.size(), to);
+}
+
+void CVelumXmlWriter::AddNumber(qint32 aNumber) {
+  std::array<char, 12> digits{};
+  const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), aNumber).ptr;
+  std::copy(static_cast<const char*>(digits.data()), end, Room(end - digits.data()));
+}
+
+// Begins a line. The root element stands in column 0.
+void CVelumXmlWriter::Indent() {
+  if (!AtLineStart()) return;
+  const qsizetype blanks = std::max<qsizetype>((iDepth - 1) * 2, 0);
+  std::fill_n(Room(blanks), blanks, u' ');
+}
+
+QString CVelumXmlWriter::LineBeginning() const {
+  const QStringView line(iBuf.data() + iLineStart, std::min(iUsed - iLineStart, EShownLen));
+  return line.toString().trimmed();
+}
+
+void CVelumXmlWriter::EndLine() {
+  if (iUsed - iLineStart > EMaxLine)
+    CVelumError::RaiseHost(EHostOverflow, u"too long for a line of XML: "_s + LineBeginning());
+  Add(ECrLf);
+  iLineStart = iUsed;
+  if (iUsed >= EBufSize) WriteOut();
+}
+
+// Writes all whole lines. The file adds the end of the last one.
+void CVelumXmlWriter::WriteOut() {
+  const qsizetype count = iLineStart - ECrLf.size();
+  iUsed = iLineStart = 0;
+  if (count >= 0) iFile->WriteLine(QString::fromRawData(reinterpret_cast<const QChar*>(iBuf.data()), count));
+}
+
+// Elements.
+
+void CVelumXmlWriter::BeginElem(QStringView aName) {
   iDepth = CVelumChecked::Add(iDepth, qint16{1});
+  Indent();
+  *Room(1) = u'<';
+  Add(aName);
 }
 
-void CVelumXmlWriter::CheckText(const QString& aText) const {
-  for (qsizetype pos = 0; pos < aText.size(); ++pos)
-    if (!Survives(aText, pos))
-      CVelumError::RaiseHost(EHostBadCall, u"a character that XML cannot hold in '"_s +
-                                               aText.first(std::min(aText.size(), EShownLen)) + u"'"_s);
+void CVelumXmlWriter::AddPlainAttr(QStringView aName, QStringView aValue) {
+  *Room(1) = u' ';
+  Add(aName);
+  Add(u"=\"");
+  Add(aValue);
+  *Room(1) = u'"';
 }
 
-void CVelumXmlWriter::AddPlainAttr(const QString& aName, const QString& aValue) {
-  iLine += u' ' + aName + u"=\""_s + aValue + u'"';
+void CVelumXmlWriter::AddAttr(QStringView aName, const QString& aValue) {
+  QString escaped;
+  AddPlainAttr(aName, Escaped(aValue, escaped));
 }
 
-void CVelumXmlWriter::AddAttr(const QString& aName, const QString& aValue) {
-  CheckText(aValue);
-  QString value = aValue;
-  CVelumLib::EscapeXml(value);
-  AddPlainAttr(aName, value);
+void CVelumXmlWriter::AddIntAttr(QStringView aName, qint32 aValue) {
+  *Room(1) = u' ';
+  Add(aName);
+  Add(u"=\"");
+  AddNumber(aValue);
+  *Room(1) = u'"';
 }
 
-void CVelumXmlWriter::AddIntAttr(const QString& aName, qint32 aValue) {
-  AddPlainAttr(aName, QString::number(aValue));
-}
-
-void CVelumXmlWriter::AddShortAttr(const QString& aName, qint16 aValue) {
-  AddPlainAttr(aName, QString::number(aValue));
-}
-
-void CVelumXmlWriter::AddRealAttr(const QString& aName, double aValue) {
+void CVelumXmlWriter::AddRealAttr(QStringView aName, double aValue) {
   AddPlainAttr(aName, CVelumDecimal::TextOf(aValue));
 }
 
-void CVelumXmlWriter::AddSingleAttr(const QString& aName, float aValue) {
+void CVelumXmlWriter::AddSingleAttr(QStringView aName, float aValue) {
   std::array<char, 32> digits{};
   const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), aValue).ptr;
   double value = 0;
@@ -94,53 +170,44 @@ void CVelumXmlWriter::AddSingleAttr(const QString& aName, float aValue) {
   AddRealAttr(aName, value);
 }
 
-void CVelumXmlWriter::AddBooleanAttr(const QString& aName, bool aValue) {
-  AddPlainAttr(aName, aValue ? u"-1"_s : u"0"_s);
+void CVelumXmlWriter::AddBooleanAttr(QStringView aName, bool aValue) {
+  AddPlainAttr(aName, aValue ? u"-1" : u"0");
 }
 
 void CVelumXmlWriter::EndEmptyElem() {
-  iLine += u"/>"_s;
-  WriteLine();
+  Add(u"/>");
+  EndLine();
   --iDepth;
 }
 
 void CVelumXmlWriter::AddLongElemText(const QString& aText) {
-  CheckText(aText);
-  iLine += u'>';
-  QString text = aText;
-  CVelumLib::EscapeXml(text);
-  iLine.reserve(iLine.size() + text.size() + text.size() / EPieceLen * ECrLf.size() + EPieceLen);
+  QString escaped;
+  const QStringView text = Escaped(aText, escaped);
+  *Room(1) = u'>';
   for (qsizetype from = 0; from < text.size();) {
     const qsizetype end = PieceEnd(text, from);
-    if (from > 0) iLine += ECrLf;
-    iLine += QStringView(text).mid(from, end - from);
+    if (from > 0) EndLine();
+    Add(text.sliced(from, end - from));
     from = end;
   }
 }
 
-void CVelumXmlWriter::EndElem(const QString& aName) {
-  iLine += u"</"_s + aName + u'>';
-  WriteLine();
+void CVelumXmlWriter::EndElem(QStringView aName) {
+  Indent();
+  Add(u"</");
+  Add(aName);
+  *Room(1) = u'>';
+  EndLine();
   --iDepth;
 }
 
 void CVelumXmlWriter::BeginStruct() {
-  iLine += u'>';
-  WriteLine();
+  *Room(1) = u'>';
+  EndLine();
 }
 
-void CVelumXmlWriter::WriteTextElem(const QString& aName, const QString& aText) {
+void CVelumXmlWriter::WriteTextElem(QStringView aName, const QString& aText) {
   BeginElem(aName);
   AddElemText(aText);
   EndElem(aName);
-}
-
-// Only the first of the lines that iLine holds can be long: the others are pieces.
-void CVelumXmlWriter::WriteLine() {
-  const QString indent(std::max<qsizetype>((iDepth - 1) * 2, 0), u' ');
-  const qsizetype end = iLine.indexOf(u'\r');
-  if (indent.size() + (end < 0 ? iLine.size() : end) > EMaxLine)
-    CVelumError::RaiseHost(EHostOverflow, u"too long for a line of XML: "_s + iLine.first(EShownLen));
-  iFile->WriteLine(indent + iLine);
-  iLine.clear();
 }

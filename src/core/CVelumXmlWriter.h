@@ -3,6 +3,8 @@
 
 #include "core/CVelumFile.h"
 
+#include <vector>
+
 // An element is BeginElem, any attributes, and then EndEmptyElem; or AddElemText and EndElem; or
 // BeginStruct, its children and EndElem. Text is escaped here.
 //
@@ -13,34 +15,43 @@ public:
   explicit CVelumXmlWriter(const QString& aFilename);
 
   [[nodiscard]] QString ObjDescr() const override { return u"CVelumXmlWriter"_s; }
-  void BeginElem(const QString& aName);
-  void AddAttr(const QString& aName, const QString& aValue);
-  void AddIntAttr(const QString& aName, qint32 aValue);
-  void AddShortAttr(const QString& aName, qint16 aValue);
-  void AddRealAttr(const QString& aName, double aValue);
+  void BeginElem(QStringView aName);
+  void AddAttr(QStringView aName, const QString& aValue);
+  void AddIntAttr(QStringView aName, qint32 aValue);
+  void AddShortAttr(QStringView aName, qint16 aValue) { AddIntAttr(aName, aValue); }
+  void AddRealAttr(QStringView aName, double aValue);
   // As few digits as read back to the same single-precision number.
-  void AddSingleAttr(const QString& aName, float aValue);
+  void AddSingleAttr(QStringView aName, float aValue);
   // "-1" for true, "0" for false.
-  void AddBooleanAttr(const QString& aName, bool aValue);
+  void AddBooleanAttr(QStringView aName, bool aValue);
   void EndEmptyElem();
   void AddElemText(const QString& aText) { AddLongElemText(aText); }
   // The escaped text in lines of 80 characters; their ends are no part of the text.
   void AddLongElemText(const QString& aText);
-  void EndElem(const QString& aName);
+  void EndElem(QStringView aName);
   void BeginStruct();
   // An element that holds only text.
-  void WriteTextElem(const QString& aName, const QString& aText);
+  void WriteTextElem(QStringView aName, const QString& aText);
   // Opens the file and writes the header.
   void OpenFile();
   // Asserts that no element is half written.
   void CloseFile();
 
 private:
-  void AddPlainAttr(const QString& aName, const QString& aValue);
-  void WriteLine();
-  void CheckText(const QString& aText) const;
+  [[nodiscard]] bool AtLineStart() const { return iUsed == iLineStart; }
+  char16_t* Room(qsizetype aCount);
+  void Add(QStringView aText);
+  void AddNumber(qint32 aNumber);
+  void Indent();
+  void AddPlainAttr(QStringView aName, QStringView aValue);
+  void EndLine();
+  void WriteOut();
+  [[nodiscard]] QString LineBeginning() const;
 
   Ref<CVelumFile> iFile;
-  QString iLine;
+  // The characters that were not written yet: whole lines, and from iLineStart on one under construction.
+  std::vector<char16_t> iBuf;
+  qsizetype iUsed = 0;
+  qsizetype iLineStart = 0;
   qint16 iDepth = 0;
 };

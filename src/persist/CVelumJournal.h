@@ -2,14 +2,16 @@
 #pragma once
 
 #include "core/CVelumFile.h"
+#include "persist/CVelumBesideName.h"
 
 #include <functional>
 #include <map>
 
 // The rollback journal of one save. Before bytes of the document are overwritten or cut off, the old ones
-// are written to a file beside it (NAME-journal) and brought to the disk. Whoever opens the document and
-// finds a journal puts the old bytes back first; so there is always the old document or the new one.
-// The journal is locked as long as its save runs, and a locked one is left alone.
+// are written to a file beside it (NAME-journal, or what CVelumBesideName gives for it) and brought to the
+// disk. Whoever opens the document and finds a journal puts the old bytes back first; so there is always the
+// old document or the new one. The journal is locked as long as its save runs, and a locked one is left
+// alone.
 //
 // The file, little-endian: a head of 48 bytes (8 bytes "OrvJrn01"; as 64-bit integers the length that the
 // document had, its device and its inode; the MD5 sum of these 32 bytes), then records (position, length,
@@ -38,7 +40,9 @@ public:
   // there.
   void RollBack();
 
-  [[nodiscard]] static QString NameFor(const QString& aPath) { return aPath + u"-journal"_s; }
+  [[nodiscard]] static QString NameFor(const QString& aPath) {
+    return CVelumBesideName::For(aPath, u"-journal"_s);
+  }
   // To be called before the document aPath is read or written. Puts the old document back if a save was
   // cut off; true if it did. A journal that was made for another file than the one that has the name now
   // only counts if aIsWhole denies that this one is whole in itself; otherwise it is set aside.

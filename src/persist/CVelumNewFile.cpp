@@ -1,11 +1,14 @@
 #include "persist/CVelumNewFile.h"
 
+#include "persist/CVelumBesideName.h"
+
 #include <QFileInfo>
 
 #include <cerrno>
 #include <fcntl.h>
 
-CVelumNewFile::CVelumNewFile(const QString& aTarget) : iTarget(aTarget), iPath(aTarget + u"-new"_s) {
+CVelumNewFile::CVelumNewFile(const QString& aTarget)
+    : iTarget(aTarget), iPath(CVelumBesideName::For(aTarget, u"-new"_s)) {
   try {
     Create();
   } catch (...) {

@@ -3,8 +3,8 @@
 
 #include "core/CVelumOs.h"
 
-// Makes NAME-new in the folder of NAME, locked against a second writer; TakePlace gives it the name. Whoever
-// opens NAME at any moment finds the old file or the new one.
+// Makes NAME-new in the folder of NAME (or what CVelumBesideName gives for it), locked against a second
+// writer; TakePlace gives it the name. Whoever opens NAME at any moment finds the old file or the new one.
 class CVelumNewFile {
 public:
   // aTarget need not be there, and is no symbolic link. Raises when the folder cannot be written to, and for

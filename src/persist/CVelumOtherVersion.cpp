@@ -1,6 +1,7 @@
 #include "persist/CVelumOtherVersion.h"
 
 #include "core/CVelumSeams.h"
+#include "persist/CVelumBesideName.h"
 #include "persist/CVelumNewFile.h"
 
 #include <QDateTime>
@@ -16,10 +17,10 @@ QString FreeName(const QString& aPath) {
   QFileInfo info(aPath);
   QString time = info.lastModified().toString(u"yyyy-MM-dd hh.mm.ss"_s);
   QString ending = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
-  QString base = info.absolutePath() + u'/' + info.completeBaseName();
   for (int num = 1;; ++num) {
     QString count = num == 1 ? QString() : u' ' + QString::number(num);
-    QString name = base + u" (other version "_s + time + count + u')' + ending;
+    QString rest = u" (other version "_s + time + count + u')' + ending;
+    QString name = info.absolutePath() + u'/' + CVelumBesideName::Cut(info.completeBaseName(), rest) + rest;
     if (!CVelumOs::IdOf(name).Exists()) return name;
   }
 }
