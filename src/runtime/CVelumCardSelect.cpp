@@ -37,8 +37,25 @@ void CVelumCardSelect::Unload() {
   iCard = nullptr;
 }
 
-void CVelumCardSelect::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
+void CVelumCardSelect::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
+  if (aKind == 6) LetGo(aObj1);
   if (aKind == 7) CVelumWinMan::UnloadForm(*this);
+}
+
+void CVelumCardSelect::LetGo(const CVelumObject* aBackground) {
+  const Ref<CVelumObject> chosen = iBackgroundBox->SelObj();
+  const bool going = chosen.Get() == aBackground;
+  // No other background will do for whoever asked for a card of this one.
+  if (going && !iUi->fBackgroundCombo->isEnabled()) return CVelumWinMan::UnloadForm(*this);
+  {
+    const QScopedValueRollback loading(iLoading, true);
+    CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, aBackground);
+    if (chosen && !going)
+      iBackgroundBox->SetSelIndexByObj(chosen.Get());
+    else if (iBackgroundBox->NumLines() > 0)
+      iBackgroundBox->SetSelIndex(0);
+  }
+  if (going) FillCards();
 }
 
 void CVelumCardSelect::FillCards() {

@@ -28,7 +28,7 @@ public:
 
   void Load() override;
   void Unload() override;
-  // Unloads itself when the stack is about to close.
+  // Unloads itself when the stack is about to close; lets go of a background that is deleted.
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
 
   // Shows the window for aOwner, which is a CVelumCardTaker; it may go before a card is chosen. With a
@@ -38,6 +38,7 @@ public:
   [[nodiscard]] Ref<CVelumCard> Card() const { return iCard; }
 
 private:
+  void LetGo(const CVelumObject* aBackground);
   void FillCards();
   void TakeCard();
   void Select();

@@ -142,4 +142,32 @@ TEST_F(CVelumCardSelectTest, UnloadsItselfWhenTheStackCloses) {
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
 }
 
+TEST_F(CVelumCardSelectTest, LetsGoOfABackgroundThatIsDeleted) {
+  iForm->SelectCard(&iOwner, nullptr, 0);
+  const QString first = Combo().itemText(0);
+  Combo().setCurrentIndex(1);
+  ASSERT_EQ(Names(), QStringList(u"x"_s));
+  ClickLine(0);
+  iForm->ChangeNotify(6, iSecond.Get(), nullptr);
+  EXPECT_EQ(Combo().count(), 1);
+  EXPECT_EQ(Combo().currentText(), first);
+  EXPECT_EQ(Names(), (QStringList{u"a"_s, u"b"_s}));
+  EXPECT_FALSE(iForm->Card());
+}
+
+TEST_F(CVelumCardSelectTest, KeepsItsChoiceWhenAnotherBackgroundIsDeleted) {
+  iForm->SelectCard(&iOwner, nullptr, 0);
+  ClickLine(1);
+  iForm->ChangeNotify(6, iSecond.Get(), nullptr);
+  EXPECT_EQ(Combo().count(), 1);
+  ASSERT_TRUE(iForm->Card());
+  EXPECT_EQ(iForm->Card()->Name(), u"b"_s);
+}
+
+TEST_F(CVelumCardSelectTest, ClosesWhenTheOnlyBackgroundThatWillDoIsDeleted) {
+  iForm->SelectCard(&iOwner, iSecond, 0);
+  iForm->ChangeNotify(6, iSecond.Get(), nullptr);
+  EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
+}
+
 } // namespace
