@@ -136,6 +136,7 @@ void CVelumFrame::ConnectToolbar() {
 }
 
 // Page Up and Page Down alone belong to the text box that has the focus; with Ctrl they leaf from everywhere.
+// No entry has a use for Alt with an arrow, but lists would take it for the arrow alone.
 void CVelumFrame::ConnectKeys() {
   const auto leaf = [](QAction* aButton, Qt::Key aKey) {
     aButton->setShortcut(Qt::CTRL | aKey);
@@ -143,6 +144,8 @@ void CVelumFrame::ConnectKeys() {
   };
   leaf(iUi->PrevCard, Qt::Key_PageUp);
   leaf(iUi->NextCard, Qt::Key_PageDown);
+  iUi->BackInHistory->setShortcut(Qt::ALT | Qt::Key_Left);
+  iUi->ForwInHistory->setShortcut(Qt::ALT | Qt::Key_Right);
 }
 
 void CVelumFrame::ButtonClick(const QString& aKey) {
@@ -264,22 +267,13 @@ QMenu* CVelumFrame::createPopupMenu() {
 }
 
 void CVelumFrame::keyPressEvent(QKeyEvent* aEvent) {
-  struct TKey {
-    int iKey;
-    Qt::KeyboardModifiers iModifiers;
-    QStringView iButton;
-  };
-  static constexpr TKey keys[] = {{Qt::Key_PageUp, Qt::NoModifier, u"PrevCard"},
-                                  {Qt::Key_PageDown, Qt::NoModifier, u"NextCard"},
-                                  {Qt::Key_Left, Qt::AltModifier, u"BackInHistory"},
-                                  {Qt::Key_Right, Qt::AltModifier, u"ForwInHistory"}};
-  const Qt::KeyboardModifiers modifiers = aEvent->modifiers() & ~Qt::KeypadModifier;
-  for (const TKey& key : keys)
-    if (aEvent->key() == key.iKey && modifiers == key.iModifiers) {
-      findChild<QAction*>(key.iButton.toString())->trigger();
-      return;
-    }
-  QMainWindow::keyPressEvent(aEvent);
+  const bool plain = (aEvent->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+  if (plain && aEvent->key() == Qt::Key_PageUp)
+    iUi->PrevCard->trigger();
+  else if (plain && aEvent->key() == Qt::Key_PageDown)
+    iUi->NextCard->trigger();
+  else
+    QMainWindow::keyPressEvent(aEvent);
 }
 
 QAction* CVelumFrame::FindAction(const QString& aName) {

@@ -59,7 +59,7 @@ protected:
   void closeEvent(QCloseEvent* aEvent) override;
   // None: its only use would be to hide the toolbar, which nothing brings back.
   QMenu* createPopupMenu() override;
-  // Page Up, Page Down, Alt+Left and Alt+Right where the window with the focus has no use for them.
+  // Page Up and Page Down, where what has the focus has no use for them.
   void keyPressEvent(QKeyEvent* aEvent) override;
 
 private:

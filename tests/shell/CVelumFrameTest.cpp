@@ -178,6 +178,7 @@ TEST_F(CVelumFrameTest, KeysLeafThroughCards) {
   EXPECT_EQ(CardName(), u"card 02"_s);
   QTest::keyClick(gFrame, Qt::Key_PageUp);
   EXPECT_EQ(CardName(), u"card 01"_s);
+  ASSERT_TRUE(QTest::qWaitForWindowActive(gFrame));
   QTest::keyClick(gFrame, Qt::Key_Left, Qt::AltModifier);
   EXPECT_EQ(CardName(), u"card 02"_s);
   QTest::keyClick(gFrame, Qt::Key_Right, Qt::AltModifier);
@@ -664,6 +665,22 @@ TEST_F(CVelumFrameTest, NotificationsReachTheFrame) {
   EXPECT_EQ(iPresenter.Count(), 0);
   CVelumSeams::ChangeNotify(8);
   EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
+}
+
+TEST_F(CVelumFrameTest, ViewsAreRefreshedByTheKindsThatConcernThem) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  auto* edit = gStackView->CardView()->ViewForm().findChild<QLineEdit*>(u"fGenTextBox0"_s);
+  edit->setFocus();
+  const Ref<CVelumControl> field = gStackView->CardView()->FocusControl();
+  ASSERT_TRUE(field);
+  for (const int kind : {1, 2, 3, 4, 5, 6, 9}) {
+    const QString before = edit->text();
+    const QString now = u"value "_s + QString::number(kind);
+    gStackView->CurCard()->SetControlVal(field->Id(), TVelumValue::OfStr(now));
+    ASSERT_EQ(edit->text(), before);
+    CVelumSeams::ChangeNotify(kind);
+    EXPECT_EQ(edit->text(), kind == 1 || kind == 3 || kind == 9 ? now : before) << kind;
+  }
 }
 
 TEST_F(CVelumFrameTest, CaptionOfAStackWithoutNameKeepsItsDash) {

@@ -89,6 +89,20 @@ TEST_F(CVelumShortcutsTest, HistoryKeysWorkFromATextAndTypeNothing) {
   EXPECT_EQ(edit->toPlainText(), before);
 }
 
+TEST_F(CVelumShortcutsTest, HistoryKeysWorkFromTheCardList) {
+  Open();
+  gStackView->OpenCardList();
+  Action(u"NextCard"_s)->trigger();
+  QWidget* list =
+      CVelumWinMan::NameToForm(u"CVelumCardListForm"_s)->Widget()->findChild<QWidget*>(u"fCardBox"_s);
+  ASSERT_TRUE(list);
+  list->setFocus();
+  QTest::keyClick(list, Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(CardName(), u"card 00"_s);
+  QTest::keyClick(list, Qt::Key_Right, Qt::AltModifier);
+  EXPECT_EQ(CardName(), u"card 01"_s);
+}
+
 TEST_F(CVelumShortcutsTest, TextKeepsTheKeysOfEditing) {
   Open();
   LineBox()->setFocus();
