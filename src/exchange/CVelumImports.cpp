@@ -50,7 +50,7 @@ ECsvOutcome CImport::Read() {
   file.SetCoding(iOptions.iCoding);
   file.OpenFile();
   const qint64 size = QFileInfo(iFilename).size();
-  const bool done = iRows.Read(file, size, EReadEnd, iWatch);
+  const bool done = iRows.Read(file, size, EReadEnd, iWatch, iOptions.iMaxRows);
   file.CloseFile();
   if (!done) return ECsvOutcome::Cancelled;
   if (!iRows.IsEmpty()) return FindTypes() ? ECsvOutcome::Done : ECsvOutcome::Cancelled;

@@ -15,6 +15,7 @@ struct TCsvOptions {
   bool iTryCardName = true;
   // Types that the user wants for columns, in place of those that are detected.
   std::array<std::optional<qint32>, CVelumCsvRows::EMaxItems> iTypes = {};
+  qint32 iMaxRows = CVelumCsvRows::EAllRows; // further rows are left out
 };
 
 enum class ECsvOutcome { Done, Empty, Cancelled };

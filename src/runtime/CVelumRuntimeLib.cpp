@@ -18,31 +18,13 @@
 
 namespace {
 
-// Shows another stack. When that fails, the one before is the open one again.
-void ReplaceStack(const Ref<CVelumStack>& aStack, const Ref<CVelumStackView>& aView) {
-  const Ref<CVelumStack> oldStack = gStack;
-  const Ref<CVelumStackView> oldView = gStackView;
-  if (oldView) oldView->Release();
-  gStack = aStack;
-  gStackView = aView;
-  try {
-    aView->OpenViews();
-  } catch (...) {
-    aView->Release();
-    gStack = oldStack;
-    gStackView = oldView;
-    if (oldView) oldView->OpenViews();
-    throw;
-  }
-}
-
 // Loads before anything of the open stack is touched: a failure leaves stack and windows as they are.
 void LoadStack(const QString& aPath) {
   if (!CVelumLib::FileExists(aPath)) CVelumError::Throw(EMsgFileNotFound, u"HandleLoadStack"_s, aPath, {});
   Ref<CVelumStack> stack;
   Ref<CVelumViewState> state;
   CVelumStackFile(aPath).LoadStack(stack, state);
-  ReplaceStack(stack, MakeRef<CVelumStackView>(state, stack));
+  CVelumLib::ReplaceStack(stack, MakeRef<CVelumStackView>(state, stack));
 }
 
 } // namespace
@@ -65,6 +47,23 @@ QFont MakeToolkitFont(const CVelumFont& aFont, bool aExact) {
   const auto flag = [&aFont](qint32 aMask) { return (aFont.Flags() & aMask) != 0; };
   return MakeToolkitFont(aFont.FaceName(), static_cast<double>(aFont.HostPointSize(aExact)), flag(EFntBold),
                          flag(EFntItalic), flag(EFntUnderline));
+}
+
+void ReplaceStack(const Ref<CVelumStack>& aStack, const Ref<CVelumStackView>& aView) {
+  const Ref<CVelumStack> oldStack = gStack;
+  const Ref<CVelumStackView> oldView = gStackView;
+  if (oldView) oldView->Release();
+  gStack = aStack;
+  gStackView = aView;
+  try {
+    aView->OpenViews();
+  } catch (...) {
+    aView->Release();
+    gStack = oldStack;
+    gStackView = oldView;
+    if (oldView) oldView->OpenViews();
+    throw;
+  }
 }
 
 bool HandleLoadStack(const QString& aPath) {

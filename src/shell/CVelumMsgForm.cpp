@@ -31,6 +31,7 @@ CVelumMsgForm::CVelumMsgForm(QWidget* aOwner) : QDialog(aOwner), iUi(new Ui::CVe
   clear.setColor(QPalette::Base, Qt::transparent);
   iUi->fText->setPalette(clear);
   iUi->fText->document()->setDocumentMargin(0);
+  iUi->fSilent->hide();
   connect(iUi->fYes, &QPushButton::clicked, this, [this] {
     iResult = true;
     hide();
@@ -59,6 +60,14 @@ void CVelumMsgForm::SetText(const QString& aText) {
   iUi->fText->setPlainText(aText);
   setAccessibleDescription(aText);
   FitText();
+}
+
+void CVelumMsgForm::OfferSilence() {
+  iUi->fSilent->show();
+}
+
+bool CVelumMsgForm::Silenced() const {
+  return iUi->fSilent->isChecked();
 }
 
 void CVelumMsgForm::FitText() {

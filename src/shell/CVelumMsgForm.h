@@ -24,6 +24,9 @@ public:
   void SetText(const QString& aText);
   // The name of the message's constant, for its help page.
   void SetMsgName(const QString& aName) { iMsgName = aName; }
+  // Lets the user choose not to see the message again; Silenced is what was chosen.
+  void OfferSilence();
+  [[nodiscard]] bool Silenced() const;
   // Shows the form over aFrame (or the screen); returns true for fYes.
   bool Ask(const QWidget* aFrame);
   [[nodiscard]] bool Result() const { return iResult; }

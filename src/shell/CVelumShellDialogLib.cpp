@@ -1,6 +1,6 @@
 #include "shell/CVelumShellDialogLib.h"
 
-#include "model/CVelumStack.h"
+#include "runtime/CVelumStackView.h"
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumSave.h"
 
@@ -27,6 +27,17 @@ void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
     aProceed = aSave || iDialogRes == ESaveResDiscard;
   }
   CVelumSeams::EventPump().PumpPaint();
+}
+
+bool CVelumDialogLib::LeaveStackStep() {
+  if (!gStack) return true;
+  if (gStackView) gStackView->ValidateCurControl();
+  bool proceed = false;
+  bool save = false;
+  CheckLeaveStack(proceed, save);
+  if (!proceed || !save) return proceed;
+  if (gFrame) gFrame->Commands().SaveStack();
+  return !gStack || !gStack->Changed();
 }
 
 void CVelumDialogLib::CloseStackStep(bool& aStillOpen) {

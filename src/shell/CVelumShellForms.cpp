@@ -1,6 +1,8 @@
 #include "shell/CVelumShellForms.h"
 
 #include "shell/CVelumCardEdit.h"
+#include "shell/CVelumCsvImportOptions.h"
+#include "shell/CVelumImportOptions.h"
 #include "shell/CVelumNewStackForm.h"
 #include "shell/CVelumOptionEdit.h"
 #include "shell/CVelumPictureViewer.h"
@@ -17,6 +19,8 @@ template <class T> void Add(const QString& aName) {
 
 void CVelumShellForms::Register() {
   Add<CVelumCardEdit>(u"CVelumCardEdit"_s);
+  Add<CVelumCsvImportOptions>(u"CVelumCsvImportOptions"_s);
+  Add<CVelumImportOptions>(u"CVelumImportOptions"_s);
   Add<CVelumNewStackForm>(u"CVelumNewStackForm"_s);
   Add<CVelumOptionEdit>(u"CVelumOptionEdit"_s);
   Add<CVelumPictureViewer>(u"CVelumPictureViewer"_s);

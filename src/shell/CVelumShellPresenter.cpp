@@ -3,6 +3,7 @@
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumHelpForm.h"
 #include "shell/CVelumMsgForm.h"
+#include "shell/CVelumSilence.h"
 #include "toolkit/CVelumWinMan.h"
 
 #include <QApplication>
@@ -28,7 +29,10 @@ bool CVelumShellPresenter::Message(qint32, EMsgClass aClass, const QString& aNam
   form.SetMsgName(aName);
   form.SetClass(aClass);
   form.SetText(aText);
+  CVelumSilence* silence = CVelumSilence::Current();
+  if (silence) form.OfferSilence();
   const bool answer = form.Ask(FrameWidget());
+  if (silence && form.Silenced()) silence->SetChosen();
   CVelumHelpForm::Release(&form);
   return answer;
 }

@@ -1,0 +1,206 @@
+#include "shell/CVelumImportOptions.h"
+
+#include "core/CVelumDialogLib.h"
+#include "core/CVelumLib.h"
+#include "exchange/CVelumContentImport.h"
+#include "exchange/CVelumTextImport.h"
+#include "runtime/CVelumRuntimeDialogLib.h"
+#include "runtime/CVelumStackView.h"
+#include "shell/CVelumCsvImportOptions.h"
+#include "shell/CVelumImportProgress.h"
+#include "shell/CVelumOptions.h"
+#include "shell/CVelumScriptBar.h"
+#include "shell/CVelumShellDialogLib.h"
+#include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumWinMan.h"
+#include "ui_CVelumImportOptions.h"
+
+#include <QPointer>
+#include <QScopeGuard>
+#include <QScopedValueRollback>
+
+namespace {
+
+constexpr int EStructure = 1;
+constexpr int EStackCloses = 7;
+const QString ECsvForm = u"CVelumCsvImportOptions"_s;
+
+// The choice as it was when the window was last unloaded; for this run of the program.
+bool gIntoCurStack = false;
+
+} // namespace
+
+CVelumImportOptions::CVelumImportOptions()
+    : CVelumDialogForm(u"CVelumImportOptions"_s, true), iUi(new Ui::CVelumImportOptions),
+      fImportCsvDialog(u"Import CSV File"_s, u"csv"_s, u"CSV Files (*.csv)|*.csv|All Files (*.*)|*"_s),
+      fImportXmlDialog(u"Import XML File"_s, u"xml"_s, u"XML Files (*.xml)|*.xml|All Files (*.*)|*"_s),
+      fImportHandBaseDialog(u"Import HanDBase File"_s, u"csv"_s,
+                            u"HanDBase Files (*.pdb)|*.pdb|All Files (*.*)|*"_s),
+      fImportOrvelleDialog(u"Import Orvelle / Merge Orvelles"_s, u"Orvelle"_s,
+                           u"Orvelle  (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s),
+      fImportTextDialog(u"Import Pure Text File"_s, u"csv"_s, u"All Files (*.*)|*"_s) {
+  iUi->setupUi(this);
+  iBackgroundBox = MakeRef<CVelumListBox>(ELisSingle, iUi->fBackgroundBox, this);
+  for (QAbstractButton* choice : std::initializer_list<QAbstractButton*>{
+           iUi->fCsv, iUi->fXml, iUi->fPdb, iUi->fOrvelle, iUi->fText, iUi->fIntoCurStack})
+    connect(choice, &QAbstractButton::clicked, this, [this] {
+      CVelumGuard::Run(u"CVelumImportOptions.HandleDisables"_s, [this] { HandleDisables(); });
+    });
+  connect(iUi->fOkBut, &QPushButton::clicked, this, [this] {
+    // The open stack changes, or goes: a running script ends first.
+    CVelumDialogLib::WhenNoScriptRuns([form = QPointer(this)] {
+      if (form) form->Import();
+    });
+  });
+  connect(iUi->fCancelBut, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+CVelumImportOptions::~CVelumImportOptions() = default;
+
+void CVelumImportOptions::Load() {
+  CVelumDialogForm::Load();
+  iBackgroundBox->Define1Column(u"Background"_s);
+  FillBackgrounds();
+  iUi->fCsv->setChecked(true);
+  iUi->fIntoCurStack->setChecked(gIntoCurStack);
+  HandleDisables();
+  iUi->fCsv->setFocus();
+}
+
+void CVelumImportOptions::Unload() {
+  gIntoCurStack = iUi->fIntoCurStack->isChecked();
+  if (CVelumWinMan::FormIsLoaded(ECsvForm)) CVelumWinMan::UnloadForm(*CVelumWinMan::NameToForm(ECsvForm));
+  CVelumDialogForm::Unload();
+  iBackgroundBox->ClearAndShow();
+}
+
+void CVelumImportOptions::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
+  if (aKind == EStackCloses && !iBusy) CVelumWinMan::UnloadForm(*this);
+  if (aKind > EStructure) return;
+  FillBackgrounds();
+  HandleDisables();
+}
+
+void CVelumImportOptions::FillBackgrounds() {
+  CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, nullptr);
+  if (gStack && iBackgroundBox->NumLines() > 0) iBackgroundBox->SetSelIndex(0);
+}
+
+bool CVelumImportOptions::IntoCurStack() const {
+  return iUi->fIntoCurStack->isChecked();
+}
+
+Ref<CVelumControlSet> CVelumImportOptions::Background() const {
+  return dynamic_cast<CVelumControlSet*>(iBackgroundBox->SelObj().Get());
+}
+
+void CVelumImportOptions::CloseOthers() {
+  const QScopedValueRollback busy(iBusy, true);
+  CVelumSeams::ChangeNotify(EStackCloses);
+}
+
+void CVelumImportOptions::SetTarget(bool aEnabled, bool aInto, bool aBackgroundEnabled) {
+  iUi->fIntoCurStack->setEnabled(aEnabled);
+  iUi->fIntoCurStack->setChecked(aInto);
+  iUi->fBackgroundBox->setEnabled(aBackgroundEnabled);
+}
+
+void CVelumImportOptions::HandleDisables() {
+  for (QRadioButton* needsStack : {iUi->fXml, iUi->fOrvelle, iUi->fText})
+    needsStack->setEnabled(static_cast<bool>(gStack));
+  const bool into = IntoCurStack();
+  if (iUi->fCsv->isChecked())
+    SetTarget(true, into, into);
+  else if (iUi->fPdb->isChecked())
+    SetTarget(false, false, false);
+  else if (iUi->fXml->isChecked() || iUi->fOrvelle->isChecked())
+    SetTarget(false, true, false);
+  else if (iUi->fText->isChecked())
+    SetTarget(false, true, true);
+  else
+    CVelumError::Assert(false, u"HandleDisables value"_s);
+}
+
+void CVelumImportOptions::Import() {
+  if (iBusy) return;
+  if (iUi->fCsv->isChecked())
+    ImportCsvFile();
+  else if (iUi->fXml->isChecked())
+    ImportXmlFile();
+  else if (iUi->fPdb->isChecked())
+    ImportHandBaseFile();
+  else if (iUi->fOrvelle->isChecked())
+    ImportOrvelle();
+  else
+    ImportTextFile();
+}
+
+QString CVelumImportOptions::AskFile(CVelumFileDialog& aDialog, QString& aInitDir) {
+  if (!aInitDir.isEmpty()) aDialog.SetInitDir(aInitDir);
+  if (!aDialog.ShowOpen(this)) return {};
+  QString name;
+  CVelumLib::SplitPath(aDialog.FileName(), aInitDir, name);
+  return aDialog.FileName();
+}
+
+template <class TWork>
+bool CVelumImportOptions::Run(const QString& aProc, const QString& aPath, const TWork& aWork) {
+  const QScopedValueRollback busy(iBusy, true);
+  bool done = false;
+  CVelumGuard::Run(aProc, [&] {
+    CVelumImportProgress progress(this, aPath);
+    CVelumDialogLib::BeginWait();
+    done = aWork([&progress](qint64 aDone, qint64 aTotal) { return progress.Step(aDone, aTotal); });
+  });
+  CVelumDialogLib::EndWait();
+  return done;
+}
+
+void CVelumImportOptions::ImportCsvFile() {
+  const QString path = AskFile(fImportCsvDialog, gOptions.iImportCsvDialogInitDir);
+  if (path.isEmpty()) return;
+  CVelumGuard::Run(u"CVelumImportOptions.ImportCsvFile"_s, [&] {
+    auto* form = dynamic_cast<CVelumCsvImportOptions*>(CVelumWinMan::NameToForm(ECsvForm));
+    if (!form) return;
+    CVelumWinMan::LoadForm(*form);
+    form->SetImportFile(path);
+    CVelumWinMan::ShowDialog(*form, false, this);
+  });
+}
+
+void CVelumImportOptions::ImportXmlFile() {
+  const QString path = AskFile(fImportXmlDialog, gOptions.iImportXmlDialogInitDir);
+  if (path.isEmpty() || !CVelumDialogLib::LeaveStackStep() || !gStackView) return;
+  const bool done = Run(u"CVelumImportOptions.ImportXmlFile"_s, path, [&](const TVelumStep& aStep) {
+    // What was read before a failure stays, and is to be seen.
+    const auto refresh = qScopeGuard([] { CVelumSeams::ChangeNotify(EStructure); });
+    return CVelumImports::ImportXml(path, *gStack, aStep);
+  });
+  CVelumCsvImportOptions::ShowCards();
+  if (done) CVelumWinMan::UnloadForm(*this);
+}
+
+void CVelumImportOptions::ImportTextFile() {
+  const Ref<CVelumControlSet> background = Background();
+  if (!background || !gStackView) {
+    CVelumSeams::Presenter().Tell(tr("Choose the background that the cards are to belong to."));
+    return;
+  }
+  const QString path = AskFile(fImportTextDialog, gOptions.iImportTextDialogInitDir);
+  if (path.isEmpty()) return;
+  const bool done = Run(u"CVelumImportOptions.ImportTextFile"_s, path, [&](const TVelumStep& aStep) {
+    return CVelumImports::ImportTextFile(path, background, *gStackView, aStep);
+  });
+  if (!done) return;
+  CVelumCsvImportOptions::ShowCards();
+  CVelumSeams::ChangeNotify(EStructure);
+  CVelumWinMan::UnloadForm(*this);
+}
+
+void CVelumImportOptions::ImportHandBaseFile() {
+  CVelumSeams::Presenter().Tell(tr("The import of HanDBase databases is not built yet."));
+}
+
+void CVelumImportOptions::ImportOrvelle() {
+  CVelumSeams::Presenter().Tell(tr("The merging of two stacks is not built yet."));
+}

@@ -1,0 +1,174 @@
+#include "shell/CVelumImportOptions.h"
+
+#include "core/CVelumMsg.h"
+#include "shell/CVelumOptions.h"
+#include "shell/ShellTest.h"
+#include "support/Assertions.h"
+#include "toolkit/CVelumListWidget.h"
+#include "toolkit/CVelumWinMan.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QRadioButton>
+
+namespace {
+
+const QString EForm = u"CVelumImportOptions"_s;
+
+class CVelumImportOptionsTest : public ShellTest {
+protected:
+  ~CVelumImportOptionsTest() override {
+    // What the next test would find chosen.
+    if (!IsOpen()) return;
+    Button(u"fCsv"_s).click();
+    if (Button(u"fIntoCurStack"_s).isChecked()) Button(u"fIntoCurStack"_s).click();
+  }
+  static CVelumImportOptions& OpenForm() {
+    Choose(u"fImport"_s);
+    return dynamic_cast<CVelumImportOptions&>(*CVelumWinMan::NameToForm(EForm));
+  }
+  static bool IsOpen() { return CVelumWinMan::FormIsLoaded(EForm); }
+  static QAbstractButton& Button(const QString& aName) {
+    return *CVelumWinMan::NameToForm(EForm)->Widget()->findChild<QAbstractButton*>(aName);
+  }
+  static CVelumListWidget& Box() {
+    return *CVelumWinMan::NameToForm(EForm)->Widget()->findChild<CVelumListWidget*>(u"fBackgroundBox"_s);
+  }
+  // Which of the target's controls can be used, and whether the open stack is the target: "into box set".
+  static QString Target() {
+    QStringList parts;
+    if (Button(u"fIntoCurStack"_s).isEnabled()) parts.append(u"into"_s);
+    if (Box().isEnabled()) parts.append(u"box"_s);
+    if (Button(u"fIntoCurStack"_s).isChecked()) parts.append(u"set"_s);
+    return parts.join(u' ');
+  }
+  // The same after a click on a format.
+  static QString TargetOf(const QString& aFormat) {
+    Button(aFormat).click();
+    return Target();
+  }
+};
+
+} // namespace
+
+TEST_F(CVelumImportOptionsTest, WithoutAStackOnlyTwoFormatsCanBeChosen) {
+  Start();
+  static_cast<void>(OpenForm());
+  for (const QString& format : {u"fCsv"_s, u"fPdb"_s}) EXPECT_TRUE(Button(format).isEnabled());
+  for (const QString& format : {u"fXml"_s, u"fOrvelle"_s, u"fText"_s})
+    EXPECT_FALSE(Button(format).isEnabled());
+  EXPECT_TRUE(Button(u"fCsv"_s).isChecked());
+}
+
+TEST_F(CVelumImportOptionsTest, EachFormatHasItsTarget) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  static_cast<void>(OpenForm());
+  EXPECT_EQ(Target(), u"into"_s);
+  Button(u"fIntoCurStack"_s).click();
+  EXPECT_EQ(Target(), u"into box set"_s);
+  EXPECT_EQ(TargetOf(u"fPdb"_s), QString()) << "forced off";
+  EXPECT_EQ(TargetOf(u"fXml"_s), u"set"_s) << "forced on";
+  EXPECT_EQ(TargetOf(u"fOrvelle"_s), u"set"_s);
+  EXPECT_EQ(TargetOf(u"fText"_s), u"box set"_s);
+  Button(u"fPdb"_s).click();
+  EXPECT_EQ(TargetOf(u"fCsv"_s), u"into"_s) << "disabled until the target is the open stack";
+  Button(u"fIntoCurStack"_s).click();
+  EXPECT_EQ(Target(), u"into box set"_s);
+}
+
+TEST_F(CVelumImportOptionsTest, ListsTheBackgroundsAndSelectsTheFirst) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  const CVelumImportOptions& form = OpenForm();
+  EXPECT_EQ(Box().model()->rowCount(), gStack->NumBackgrounds());
+  Ref<CVelumControlSet> first;
+  qint32 index = 0;
+  ASSERT_TRUE(gStack->GetFirstBackground(first, index));
+  EXPECT_EQ(form.Background(), first);
+  gStack->AddBackground(MakeRef<CVelumControlSet>(u"New"_s, gStack->IdGen().NextId()));
+  CVelumSeams::ChangeNotify(1);
+  EXPECT_EQ(Box().model()->rowCount(), gStack->NumBackgrounds());
+  EXPECT_EQ(form.Background(), first);
+}
+
+TEST_F(CVelumImportOptionsTest, KeepsTheTargetForTheRun) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  OpenForm();
+  Button(u"fIntoCurStack"_s).click();
+  Button(u"fCancelBut"_s).click();
+  EXPECT_FALSE(IsOpen());
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_TRUE(OpenForm().IntoCurStack());
+}
+
+TEST_F(CVelumImportOptionsTest, GoesWithTheStack) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  OpenForm();
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(IsOpen());
+}
+
+TEST_F(CVelumImportOptionsTest, ACancelledFileDialogChangesNothing) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  OpenForm();
+  for (const QString& format : {u"fCsv"_s, u"fXml"_s, u"fText"_s}) {
+    Button(format).click();
+    Button(u"fOkBut"_s).click();
+  }
+  EXPECT_EQ(iDialogs, 3);
+  EXPECT_TRUE(IsOpen());
+  EXPECT_EQ(gStack->NumCards(), 13);
+}
+
+TEST_F(CVelumImportOptionsTest, SaysWhatIsNotBuiltYet) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  OpenForm();
+  for (const QString& format : {u"fPdb"_s, u"fOrvelle"_s}) {
+    Button(format).click();
+    Button(u"fOkBut"_s).click();
+    EXPECT_TRUE(iPresenter.Told().last().contains(u"not built yet"_s));
+  }
+  EXPECT_EQ(iDialogs, 0);
+}
+
+TEST_F(CVelumImportOptionsTest, ImportsATextIntoTheChosenBackground) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Ref<CVelumControlSet> first;
+  qint32 index = 0;
+  ASSERT_TRUE(gStack->GetFirstBackground(first, index));
+  const qint32 others = gStack->NumCards() - first->NumCards();
+  iPath = iFolder.Write(u"a.txt"_s, "one\ntwo\n");
+  OpenForm();
+  Button(u"fText"_s).click();
+  Button(u"fOkBut"_s).click();
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgControlMissing) << "no field Text yet";
+  EXPECT_EQ(gStack->NumCards(), 13);
+  EXPECT_TRUE(IsOpen());
+  first->AddControl(MakeRef<CVelumControl>(gStack->IdGen().NextId(), u"Text"_s, EConText), ENoInt);
+  Button(u"fOkBut"_s).click();
+  EXPECT_EQ(gStack->NumCards(), others + 1);
+  EXPECT_FALSE(IsOpen());
+  EXPECT_EQ(gOptions.iImportTextDialogInitDir, iFolder.Path());
+}
+
+TEST_F(CVelumImportOptionsTest, ImportsContentIntoTheOpenStack) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  iPath = iFolder.Write(u"a.xml"_s, "<?xml version=\"1.0\"?>\n<orvelle></orvelle>\n");
+  OpenForm();
+  Button(u"fXml"_s).click();
+  Button(u"fOkBut"_s).click();
+  EXPECT_EQ(gStack->NumCards(), 13);
+  EXPECT_EQ(gOptions.iImportXmlDialogInitDir, iFolder.Path());
+}
+
+TEST_F(CVelumImportOptionsTest, SaveBeforeAnImportThatFailsStopsIt) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  iPath = iFolder.Write(u"a.xml"_s, "no xml at all");
+  OpenForm();
+  Button(u"fXml"_s).click();
+  AnswerSave(u"fBackBut"_s);
+  Button(u"fOkBut"_s).click();
+  EXPECT_TRUE(iAsked);
+  EXPECT_EQ(iPresenter.Count(), 0) << "nothing was read";
+  EXPECT_TRUE(IsOpen());
+}
