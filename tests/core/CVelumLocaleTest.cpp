@@ -286,4 +286,26 @@ TEST_F(CVelumLocaleTest, EveryLocaleReadsWhatItWrites) {
   }
 }
 
+TEST_F(CVelumLocaleTest, TurnsAwayWhatCannotBeAMoment) {
+  Init(u"en_US"_s);
+  for (const auto* text : {u"", u"12", u"1234.56", u"12345-1", u"1.234", u"note 1 of 2", u"-7", u"2003"})
+    EXPECT_FALSE(MayBeDateTime(text)) << QString::fromUtf16(text).toStdString();
+  for (const auto* text : {u"1/2/2003", u"1:30", u"2003-01-02 10:30", u"\u0661/\u0662/\u0663"})
+    EXPECT_TRUE(MayBeDateTime(text)) << QString::fromUtf16(text).toStdString();
+}
+
+TEST_F(CVelumLocaleTest, TurnsAwayNoMomentOfAnyLocale) {
+  for (const QLocale& locale :
+       QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory)) {
+    Init(locale.name());
+    for (const QDateTime& moment :
+         {QDateTime({2003, 1, 2}, {3, 4, 5}), QDateTime({1999, 12, 31}, {23, 59, 58})}) {
+      const QString date = locale.toString(moment.date(), QLocale::ShortFormat);
+      const QString time = locale.toString(moment.time(), QLocale::ShortFormat);
+      EXPECT_TRUE(MayBeDateTime(date)) << locale.name().toStdString() << ' ' << date.toStdString();
+      EXPECT_TRUE(MayBeDateTime(time)) << locale.name().toStdString() << ' ' << time.toStdString();
+    }
+  }
+}
+
 } // namespace

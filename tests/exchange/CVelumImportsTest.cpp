@@ -3,6 +3,7 @@
 #include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
 #include "exchange/CVelumCsvKey.h"
+#include "exchange/CVelumCsvPreview.h"
 #include "exchange/CVelumCsvProposal.h"
 #include "support/Assertions.h"
 #include "support/PrintQt.h"
@@ -352,6 +353,23 @@ TEST_F(CVelumImportsTest, ProposesUtf8WhereTheBytesAreThat) {
   EXPECT_EQ(propose("\xC3").BestCoding(), ECodLatin1) << "half a character";
   EXPECT_EQ(propose(Lines(0, 1000) + "\xC3\xA9\n").BestCoding(), ECodLatin1) << "behind 1,000 lines";
   EXPECT_EQ(propose(Lines(0, 999) + "\xC3\xA9\n").BestCoding(), ECodUtf8);
+}
+
+TEST_F(CVelumImportsTest, PreviewsWithTheTypesOfManyLines) {
+  const auto preview = [&](const QByteArray& aBytes) {
+    return CVelumImports::PreviewCsv(Csv(aBytes), iOptions);
+  };
+  const TCsvPreview some = preview("a,b\n1,x\n2\n");
+  EXPECT_EQ(some.iTitles, QStringList({u"a"_s, u"b"_s}));
+  EXPECT_EQ(some.iTypes, QList<qint32>({EConInteger, EConText}));
+  EXPECT_EQ(some.iRows, QList<QStringList>({{u"1"_s, u"x"_s}, {u"2"_s}}));
+  EXPECT_TRUE(some.iWhole);
+  const TCsvPreview many = preview("a\n" + Lines(0, 1000) + "ABC\n");
+  EXPECT_EQ(many.iRows.size(), 50);
+  EXPECT_EQ(many.iTypes, QList<qint32>({EConText})) << "the last line counts";
+  EXPECT_FALSE(preview("a\n" + Lines(0, 20000) + "ABC\n").iWhole);
+  EXPECT_TRUE(preview("").iTitles.isEmpty());
+  EXPECT_EQ(iPresenter.Count(), 0);
 }
 
 } // namespace
