@@ -308,12 +308,15 @@ bool CVelumLocale::ToReal(const QString& aText, double& aReal) {
   return CVelumDecimal::Parse({plain.data(), static_cast<size_t>(plain.size())}, aReal);
 }
 
-// A moment has at least two numbers, each of one, two or four digits, whatever the locale.
+// A time has at least two numbers of one or two digits, a date three of one, two or four, whatever the
+// locale.
 bool CVelumLocale::MayBeDateTime(QStringView aText) {
   if (State().iDigitFirst && !aText.isEmpty() && aText.front().isLetter()) return false;
   int numbers = 0;
   int digits = 0;
-  for (const QChar c : aText) {
+  bool year = false;
+  for (qsizetype i = 0; i <= aText.size(); ++i) {
+    const QChar c = i < aText.size() ? aText[i] : QChar(u' ');
     if (c.unicode() > 127) return true; // digits of other scripts, or nothing at all
     if (IsDigit(c)) {
       if (++digits > 4) return false;
@@ -321,9 +324,10 @@ bool CVelumLocale::MayBeDateTime(QStringView aText) {
     }
     if (digits == 3) return false;
     if (digits > 0) ++numbers;
+    year = year || digits == 4;
     digits = 0;
   }
-  return digits != 3 && numbers + (digits > 0 ? 1 : 0) >= 2;
+  return numbers >= (year ? 3 : 2);
 }
 
 bool CVelumLocale::ToDateTime(const QString& aText, double& aDateTime) {
