@@ -21,6 +21,9 @@ CVelumWikiTextEdit::CVelumWikiTextEdit()
   fWikiText = new CVelumBaseRichTextBox(u"fWikiText"_s, this, nullptr);
   iUi->fTextLayout->addWidget(fWikiText->Widget());
   fWikiText->SetVisible(true);
+  fWikiText->Widget()->setAccessibleName(tr("Wiki text"));
+  // Made last, it comes first.
+  setTabOrder(fWikiText->Widget(), iUi->fSelToLinkBut);
   const auto on = [this](QPushButton* aButton, void (CVelumWikiTextEdit::*aDo)()) {
     connect(aButton, &QPushButton::clicked, this,
             [this, aDo] { CVelumGuard::Run(u"CVelumWikiTextEdit"_s, [&] { (this->*aDo)(); }); });

@@ -50,6 +50,18 @@ TEST_F(CVelumWikiTextEditTest, ADoubleClickOpensItOnTheSource) {
   EXPECT_EQ(Button(u"fCancelBut"_s).text().remove(u'&'), u"Cancel"_s);
 }
 
+TEST_F(CVelumWikiTextEditTest, TabGoesFromTheTextOverTheButtons) {
+  OpenEditor();
+  EXPECT_FALSE(Edit().accessibleName().isEmpty());
+  Edit().setFocus();
+  for (const auto& name : {u"fSelToLinkBut"_s, u"fSaveBut"_s, u"fCancelBut"_s}) {
+    QTest::keyClick(Editor().focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(Editor().focusWidget()->objectName(), name);
+  }
+  QTest::keyClick(Editor().focusWidget(), Qt::Key_Escape);
+  EXPECT_FALSE(IsOpen());
+}
+
 TEST_F(CVelumWikiTextEditTest, MakesTheSelectionALink) {
   OpenEditor();
   Select(10, 1);
