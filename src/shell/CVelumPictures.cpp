@@ -96,7 +96,7 @@ bool FindWiki(Ref<CVelumCard>& aCard, Ref<CVelumControl>& aField) {
     for (qint32 i = 0; i < set->NumControls(); ++i) {
       aField = set->ControlAt(i);
       qint32 index = 0;
-      if (aField->Flag(EConWikiText) && gStack->GetFirstCardInBackground(set->Id(), aCard, index))
+      if (aField && aField->Flag(EConWikiText) && gStack->GetFirstCardInBackground(set->Id(), aCard, index))
         return true;
     }
   return false;
