@@ -81,6 +81,23 @@ TEST_F(CVelumWikiFieldTest, ALinkLeadsToItsCard) {
   EXPECT_EQ(iPresenter.Count(), 0);
 }
 
+TEST_F(CVelumWikiFieldTest, ADoubleClickOnALinkLeadsNoFurther) {
+  AddPage(u"a"_s, u"[[b|a long link]]"_s);
+  AddPage(u"b"_s, u"[[a|a long link]]"_s);
+  Open();
+  Click(2);
+  ASSERT_EQ(Cur(), u"b"_s);
+  for (const QEvent::Type type : {QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease}) {
+    QMouseEvent event(type, PointIn(2), Edit().viewport()->mapToGlobal(PointIn(2)), Qt::LeftButton,
+                      type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton, {});
+    QApplication::sendEvent(Edit().viewport(), &event);
+  }
+  EXPECT_EQ(Cur(), u"b"_s);
+  EXPECT_FALSE(iFrame.iCalls.contains(u"ShowForm CVelumWikiTextEdit"_s));
+  Click(2);
+  EXPECT_EQ(Cur(), u"a"_s);
+}
+
 TEST_F(CVelumWikiFieldTest, LinksAreHitBehindParagraphsBreaksAndBraces) {
   AddPage(u"a"_s, u"one\r\n\r\ntwo\\\\{three} \U0001F600 \u20AC} [[b]]\r\n"_s);
   AddPage(u"b"_s, {});

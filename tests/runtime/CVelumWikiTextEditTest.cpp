@@ -140,6 +140,17 @@ TEST_F(CVelumWikiTextEditTest, ATextBeingEditedIsNotReplaced) {
   EXPECT_EQ(Shown(), QString());
 }
 
+TEST_F(CVelumWikiTextEditTest, ALineEndOfAnotherKindIsNoChange) {
+  const auto other = AddCard(u"b"_s);
+  SetText(u"one\ntwo"_s);
+  OpenEditor();
+  EXPECT_EQ(Shown(), u"one\r\ntwo"_s);
+  View().GoToCard(other);
+  OpenEditor();
+  EXPECT_EQ(Shown(), QString()) << "nothing was typed that had to be kept";
+  EXPECT_TRUE(iPresenter.Told().isEmpty());
+}
+
 TEST_F(CVelumWikiTextEditTest, WhatIsTypedOnTheCardIsEditedFurther) {
   iWiki->SetFlag(EConWikiText, false);
   Open();
