@@ -74,6 +74,11 @@ float BlockHeight(const CVelumControl& aControl) {
   return metrics.iCharHeight * static_cast<float>(EffVisLines(aControl) + 1) + 2 * metrics.iLabelWidth;
 }
 
+// What a field is called by those who hear the screen.
+const QString& SpokenName(const CVelumControl& aControl) {
+  return aControl.Label().isEmpty() ? aControl.Name() : aControl.Label();
+}
+
 } // namespace
 
 qint32 CVelumCardLayout::BackColorOf(const CVelumCard& aCard) {
@@ -228,7 +233,7 @@ void CVelumCardLayout::PlaceValue(TPlace& aPlace) {
   else
     CVelumError::Assert(false, u"AssignBaseControl conType"_s);
   if (auto* base = qobject_cast<CVelumBaseControl*>(aPlace.iControl.BaseControl()))
-    base->Widget()->setAccessibleName(aPlace.iControl.Label());
+    base->Widget()->setAccessibleName(SpokenName(aPlace.iControl));
 }
 
 void CVelumCardLayout::PlaceText(TPlace& aPlace) {
@@ -353,7 +358,7 @@ void CVelumCardLayout::PlaceButton(TPlace& aPlace) {
 void CVelumCardLayout::SetButtonFace(CVelumBaseButton& aButton, const CVelumControl& aControl) {
   // The caption is measured in the font measured last, so it is shown in that font.
   aButton.SetFont(iMeasure.Font());
-  aButton.Widget()->setAccessibleName(aControl.Label());
+  aButton.Widget()->setAccessibleName(SpokenName(aControl));
   if (!aControl.Flag(EConPictButton) || !aControl.Flag(EConStdCmd)) {
     aButton.SetText(aControl.Label());
     aButton.SetPicture({}, {});

@@ -25,16 +25,18 @@ QString Moment(double aDate, double aTime) {
   return CVelumLocale::ShortDate(aDate) + u' ' + CVelumLocale::LongTime(aTime);
 }
 
-// Opens another window of the program; for one that does not exist yet says so. aCaption is how the user
-// knows the command.
-void OpenForm(const QString& aName, const QString& aCaption) {
-  if (CVelumWinMan::HasForm(aName))
-    CVelumWinMan::ShowDialog(*CVelumWinMan::NameToForm(aName));
+// Opens another window of the program; for one that does not exist yet says so, and gives nothing. aCaption
+// is how the user knows the command.
+CVelumForm* OpenForm(const QString& aName, const QString& aCaption) {
+  CVelumForm* form = CVelumWinMan::HasForm(aName) ? CVelumWinMan::NameToForm(aName) : nullptr;
+  if (form)
+    CVelumWinMan::ShowDialog(*form);
   else
     CVelumNotBuilt::Tell(aCaption, gFrame);
+  return form;
 }
 
-// Shows what a background's cards look like in the card window and in the list.
+// Shows the new state in the card window and in the card list.
 void RefreshViews() {
   if (gStackView) gStackView->RefreshViews(true, true);
 }
@@ -61,7 +63,7 @@ void CVelumCardEdit::ConnectLists() {
   onSelect(iUi->fBackgroundBox, &CVelumCardEdit::TakeBackground);
   onSelect(iUi->fCardBox, &CVelumCardEdit::TakeCard);
   connect(iUi->fControlBox, &CVelumListWidget::ItemDblClick, this,
-          [] { OpenForm(u"CVelumControlEdit"_s, tr("Cards, Field")); });
+          [this] { CVelumGuard::Run(u"CVelumCardEdit.fControlBox"_s, [this] { EditControl(); }); });
 }
 
 void CVelumCardEdit::ConnectButtons() {
@@ -386,6 +388,13 @@ void CVelumCardEdit::WriteCard(const Ref<CVelumCard>& aCard) {
   }
   aCard->SetFont(iFont);
   aCard->SetBackColor(iBackColor);
+}
+
+void CVelumCardEdit::EditControl() {
+  const Ref<CVelumControl> control = dynamic_cast<CVelumControl*>(iControlBox->SelObj().Get());
+  if (!control) return;
+  CVelumForm* form = OpenForm(u"CVelumControlEdit"_s, tr("Cards, Field"));
+  if (auto* editor = dynamic_cast<CVelumControlEditor*>(form)) editor->SetAndShowControl(iCurSet, control);
 }
 
 void CVelumCardEdit::DeleteCard() {

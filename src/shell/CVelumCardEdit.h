@@ -65,6 +65,7 @@ private:
   void CreateCard();
   void ModifyCard();
   void DeleteCard();
+  void EditControl();
   void WriteCard(const Ref<CVelumCard>& aCard);
   // The card on show; nothing when it has left its stack meanwhile.
   [[nodiscard]] Ref<CVelumCard> CurCard() const;

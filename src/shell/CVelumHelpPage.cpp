@@ -1,26 +1,19 @@
 #include "shell/CVelumHelpPage.h"
 
 #include "shell/CVelumHelpBook.h"
-
-#include "toolkit/CVelumBaseColor.h"
+#include "toolkit/CVelumToolkitLib.h"
 
 #include <QDesktopServices>
 #include <QEvent>
 
 CVelumHelpPage::CVelumHelpPage(QWidget* aParent) : QTextBrowser(aParent) {
-  ColorLinks();
-}
-
-void CVelumHelpPage::ColorLinks() {
-  const QColor color =
-      CVelumBaseColor::Readable(palette().color(QPalette::Link), palette().color(QPalette::Base));
-  document()->setDefaultStyleSheet(u"a { color: %1; }"_s.arg(color.name()));
+  CVelumLib::ColorLinks(*this);
 }
 
 void CVelumHelpPage::changeEvent(QEvent* aEvent) {
   QTextBrowser::changeEvent(aEvent);
   if (aEvent->type() != QEvent::PaletteChange) return;
-  ColorLinks();
+  CVelumLib::ColorLinks(*this);
   if (!source().isEmpty()) reload();
 }
 

@@ -23,8 +23,5 @@ protected:
   void changeEvent(QEvent* aEvent) override;
 
 private:
-  // Gives links a colour that can be read on this desktop's background: many dark palettes have none.
-  void ColorLinks();
-
   const CVelumHelpBook* iBook = nullptr;
 };

@@ -3,11 +3,13 @@
 #include "runtime/CVelumIcons.h"
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumScriptBar.h"
+#include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumWelcome.h"
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QEvent>
 #include <QFileInfo>
 #include <QTimer>
 #include <chrono>
@@ -49,7 +51,8 @@ CVelumWelcome::CVelumWelcome()
   large.setPointSizeF(2 * large.pointSizeF());
   iUi->fProgram->setFont(large);
   iUi->fVersion->setText(tr("Version %1").arg(QCoreApplication::applicationVersion()));
-  iUi->fLicences->setHtml(Licences());
+  ShowLicences();
+  iUi->fLicences->installEventFilter(this);
   iUi->fSample->setEnabled(!SampleFile().isEmpty());
   fWaitTimer->setObjectName(u"fWaitTimer"_s);
   fWaitTimer->setInterval(7000ms);
@@ -60,6 +63,16 @@ CVelumWelcome::CVelumWelcome()
 }
 
 CVelumWelcome::~CVelumWelcome() = default;
+
+bool CVelumWelcome::eventFilter(QObject* aObject, QEvent* aEvent) {
+  if (aObject == iUi->fLicences && aEvent->type() == QEvent::PaletteChange) ShowLicences();
+  return CVelumDialogForm::eventFilter(aObject, aEvent);
+}
+
+void CVelumWelcome::ShowLicences() {
+  CVelumLib::ColorLinks(*iUi->fLicences);
+  iUi->fLicences->setHtml(Licences());
+}
 
 void CVelumWelcome::Load() {
   layout()->setSizeConstraint(QLayout::SetFixedSize);

@@ -32,7 +32,12 @@ public:
   // The stack that comes with the program, empty when it is not installed.
   [[nodiscard]] static QString SampleFile();
 
+protected:
+  // The licences take the colours of the desktop when those change.
+  bool eventFilter(QObject* aObject, QEvent* aEvent) override;
+
 private:
+  void ShowLicences();
   void OpenSample();
   void PlaceOverFrame();
 

@@ -1,6 +1,7 @@
 #include "toolkit/CVelumToolkitLib.h"
 
 #include "core/CVelumLib.h"
+#include "toolkit/CVelumBaseColor.h"
 #include "toolkit/CVelumFileDialog.h"
 
 #include <QAbstractItemView>
@@ -13,6 +14,7 @@
 #include <QMimeData>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTextEdit>
 #include <algorithm>
 
 namespace CVelumLib {
@@ -52,6 +54,13 @@ void SetComboDropWidth(QComboBox& aCombo, const QWidget& aForm) {
   // Room for the margins of a line and for the scroll bar.
   wanted += metrics.height() + view->verticalScrollBar()->sizeHint().width();
   view->setMinimumWidth(std::min(wanted, aForm.screen()->availableSize().width()));
+}
+
+void ColorLinks(QTextEdit& aBox) {
+  const QPalette palette = aBox.palette();
+  const QColor color =
+      CVelumBaseColor::Readable(palette.color(QPalette::Link), palette.color(QPalette::Base));
+  aBox.document()->setDefaultStyleSheet(u"a { color: %1; }"_s.arg(color.name()));
 }
 
 void CentreOver(QWidget& aForm, const QWidget* aOver) {

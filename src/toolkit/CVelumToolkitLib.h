@@ -8,6 +8,7 @@
 #include <QSizeF>
 
 class QComboBox;
+class QTextEdit;
 class QWidget;
 
 namespace CVelumLib {
@@ -26,6 +27,9 @@ namespace CVelumLib {
 // Makes the list that drops from a combo box wide enough for its longest line, but not wider than the screen
 // of aForm.
 void SetComboDropWidth(QComboBox& aCombo, const QWidget& aForm);
+
+// Gives links a colour that can be read on the background of aBox, in the text that is set next.
+void ColorLinks(QTextEdit& aBox);
 
 // Puts the middle of aForm over the middle of aOver; does nothing without one.
 void CentreOver(QWidget& aForm, const QWidget* aOver);

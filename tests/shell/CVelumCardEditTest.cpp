@@ -441,6 +441,30 @@ TEST_F(CVelumCardEditTest, WindowsThatAreMissingAreExcused) {
   EXPECT_EQ(iPresenter.Count(), 0);
 }
 
+// An editor of fields that notes what it is asked for.
+class FakeControlEdit final : public CVelumDialogForm, public CVelumControlEditor {
+public:
+  FakeControlEdit() : CVelumDialogForm(u"CVelumControlEdit"_s, true) {}
+  void SetAndShowBackground(const Ref<CVelumControlSet>&) override {}
+  void SetAndShowControl(const Ref<CVelumControlSet>& aSet, const Ref<CVelumControl>& aControl) override {
+    iAsked = aSet->Name() + u'.' + aControl->Name();
+  }
+  QString iAsked;
+};
+
+TEST_F(CVelumCardEditTest, DoubleClickOnAValueEditsItsField) {
+  CVelumWinMan::SetFactory(u"CVelumControlEdit"_s, [] { return new FakeControlEdit; });
+  OpenForm().SetAndShowCard(iCards[0]);
+  Select(u"fControlBox"_s, 1);
+  Q_EMIT Find<CVelumListWidget>(u"fControlBox"_s).ItemDblClick();
+  const auto* editor = dynamic_cast<FakeControlEdit*>(CVelumWinMan::NameToForm(u"CVelumControlEdit"_s));
+  ASSERT_TRUE(editor);
+  EXPECT_TRUE(editor->isVisible());
+  EXPECT_EQ(editor->iAsked, u"Main.Size"_s);
+  CloseDialogs();
+  CVelumWinMan::SetFactory(u"CVelumControlEdit"_s, {});
+}
+
 TEST_F(CVelumCardEditTest, TheChangedBoxOnlyTells) {
   OpenForm().SetAndShowCard(iCards[1]);
   auto& box = Find<QCheckBox>(u"fChanged"_s);

@@ -1,11 +1,13 @@
 #include "shell/CVelumWelcome.h"
 
 #include "shell/ShellTest.h"
+#include "toolkit/CVelumBaseColor.h"
 #include "toolkit/CVelumWinMan.h"
 
 #include <QCoreApplication>
 #include <QLabel>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTextBrowser>
 #include <QTimer>
@@ -89,6 +91,19 @@ TEST_F(CVelumWelcomeTest, TellsVersionAndLicences) {
   const QString licences = form.findChild<QTextBrowser*>(u"fLicences"_s)->toPlainText();
   for (const QString& name : {u"Orvelles"_s, u"Qt 6"_s, u"ICU"_s, u"FreeImage"_s})
     EXPECT_TRUE(licences.contains(name)) << name.toStdString();
+}
+
+TEST_F(CVelumWelcomeTest, LinksCanBeReadOnADarkDesktop) {
+  QPalette dark(QColor(56, 56, 60), QColor(45, 45, 48));
+  dark.setColor(QPalette::Base, QColor(30, 30, 32));
+  CVelumWelcome& form = OpenForm();
+  form.setPalette(dark);
+  const auto* licences = form.findChild<QTextBrowser*>(u"fLicences"_s);
+  const QString html = licences->toHtml();
+  static const QRegularExpression link(u"<a [^>]*><span[^>]* color:(#[0-9a-f]{6});"_s);
+  const QRegularExpressionMatch match = link.match(html);
+  ASSERT_TRUE(match.hasMatch()) << html.toStdString();
+  EXPECT_GE(CVelumBaseColor::Contrast(QColor(match.captured(1)), QColor(30, 30, 32)), 4.5);
 }
 
 TEST_F(CVelumWelcomeTest, OpensTheSample) {
