@@ -23,12 +23,15 @@ using TPlain = QVarLengthArray<char, 64>;
 
 // Keeps what can belong to a number; aDecimal (0: none) becomes a point.
 void KeepNumber(QStringView aText, QChar aDecimal, TPlain& aPlain) {
+  aPlain.resize(aText.size());
+  char* to = aPlain.data();
   for (const QChar c : aText) {
     if (IsDigit(c) || c == u'-' || c == u'+')
-      aPlain.append(static_cast<char>(c.unicode()));
+      *to++ = static_cast<char>(c.unicode());
     else if (!aDecimal.isNull() && c == aDecimal)
-      aPlain.append('.');
+      *to++ = '.';
   }
+  aPlain.resize(to - aPlain.data());
 }
 
 // A whole number of up to 9 digits with nothing else but a minus: nearly all that come.

@@ -33,6 +33,33 @@ int CompareNum(QStringView aA, QStringView aB, bool aWhole) {
   }
   return a < b ? -1 : a > b ? 1 : 0;
 }
+
+// Keys are built by the million, so each is written into one piece of memory.
+void AppendUpper(QStringView aText, QString& aKey) {
+  const qsizetype start = aKey.size();
+  aKey += aText;
+  for (QChar* c = aKey.data() + start; c != aKey.data() + aKey.size(); ++c) {
+    if (c->unicode() > 127) {
+      aKey.truncate(start);
+      aKey += CVelumLib::ToUpperByLetter(aText.toString());
+      return;
+    }
+    if (*c >= u'a' && *c <= u'z') *c = QChar(static_cast<char16_t>(c->unicode() - u'a' + u'A'));
+  }
+}
+
+void AppendId(qint32 aId, QString& aKey) {
+  if (aId < 0) {
+    aKey += CVelumLib::RightAlignNum(aId, EIdWidth);
+    return;
+  }
+  aKey.resize(aKey.size() + EIdWidth, u' ');
+  QChar* c = aKey.data() + aKey.size();
+  do {
+    *--c = QChar(static_cast<char16_t>(u'0' + aId % 10));
+    aId /= 10;
+  } while (aId > 0);
+}
 } // namespace
 
 CVelumSortKey::CVelumSortKey(qint32 aId, QString aName, qint32 aBackgroundId)
@@ -112,18 +139,19 @@ void CVelumSortKey::RecordParts(const QString& aOld) {
 }
 
 QString CVelumSortKey::BuildKey(CVelumCard& aCard) const {
-  CVelumError::AssertObj(aCard.BackgroundId() == iBackgroundId, this, u"BuildKey"_s, u"background"_s);
+  if (aCard.BackgroundId() != iBackgroundId)
+    CVelumError::AssertObj(false, this, u"BuildKey"_s, u"background"_s);
   QString key;
   key.reserve(EUsualLen);
   for (qint32 i = 0; i < iNumKeyPart; ++i) {
     const TVelumKeyPart& part = iKeyPart[i];
     const qsizetype len = std::max<qsizetype>(part.iLen, 0);
     const QString text = CVelumValue::ValToIntText(aCard.GetControlVal(part.iControlId, false));
-    const qsizetype kept = std::min(text.size(), len);
-    key += CVelumLib::ToUpperByLetter(text.size() > len ? text.first(len) : text);
-    key.resize(key.size() + len - kept, u' ');
+    AppendUpper(QStringView(text).left(len), key);
+    key.resize(key.size() + std::max<qsizetype>(len - text.size(), 0), u' ');
   }
-  return key + CVelumLib::RightAlignNum(aCard.Id(), EIdWidth);
+  AppendId(aCard.Id(), key);
+  return key;
 }
 
 bool CVelumSortKey::ControlOccurs(qint32 aId) const {

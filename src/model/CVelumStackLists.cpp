@@ -170,8 +170,11 @@ namespace {
 class CLongest {
 public:
   explicit CLongest(const CVelumControl& aControl)
-      : iId(aControl.Id()), iInfo(aControl.FieldInfo()), iMost(MostOf(aControl.ConType())) {}
+      : iId(aControl.Id()), iInfo(aControl.FieldInfo()), iMost(MostOf(aControl.ConType())),
+        iIsCardList(aControl.Flag(EConCardList)) {}
   [[nodiscard]] qint32 Id() const { return iId; }
+  // Whether the value is computed when it is asked for.
+  [[nodiscard]] bool IsCardList() const { return iIsCardList; }
   [[nodiscard]] qint64 Length() const { return iLength; }
   void Take(const TVelumValue& aVal) {
     if (aVal.Type() == EValStr)
@@ -194,6 +197,7 @@ private:
   qint32 iId;
   TVelumFieldInfo iInfo;
   qint64 iMost;
+  bool iIsCardList;
   qint64 iLength = 0;
 };
 
@@ -206,8 +210,17 @@ void CVelumStack::AdjustVisChar() {
     for (qint32 c = 0; c < background->NumControls(); ++c)
       longest.emplace_back(CVelumChecked::Deref(background->ControlAt(c)));
     Ref<CVelumCard> card;
-    for (qint32 at = 0; GetNextCardInBackground(background->Id(), card, at);)
-      for (CLongest& field : longest) field.Take(card->GetControlVal(field.Id(), false));
+    for (qint32 at = 0; GetNextCardInBackground(background->Id(), card, at);) {
+      const CVelumArray& values = card->Value();
+      qint32 next = 0; // values and fields mostly come in the same order
+      for (CLongest& field : longest) {
+        const bool own = next < values.Count() && values.IntKeyAt(next) == field.Id() && !field.IsCardList();
+        if (own)
+          field.Take(values.ValRef(next++));
+        else
+          field.Take(card->GetControlVal(field.Id(), false));
+      }
+    }
     for (size_t c = 0; c < longest.size(); ++c)
       SetVisSize(*background->ControlAt(static_cast<qint32>(c)), longest[c].Length());
   }

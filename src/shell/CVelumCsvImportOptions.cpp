@@ -13,6 +13,7 @@
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumCsvImportOptions.h"
 
+#include <QHeaderView>
 #include <QPointer>
 #include <QScopedValueRollback>
 
@@ -22,6 +23,7 @@ constexpr int ENewStack = 0;
 constexpr int EStructure = 1;
 constexpr int EStackCloses = 7;
 constexpr int EPreviewTab = 1;
+constexpr int EMaxColumn = 240; // pixels
 
 // As the types of fields are called elsewhere; the place is the number of the type.
 QStringList TypeNames() {
@@ -40,6 +42,8 @@ CVelumCsvImportOptions::CVelumCsvImportOptions()
     : CVelumDialogForm(u"CVelumCsvImportOptions"_s, true), iUi(new Ui::CVelumCsvImportOptions) {
   iUi->setupUi(this);
   iLineBox = MakeRef<CVelumListBox>(ELisSingle, iUi->fLineBox, this);
+  iUi->fPreviewBox->setWordWrap(false);
+  iUi->fPreviewBox->horizontalHeader()->setMaximumSectionSize(EMaxColumn);
   iUi->fColumnType->addItem(tr("As proposed"));
   iUi->fColumnType->addItems(TypeNames());
   for (QAbstractButton* choice : std::initializer_list<QAbstractButton*>{
@@ -162,6 +166,7 @@ void CVelumCsvImportOptions::FillPreview(const TCsvPreview& aPreview) {
   for (int row = 0; row < box.rowCount(); ++row)
     for (int i = 0; i < aPreview.iRows.at(row).size(); ++i)
       box.setItem(row, i, new QTableWidgetItem(aPreview.iRows.at(row).at(i)));
+  box.resizeColumnsToContents();
   if (box.columnCount() > 0) box.setCurrentCell(0, qBound(0, column, box.columnCount() - 1));
   ShowColumnType();
 }
