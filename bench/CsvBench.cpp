@@ -1,6 +1,8 @@
-// Import of a CSV file, beside the import of the sqlite3 program into a typed table with an index.
+// Import of a CSV file, beside the import of the sqlite3 program into a typed table with an index; and
+// export, beside what that program writes of the same table.
 #include "Bench.h"
 
+#include "exchange/CVelumExports.h"
 #include "exchange/CVelumImports.h"
 #include "persist/CVelumStackFile.h"
 
@@ -34,8 +36,26 @@ void WriteCsv(const QString& aPath, qint32 aRows) {
   }
 }
 
+QString Database() {
+  return Bench::TempPath(QStringLiteral("csv.db"));
+}
+
+// Seconds in which the sqlite3 program writes the table that it imported last.
+double SqliteExportSeconds() {
+  const QString out = Bench::TempPath(QStringLiteral("sqlite.csv"));
+  const double seconds = Bench::Seconds(1, [&] {
+    QProcess sqlite;
+    sqlite.setStandardOutputFile(out);
+    sqlite.start(QStringLiteral("sqlite3"), {QStringLiteral("-csv"), QStringLiteral("-header"), Database(),
+                                             QStringLiteral("select * from t")});
+    if (!sqlite.waitForFinished(-1) || sqlite.exitCode() != 0) qFatal("sqlite3");
+  });
+  QFile::remove(out);
+  return seconds;
+}
+
 double SqliteSeconds(const QString& aCsv) {
-  const QString database = Bench::TempPath(QStringLiteral("csv.db"));
+  const QString database = Database();
   return Bench::Seconds(
       1,
       [&] {
@@ -58,7 +78,18 @@ double PeakBytes() {
   return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 
-// Seconds of the import, and of the save behind it, and the peak.
+double ExportSeconds(const CVelumStack& aStack) {
+  Ref<CVelumControlSet> background;
+  qint32 index = 0;
+  if (!aStack.GetFirstBackground(background, index)) qFatal("background");
+  const QString out = Bench::TempPath(QStringLiteral("ours.csv"));
+  const double seconds =
+      Bench::Seconds(1, [&] { static_cast<void>(CVelumExports::ExportCsv(out, *background)); });
+  QFile::remove(out);
+  return seconds;
+}
+
+// Seconds of the import, and of the save behind it, the peak, and seconds of the export.
 QList<double> Import(const QString& aCsv) {
   const double before = PeakBytes();
   CVelumImportWatch watch;
@@ -69,17 +100,23 @@ QList<double> Import(const QString& aCsv) {
   const double save = Bench::Seconds(1, [&] {
     CVelumStackFile(Bench::TempPath(QStringLiteral("csv.Orvelle"))).SaveStack(made.iStack, made.iView);
   });
-  return {import, save, peak};
+  return {import, save, peak, ExportSeconds(*made.iStack)};
 }
 
 void Measure(qint32 aRows) {
   const QString csv = Bench::TempPath(QStringLiteral("bench.csv"));
   WriteCsv(csv, aRows);
   double sqlite = 1e9;
-  for (int i = 0; i < ERuns; ++i) sqlite = qMin(sqlite, SqliteSeconds(csv));
+  double sqliteExport = 1e9;
+  for (int i = 0; i < ERuns; ++i) {
+    sqlite = qMin(sqlite, SqliteSeconds(csv));
+    sqliteExport = qMin(sqliteExport, SqliteExportSeconds());
+  }
   const QList<double> ours = Bench::MedianInChildren(ERuns, [&] { return Import(csv); });
-  Bench::Row({QString::number(aRows), Bench::Ms(sqlite), Bench::Ms(ours[0]),
-              Bench::Ratio(ours[0], sqlite), Bench::Ms(ours[1]), QString::number(qRound(ours[2] / aRows))});
+  Bench::Row({QString::number(aRows), Bench::Ms(sqlite), Bench::Ms(ours[0]), Bench::Ratio(ours[0], sqlite),
+              Bench::Ms(ours[1]), QString::number(qRound(ours[2] / aRows)), Bench::Ms(sqliteExport),
+              Bench::Ms(ours[3]), Bench::Ratio(ours[3], sqliteExport)});
+  QFile::remove(Database());
   QFile::remove(csv);
 }
 
@@ -87,8 +124,10 @@ void Measure(qint32 aRows) {
 
 int main(int aArgc, char** aArgv) {
   Bench::Init();
+  CVelumExports::InitExports();
   Bench::Head({QStringLiteral("rows"), QStringLiteral("sqlite3"), QStringLiteral("import"),
-               QStringLiteral("to sqlite3"), QStringLiteral("save"), QStringLiteral("peak bytes a row")});
+               QStringLiteral("to sqlite3"), QStringLiteral("save"), QStringLiteral("peak bytes a row"),
+               QStringLiteral("sqlite3 -csv"), QStringLiteral("export"), QStringLiteral("to sqlite3")});
   for (const qint32 rows : Bench::Counts(aArgc, aArgv)) Measure(rows);
   return 0;
 }

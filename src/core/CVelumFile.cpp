@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <functional>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -28,6 +30,13 @@ qint64 ToPos(qint64 aPos) {
 // A mark that does not stand in front of the file is a character like others.
 // Into the memory that aText has.
 void DecodeUtf8(QByteArrayView aBytes, QString& aText) {
+  const auto* bytes = reinterpret_cast<const quint8*>(aBytes.data());
+  const quint8 bits = std::accumulate(bytes, bytes + aBytes.size(), quint8{0}, std::bit_or<quint8>());
+  if (bits < 128) {
+    aText.resize(aBytes.size());
+    std::copy(bytes, bytes + aBytes.size(), reinterpret_cast<char16_t*>(aText.data()));
+    return;
+  }
   QStringDecoder decoder(QStringDecoder::Utf8, QStringConverter::Flag::ConvertInitialBom);
   aText.resize(decoder.requiredSpace(aBytes.size()));
   const QChar* end = decoder.appendToBuffer(aText.data(), aBytes);

@@ -258,7 +258,14 @@ qint32 CVelumScanner::GetSymView(QStringView& aStr) {
       if (iLineMode) return ESymEol;
       ReadFileLine();
     } else if (iCh == ' ') {
-      GetChar();
+      const QChar* line = iLine.constData();
+      qsizetype pos = iPos;
+      while (line[pos] == u' ') ++pos; // the end marker stops it
+      MoveTo(pos);
+    } else if (iCh == '<' && iLine[iPos] != u'>' && iLine[iPos] != u'=') {
+      aStr = LineView(iPos - 1, iPos);
+      MoveTo(iPos);
+      return ESymLess;
     } else {
       return TakeSym(aStr);
     }
@@ -432,8 +439,46 @@ bool CVelumScanner::GetViewUntil(QChar aCh, QStringView& aStr) {
   const qsizetype end = rest.indexOf(aCh);
   if (end < 0 || rest.first(end).contains(QChar(EEolMarker))) return false;
   aStr = rest.first(end);
-  iPos = static_cast<qint16>(iPos + end);
-  iCh = aCh.unicode();
+  MoveTo(iPos - 1 + end);
+  return true;
+}
+
+// Makes the character at aPos, which is at most the end marker, the look-ahead.
+void CVelumScanner::MoveTo(qsizetype aPos) {
+  iPos = static_cast<qint16>(aPos + 1);
+  iCh = iLine[aPos].unicode();
+}
+
+// Nothing of a tag holds the end marker, so that no match goes beyond it.
+bool CVelumScanner::TakeTag(QStringView aName, bool aEnd) {
+  if (iEof || AtEol()) return false;
+  QStringView rest = LineView(iPos - 1, iLen);
+  if (aEnd) {
+    if (rest.front() != u'/') return false;
+    rest = rest.sliced(1);
+  }
+  if (!rest.startsWith(aName)) return false;
+  rest = rest.sliced(aName.size());
+  if (!aEnd && IsIdentChar(rest.front().unicode(), 1)) return false;
+  if (aEnd) {
+    // ">=" is another symbol.
+    if (rest.front() != u'>' || rest[1] == u'=') return false;
+    rest = rest.sliced(1);
+  }
+  MoveTo(iLen - rest.size());
+  return true;
+}
+
+bool CVelumScanner::TakeAttrValue(QStringView& aStr) {
+  if (iEof || iCh != '=') return false;
+  const QChar* line = iLine.constData();
+  qsizetype pos = iPos;
+  if (line[pos] != u'"') return false;
+  const qsizetype from = ++pos;
+  while (line[pos] != u'"' && line[pos].unicode() != EEolMarker) ++pos;
+  if (line[pos] != u'"') return false;
+  aStr = LineView(from, pos);
+  MoveTo(pos + 1);
   return true;
 }
 

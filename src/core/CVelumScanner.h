@@ -88,6 +88,11 @@ public:
   // The text up to aCh if that stands in the present line, until the next call; false, with nothing taken, if
   // it does not.
   [[nodiscard]] bool GetViewUntil(QChar aCh, QStringView& aStr);
+  // Takes what is to come if it is just this and stands in the present line; false, with nothing taken, if
+  // not. The name of a tag, in front of which "<" was taken: with aEnd an end tag up to its ">".
+  [[nodiscard]] bool TakeTag(QStringView aName, bool aEnd);
+  // "=" and a string without blanks between; aStr refers to the line.
+  [[nodiscard]] bool TakeAttrValue(QStringView& aStr);
   // The same as GetAllUntil for long texts. Characters move to aStr in chunks, but line ends go there at
   // once, ahead of a chunk that was not moved yet.
   void GetLongAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof);
@@ -116,6 +121,7 @@ private:
   [[nodiscard]] QStringView TakeString();
   [[nodiscard]] qint32 TakeSpecial(QStringView& aStr);
   [[nodiscard]] QStringView LineView(qsizetype aFrom, qsizetype aEnd) const;
+  void MoveTo(qsizetype aPos);
   void GetQuotedCell(CVelumFile& aFile, qint32& aSym, QString& aStr);
   [[nodiscard]] bool ContinueCell(CVelumFile& aFile, QString& aStr);
   void SkipBlanks();

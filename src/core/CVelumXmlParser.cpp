@@ -20,8 +20,9 @@ char16_t Lower(QChar aCh) {
 // the collation for most.
 bool SameIdent(QStringView aA, QStringView aB) {
   const auto same = [](QChar aLeft, QChar aRight) { return Lower(aLeft) == Lower(aRight); };
-  return aA.size() == aB.size() && std::equal(aA.begin(), aA.end(), aB.begin(), same) &&
-         CVelumCollation::CompareKeys(aA, aB) == 0;
+  if (aA.size() != aB.size() || !same(aA.front(), aB.front())) return false;
+  return aA == aB ||
+         (std::equal(aA.begin(), aA.end(), aB.begin(), same) && CVelumCollation::CompareKeys(aA, aB) == 0);
 }
 
 } // namespace
@@ -76,7 +77,7 @@ void CVelumXmlParser::GetTheIdent(QStringView aName) {
 // Attributes.
 
 QStringView CVelumXmlParser::NameOf(const TAttr& aAttr) const {
-  return QStringView(iAttrText).sliced(aAttr.iName, aAttr.iValue - aAttr.iName);
+  return {iAttrText.data() + aAttr.iName, aAttr.iValue - aAttr.iName};
 }
 
 // Index of an attribute, or -1.
@@ -97,18 +98,21 @@ QStringView CVelumXmlParser::AttrView(QStringView aName) const {
   const qsizetype at = FindAttr(aName);
   if (at < 0) return {};
   const TAttr& attr = iAttrs[static_cast<size_t>(at)];
-  return QStringView(iAttrText).sliced(attr.iValue, attr.iEnd - attr.iValue);
+  return {iAttrText.data() + attr.iValue, attr.iEnd - attr.iValue};
 }
 
 void CVelumXmlParser::AddAttr(QStringView aName, QStringView aValue) {
-  if (FindAttr(aName) >= 0) AssertObj(false, this, u"AddAttr"_s, u"Create duplicate"_s);
-  TAttr attr{};
-  attr.iName = iAttrText.size();
-  iAttrText += aName;
-  attr.iValue = iAttrText.size();
-  iAttrText += aValue;
-  attr.iEnd = iAttrText.size();
-  iAttrs.push_back(attr);
+  const auto same = [&](const TAttr& aAttr) { return SameIdent(NameOf(aAttr), aName); };
+  if (std::any_of(iAttrs.begin(), iAttrs.end(), same))
+    AssertObj(false, this, u"AddAttr"_s, u"Create duplicate"_s);
+  const qsizetype name = iAttrUsed;
+  const qsizetype value = name + aName.size();
+  iAttrUsed = value + aValue.size();
+  const auto need = static_cast<size_t>(iAttrUsed);
+  if (need > iAttrText.size()) iAttrText.resize(2 * need);
+  std::copy(aName.utf16(), aName.utf16() + aName.size(), iAttrText.begin() + name);
+  std::copy(aValue.utf16(), aValue.utf16() + aValue.size(), iAttrText.begin() + value);
+  iAttrs.push_back({name, value, iAttrUsed});
 }
 
 QString CVelumXmlParser::Pooled(QStringView aText) const {
@@ -150,7 +154,7 @@ qint32 CVelumXmlParser::CountAttr(QStringView aName) const {
 
 void CVelumXmlParser::ReadAttr(bool& aTerm) {
   iAttrs.clear();
-  iAttrText.resize(0);
+  iAttrUsed = 0;
   iNextAttr = 0;
   for (;;) {
     if (iSym == ESymGreater || iSym == ESymGreaterEqual) {
@@ -173,14 +177,21 @@ void CVelumXmlParser::ReadAttr(bool& aTerm) {
 
 // The value of the attribute whose name is the present symbol.
 void CVelumXmlParser::ReadAttrValue() {
+  QStringView value;
+  // Both stand in one line, as the writer has it; otherwise the name must outlive its line.
+  if (iScanner->TakeAttrValue(value)) return AddEscaped(iSymStr, value);
   iName.resize(0);
   iName.append(iSymStr);
   GetTheSym(ESymEqual);
   GetTheSym(ESymString);
-  if (!iSymStr.contains(u'&')) return AddAttr(iName, iSymStr);
-  QString value = iSymStr.toString();
+  AddEscaped(iName, iSymStr);
+}
+
+void CVelumXmlParser::AddEscaped(QStringView aName, QStringView aValue) {
+  if (!aValue.contains(u'&')) return AddAttr(aName, aValue);
+  QString value = aValue.toString();
   CVelumLib::UnescapeXml(value);
-  AddAttr(iName, value);
+  AddAttr(aName, value);
 }
 
 void CVelumXmlParser::ReadAttrAndSym(bool& aTerm) {
@@ -245,6 +256,7 @@ void CVelumXmlParser::ReadNext(QString& aName, bool& aTerm) {
 }
 
 void CVelumXmlParser::ReadTheNext(QStringView aName, bool aTerm) {
+  if (iSym == ESymLess && !iPendingEqual && iScanner->TakeTag(aName, aTerm)) return NextSym();
   const bool term = ReadName();
   if (iName != aName)
     AssertObj(false, this, u"ReadTheNext"_s,
@@ -312,7 +324,11 @@ QString CVelumXmlParser::ReadTextElem(QStringView aName) {
 }
 
 void CVelumXmlParser::ReadChild(CVelumStored& aChild, const CVelumObject& aOwner, const QString& aText) {
-  static_cast<void>(ReadName());
-  if (!aChild.IsInXml(iName)) AssertObj(false, &aOwner, u"InternalizeXml"_s, aText);
+  if (iSym == ESymLess && !iPendingEqual && iScanner->TakeTag(aChild.XmlTag(), false)) {
+    NextSym();
+  } else {
+    static_cast<void>(ReadName());
+    if (!aChild.IsInXml(iName)) AssertObj(false, &aOwner, u"InternalizeXml"_s, aText);
+  }
   aChild.InternalizeXml(*this);
 }

@@ -68,6 +68,7 @@ private:
   [[nodiscard]] qsizetype FindAttr(QStringView aName) const;
   [[nodiscard]] QStringView AttrView(QStringView aName) const;
   void ReadAttrValue();
+  void AddEscaped(QStringView aName, QStringView aValue);
   // ReadNext, with the name in iName.
   [[nodiscard]] bool ReadName();
   [[nodiscard]] QString Pooled(QStringView aText) const;
@@ -86,7 +87,8 @@ private:
   };
   [[nodiscard]] QStringView NameOf(const TAttr& aAttr) const;
   std::vector<TAttr> iAttrs;
-  QString iAttrText;
+  std::vector<char16_t> iAttrText;
+  qsizetype iAttrUsed = 0;
   // Behind the attribute that was asked for last: attributes are mostly asked for in the order of the file.
   mutable size_t iNextAttr = 0;
   mutable CVelumTextPool iTexts; // of what is handed out

@@ -50,6 +50,11 @@ bool IsPlain(QStringView aText) {
   });
 }
 
+// Returns where the copy ends.
+char16_t* Copy(QStringView aText, char16_t* aTo) {
+  return std::copy(aText.utf16(), aText.utf16() + aText.size(), aTo);
+}
+
 // aText as it stands in the document; aEscaped holds it where it is another one.
 QStringView Escaped(const QString& aText, QString& aEscaped) {
   if (IsPlain(aText)) return aText;
@@ -91,14 +96,7 @@ char16_t* CVelumXmlWriter::Room(qsizetype aCount) {
 }
 
 void CVelumXmlWriter::Add(QStringView aText) {
-  char16_t* to = Room(aText.size());
-  std::copy(aText.utf16(), aText.utf16() + aText.size(), to);
-}
-
-void CVelumXmlWriter::AddNumber(qint32 aNumber) {
-  std::array<char, 12> digits{};
-  const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), aNumber).ptr;
-  std::copy(static_cast<const char*>(digits.data()), end, Room(end - digits.data()));
+  Copy(aText, Room(aText.size()));
 }
 
 // Begins a line. The root element stands in column 0.
@@ -138,11 +136,13 @@ void CVelumXmlWriter::BeginElem(QStringView aName) {
 }
 
 void CVelumXmlWriter::AddPlainAttr(QStringView aName, QStringView aValue) {
-  *Room(1) = u' ';
-  Add(aName);
-  Add(u"=\"");
-  Add(aValue);
-  *Room(1) = u'"';
+  char16_t* to = Room(aName.size() + aValue.size() + 4);
+  *to++ = u' ';
+  to = Copy(aName, to);
+  *to++ = u'=';
+  *to++ = u'"';
+  to = Copy(aValue, to);
+  *to = u'"';
 }
 
 void CVelumXmlWriter::AddAttr(QStringView aName, const QString& aValue) {
@@ -151,11 +151,11 @@ void CVelumXmlWriter::AddAttr(QStringView aName, const QString& aValue) {
 }
 
 void CVelumXmlWriter::AddIntAttr(QStringView aName, qint32 aValue) {
-  *Room(1) = u' ';
-  Add(aName);
-  Add(u"=\"");
-  AddNumber(aValue);
-  *Room(1) = u'"';
+  std::array<char, 12> digits{};
+  std::array<char16_t, 12> wide{};
+  const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), aValue).ptr;
+  std::copy(static_cast<const char*>(digits.data()), end, wide.begin());
+  AddPlainAttr(aName, QStringView(wide.data(), end - digits.data()));
 }
 
 void CVelumXmlWriter::AddRealAttr(QStringView aName, double aValue) {

@@ -41,7 +41,6 @@ private:
   [[nodiscard]] bool AtLineStart() const { return iUsed == iLineStart; }
   char16_t* Room(qsizetype aCount);
   void Add(QStringView aText);
-  void AddNumber(qint32 aNumber);
   void Indent();
   void AddPlainAttr(QStringView aName, QStringView aValue);
   void EndLine();

@@ -173,9 +173,9 @@ bool CVelumExports::ExportCsv(const QString& aPath, const CVelumControlSet& aBac
   return whole;
 }
 
-qint64 CVelumExports::CountLacking(const CVelumControlSet& aBackground) {
+qint64 CVelumExports::CountLacking(const CVelumControlSet& aBackground, const TVelumStep& aStep) {
   qint64 sum = 0;
-  static_cast<void>(ForLines(aBackground, {}, {}, [&](const QString& aLine) { sum += Lacking(aLine); }));
+  static_cast<void>(ForLines(aBackground, {}, aStep, [&](const QString& aLine) { sum += Lacking(aLine); }));
   return sum;
 }
 

@@ -33,8 +33,8 @@ void InitExports();
 // number); a file in ECodUtf8 begins with a byte order mark.
 bool ExportCsv(const QString& aPath, const CVelumControlSet& aBackground, const TVelumCsvForm& aForm = {},
                const TVelumStep& aStep = {}, qint64* aLacking = nullptr);
-// Characters of that file that the code page 1252 lacks.
-[[nodiscard]] qint64 CountLacking(const CVelumControlSet& aBackground);
+// Characters of that file that the code page 1252 lacks; those found so far where aStep gave up.
+[[nodiscard]] qint64 CountLacking(const CVelumControlSet& aBackground, const TVelumStep& aStep = {});
 // The cards of all backgrounds, with all their fields but commands.
 bool ExportXml(CVelumStack& aStack, const QString& aPath, const TVelumStep& aStep = {});
 

@@ -348,6 +348,86 @@ TEST_F(ScannerFile, PutsLineEndsAheadOfAChunkThatWasNotMoved) {
   EXPECT_EQ(str, QString::fromLatin1(first) + u"\r\nbbcc"_s);
 }
 
+TEST(CVelumScanner, ViewsAreTheSymbolsOfTheLine) {
+  const QString line = u"<Ab a1=\"x y\" 12 /> é >= <> \"open"_s;
+  CVelumScanner scanner;
+  scanner.SetLine(line);
+  QList<TSym> syms;
+  QStringView str;
+  qint32 sym = ESymEof;
+  do {
+    sym = scanner.GetSymView(str);
+    syms.append({sym, str.toString()});
+  } while (sym != ESymEol && syms.size() < 1000);
+  EXPECT_EQ(syms, Symbols(line));
+}
+
+TEST(CVelumScanner, TakesTagsThatStandTogether) {
+  const auto taken = [](const QString& aLine, QStringView aName, bool aEnd) {
+    CVelumScanner scanner;
+    scanner.SetLine(aLine);
+    if (!scanner.TakeTag(aName, aEnd)) {
+      QStringView str;
+      EXPECT_EQ(scanner.GetSymView(str), aLine.startsWith(u'/') ? ESymSlash : ESymIdent)
+          << "nothing was taken";
+      return u"-"_s;
+    }
+    QString rest;
+    bool eof = false;
+    scanner.GetAllUntil(u'!', false, rest, eof);
+    return rest;
+  };
+  EXPECT_EQ(taken(u"Elem a=\"1\">!"_s, u"Elem", false), u" a=\"1\">"_s);
+  EXPECT_EQ(taken(u"Elem!"_s, u"Elem", false), QString());
+  EXPECT_EQ(taken(u"Elem"_s, u"Elem", false), QString()) << "the end of the line may follow";
+  EXPECT_EQ(taken(u"Elem2>"_s, u"Elem", false), u"-"_s);
+  EXPECT_EQ(taken(u"elem>"_s, u"Elem", false), u"-"_s);
+  EXPECT_EQ(taken(u"El"_s, u"Elem", false), u"-"_s);
+  EXPECT_EQ(taken(u"/Elem>x!"_s, u"Elem", true), u"x"_s);
+  EXPECT_EQ(taken(u"/Elem>"_s, u"Elem", true), QString());
+  EXPECT_EQ(taken(u"/Elem>=!"_s, u"Elem", true), u"-"_s);
+  EXPECT_EQ(taken(u"/Elem"_s, u"Elem", true), u"-"_s);
+  EXPECT_EQ(taken(u"/Elem >"_s, u"Elem", true), u"-"_s);
+  EXPECT_EQ(taken(u"/"_s, u"Elem", true), u"-"_s);
+  EXPECT_EQ(taken(u"Elem>"_s, u"Elem", true), u"-"_s);
+}
+
+TEST(CVelumScanner, TakesAttributesThatStandTogether) {
+  const auto taken = [](const QString& aLine) {
+    CVelumScanner scanner;
+    scanner.SetLine(aLine);
+    QStringView str;
+    if (scanner.TakeAttrValue(str)) return str.toString();
+    EXPECT_EQ(scanner.GetSymView(str), ESymEqual) << "nothing was taken";
+    return u"-"_s;
+  };
+  EXPECT_EQ(taken(u"=\"a b\" c"_s), u"a b"_s);
+  EXPECT_EQ(taken(u"=\"\""_s), QString());
+  EXPECT_EQ(taken(u"= \"a\""_s), u"-"_s);
+  EXPECT_EQ(taken(u"=\"a"_s), u"-"_s);
+  EXPECT_EQ(taken(u"="_s), u"-"_s);
+  EXPECT_EQ(taken(u"=a"_s), u"-"_s);
+  EXPECT_EQ(taken(u"=\"a\x01z\""_s), u"-"_s);
+}
+
+TEST_F(ScannerFile, TakesTextsOfOneLine) {
+  CVelumScanner scanner;
+  scanner.SetFile(Open("ab<\r\nc\r\nd<"));
+  scanner.BeginFile();
+  QStringView view;
+  EXPECT_TRUE(scanner.GetViewUntil(u'<', view));
+  EXPECT_EQ(view, u"ab");
+  EXPECT_TRUE(scanner.GetViewUntil(u'<', view)) << "the stop character stays";
+  EXPECT_EQ(view, u"");
+  EXPECT_EQ(scanner.GetSymView(view), ESymLess);
+  EXPECT_FALSE(scanner.GetViewUntil(u'<', view)) << "at the end of a line";
+  EXPECT_EQ(scanner.GetSymView(view), ESymIdent);
+  QString str;
+  bool eof = false;
+  scanner.GetLongAllUntil(u'<', false, str, eof);
+  EXPECT_EQ(str, u"d"_s);
+}
+
 TEST(CVelumScanner, FiltersNumbers) {
   CVelumScanner scanner;
   QString kept;

@@ -135,6 +135,32 @@ TEST_F(XmlParser, NamesOfAttributesAreComparedWithoutCase) {
   EXPECT_EQ(iParser->Attr(u"name"_s), u"x"_s);
 }
 
+TEST_F(XmlParser, BlanksAndLineEndsMayStandBetweenSymbols) {
+  for (const QByteArray space : {" ", "  ", "\r\n", " \r\n\r\n "}) {
+    QByteArray elem = "<_A_ a_=_\"1\"_ b_=_\"&lt;_\"_>x<_/_A_>\r\n";
+    Open(elem.replace("_", space).replace("&lt;" + space, "&lt;"));
+    iParser->ReadTheNext(u"A"_s, false);
+    bool term = true;
+    iParser->ReadAttr(term);
+    EXPECT_FALSE(term);
+    EXPECT_EQ(iParser->Attr(u"a"_s), u"1"_s);
+    EXPECT_EQ(iParser->Attr(u"b"_s), u"<"_s);
+    QString text;
+    iParser->ReadElemText(text, false);
+    EXPECT_EQ(text, u"x"_s);
+    iParser->ReadTheNext(u"A"_s, true);
+    EXPECT_EQ(iPresenter.Count(), 0);
+  }
+}
+
+TEST_F(XmlParser, AttributesAreFoundInAnyOrder) {
+  OpenElem("a=\"1\" b=\"2\" c=\"3\"");
+  for (const char16_t name : u"cbacabbc")
+    if (name != 0) {
+      EXPECT_EQ(iParser->IntAttr(QStringView(&name, 1)), name - u'a' + 1);
+    }
+}
+
 TEST_F(XmlParser, ARepeatedAttributeAsserts) {
   ExpectAssertion("<A a=\"1\" A=\"2\"/>\r\n", u"Create duplicate"_s);
 }

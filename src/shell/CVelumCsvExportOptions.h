@@ -1,0 +1,36 @@
+// The settings of an export as CSV.
+#pragma once
+
+#include "toolkit/CVelumDialogForm.h"
+#include "toolkit/CVelumFileDialog.h"
+
+#include <memory>
+
+namespace Ui {
+class CVelumCsvExportOptions;
+}
+
+// Exports the background that is selected in CVelumExportOptions.
+class CVelumCsvExportOptions final : public CVelumDialogForm {
+  Q_OBJECT
+
+public:
+  CVelumCsvExportOptions();
+  ~CVelumCsvExportOptions() override;
+
+  void Load() override;
+  // Keeps the folder and the delimiter for the next time.
+  void Unload() override;
+  // Unloads itself when the stack is about to close.
+  void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
+
+private:
+  [[nodiscard]] QString Delimiter() const;
+  // Counts for a moment what the usual coding lacks, and says so.
+  void ShowLacking();
+  void Export();
+  [[nodiscard]] bool WriteFile(const QString& aPath, qint64& aLacking);
+
+  std::unique_ptr<Ui::CVelumCsvExportOptions> iUi;
+  CVelumFileDialog fExportDialog;
+};
