@@ -91,7 +91,7 @@ void CVelumFrame::ConnectMenus() {
   on(iUi->fShowPicture, [this] { ShowPicture(); });
   on(iUi->fHelp, [this] { CVelumMsg::ShowHelp(Name(), {}); });
   on(iUi->fClose, [this] { close(); });
-  // The transfer server comes with its own change.
+  // There is no transfer server yet.
   on(iUi->fHttpServer, [this] { CVelumNotBuilt::Tell(CaptionOf(*iUi->fHttpServer), this); });
   on(iUi->fSize, [this] { SetPhoneSize(); });
   for (int i = 0; i < ENumHistory; ++i) {
