@@ -3,6 +3,7 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumStackView.h"
+#include "shell/CVelumEditors.h"
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumHelpForm.h"
 #include "shell/CVelumMain.h"
@@ -80,6 +81,8 @@ bool WriteDialogs(const QString& aStem, const QString& aEnding) {
     if (NeedsACard(name) || !CVelumWinMan::HasForm(name)) continue;
     CVelumForm* form = CVelumWinMan::NameToForm(name);
     CVelumWinMan::ShowDialog(*form);
+    if (auto* cards = dynamic_cast<CVelumCardEditor*>(form); cards && gStackView)
+      cards->SetAndShowCard(gStackView->CurCard());
     good = Grab(*form->Widget(), aStem + name.sliced(6).toLower() + aEnding) && good;
     form->Widget()->close();
   }
