@@ -37,6 +37,14 @@ void CVelumImportProgress::Message(qint32 aMsg, const QString& aP0) {
   if (silence.Chosen()) iSilenced.insert(aMsg);
 }
 
+// Whoever does not hear of it takes the cards for all there are.
+void CVelumImportProgress::Unclosed(qint32 aLineNum) {
+  CVelumSeams::Presenter().Tell(
+      QProgressDialog::tr(
+          "A quoted cell in line %L1 is never closed. That line and what follows is left out.")
+          .arg(aLineNum));
+}
+
 bool CVelumImportProgress::Progress(int aDone) {
   // Lets the toolkit paint, and takes clicks on the Cancel button alone.
   iDialog->setValue(std::min(aDone, EAll));

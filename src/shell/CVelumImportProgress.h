@@ -17,6 +17,7 @@ public:
   ~CVelumImportProgress() override;
 
   void Message(qint32 aMsg, const QString& aP0) override;
+  void Unclosed(qint32 aLineNum) override;
   [[nodiscard]] bool Progress(int aDone) override;
   // The same for work that is counted in other units; aTotal 0 is one whose end is not known.
   [[nodiscard]] bool Step(qint64 aDone, qint64 aTotal);

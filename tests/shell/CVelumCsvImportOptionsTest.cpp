@@ -143,6 +143,31 @@ TEST_F(CVelumCsvImportOptionsTest, AsksAboutAChangedStackBeforeItGoes) {
   EXPECT_FALSE(old->Changed()) << "saved first";
 }
 
+TEST_F(CVelumCsvImportOptionsTest, ASaveThatDoesNotSucceedStopsTheImport) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Change();
+  const Ref<CVelumStack> old = gStack;
+  OpenForm("a\n1\n");
+  gStack->SetFilename({});
+  iPath.clear(); // the question for a name is cancelled
+  AnswerSave(u"fSaveBut"_s);
+  Press(u"fImportBut"_s);
+  EXPECT_TRUE(iAsked);
+  EXPECT_EQ(gStack, old);
+  EXPECT_TRUE(gStack->Changed());
+  EXPECT_FALSE(IsOpen());
+}
+
+TEST_F(CVelumCsvImportOptionsTest, TellsOfACellThatIsNeverClosed) {
+  Start();
+  OpenForm("a\nB\n\"C\nD\n");
+  Press(u"fImportBut"_s);
+  ASSERT_TRUE(gStack);
+  EXPECT_EQ(gStack->NumCards(), 1);
+  ASSERT_EQ(iPresenter.Told().size(), 1);
+  EXPECT_TRUE(iPresenter.Told().first().contains(u"line 3"_s));
+}
+
 TEST_F(CVelumCsvImportOptionsTest, AFailureLeavesTheOpenStack) {
   Start(CopyStack(u"a.Orvelle"_s));
   const Ref<CVelumStack> old = gStack;

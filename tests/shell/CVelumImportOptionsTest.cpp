@@ -160,7 +160,7 @@ TEST_F(CVelumImportOptionsTest, ImportsContentIntoTheOpenStack) {
   EXPECT_EQ(gOptions.iImportXmlDialogInitDir, iFolder.Path());
 }
 
-TEST_F(CVelumImportOptionsTest, SaveBeforeAnImportThatFailsStopsIt) {
+TEST_F(CVelumImportOptionsTest, StayingStopsAnImportOfContent) {
   Start(CopyStack(u"a.Orvelle"_s));
   Change();
   iPath = iFolder.Write(u"a.xml"_s, "no xml at all");
