@@ -64,9 +64,13 @@ QByteArray FuzzTarget::MakeInput(std::mt19937& aRandom) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {
   if (aSize == 0) return 0;
-  CVelumModel::Install();
-  CVelumMsg::InitMessages();
-  CVelumLocale::Init(QStringLiteral("en_US"));
+  static const bool ready = [] {
+    CVelumModel::Install();
+    CVelumMsg::InitMessages();
+    CVelumLocale::Init(QStringLiteral("en_US"));
+    return true;
+  }();
+  static_cast<void>(ready);
   ScriptedPresenter presenter;
   static const QTemporaryDir folder;
   const QString path = folder.filePath(QStringLiteral("a.csv"));
