@@ -6,6 +6,8 @@
 #include "core/CVelumXmlWriter.h"
 #include "persist/CVelumNewFile.h"
 
+#include <vector>
+
 QString gQuote;
 QString gQuoteQuote;
 
@@ -64,28 +66,64 @@ void AppendCell(const QString& aStr, QString& aLine) {
   aLine += gQuote;
 }
 
+// A control as a column of the table.
+struct TColumn {
+  qint32 iId;
+  TVelumFieldInfo iField;
+  bool iComputed; // a list of cards, which may have to be brought up to date first
+};
+
+std::vector<TColumn> ColumnsOf(const CVelumControlSet& aBackground) {
+  std::vector<TColumn> columns;
+  ForControls(aBackground, [&](const CVelumControl& aControl) {
+    columns.push_back({aControl.Id(), aControl.FieldInfo(), aControl.Flag(EConCardList)});
+  });
+  return columns;
+}
+
+void AppendValue(const TVelumValue& aVal, const TVelumFieldInfo& aField, QString& aLine) {
+  if (aVal.Type() == EValStr) return AppendCell(aVal.Str(), aLine);
+  AppendCell(CVelumValue::ValToExtText(aVal, aField), aLine);
+}
+
+// The value of the column at aPlace. The fields of most cards have values in the order of the columns, so
+// that none needs to be looked for or copied.
+void AppendValueOf(CVelumCard& aCard, const TColumn& aColumn, size_t aPlace, QString& aLine) {
+  const CVelumArray& vals = aCard.Value();
+  const auto place = static_cast<qint32>(aPlace);
+  if (!aColumn.iComputed && place < vals.Count() && vals.IntKeyAt(place) == aColumn.iId)
+    return AppendValue(vals.ValRef(place), aColumn.iField, aLine);
+  AppendValue(aCard.GetControlVal(aColumn.iId, false), aColumn.iField, aLine);
+}
+
+QString HeaderLine(const CVelumControlSet& aBackground, const QString& aDelimiter) {
+  QString line;
+  ForControls(aBackground, [&](const CVelumControl& aControl) {
+    if (!line.isEmpty()) line += aDelimiter;
+    AppendCell(aControl.Name(), line);
+  });
+  return line;
+}
+
 // Calls aVisit with each line of the CSV file; false when aStep ended it.
 template <class TVisit>
 bool ForLines(const CVelumControlSet& aBackground, const QString& aDelimiter, const TVelumStep& aStep,
               const TVisit& aVisit) {
   const CVelumStack& stack = CVelumChecked::Deref(aBackground.Stack());
+  aVisit(HeaderLine(aBackground, aDelimiter));
+  const std::vector<TColumn> columns = ColumnsOf(aBackground);
+  const qint64 total = aBackground.NumCards();
+  qint64 count = 0;
   QString line;
-  const auto add = [&](const QString& aText) {
-    if (!line.isEmpty()) line += aDelimiter;
-    AppendCell(aText, line);
-  };
-  ForControls(aBackground, [&](const CVelumControl& aControl) { add(aControl.Name()); });
-  aVisit(line);
   Ref<CVelumCard> card;
   qint32 index = 0;
-  qint64 count = 0;
-  const qint64 total = aBackground.NumCards();
   for (bool more = stack.GetFirstCardInBackground(aBackground.Id(), card, index); more;
        more = stack.GetNextCardInBackground(aBackground.Id(), card, index)) {
     line.resize(0); // keeps the memory
-    ForControls(aBackground, [&](const CVelumControl& aControl) {
-      add(CVelumValue::ValToExtText(card->GetControlVal(aControl.Id(), false), aControl.FieldInfo()));
-    });
+    for (size_t i = 0; i < columns.size(); ++i) {
+      if (i > 0) line += aDelimiter;
+      AppendValueOf(*card, columns[i], i, line);
+    }
     aVisit(line);
     if (aStep && ++count % EStepCards == 0 && !aStep(count, total)) return false;
   }
