@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSettings>
 #include <QStandardPaths>
 #include <algorithm>
@@ -33,6 +34,13 @@ void SetAside(const QString& aPath) {
   QFile::rename(aPath, u"%1.broken%2"_s.arg(aPath).arg(num));
 }
 
+// Whether a value is one of the toolkit's own records, which it reads without a bound on how deep they stand
+// in each other. The program writes none.
+bool HoldsRecord(const QByteArray& aBytes) {
+  static const QRegularExpression record(uR"((?m)^[^=\n]*=(.*,)?[\s"]*(@|\\x0*40)Variant\()"_s);
+  return aBytes.contains("Variant(") && record.match(QString::fromUtf8(aBytes)).hasMatch();
+}
+
 // Whether the file may be one of settings: a small text. The toolkit checks only how its lines begin.
 bool IsText(const QString& aPath) {
   QFile file(aPath);
@@ -42,7 +50,7 @@ bool IsText(const QString& aPath) {
   const auto isControl = [](char aCh) {
     return aCh >= 0 && aCh < ' ' && aCh != '\t' && aCh != '\r' && aCh != '\n';
   };
-  return bytes.isValidUtf8() && std::none_of(bytes.begin(), bytes.end(), isControl);
+  return bytes.isValidUtf8() && std::none_of(bytes.begin(), bytes.end(), isControl) && !HoldsRecord(bytes);
 }
 
 // Whether the store can be read to its end. A value may claim to be of a kind that takes endless memory.

@@ -9,6 +9,7 @@
 #include <QDialog>
 #include <QGuiApplication>
 #include <QHash>
+#include <QScopeGuard>
 #include <QScreen>
 #include <array>
 #include <cmath>
@@ -209,10 +210,13 @@ void LoadForm(CVelumForm& aForm) {
 
 void UnloadForm(CVelumForm& aForm) {
   if (!aForm.IsLoaded()) return;
+  // A window whose place cannot be kept goes all the same.
+  const auto gone = qScopeGuard([&aForm] {
+    Forget(aForm);
+    aForm.Widget()->hide();
+    aForm.Widget()->deleteLater();
+  });
   aForm.Unload();
-  Forget(aForm);
-  aForm.Widget()->hide();
-  aForm.Widget()->deleteLater();
 }
 
 void Forget(CVelumForm& aForm) {

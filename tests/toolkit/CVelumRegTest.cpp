@@ -164,6 +164,30 @@ TEST_F(CVelumRegTest, ValuesOfOtherTypesAreDefaults) {
   EXPECT_EQ(iPresenter.Count(), 0);
 }
 
+TEST_F(CVelumRegTest, RecordsWithinRecordsAreSetAside) {
+  QDir(iFolder.Path()).mkdir(u"Brindleway"_s);
+  const QByteArray deep = QByteArray("\\0\\0\\0\\x9\\0\\0\\0\\x1").repeated(50'000) + ')';
+  int num = 0;
+  for (const QByteArray& start : {QByteArray("=@Variant("), QByteArray("= \"\"@Variant("),
+                                  QByteArray("=a, @Variant("), QByteArray("=\\x40Variant(")}) {
+    iFolder.Write(u"Brindleway/Orvelles.conf"_s,
+                  "[1.x]\nOptions\\ShowWelcome=False\nOptions\\AutoLoadName" + start + deep + '\n');
+    CVelumReg::SetFolder(iFolder.Path());
+    EXPECT_EQ(Get(u"AutoLoadName"_s), QString());
+    EXPECT_TRUE(GetBool(u"ShowWelcome"_s, true));
+    EXPECT_TRUE(iFolder.Has(u"Brindleway/Orvelles.conf.broken%1"_s.arg(++num))) << start.toStdString();
+  }
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
+TEST_F(CVelumRegTest, TextThatLooksLikeARecordIsKept) {
+  for (const QString& text : {u"@Variant(x)"_s, u"/a @Variant(x), b"_s, u"=@Variant("_s}) {
+    CVelumReg::PutVal(EOptions, u"Text"_s, text, false);
+    CVelumReg::SetFolder(iFolder.Path());
+    EXPECT_EQ(Get(u"Text"_s), text);
+  }
+}
+
 TEST_F(CVelumRegTest, FailureToWriteAsserts) {
   // A file where the folder should be: no user, not even root, can write below it.
   iFolder.Write(u"blocked"_s, "x");

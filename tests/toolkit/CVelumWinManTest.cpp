@@ -235,6 +235,18 @@ TEST_F(CVelumWinManTest, DialogEndsByEscapeAndByItsCloseBox) {
   }
 }
 
+TEST_F(CVelumWinManTest, WindowGoesAlsoWhenItsPlaceCannotBeKept) {
+  iFolder.Write(u"blocked"_s, "x");
+  CVelumReg::SetFolder(iFolder.Path(u"blocked"_s));
+  const QPointer<TestForm> form(new TestForm(u"CVelumWelcome"_s));
+  CVelumWinMan::ShowDialog(*form);
+  EXPECT_THROW(CVelumWinMan::UnloadForm(*form), CVelumException);
+  EXPECT_FALSE(form->isVisible());
+  EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumWelcome"_s));
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  EXPECT_TRUE(form.isNull());
+}
+
 TEST_F(CVelumWinManTest, F1OpensTheHelpOfTheFocusedControl) {
   TestForm form(u"CVelumWelcome"_s);
   QLineEdit name(&form);
