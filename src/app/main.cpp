@@ -74,9 +74,9 @@ int RunDesktop(int& aArgc, char** aArgv) {
     return 1;
   }
   CVelumApplication app(aArgc, aArgv);
-  // What the toolkit has left of the arguments, as one line. The end of the main window is the end of the
-  // process, whatever else is open or under way, and already while the program starts.
-  CVelumMain::Main(QCoreApplication::arguments().mid(1).join(u' '), nullptr,
+  // What the toolkit has left of the arguments. The end of the main window is the end of the process,
+  // whatever else is open or under way, and already while the program starts.
+  CVelumMain::Main(CVelumMain::CommandLine(QCoreApplication::arguments().mid(1)), nullptr,
                    [] { std::_Exit(EXIT_SUCCESS); });
   return QApplication::exec();
 }

@@ -98,6 +98,11 @@ QString CVelumMain::StackPath(const QString& aCommandLine) {
   return path.isEmpty() || !file.exists() ? path : file.absoluteFilePath();
 }
 
+QString CVelumMain::CommandLine(const QStringList& aArguments) {
+  const bool isFile = aArguments.size() == 1 && QFileInfo(aArguments.first()).isFile();
+  return isFile ? u"\"%1\""_s.arg(aArguments.first()) : aArguments.join(u' ');
+}
+
 void CVelumMain::Main(const QString& aCommandLine, CVelumPresenter* aPresenter,
                       std::function<void()> aEndProcess) {
   InstallSeams(aPresenter);

@@ -3,6 +3,7 @@
 
 #include "core/CVelumSeams.h"
 
+#include <QStringList>
 #include <functional>
 
 namespace CVelumMain {
@@ -11,6 +12,10 @@ namespace CVelumMain {
 // around what remains. A path of a file that exists is made absolute. Empty for an empty line; host error 5
 // for a single double quote.
 [[nodiscard]] QString StackPath(const QString& aCommandLine);
+
+// The arguments of the process as one command line. A single one that is a file is put into quotes, so that
+// blanks and quotes at the ends of its name count.
+[[nodiscard]] QString CommandLine(const QStringList& aArguments);
 
 // Brings the program up in its fixed order: libraries, messages, options, window manager, scripts, main
 // window; then opens the stack of the command line, or the one that the options name. The welcome box greets

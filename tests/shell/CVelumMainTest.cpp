@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QScreen>
 #include <QTimer>
 
 using CVelumMainTest = ShellTest;
@@ -39,6 +40,19 @@ TEST_F(CVelumMainTest, PathOfAFileThatIsThereBecomesAbsolute) {
   EXPECT_EQ(CVelumMain::StackPath(u"a.Orvelle"_s), QDir::currentPath() + u"/a.Orvelle"_s);
   EXPECT_EQ(CVelumMain::StackPath(u"b.Orvelle"_s), u"b.Orvelle"_s);
   QDir::setCurrent(before);
+}
+
+TEST_F(CVelumMainTest, FileThatIsTheOnlyArgumentOpensWhateverItsName) {
+  for (const QString& name : {u"a.Orvelle "_s, u"b \"c\".Orvelle"_s, u"\"d\""_s}) {
+    const QString path = CopyStack(name);
+    Start(CVelumMain::CommandLine({path}));
+    ASSERT_TRUE(gStack) << name.toStdString();
+    EXPECT_EQ(gStack->Filename(), path);
+    CVelumMain::End();
+  }
+  EXPECT_EQ(CVelumMain::CommandLine({}), QString());
+  EXPECT_EQ(CVelumMain::CommandLine({u"/no/a"_s, u"b.Orvelle"_s}), u"/no/a b.Orvelle"_s);
+  EXPECT_EQ(CVelumMain::CommandLine({u"\"/no/a\""_s}), u"\"/no/a\""_s);
 }
 
 TEST_F(CVelumMainTest, ShowsTheMainWindowWithoutStack) {
@@ -113,6 +127,8 @@ TEST_F(CVelumMainTest, WelcomeBoxGreetsWhoeverNamedNoStack) {
   EXPECT_FALSE(greets(u"\""_s));
   CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, path, false);
   EXPECT_TRUE(greets({}));
+  CVelumReg::PutVal(u"Options"_s, u"AutoLoadName"_s, u"/nowhere/a.Orvelle"_s, false);
+  EXPECT_TRUE(greets({})) << "also when that stack is gone";
 }
 
 TEST_F(CVelumMainTest, TheWindowCanBeClosedWhileTheProgramStarts) {
@@ -144,6 +160,38 @@ TEST_F(CVelumMainTest, BrokenSettingsAreDefaultsWithoutAWord) {
   EXPECT_TRUE(gOptions.iShowWelcome);
   EXPECT_TRUE(gFrame->close());
   EXPECT_TRUE(iFolder.Has(u"settings/Brindleway/Orvelles.conf.broken1"_s));
+}
+
+TEST_F(CVelumMainTest, SettingsThatPointNowhereAreNoObstacle) {
+  QDir(iFolder.Path()).mkpath(u"settings/Brindleway"_s);
+  iFolder.Write(u"settings/Brindleway/Orvelles.conf"_s,
+                "[1.x]\nOptions\\ShowWelcome=False\nOptions\\StackFolder=/gone\n"
+                "Options\\LoadDialogInitDir=/gone/too\n"
+                "Windows\\CVelumFrame=\"1500000,1500000,9000,7500\"\n"
+                "Windows\\CVelumOptionEdit=\"-90000,-90000,9000,7500\"\n"
+                "Windows\\CVelumCardEdit=\"1500000,1500000,9000,7500\"\n");
+  CVelumReg::SetFolder(iFolder.Path(u"settings"_s));
+  Start(CopyStack(u"a.Orvelle"_s));
+  const auto onScreen = [](const QWidget& aForm) {
+    return aForm.screen()->virtualGeometry().contains(aForm.geometry().topLeft());
+  };
+  EXPECT_TRUE(onScreen(*gFrame));
+  EXPECT_EQ(gFrame->pos(), QPoint(0, 0));
+  EXPECT_EQ(gFrame->size(), QSize(600, 500).boundedTo(gFrame->screen()->virtualSize()));
+  for (const auto& [command, name] :
+       {std::pair{u"fOptions"_s, u"CVelumOptionEdit"_s}, std::pair{u"fEditCards"_s, u"CVelumCardEdit"_s}}) {
+    Choose(command);
+    EXPECT_TRUE(onScreen(*CVelumWinMan::NameToForm(name)->Widget())) << name.toStdString();
+  }
+  QString begun;
+  CVelumFileDialog::SetAnswer([&begun](const CVelumFileDialog& aDialog, bool) {
+    begun = aDialog.InitDir();
+    return QString();
+  });
+  Choose(u"fOpenStack"_s);
+  EXPECT_FALSE(begun.startsWith(u"/gone"_s));
+  EXPECT_EQ(iPresenter.Count(), 0);
+  EXPECT_FALSE(iFolder.Has(u"settings/Brindleway/Orvelles.conf.broken1"_s));
 }
 
 TEST_F(CVelumMainTest, DamagedStackLeavesTheOpenOneOpen) {
