@@ -22,6 +22,7 @@
 namespace {
 
 constexpr int EStructure = 1;
+constexpr int EBackgroundGoes = 6;
 constexpr int EStackCloses = 7;
 const QString ECsvForm = u"CVelumCsvImportOptions"_s;
 
@@ -60,7 +61,7 @@ CVelumImportOptions::~CVelumImportOptions() = default;
 void CVelumImportOptions::Load() {
   CVelumDialogForm::Load();
   iBackgroundBox->Define1Column(u"Background"_s);
-  FillBackgrounds();
+  FillBackgrounds(nullptr, nullptr);
   iUi->fCsv->setChecked(true);
   iUi->fIntoCurStack->setChecked(gIntoCurStack);
   HandleDisables();
@@ -74,16 +75,21 @@ void CVelumImportOptions::Unload() {
   iBackgroundBox->ClearAndShow();
 }
 
-void CVelumImportOptions::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
-  if (aKind == EStackCloses && !iBusy) CVelumWinMan::UnloadForm(*this);
-  if (aKind > EStructure) return;
-  FillBackgrounds();
+void CVelumImportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
+  if (aKind == EStackCloses && !iBusy) return CVelumWinMan::UnloadForm(*this);
+  if (aKind > EStructure && aKind != EBackgroundGoes) return;
+  const Ref<CVelumControlSet> chosen = Background();
+  FillBackgrounds(chosen.Get(), aKind == EBackgroundGoes ? aObj1 : nullptr);
   HandleDisables();
 }
 
-void CVelumImportOptions::FillBackgrounds() {
-  CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, nullptr);
-  if (gStack && iBackgroundBox->NumLines() > 0) iBackgroundBox->SetSelIndex(0);
+void CVelumImportOptions::FillBackgrounds(const CVelumObject* aSelected, const CVelumObject* aExclude) {
+  CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, aExclude);
+  if (!gStack || iBackgroundBox->NumLines() == 0) return;
+  int index = 0;
+  bool found = false;
+  iBackgroundBox->GetObjIndex(aSelected, index, found);
+  iBackgroundBox->SetSelIndex(found ? index : 0);
 }
 
 bool CVelumImportOptions::IntoCurStack() const {

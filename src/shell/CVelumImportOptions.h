@@ -24,7 +24,8 @@ public:
   void Load() override;
   // Takes the window of the CSV settings along.
   void Unload() override;
-  // Unloads itself when the stack is about to close, unless an import of its own replaces it.
+  // Unloads itself when the stack is about to close, unless an import of its own replaces it. Lets go of a
+  // background that is deleted; the choice of another one stays.
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
 
   // What the user chose; the window of the CSV settings reads them.
@@ -35,7 +36,8 @@ public:
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
 
 private:
-  void FillBackgrounds();
+  // Selects aSelected, or the first where that is not in the list.
+  void FillBackgrounds(const CVelumObject* aSelected, const CVelumObject* aExclude);
   // Which controls can be used with the chosen format.
   void HandleDisables();
   void SetTarget(bool aEnabled, bool aInto, bool aBackgroundEnabled);

@@ -90,6 +90,21 @@ TEST_F(CVelumImportOptionsTest, ListsTheBackgroundsAndSelectsTheFirst) {
   EXPECT_EQ(form.Background(), first);
 }
 
+TEST_F(CVelumImportOptionsTest, KeepsTheChosenBackgroundUntilItIsDeleted) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  const auto chosen = MakeRef<CVelumControlSet>(u"New"_s, gStack->IdGen().NextId());
+  gStack->AddBackground(chosen);
+  const CVelumImportOptions& form = OpenForm();
+  Box().SetSelLine(Box().model()->rowCount() - 1);
+  ASSERT_EQ(form.Background(), chosen);
+  CVelumSeams::ChangeNotify(1);
+  EXPECT_EQ(form.Background(), chosen);
+  CVelumSeams::ChangeNotify(6, chosen.Get());
+  ASSERT_TRUE(form.Background());
+  EXPECT_NE(form.Background(), chosen);
+  EXPECT_EQ(Box().model()->rowCount(), gStack->NumBackgrounds() - 1);
+}
+
 TEST_F(CVelumImportOptionsTest, KeepsTheTargetForTheRun) {
   Start(CopyStack(u"a.Orvelle"_s));
   OpenForm();
