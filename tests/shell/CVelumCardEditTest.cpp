@@ -244,6 +244,32 @@ TEST_F(CVelumCardEditTest, NewCardBeforeACardThatIsNamed) {
   EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"n"_s, u"c"_s}));
 }
 
+TEST_F(CVelumCardEditTest, BeforeANamedCardThatWasNotNamedIsAtTheEnd) {
+  OpenForm();
+  Create(u"n"_s, u"fBeforeSpec"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"n"_s}));
+  // The same for one that went without a word.
+  iForm->NewCard(iSet);
+  iForm->SetCard(0, iCards[1]);
+  gStack->DeleteCard(iCards[1]);
+  Find<QLineEdit>(u"fName"_s).setText(u"m"_s);
+  Press(u"fCreateBut"_s);
+  EXPECT_EQ(Order(), (QStringList{u"a"_s, u"c"_s, u"n"_s, u"m"_s}));
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
+TEST_F(CVelumCardEditTest, InAnEmptyStackEveryPlaceIsTheSame) {
+  gStackView->EmptyStack();
+  OpenForm();
+  for (const QString& place : {u"fBeforeCur"_s, u"fAfterCur"_s, u"fAtEnd"_s}) {
+    Create(u"n"_s, place);
+    EXPECT_EQ(Order(), QStringList{u"n"_s}) << place.toStdString();
+    EXPECT_EQ(CardName(), u"n"_s);
+    gStackView->EmptyStack();
+  }
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
 TEST_F(CVelumCardEditTest, WithNoPlaceChosenItAsserts) {
   OpenForm().NewCard(iSet);
   Find<QLineEdit>(u"fName"_s).setText(u"n"_s);
