@@ -10,6 +10,8 @@
 using namespace CVelumError;
 
 namespace {
+// A length, the end marker included, has 16 bits.
+constexpr qsizetype EMaxLineLen = 32766;
 
 struct TSymText {
   qint32 iSym;
@@ -147,7 +149,14 @@ void CVelumScanner::ReadFileLine() {
   AssertObj(!iEof, this, u"ReadFileLine"_s, u"ReadFileLine eof"_s);
   // Into the memory of the line before.
   iEof = !CVelumChecked::Deref(iFile).ReadLine(iLine);
-  if (!iEof) BeginLine();
+  if (iEof) return;
+  if (iLine.size() > EMaxLineLen)
+    RaiseHost(EHostOverflow,
+              u"%1, line %2: the line has %3 characters, at most %4 can be read"_s.arg(iFile->Filename())
+                  .arg(iLineNum + 1)
+                  .arg(iLine.size())
+                  .arg(EMaxLineLen));
+  BeginLine();
 }
 
 // aName holds letters of ASCII, digits and "_" only.

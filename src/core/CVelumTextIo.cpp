@@ -15,7 +15,7 @@ bool CVelumTextReader::Fill() {
   if (iAtEnd) return false;
   iBuf.remove(0, std::exchange(iPos, 0));
   qsizetype used = iBuf.size();
-  if (used > EMaxLine) CVelumError::RaiseHost(EHostOutOfMemory, iPath);
+  if (used > EMaxLine) CVelumError::RaiseHost(EHostOutOfMemory, u"%1, line %2"_s.arg(iPath).arg(iLines + 1));
   iBuf.resize(used + EBufSize);
   qint64 len = CVelumOs::Read(iFd, iPath, iBuf.data() + used, EBufSize);
   iBuf.resize(used + static_cast<qsizetype>(len));
@@ -42,6 +42,7 @@ QByteArrayView CVelumTextReader::Take(qsizetype aEnd) {
   if (aEnd + 1 == iBuf.size() && iBuf.at(aEnd) == '\r') static_cast<void>(Fill());
   const QByteArrayView line(iBuf.constData() + iPos, len);
   iPos += len + 1;
+  ++iLines;
   const bool cr = iBuf.at(iPos - 1) == '\r';
   if (cr && iPos < iBuf.size() && iBuf.at(iPos) == '\n') ++iPos;
   return line;

@@ -11,7 +11,8 @@ class CVelumTextReader {
 public:
   CVelumTextReader(int aFd, QString aPath) : iFd(aFd), iPath(std::move(aPath)) {}
   // False at the end of the file, where aLine stays as it is. The line's end is not part of it. The bytes
-  // stay where they are until the next call. Host error 7 for a line of more than 64 MB.
+  // stay where they are until the next call. Host error 7, with the number of the line, for one of more than
+  // 64 MB.
   [[nodiscard]] bool ReadLine(QByteArrayView& aLine);
 
 private:
@@ -25,6 +26,7 @@ private:
   QString iPath;
   QByteArray iBuf;
   qsizetype iPos = 0;    // first byte not yet used
+  qint64 iLines = 0;     // that have been taken, but for a last one without an end
   bool iAtEnd = false;   // the system has no more
   bool iFirstEnd = true; // no line end has been seen yet
   bool iLfEnds = false;  // LF alone ends a line

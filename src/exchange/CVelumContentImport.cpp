@@ -90,6 +90,7 @@ private:
 } // namespace
 
 bool CVelumImports::ImportXml(const QString& aPath, CVelumStack& aStack, const TVelumStep& aStep) {
+  CVelumImportLimits::CheckIsFile(aPath);
   aStack.BeginBulk(0);
   bool whole = false;
   try {

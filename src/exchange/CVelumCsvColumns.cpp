@@ -10,22 +10,25 @@ constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
 constexpr qint32 EGroup = 3;        // digits behind a thousands separator
 
 // A separator with exactly three characters behind it throughout parts thousands, any other decimals.
-TCsvColumn NumberColumn(const TColStats& aStats) {
+qint32 NumberType(const TColStats& aStats) {
   const auto isThousands = [](qint32 aCount, qint32 aDigits) { return qint64{aCount} * EGroup == aDigits; };
-  if (aStats.iDots > 0)
-    return isThousands(aStats.iDots, aStats.iDotDigits) ? TCsvColumn{EConInteger}
-                                                        : TCsvColumn{EConReal, u'.'};
-  if (aStats.iCommas > 0 && !isThousands(aStats.iCommas, aStats.iCommaDigits)) return {EConReal, u','};
-  return {EConInteger};
+  if (aStats.iDots > 0) return isThousands(aStats.iDots, aStats.iDotDigits) ? EConInteger : EConReal;
+  if (aStats.iCommas > 0 && !isThousands(aStats.iCommas, aStats.iCommaDigits)) return EConReal;
+  return EConInteger;
 }
 
+qint32 TypeOf(const TColStats& aStats, qint32 aTotal) {
+  if (aStats.iEmpty == aTotal) return EConText;
+  if (aStats.iTrues + aStats.iFalses + aStats.iEmpty == aTotal) return EConBoolean;
+  if (aStats.iDates + aStats.iEmpty == aTotal) return EConDate;
+  if (aStats.iTimes + aStats.iEmpty == aTotal) return EConTime;
+  if (aStats.iWithLetter < 1 && aStats.iWithDigit > 0) return NumberType(aStats);
+  return EConText;
+}
+
+// The decimal also counts where the user makes a column real that was not taken for one.
 TCsvColumn ColumnOf(const TColStats& aStats, qint32 aTotal) {
-  if (aStats.iEmpty == aTotal) return {};
-  if (aStats.iTrues + aStats.iFalses + aStats.iEmpty == aTotal) return {EConBoolean};
-  if (aStats.iDates + aStats.iEmpty == aTotal) return {EConDate};
-  if (aStats.iTimes + aStats.iEmpty == aTotal) return {EConTime};
-  if (aStats.iWithLetter < 1 && aStats.iWithDigit > 0) return NumberColumn(aStats);
-  return {};
+  return {TypeOf(aStats, aTotal), aStats.iDots == 0 && aStats.iCommas > 0 ? u',' : u'.'};
 }
 
 // Goes over the data rows as long as aWork, which gets the row, goes along. False if cancelled.
@@ -70,6 +73,6 @@ bool CVelumImports::DetectTypes(const CVelumCsvRows& aRows, bool aHeaderLine, in
   return ForDataRows(aRows, aHeaderLine, half, aTo, aWatch, [&](qint32 aRow) {
     for (int i = 0; i < std::min(aRows.NumItems(aRow), columns); ++i)
       if (TCsvColumn& column = aColumns[static_cast<size_t>(i)]; !FitsColumn(aRows.Item(aRow, i), column))
-        column = TCsvColumn();
+        column.iType = EConText;
   });
 }

@@ -9,7 +9,7 @@
 // What is known of a column.
 struct TCsvColumn {
   qint32 iType = 0;      // of a field: 0 text, 1 integer, 2 real, 3 date, 4 time, 5 boolean
-  QChar iDecimal = u'.'; // of a real: "." or ","
+  QChar iDecimal = u'.'; // "." or ","; counts for reals alone
 };
 
 // One more than a row can have items.

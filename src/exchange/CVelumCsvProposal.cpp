@@ -1,5 +1,8 @@
 #include "exchange/CVelumCsvProposal.h"
 
+#include "exchange/CVelumCsvRows.h"
+#include "exchange/CVelumImportLimits.h"
+
 #include <QFile>
 #include <QStringDecoder>
 #include <algorithm>
@@ -59,12 +62,16 @@ bool LooksUtf8(const QByteArray& aBytes) {
 } // namespace
 
 TCsvProposal CVelumImports::ProposeCsv(const QString& aFilename) {
+  CVelumImportLimits::CheckIsFile(aFilename);
   TCsvProposal proposal;
   QStringList lines = FirstLines(aFilename, proposal.iCoding);
   proposal.iDelim = ProposeDelim(lines.value(0));
   proposal.iLooksUtf8 = proposal.iCoding == ECodLatin1 && LooksUtf8(Sample(aFilename));
   if (qint32 coding = ECodUtf8; proposal.iLooksUtf8) lines = FirstLines(aFilename, coding);
-  for (QString& line : lines) line.replace(u'\t', u"<tab>"_s);
+  for (QString& line : lines) {
+    line.truncate(CVelumCsvRows::EMaxLineLen);
+    line.replace(u'\t', u"<tab>"_s);
+  }
   proposal.iLines = lines;
   return proposal;
 }

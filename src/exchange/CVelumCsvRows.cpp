@@ -39,12 +39,7 @@ void CVelumCsvRows::Clear() {
 
 // False at the end of the file. The line ends in front of the first end marker in it.
 bool CVelumCsvRows::ReadLine(QString& aLine) {
-  try {
-    if (!iFile->ReadLine(aLine)) return false;
-  } catch (const CVelumException& e) {
-    if (e.Number() != EHostOutOfMemory) throw;
-    CVelumError::RaiseHost(EHostOutOfMemory, Place(*iFile, iLineNum + 1));
-  }
+  if (!iFile->ReadLine(aLine)) return false;
   ++iLineNum;
   iCharsRead += aLine.size() + 1;
   if (aLine.size() > EMaxLineLen)

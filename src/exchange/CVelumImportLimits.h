@@ -3,6 +3,8 @@
 
 #include "core/CVelumError.h"
 
+#include <QFileInfo>
+
 namespace CVelumImportLimits {
 
 // A stack file holds texts of up to so many characters.
@@ -14,6 +16,14 @@ inline constexpr qsizetype EMaxText = 15000;
 // Host error 6; aWhich ends in a blank and names the text.
 [[noreturn]] inline void RaiseTooLong(const QString& aWhich) {
   CVelumError::RaiseHost(EHostOverflow, aWhich + u"has more than 15,000 characters."_s);
+}
+
+// Raises host error 70 for what is there but no file: a pipe would be waited for without an end, and can only
+// be read once. A folder, or nothing, is for the opening to refuse.
+inline void CheckIsFile(const QString& aPath) {
+  const QFileInfo info(aPath);
+  if (info.exists() && !info.isFile() && !info.isDir())
+    CVelumError::RaiseHost(EHostPermissionDenied, aPath + u" is a pipe or a device."_s);
 }
 
 } // namespace CVelumImportLimits

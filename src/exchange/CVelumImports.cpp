@@ -3,6 +3,7 @@
 #include "core/CVelumChecked.h"
 #include "exchange/CVelumCsvCards.h"
 #include "exchange/CVelumCsvKey.h"
+#include "exchange/CVelumImportLimits.h"
 #include "model/CVelumModelLib.h"
 
 #include <QFileInfo>
@@ -46,6 +47,7 @@ private:
 };
 
 ECsvOutcome CImport::Read() {
+  CVelumImportLimits::CheckIsFile(iFilename);
   CVelumFile file(iFilename, EFilSeqRead);
   file.SetCoding(iOptions.iCoding);
   file.OpenFile();

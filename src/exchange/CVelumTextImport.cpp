@@ -44,6 +44,7 @@ void CheckChunk(const QString& aChunk, qint64 aNum) {
 
 // All texts of the cards; false when aStep gave up.
 bool ReadChunks(const QString& aPath, const TVelumStep& aStep, std::vector<QString>& aChunks) {
+  CVelumImportLimits::CheckIsFile(aPath);
   CTextReader reader(aPath);
   for (bool more = true; more;) {
     QString chunk;

@@ -16,7 +16,6 @@
 #include "ui_CVelumImportOptions.h"
 
 #include <QPointer>
-#include <QScopeGuard>
 #include <QScopedValueRollback>
 
 namespace {
@@ -178,11 +177,12 @@ void CVelumImportOptions::ImportXmlFile() {
   const QString path = AskFile(fImportXmlDialog, gOptions.iImportXmlDialogInitDir);
   if (path.isEmpty() || !CVelumDialogLib::LeaveStackStep() || !gStackView) return;
   const bool done = Run(u"CVelumImportOptions.ImportXmlFile"_s, path, [&](const TVelumStep& aStep) {
-    // What was read before a failure stays, and is to be seen.
-    const auto refresh = qScopeGuard([] { CVelumSeams::ChangeNotify(EStructure); });
     return CVelumImports::ImportXml(path, *gStack, aStep);
   });
+  // What was read before a failure stays, and is to be seen.
   CVelumCsvImportOptions::ShowCards();
+  if (Ref<CVelumCard> card; done && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
+  CVelumSeams::ChangeNotify(EStructure);
   if (done) CVelumWinMan::UnloadForm(*this);
 }
 

@@ -2,27 +2,25 @@
 #pragma once
 
 #include "exchange/CVelumImportWatch.h"
+#include "shell/CVelumProgressBox.h"
 
+#include <QCoreApplication>
 #include <QSet>
-#include <memory>
 
-class QProgressDialog;
-class QWidget;
-
-// A box with the progress and a Cancel button, which comes up when the import takes longer than a moment, and
-// keeps the other windows still meanwhile. Messages that come once a line can be silenced.
+// Shows the progress, with a button that cancels. Messages that come once a line can be silenced.
 class CVelumImportProgress final : public CVelumImportWatch {
+  Q_DECLARE_TR_FUNCTIONS(CVelumImportProgress)
+
 public:
   CVelumImportProgress(QWidget* aOwner, const QString& aFilename);
-  ~CVelumImportProgress() override;
 
   void Message(qint32 aMsg, const QString& aP0) override;
   void Unclosed(qint32 aLineNum) override;
-  [[nodiscard]] bool Progress(int aDone) override;
+  [[nodiscard]] bool Progress(int aDone) override { return Step(aDone, EAll); }
   // The same for work that is counted in other units; aTotal 0 is one whose end is not known.
-  [[nodiscard]] bool Step(qint64 aDone, qint64 aTotal);
+  [[nodiscard]] bool Step(qint64 aDone, qint64 aTotal) { return iBox.Step(aDone, aTotal); }
 
 private:
-  std::unique_ptr<QProgressDialog> iDialog;
+  CVelumProgressBox iBox;
   QSet<qint32> iSilenced;
 };

@@ -4,6 +4,9 @@
 
 #include <QProgressDialog>
 
+#include <algorithm>
+#include <limits>
+
 namespace {
 
 constexpr int EPatience = 500; // milliseconds until the box comes up
@@ -27,8 +30,11 @@ CVelumProgressBox::CVelumProgressBox(QWidget* aOwner, const QString& aTitle, con
 CVelumProgressBox::~CVelumProgressBox() = default;
 
 bool CVelumProgressBox::Step(qint64 aDone, qint64 aTotal) {
-  if (aTotal <= 0) iDialog->setRange(0, 0);
-  // Lets the toolkit paint, and takes clicks on the Cancel button alone.
-  iDialog->setValue(aTotal > 0 ? static_cast<int>(aDone * EAll / aTotal) : 0);
+  if (aTotal <= 0 && iDialog->maximum() > 0) iDialog->setRange(0, 0);
+  const qint64 value = aTotal > 0 ? aDone * EAll / aTotal : aDone;
+  constexpr qint64 most = std::numeric_limits<int>::max();
+  // Lets the toolkit paint, and takes clicks on the Cancel button alone. A value that stays the same would be
+  // passed over, and the button with it.
+  iDialog->setValue(static_cast<int>(std::min(value, most)));
   return !iDialog->wasCanceled();
 }

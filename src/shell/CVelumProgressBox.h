@@ -15,7 +15,7 @@ public:
   CVelumProgressBox(const CVelumProgressBox&) = delete;
   CVelumProgressBox& operator=(const CVelumProgressBox&) = delete;
 
-  // aTotal 0 is work whose end is not known. False when the user gives it up.
+  // aDone grows. aTotal 0 is work whose end is not known. False when the user gives it up.
   [[nodiscard]] bool Step(qint64 aDone, qint64 aTotal);
 
 private:

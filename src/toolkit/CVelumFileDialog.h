@@ -14,6 +14,7 @@ public:
   // aFilter: pairs of a label and patterns, "Label (*.a;*.b)|*.a;*.b|All (*.*)|*".
   CVelumFileDialog(QString aTitle, QString aDefaultExt, QString aFilter);
 
+  [[nodiscard]] const QString& Title() const { return iTitle; }
   [[nodiscard]] const QString& InitDir() const { return iInitDir; }
   void SetInitDir(const QString& aDir) { iInitDir = aDir; }
   [[nodiscard]] const QString& FileName() const { return iFileName; }

@@ -125,6 +125,9 @@ TEST_F(CVelumContentCommands, FailuresWriteNothing) {
       {{u"export-csv"_s, iStack, iStack, u"--background"_s, u"Notes"_s}, "is the stack itself"},
       {{u"export-xml"_s, iStack, iStack}, "is the stack itself"},
       {{u"export-xml"_s, iStack, iFolder.Path()}, "a folder or a device"},
+      {{u"export-csv"_s, iStack, u"/dev/full"_s, u"--background"_s, u"Notes"_s}, "a folder or a device"},
+      {{u"import-xml"_s, u"/dev/zero"_s, iStack}, "a pipe or a device"},
+      {{u"import-text"_s, u"/dev/zero"_s, iStack, u"--background"_s, u"Notes"_s}, "a pipe or a device"},
       {{u"export-xml"_s, iStack, iFolder.Path(u"no/folder"_s)}, "File not found"},
   };
   for (const auto& each : cases) {

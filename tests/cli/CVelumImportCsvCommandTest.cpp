@@ -1,9 +1,11 @@
 #include "cli/CliRun.h"
+
 #include "core/CVelumMsg.h"
 #include "persist/CVelumStackFile.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
 
 namespace {
@@ -79,6 +81,8 @@ TEST_F(CVelumImportCsvCommand, TellsOfACellThatIsNeverClosed) {
 
 TEST_F(CVelumImportCsvCommand, FailuresWriteNothing) {
   const QString good = iFolder.Write(u"good.csv"_s, "a\n1\n");
+  const QString endless = iFolder.Write(u"endless.csv"_s, "a\n");
+  ASSERT_TRUE(QFile::resize(endless, qint64{1} << 31)); // takes no room on the disk
   const QString sample = CliRun::Sample();
   struct TCase {
     QStringList iArguments;
@@ -89,6 +93,8 @@ TEST_F(CVelumImportCsvCommand, FailuresWriteNothing) {
       {{iFolder.Write(u"empty.csv"_s, ""), iOut}, 1, "EMsgEmptyFile"},
       {{iFolder.Path(u"none.csv"_s), iOut}, 1, "EMsgFileNotFound"},
       {{iFolder.Path(), iOut}, 1, "EMsgNoFileAccess"},
+      {{u"/dev/zero"_s, iOut}, 1, "a pipe or a device"},
+      {{endless, iOut}, 1, "line 2"},
       {{iFolder.Write(u"long.csv"_s, "a\n" + QByteArray(40000, 'x') + "\n"), iOut}, 1, "line 2"},
       {{good, iOut, u"--delimiter"_s, u" "_s}, 2, "no delimiter"},
       {{good, iOut, u"--delimiter"_s, u"::"_s}, 2, "no delimiter"},

@@ -7,6 +7,7 @@
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -334,6 +335,22 @@ TEST_F(CVelumFileTest, ALineWithoutAnEndIsRefused) {
   file.OpenFile();
   QString line;
   ExpectError(EHostOutOfMemory, [&] { (void)file.ReadLine(line); });
+}
+
+TEST_F(CVelumFileTest, ALineThatIsRefusedIsNamed) {
+  const QString path = iFolder.Write(u"t"_s, "a\nb\n");
+  ASSERT_TRUE(QFile::resize(path, qint64{1} << 30)); // takes no room on the disk
+  CVelumFile file(path, EFilSeqRead);
+  file.OpenFile();
+  QString line;
+  ASSERT_TRUE(file.ReadLine(line) && file.ReadLine(line));
+  try {
+    static_cast<void>(file.ReadLine(line));
+    FAIL();
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EHostOutOfMemory);
+    EXPECT_EQ(e.Descr().section(u'/', -1), u"t, line 3"_s) << e.what();
+  }
 }
 
 TEST_F(CVelumFileTest, Codings) {

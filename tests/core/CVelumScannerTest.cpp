@@ -193,6 +193,23 @@ TEST(CVelumScanner, RefusesALineThatItsPositionsCannotCount) {
   }
 }
 
+TEST_F(ScannerFile, NamesALineThatIsTooLong) {
+  CVelumScanner scanner;
+  scanner.SetFile(Open("a\n" + QByteArray(32767, 'b')));
+  scanner.BeginFile();
+  qint32 sym = 0;
+  QString str;
+  qint16 keyword = 0;
+  scanner.GetSym(sym, str, keyword);
+  try {
+    scanner.GetSym(sym, str, keyword);
+    FAIL();
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EHostOverflow);
+    EXPECT_TRUE(e.Descr().contains(u"line 2: the line has 32767 characters"_s)) << e.what();
+  }
+}
+
 TEST(CVelumScanner, NamesItsSymbols) {
   const std::pair<qint32, const char16_t*> names[] = {
       {0, u"<ident>"},  {1, u"<number>"}, {2, u"<string>"}, {3, u"#"},   {4, u","},

@@ -4,6 +4,9 @@
 #include "support/Assertions.h"
 #include "support/Raised.h"
 
+#include <QFile>
+#include <sys/stat.h>
+
 namespace {
 
 class CVelumContentImportTest : public ContentStack {
@@ -188,6 +191,12 @@ TEST_F(CVelumContentImportTest, GivenUpItKeepsWhatWasRead) {
 
 TEST_F(CVelumContentImportTest, AFileThatIsNotThereIsNamed) {
   EXPECT_EQ(Raised([&] { CVelumImports::ImportXml(iFolder.Path(u"none"_s), *iStack); }), EMsgFileNotFound);
+}
+
+TEST_F(CVelumContentImportTest, APipeIsNoFile) {
+  const QString pipe = iFolder.Path(u"pipe"_s);
+  ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+  EXPECT_EQ(Raised([&] { CVelumImports::ImportXml(pipe, *iStack); }), EHostPermissionDenied);
 }
 
 } // namespace

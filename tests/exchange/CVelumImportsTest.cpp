@@ -11,7 +11,9 @@
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -320,6 +322,31 @@ TEST_F(CVelumImportsTest, FieldsOfTheBackgroundDecideWithoutDetection) {
   EXPECT_EQ(Cards(), QStringList({u"y|y|12|19800101"_s})) << "as when it is typed";
 }
 
+TEST_F(CVelumImportsTest, AFailureOfTheHostNamesTheImport) {
+  EXPECT_EQ(Raised([&] { static_cast<void>(Import("a\n" + QByteArray(40000, 'x'))); }), EHostOverflow);
+  EXPECT_EQ(CVelumError::GetErrorRecord().iProc, u"CVelumImports.ImportCsv1");
+}
+
+TEST_F(CVelumImportsTest, APipeIsNoFile) {
+  const QString pipe = iFolder.Path(u"pipe"_s);
+  ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+  EXPECT_EQ(Raised([&] { static_cast<void>(CVelumImports::ProposeCsv(pipe)); }), EHostPermissionDenied);
+  EXPECT_EQ(Raised([&] { static_cast<void>(CVelumImports::ImportCsv1(pipe, iOptions, iWatch, iNew)); }),
+            EHostPermissionDenied);
+}
+
+TEST_F(CVelumImportsTest, TheProposalNamesALineBeyondAllMeasure) {
+  const QString path = Csv("a\n");
+  ASSERT_TRUE(QFile::resize(path, qint64{1} << 30)); // takes no room on the disk
+  try {
+    static_cast<void>(CVelumImports::ProposeCsv(path));
+    FAIL();
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EHostOutOfMemory);
+    EXPECT_TRUE(e.Descr().contains(u"line 2"_s)) << e.what();
+  }
+}
+
 TEST_F(CVelumImportsTest, ProposesByTheFirstLine) {
   const auto delim = [&](const QByteArray& aBytes) { return CVelumImports::ProposeCsv(Csv(aBytes)).iDelim; };
   EXPECT_EQ(delim("a;b;c,d\n"), u';');
@@ -334,6 +361,7 @@ TEST_F(CVelumImportsTest, ShowsTheFirstTenLines) {
   const TCsvProposal proposal = CVelumImports::ProposeCsv(Csv("a\tb\n" + Lines(1, 20)));
   EXPECT_EQ(proposal.iLines.size(), 10);
   EXPECT_EQ(proposal.iLines.first(), u"a<tab>b");
+  EXPECT_EQ(CVelumImports::ProposeCsv(Csv(QByteArray(100000, 'x'))).iLines.first().size(), 32766);
 }
 
 TEST_F(CVelumImportsTest, ProposesUtf8WhereTheBytesAreThat) {

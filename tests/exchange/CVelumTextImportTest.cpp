@@ -4,6 +4,9 @@
 #include "support/Assertions.h"
 #include "support/Raised.h"
 
+#include <QFile>
+#include <sys/stat.h>
+
 namespace {
 
 class CVelumTextImportTest : public ContentStack {
@@ -101,6 +104,12 @@ TEST_F(CVelumTextImportTest, AFieldOfAnotherTypeIsToldBeforeAnythingGoes) {
   text->SetConType(EConInteger);
   EXPECT_EQ(Assertions::Of([&] { Import("x"); }), "Assert|type");
   EXPECT_EQ(Cards(*iStack), QStringList{u"Second|old"_s});
+}
+
+TEST_F(CVelumTextImportTest, APipeIsNoFile) {
+  const QString pipe = iFolder.Path(u"pipe"_s);
+  ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+  EXPECT_EQ(Raised([&] { CVelumImports::ImportTextFile(pipe, iSecond, iHost); }), EHostPermissionDenied);
 }
 
 } // namespace

@@ -189,6 +189,25 @@ TEST_F(CVelumCsvImportOptionsTest, AnEmptyFileLeavesTheOpenStack) {
   EXPECT_EQ(gStack, old);
 }
 
+TEST_F(CVelumCsvImportOptionsTest, ADelimiterAndACodingHaveToBeChosen) {
+  const auto none = [](std::initializer_list<QString> aNames) {
+    for (const QString& name : aNames) {
+      Find<QRadioButton>(name).setAutoExclusive(false);
+      Find<QRadioButton>(name).setChecked(false);
+    }
+  };
+  Start();
+  OpenForm("a\n1\n");
+  none({u"fLatin1"_s, u"fUtf8"_s});
+  Press(u"fImportBut"_s);
+  EXPECT_TRUE(iPresenter.Shown().value(0).iText.contains(u"fImportBut_Click iCoding"_s));
+  none({u"fComma"_s, u"fSemiColon"_s, u"fTab"_s});
+  iPresenter.Clear();
+  Press(u"fImportBut"_s);
+  EXPECT_TRUE(iPresenter.Shown().value(0).iText.contains(u"fImportBut_Click iCsvDelim"_s));
+  EXPECT_FALSE(gStack);
+}
+
 TEST_F(CVelumCsvImportOptionsTest, FillsTheChosenBackground) {
   Start();
   OpenForm("Name,Size\nAnna,1\nBob,2\n");
@@ -263,10 +282,46 @@ TEST_F(CVelumCsvImportOptionsTest, CancelStopsAnImport) {
   Start();
   CVelumImportProgress progress(gFrame, u"table.csv"_s);
   EXPECT_TRUE(progress.Progress(10));
-  auto* dialog = gFrame->findChild<QProgressDialog*>(u"CVelumImportProgress"_s);
+  auto* dialog = gFrame->findChild<QProgressDialog*>(u"CVelumProgressBox"_s);
   ASSERT_NE(dialog, nullptr);
   dialog->cancel();
   EXPECT_FALSE(progress.Progress(20));
+}
+
+TEST_F(CVelumCsvImportOptionsTest, WorkWithoutAKnownEndIsShownAndCanBeCancelled) {
+  Start();
+  CVelumImportProgress progress(gFrame, u"table.csv"_s);
+  auto* dialog = gFrame->findChild<QProgressDialog*>(u"CVelumProgressBox"_s);
+  ASSERT_NE(dialog, nullptr);
+  qint64 done = 0;
+  for (int i = 0; i < 100 && !dialog->isVisible(); ++i) {
+    EXPECT_TRUE(progress.Step(done += 500, 0));
+    QTest::qSleep(50);
+  }
+  ASSERT_TRUE(dialog->isVisible());
+  QTimer::singleShot(0, dialog, [dialog] { dialog->findChild<QPushButton*>()->click(); });
+  EXPECT_FALSE(progress.Step(done + 500, 0));
+}
+
+TEST_F(CVelumCsvImportOptionsTest, ShowsNoMoreOfALineThanARowCanHold) {
+  Start();
+  OpenForm(QByteArray(1 << 20, 'x'));
+  EXPECT_EQ(Find<CVelumListWidget>(u"fLineBox"_s).CellText(0, 0).size(), 32766);
+  Press(u"fImportBut"_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgSystemError);
+}
+
+TEST_F(CVelumCsvImportOptionsTest, ThePreviewReadsRealsOfTheUserByTheirSeparator) {
+  Start();
+  OpenForm("a;b\n1,5;1,234\nABC;5,678\n");
+  Find<QTabWidget>(u"fTabs"_s).setCurrentIndex(1);
+  EXPECT_EQ(Titles(), QStringList({u"a\nText"_s, u"b\nInteger"_s}));
+  for (const int column : {0, 1}) {
+    Find<QTableWidget>(u"fPreviewBox"_s).setCurrentCell(0, column);
+    Find<QComboBox>(u"fColumnType"_s).setCurrentIndex(3);
+  }
+  EXPECT_EQ(Cell(0, 0), u"1.5"_s);
+  EXPECT_EQ(Cell(0, 1), u"1.234"_s);
 }
 
 TEST_F(CVelumCsvImportOptionsTest, MessagesOfManyLinesCanBeSilenced) {

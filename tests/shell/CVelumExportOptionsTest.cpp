@@ -114,6 +114,22 @@ TEST_F(CVelumExportOptionsTest, TheFolderOfTheOptionComesFirst) {
   EXPECT_EQ(folders, (QStringList{u"/csv"_s, u"/xml"_s}));
 }
 
+TEST_F(CVelumExportOptionsTest, TheDialogsAskForTheirFiles) {
+  OpenCsv();
+  QStringList asked;
+  CVelumFileDialog::SetAnswer([&](const CVelumFileDialog& aDialog, bool aSave) {
+    EXPECT_TRUE(aSave);
+    const QStringList filters = aDialog.NameFilters();
+    asked.append(QStringList({aDialog.Title(), aDialog.ExtensionFor({}), filters.join(u';')}).join(u'|'));
+    return QString();
+  });
+  Click(ECsvExport, u"fExportBut"_s);
+  Click(EExport, u"fXml"_s);
+  Click(EExport, u"fOkBut"_s);
+  EXPECT_EQ(asked, QStringList({u"CSV Export File Name|csv|CSV Files (*.csv);All Files (*)"_s,
+                                u"XML Export File Name|csv|XML Files (*.xml);All Files (*)"_s}));
+}
+
 TEST_F(CVelumExportOptionsTest, CancelInTheFileDialogIsSilent) {
   OpenCsv();
   iPath.clear();

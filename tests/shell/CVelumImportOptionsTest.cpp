@@ -175,6 +175,50 @@ TEST_F(CVelumImportOptionsTest, ImportsContentIntoTheOpenStack) {
   EXPECT_EQ(gOptions.iImportXmlDialogInitDir, iFolder.Path());
 }
 
+TEST_F(CVelumImportOptionsTest, AfterContentTheFirstCardIsShown) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  Action(u"LastCard"_s)->trigger();
+  ASSERT_NE(CardName(), u"card 00"_s);
+  iPath = iFolder.Write(u"a.xml"_s, "<?xml version=\"1.0\"?>\n<orvelle version=\"1.0\"></orvelle>\n");
+  OpenForm();
+  Button(u"fXml"_s).click();
+  Button(u"fOkBut"_s).click();
+  EXPECT_EQ(CardName(), u"card 00"_s);
+  EXPECT_FALSE(IsOpen());
+}
+
+TEST_F(CVelumImportOptionsTest, TheDialogsAskForTheirFiles) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  OpenForm();
+  QStringList asked;
+  gOptions.iImportXmlDialogInitDir = u"/xml"_s;
+  gOptions.iImportTextDialogInitDir = u"/text"_s;
+  CVelumFileDialog::SetAnswer([&](const CVelumFileDialog& aDialog, bool aSave) {
+    EXPECT_FALSE(aSave);
+    asked.append(QStringList({aDialog.Title(), aDialog.ExtensionFor({}), aDialog.NameFilters().join(u';'),
+                              aDialog.InitDir()})
+                     .join(u'|'));
+    return QString();
+  });
+  for (const QString& format : {u"fCsv"_s, u"fXml"_s, u"fText"_s}) {
+    Button(format).click();
+    Button(u"fOkBut"_s).click();
+  }
+  EXPECT_EQ(asked, QStringList({u"Import CSV File|csv|CSV Files (*.csv);All Files (*)|"_s,
+                                u"Import XML File|xml|XML Files (*.xml);All Files (*)|/xml"_s,
+                                u"Import Pure Text File|csv|All Files (*)|/text"_s}));
+}
+
+TEST_F(CVelumImportOptionsTest, NoFormatIsAnAssertion) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  OpenForm();
+  auto& csv = dynamic_cast<QRadioButton&>(Button(u"fCsv"_s));
+  csv.setAutoExclusive(false);
+  csv.setChecked(false);
+  Button(u"fIntoCurStack"_s).click();
+  EXPECT_TRUE(iPresenter.Shown().value(0).iText.contains(u"HandleDisables value"_s));
+}
+
 TEST_F(CVelumImportOptionsTest, StayingStopsAnImportOfContent) {
   Start(CopyStack(u"a.Orvelle"_s));
   Change();
