@@ -165,25 +165,23 @@ TEST_F(CVelumImportOptionsTest, ImportsATextIntoTheChosenBackground) {
   EXPECT_EQ(gOptions.iImportTextDialogInitDir, iFolder.Path());
 }
 
-TEST_F(CVelumImportOptionsTest, ImportsContentIntoTheOpenStack) {
-  Start(CopyStack(u"a.Orvelle"_s));
-  iPath = iFolder.Write(u"a.xml"_s, "<?xml version=\"1.0\"?>\n<orvelle></orvelle>\n");
-  OpenForm();
-  Button(u"fXml"_s).click();
-  Button(u"fOkBut"_s).click();
-  EXPECT_EQ(gStack->NumCards(), 13);
-  EXPECT_EQ(gOptions.iImportXmlDialogInitDir, iFolder.Path());
-}
-
-TEST_F(CVelumImportOptionsTest, AfterContentTheFirstCardIsShown) {
+TEST_F(CVelumImportOptionsTest, ImportsContentAndShowsTheFirstCard) {
   Start(CopyStack(u"a.Orvelle"_s));
   Action(u"LastCard"_s)->trigger();
   ASSERT_NE(CardName(), u"card 00"_s);
-  iPath = iFolder.Write(u"a.xml"_s, "<?xml version=\"1.0\"?>\n<orvelle version=\"1.0\"></orvelle>\n");
+  Ref<CVelumControlSet> first;
+  qint32 index = 0;
+  ASSERT_TRUE(gStack->GetFirstBackground(first, index));
+  iPath = iFolder.Write(u"a.xml"_s, "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<orvelle version=\"1.0\">"
+                                    "<card name=\"new\" background=\"" +
+                                        first->Name().toUtf8() + "\"></card></orvelle>\r\n");
   OpenForm();
   Button(u"fXml"_s).click();
   Button(u"fOkBut"_s).click();
+  EXPECT_EQ(iPresenter.Count(), 0) << iPresenter.LastText().toStdString();
+  EXPECT_EQ(gStack->NumCards(), 14);
   EXPECT_EQ(CardName(), u"card 00"_s);
+  EXPECT_EQ(gOptions.iImportXmlDialogInitDir, iFolder.Path());
   EXPECT_FALSE(IsOpen());
 }
 
