@@ -65,6 +65,11 @@ TEST_F(CVelumFrameTest, MenusHaveTheirItemsInOrder) {
   EXPECT_EQ(Captions(*Menu(u"fPicture"_s)), (QStringList{u"I&mport..."_s, u"&Show..."_s}));
   EXPECT_EQ(Captions(*Menu(u"fOrvelles"_s)),
             (QStringList{u"&Options..."_s, u"&Help..."_s, u"&About..."_s, u"&Close"_s}));
+  const QList<QAction*> commands = Menu(u"fCmd"_s)->actions();
+  ASSERT_EQ(commands.size(), 11);
+  for (int i = 0; i < 10; ++i) EXPECT_EQ(commands[i]->objectName(), u"fGenFunc%1"_s.arg(i));
+  EXPECT_EQ(commands[10]->objectName(), u"fNoCmd"_s);
+  EXPECT_EQ(commands[10]->text(), u"(No Cmd)"_s);
   EXPECT_FALSE(Menu(u"fDevelopment"_s)->menuAction()->isVisible());
   EXPECT_EQ(Captions(*Menu(u"fDevelopment"_s)), (QStringList{u"HTTP Server"_s, u"&Size 208x255"_s}));
 }
@@ -81,8 +86,12 @@ TEST_F(CVelumFrameTest, ToolbarHasItsThirteenButtonsInOrder) {
   EXPECT_EQ(keys, (QStringList{u"NewStack"_s, u"OpenStack"_s, u"SaveStack"_s, u"FirstCard"_s, u"PrevCard"_s,
                                u"NextCard"_s, u"LastCard"_s, u"BackInHistory"_s, u"ForwInHistory"_s,
                                u"EditStack"_s, u"EditBackgrounds"_s, u"EditCards"_s, u"EditControls"_s}));
-  EXPECT_EQ(Action(u"ForwInHistory"_s)->toolTip(), u"Forward in History"_s);
-  EXPECT_EQ(Action(u"OpenStack"_s)->toolTip(), u"Open Stack"_s);
+  QStringList tips;
+  for (const QString& key : std::as_const(keys)) tips.append(Action(key)->toolTip());
+  EXPECT_EQ(tips, (QStringList{u"New Stack"_s, u"Open Stack"_s, u"Save Stack"_s, u"First Card"_s,
+                               u"Previous Card"_s, u"Next Card"_s, u"Last Card"_s, u"Back in History"_s,
+                               u"Forward in History"_s, u"Edit Stack"_s, u"Edit Backgrounds"_s,
+                               u"Edit Cards"_s, u"Edit Controls"_s}));
 }
 
 TEST_F(CVelumFrameTest, EveryToolbarButtonHasACommand) {
@@ -644,6 +653,30 @@ TEST_F(CVelumFrameTest, HostFindsTheCommandsByTheirExactNames) {
   EXPECT_FALSE(gFrame->ToolbarIcon(u"SelectCard"_s).isNull());
   EXPECT_TRUE(gFrame->ToolbarIcon(u"Nothing"_s).isNull());
   EXPECT_EQ(gFrame->ShowForm(u"CVelumSearchForm"_s), nullptr);
+}
+
+TEST_F(CVelumFrameTest, CommandsOfTheCardRunFromTheMenu) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  const Ref<CVelumControlSet> set = gStackView->CurCard()->Background();
+  for (const QString& name : {u"First"_s, u"Second"_s}) {
+    const auto command = MakeRef<CVelumControl>(gStack->IdGen().NextId(), name, EConCommand);
+    command->SetLabel(name);
+    for (const qint32 flag : {EConInMenu, EConInCardView}) command->SetFlag(flag, true);
+    set->AddControl(command, ENoInt);
+  }
+  CVelumSeams::ChangeNotify(1);
+  iRunner.iSent.clear();
+  Open(u"fCmd"_s);
+  ASSERT_EQ(Action(u"fGenFunc1"_s)->text(), u"Second"_s);
+  EXPECT_FALSE(Action(u"fGenFunc2"_s)->isVisible());
+  EXPECT_FALSE(Action(u"fNoCmd"_s)->isVisible());
+  Choose(u"fGenFunc1"_s);
+  ASSERT_EQ(iRunner.iSent.size(), 1);
+  EXPECT_TRUE(iRunner.iSent.first().endsWith(u" card 00.Second"_s)) << iRunner.iSent.first().toStdString();
+  AnswerSave(u"fDiscardBut"_s);
+  Choose(u"fCloseStack"_s);
+  Action(u"fGenFunc1"_s)->trigger(); // no stack: nothing
+  EXPECT_EQ(iPresenter.Count(), 0);
 }
 
 TEST_F(CVelumFrameTest, PhoneSizeGivesTheClientAreaOfAPhone) {
