@@ -57,6 +57,19 @@ TEST_F(CVelumPictureViewerTest, ImportPutsAPictureIntoTheFieldWithTheFocus) {
   EXPECT_TRUE(gStack->Changed());
 }
 
+TEST_F(CVelumPictureViewerTest, TheDialogOffersPicturesAndBeginsInTheFolderOfTheOptions) {
+  OpenStack();
+  gOptions.iImportPicDialogInitDir = iFolder.Path();
+  QStringList asked;
+  CVelumFileDialog::SetAnswer([&asked](const CVelumFileDialog& aDialog, bool aSave) {
+    EXPECT_FALSE(aSave);
+    asked = aDialog.NameFilters() << aDialog.InitDir();
+    return QString();
+  });
+  Choose(u"fImportPicFile"_s);
+  EXPECT_EQ(asked, (QStringList{u"Pictures (*.gif *.jpg *.bmp)"_s, u"All Files (*)"_s, iFolder.Path()}));
+}
+
 TEST_F(CVelumPictureViewerTest, ACancelledDialogChangesNothing) {
   OpenStack();
   gStack->SetChanged(false);
