@@ -1,6 +1,6 @@
 #include "core/TVelumValue.h"
 
-TVelumValue TVelumValue::OfObj(int aTag, Ref<CVelumStored> aObj) {
+TVelumValue TVelumValue::OfObj(int aTag, const Ref<CVelumStored>& aObj) {
   Q_ASSERT(aTag >= EValCard && aTag <= EValBlob);
   TVelumValue val;
   val.iSlot.iObj = aObj.Get();

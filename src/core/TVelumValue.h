@@ -84,7 +84,7 @@ public:
     return val;
   }
   // aTag is 100 to 105.
-  [[nodiscard]] static TVelumValue OfObj(int aTag, Ref<CVelumStored> aObj);
+  [[nodiscard]] static TVelumValue OfObj(int aTag, const Ref<CVelumStored>& aObj);
   // A value of any tag, known or not, with the slot at its zero.
   [[nodiscard]] static TVelumValue OfType(int aTag);
 
@@ -137,7 +137,9 @@ private:
     TSlot() : iReal(0.0) {}
     ~TSlot() {}
     // All slots but the text; an 8-byte copy covers each of them.
-    void CopyPlain(const TSlot& aOther) { std::memcpy(static_cast<void*>(this), &aOther, sizeof(double)); }
+    void CopyPlain(const TSlot& aOther) {
+      std::memcpy(static_cast<void*>(this), static_cast<const void*>(&aOther), sizeof(double));
+    }
     QString iStr;
     qint32 iInt;
     qint32 iPair[2];

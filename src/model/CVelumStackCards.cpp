@@ -116,7 +116,8 @@ void CVelumStack::AddKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
 }
 
 void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
-  const Ref<CVelumCard> card = aCard; // aCard may be one that goes
+  // aCard may be one that goes.
+  const Ref<CVelumCard> card = aCard; // NOLINT(performance-unnecessary-copy-initialization)
   CVelumError::Assert(CVelumChecked::Deref(card).Stack() == this, u"DeleteCard stack"_s);
   if (card->Stack() != this) return;
   CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card->BackgroundId()));
@@ -172,7 +173,8 @@ void CVelumStack::TakeName(CVelumCard& aCard, const QString& aName) {
 }
 
 void CVelumStack::DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) {
-  const Ref<CVelumControlSet> background = aBackground;
+  // aBackground may be the only reference, and go.
+  const Ref<CVelumControlSet> background = aBackground; // NOLINT(performance-unnecessary-copy-initialization)
   const qint32 id = CVelumChecked::Deref(background).Id();
   const bool own = FindBackground(id) == background.Get();
   CVelumError::AssertObj(own, this, u"DeleteBackground"_s, u"DeleteBackground aBackground of stack"_s);
