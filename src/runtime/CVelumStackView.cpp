@@ -312,12 +312,10 @@ bool CVelumStackView::OrderPrev(Ref<CVelumCard>& aCard) {
   return true;
 }
 
-Ref<CVelumCard> CVelumStackView::AddCard(const Ref<CVelumControlSet>& aBackground, const QString& aName) {
-  const Ref<CVelumCard> card = MakeRef<CVelumCard>(aName, aBackground);
-  iStack->AddCard(card, nullptr, true);
+void CVelumStackView::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBefore) {
+  iStack->AddCard(aCard, aBefore, true);
   if (iCurCard) iCurCard->UpdateCardLists();
   RefreshViews(true, true);
-  return card;
 }
 
 void CVelumStackView::DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude) {

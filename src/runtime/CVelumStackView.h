@@ -89,8 +89,8 @@ public:
   bool OrderLast(Ref<CVelumCard>& aCard);
   bool OrderNext(Ref<CVelumCard>& aCard);
   bool OrderPrev(Ref<CVelumCard>& aCard);
-  // Appends a card with default values; the current card stays.
-  Ref<CVelumCard> AddCard(const Ref<CVelumControlSet>& aBackground, const QString& aName);
+  // Adds a card with its default values in front of aBefore (nothing: at the end); the current card stays.
+  void AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBefore);
   // When the current card goes, another one is shown, if possible not of aExclude (or nothing).
   void DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
   void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) override;

@@ -362,10 +362,12 @@ void CVelumCardEdit::CreateCard() {
   const QString name = iUi->fName->text();
   const auto card = MakeRef<CVelumCard>(name, iCurSet);
   WriteCard(card);
-  gStack->AddCard(card, before, true);
+  gStackView->AddCard(card, before);
   Ref<CVelumControl> nameField;
-  if (iCurSet->GetControlByFlag(EConCardName, nameField)) gStack->RenameCard(card, name);
-  RefreshViews();
+  if (iCurSet->GetControlByFlag(EConCardName, nameField)) {
+    gStack->RenameCard(card, name);
+    RefreshViews();
+  }
   gStackView->GoToCard(card);
   CVelumSeams::ChangeNotify(3);
   // A script that hears of the card may have closed the stack, and this window with it.

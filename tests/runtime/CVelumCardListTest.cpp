@@ -401,7 +401,7 @@ TEST_F(CVelumCardListTest, ChangesRefillTheBackgroundsAndKeepTheChoice) {
 
 TEST_F(CVelumCardListTest, TheListFollowsWhatHappensToTheStack) {
   OpenThree();
-  View().AddCard(iSet, u"d"_s);
+  View().AddCard(MakeRef<CVelumCard>(u"d"_s, iSet), nullptr);
   EXPECT_EQ(Names().size(), 4);
   View().DeleteCard(iCards[0], nullptr);
   EXPECT_EQ(Names(), (QStringList{u"b"_s, u"c"_s, u"d"_s}));

@@ -375,7 +375,7 @@ TEST_F(CVelumCardViewListsTest, EmptyingTheStackDropsLinesThatAreBeingEdited) {
   QTest::keyClicks(LinesBox().Widget(), u"x"_s);
   View().EmptyStack();
   EXPECT_FALSE(LinesBox().Visible());
-  View().AddCard(iSet, u"b"_s);
+  View().AddCard(MakeRef<CVelumCard>(u"b"_s, iSet), nullptr);
   Ref<CVelumCard> card;
   EXPECT_TRUE(View().OrderFirst(card));
   View().ValidateCurControl();

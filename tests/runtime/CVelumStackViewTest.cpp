@@ -140,10 +140,11 @@ TEST_F(CVelumStackViewTest, AnotherBackgroundPutsTheFocusInItsFirstField) {
 
 TEST_F(CVelumStackViewTest, AddedCardsAreCountedInTheTitle) {
   OpenThree();
-  const auto card = View().AddCard(iSet, u"d"_s);
-  EXPECT_EQ(card->Name(), u"d"_s);
+  View().AddCard(MakeRef<CVelumCard>(u"d"_s, iSet), iCards[1]);
   EXPECT_EQ(Form().Caption(), u"a - 1 of 4"_s);
   EXPECT_EQ(Cur(), u"a"_s);
+  EXPECT_TRUE(View().OrderNext(iFound));
+  EXPECT_EQ(Cur(), u"d"_s);
 }
 
 TEST_F(CVelumStackViewTest, DeletingTheCurrentCardShowsTheNext) {
@@ -248,7 +249,7 @@ TEST_F(CVelumStackViewTest, AnEmptiedStackHasNoHistory) {
   EXPECT_EQ(Form().Caption(), u"(No Card)"_s);
   EXPECT_TRUE(View().CardViewIsOpen());
   EXPECT_EQ(View().CurObj(), nullptr);
-  View().AddCard(iSet, u"new"_s);
+  View().AddCard(MakeRef<CVelumCard>(u"new"_s, iSet), nullptr);
   EXPECT_TRUE(View().OrderFirst(iFound));
   EXPECT_EQ(Cur(), u"new"_s);
   EXPECT_EQ(View().History().Len(), 1);
