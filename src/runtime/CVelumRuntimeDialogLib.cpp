@@ -51,6 +51,16 @@ void FillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const Q
     if (set.Get() != aExclude) aList.AddLine(set->Name(), set);
 }
 
+void RefillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const CVelumObject* aExclude) {
+  const auto selected = aList.SelObj();
+  FillBackgroundList(aList, aStack, {}, aExclude);
+  if (!aStack || aList.NumLines() == 0) return;
+  int index = 0;
+  bool found = false;
+  aList.GetObjIndex(selected.Get(), index, found);
+  aList.SetSelIndex(found ? index : 0);
+}
+
 void FillControlList(CVelumListBox& aList, const CVelumControlSet* aSet, const QString& aFirst,
                      bool aWithType, bool aOnlyCombo) {
   const CRefill refill(aList, aFirst);

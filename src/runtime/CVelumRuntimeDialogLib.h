@@ -15,6 +15,8 @@ namespace CVelumDialogLib {
 // All backgrounds but aExclude (may be null) by name. Without a stack the one line "(No stack available)".
 void FillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const QString& aFirst,
                         const CVelumObject* aExclude);
+// The same without a first line. The background that was selected stays so; otherwise the first one is.
+void RefillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const CVelumObject* aExclude);
 // The fields and commands of a background (nothing: none) by name, with aWithType also by type, and with
 // aOnlyCombo only those that can be part of a combo box.
 void FillControlList(CVelumListBox& aList, const CVelumControlSet* aSet, const QString& aFirst,

@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int EStructure = 1;
+constexpr int EBackgroundGoes = 6;
 constexpr int EStackCloses = 7;
 const QString ECsvForm = u"CVelumCsvExportOptions"_s;
 
@@ -35,7 +36,7 @@ CVelumExportOptions::~CVelumExportOptions() = default;
 void CVelumExportOptions::Load() {
   CVelumDialogForm::Load();
   iBackgroundBox->Define1Column(u"Background"_s);
-  FillBackgrounds();
+  CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
   iUi->fCsv->setChecked(true);
   HandleDisables();
 }
@@ -46,19 +47,11 @@ void CVelumExportOptions::Unload() {
   iBackgroundBox->ClearAndShow();
 }
 
-void CVelumExportOptions::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
+void CVelumExportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
   if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
-  if (aKind <= EStructure) FillBackgrounds();
-}
-
-// The background that was selected stays so.
-void CVelumExportOptions::FillBackgrounds() {
-  const Ref<CVelumControlSet> selected = Background();
-  CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, nullptr);
-  int index = 0;
-  bool found = false;
-  if (selected) iBackgroundBox->GetObjIndex(selected.Get(), index, found);
-  if (gStack && iBackgroundBox->NumLines() > 0) iBackgroundBox->SetSelIndex(found ? index : 0);
+  const bool goes = aKind == EBackgroundGoes;
+  if (aKind <= EStructure || goes)
+    CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), goes ? aObj1 : nullptr);
 }
 
 void CVelumExportOptions::HandleDisables() {

@@ -23,14 +23,13 @@ public:
   void Load() override;
   // Takes the window of the CSV settings along.
   void Unload() override;
-  // Unloads itself when the stack is about to close.
+  // Unloads itself when the stack is about to close, and lets go of a background that is deleted.
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
 
   // The background whose cards are to be exported; nothing where none is selected.
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
 
 private:
-  void FillBackgrounds();
   void HandleDisables();
   void Export();
   void ExportXmlFile();

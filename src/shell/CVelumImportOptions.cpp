@@ -60,7 +60,7 @@ CVelumImportOptions::~CVelumImportOptions() = default;
 void CVelumImportOptions::Load() {
   CVelumDialogForm::Load();
   iBackgroundBox->Define1Column(u"Background"_s);
-  FillBackgrounds(nullptr, nullptr);
+  CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
   iUi->fCsv->setChecked(true);
   iUi->fIntoCurStack->setChecked(gIntoCurStack);
   HandleDisables();
@@ -77,18 +77,9 @@ void CVelumImportOptions::Unload() {
 void CVelumImportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
   if (aKind == EStackCloses && !iBusy) return CVelumWinMan::UnloadForm(*this);
   if (aKind > EStructure && aKind != EBackgroundGoes) return;
-  const Ref<CVelumControlSet> chosen = Background();
-  FillBackgrounds(chosen.Get(), aKind == EBackgroundGoes ? aObj1 : nullptr);
+  CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(),
+                                        aKind == EBackgroundGoes ? aObj1 : nullptr);
   HandleDisables();
-}
-
-void CVelumImportOptions::FillBackgrounds(const CVelumObject* aSelected, const CVelumObject* aExclude) {
-  CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, aExclude);
-  if (!gStack || iBackgroundBox->NumLines() == 0) return;
-  int index = 0;
-  bool found = false;
-  iBackgroundBox->GetObjIndex(aSelected, index, found);
-  iBackgroundBox->SetSelIndex(found ? index : 0);
 }
 
 bool CVelumImportOptions::IntoCurStack() const {

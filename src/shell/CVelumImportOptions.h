@@ -36,8 +36,6 @@ public:
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
 
 private:
-  // Selects aSelected, or the first where that is not in the list.
-  void FillBackgrounds(const CVelumObject* aSelected, const CVelumObject* aExclude);
   // Which controls can be used with the chosen format.
   void HandleDisables();
   void SetTarget(bool aEnabled, bool aInto, bool aBackgroundEnabled);

@@ -5,6 +5,7 @@
 #include "core/CVelumMsg.h"
 #include "shell/CVelumOptions.h"
 #include "shell/ShellTest.h"
+#include "toolkit/CVelumListWidget.h"
 #include "toolkit/CVelumWinMan.h"
 
 #include <QCheckBox>
@@ -60,6 +61,22 @@ protected:
 };
 
 } // namespace
+
+TEST_F(CVelumExportOptionsTest, KeepsTheChosenBackgroundUntilItIsDeleted) {
+  OpenExport();
+  const auto chosen = MakeRef<CVelumControlSet>(u"New"_s, gStack->IdGen().NextId());
+  gStack->AddBackground(chosen);
+  CVelumSeams::ChangeNotify(1);
+  const auto& form = dynamic_cast<const CVelumExportOptions&>(Form(EExport));
+  auto& box = dynamic_cast<CVelumListWidget&>(Background());
+  box.SetSelLine(gStack->NumBackgrounds() - 1);
+  ASSERT_EQ(form.Background(), chosen);
+  CVelumSeams::ChangeNotify(1);
+  EXPECT_EQ(form.Background(), chosen);
+  CVelumSeams::ChangeNotify(6, chosen.Get());
+  EXPECT_TRUE(form.Background());
+  EXPECT_NE(form.Background(), chosen);
+}
 
 TEST_F(CVelumExportOptionsTest, ProposesCsvOfTheFirstBackground) {
   OpenExport();
