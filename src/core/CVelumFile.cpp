@@ -474,8 +474,8 @@ QByteArray CVelumFile::ReadBlock(qint64 aCount) {
 }
 
 bool CVelumFile::ReadLine(QString& aLine) {
-  CVelumError::AssertObj(iAccess == EFilSeqRead, this, u"ReadLine"_s,
-                         u"Access EFilSeqRead "_s + QString::number(iAccess));
+  if (iAccess != EFilSeqRead)
+    CVelumError::AssertObj(false, this, u"ReadLine"_s, u"Access EFilSeqRead "_s + QString::number(iAccess));
   if (!Device().iReader) CVelumError::RaiseHost(EHostBadCall, iFilename);
   bool first = std::exchange(iFirstLine, false);
   QByteArrayView line;
@@ -492,8 +492,8 @@ bool CVelumFile::ReadLine(QString& aLine) {
 }
 
 void CVelumFile::WriteLine(const QString& aLine) {
-  CVelumError::AssertObj(iAccess == EFilSeqWrite, this, u"WriteLine"_s,
-                         u"Access EFilSeqWrite "_s + QString::number(iAccess));
+  if (iAccess != EFilSeqWrite)
+    CVelumError::AssertObj(false, this, u"WriteLine"_s, u"Access EFilSeqWrite "_s + QString::number(iAccess));
   if (!Device().iWriter) CVelumError::RaiseHost(EHostBadCall, iFilename);
   iDevice->iWriter->WriteLine(iCoding == ECodUtf8 ? aLine.toUtf8() : CVelumLib::ToCodePage(aLine));
 }

@@ -271,7 +271,7 @@ qint32 CVelumScanner::GetSymView(QStringView& aStr) {
       qsizetype pos = iPos;
       while (line[pos] == u' ') ++pos; // the end marker stops it
       MoveTo(pos);
-    } else if (iCh == '<' && iLine[iPos] != u'>' && iLine[iPos] != u'=') {
+    } else if (iCh == '<' && iLine.at(iPos) != u'>' && iLine.at(iPos) != u'=') {
       aStr = LineView(iPos - 1, iPos);
       MoveTo(iPos);
       return ESymLess;
@@ -444,18 +444,20 @@ void CVelumScanner::GetAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& a
 
 bool CVelumScanner::GetViewUntil(QChar aCh, QStringView& aStr) {
   if (iEof || AtEol()) return false;
-  const QStringView rest = LineView(iPos - 1, iLen);
-  const qsizetype end = rest.indexOf(aCh);
-  if (end < 0 || rest.first(end).contains(QChar(EEolMarker))) return false;
-  aStr = rest.first(end);
-  MoveTo(iPos - 1 + end);
+  const QChar* line = iLine.constData();
+  const qsizetype from = iPos - 1;
+  qsizetype pos = from;
+  while (line[pos] != aCh && line[pos].unicode() != EEolMarker) ++pos; // the end marker stops it
+  if (line[pos] != aCh) return false;
+  aStr = LineView(from, pos);
+  MoveTo(pos);
   return true;
 }
 
 // Makes the character at aPos, which is at most the end marker, the look-ahead.
 void CVelumScanner::MoveTo(qsizetype aPos) {
   iPos = static_cast<qint16>(aPos + 1);
-  iCh = iLine[aPos].unicode();
+  iCh = iLine.constData()[aPos].unicode();
 }
 
 // Nothing of a tag holds the end marker, so that no match goes beyond it.

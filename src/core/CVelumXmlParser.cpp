@@ -16,13 +16,31 @@ char16_t Lower(QChar aCh) {
   return aCh >= u'A' && aCh <= u'Z' ? static_cast<char16_t>(aCh.unicode() + 32) : aCh.unicode();
 }
 
+// The same characters; for short texts, where a call would cost more than the comparison.
+bool Equal(QStringView aA, QStringView aB) {
+  return aA.size() == aB.size() && std::equal(aA.begin(), aA.end(), aB.begin());
+}
+
 // Whether two identifiers are the same to the table of attributes. Comparing them by the letters first spares
 // the collation for most.
 bool SameIdent(QStringView aA, QStringView aB) {
+  if (aA.size() != aB.size() || Lower(aA.front()) != Lower(aB.front())) return false;
   const auto same = [](QChar aLeft, QChar aRight) { return Lower(aLeft) == Lower(aRight); };
-  if (aA.size() != aB.size() || !same(aA.front(), aB.front())) return false;
   return aA == aB ||
          (std::equal(aA.begin(), aA.end(), aB.begin(), same) && CVelumCollation::CompareKeys(aA, aB) == 0);
+}
+
+// Whole numbers of up to 9 digits, as nearly all are, need not become a real first.
+qint32 ToInt(QStringView aValue) {
+  constexpr qsizetype EMaxDigits = 9;
+  qint32 num = 0;
+  bool digits = aValue.size() <= EMaxDigits;
+  for (qsizetype i = 0; digits && i < aValue.size(); ++i) {
+    const char16_t ch = aValue[i].unicode();
+    digits = ch >= u'0' && ch <= u'9';
+    if (digits) num = num * 10 + (ch - u'0');
+  }
+  return digits ? num : CVelumValue::RoundToInt(CVelumValue::LenientNum(aValue));
 }
 
 } // namespace
@@ -83,9 +101,10 @@ QStringView CVelumXmlParser::NameOf(const TAttr& aAttr) const {
 // Index of an attribute, or -1.
 qsizetype CVelumXmlParser::FindAttr(QStringView aName) const {
   const size_t count = iAttrs.size();
-  if (iNextAttr < count && NameOf(iAttrs[iNextAttr]) == aName) return static_cast<qsizetype>(iNextAttr++);
+  if (iNextAttr < count && Equal(NameOf(iAttrs[iNextAttr]), aName))
+    return static_cast<qsizetype>(iNextAttr++);
   for (size_t i = 0; i < count; ++i) {
-    if (NameOf(iAttrs[i]) != aName) continue;
+    if (!Equal(NameOf(iAttrs[i]), aName)) continue;
     iNextAttr = i + 1;
     return static_cast<qsizetype>(i);
   }
@@ -129,11 +148,12 @@ QString CVelumXmlParser::Attr(QStringView aName) const {
 
 qint32 CVelumXmlParser::IntAttr(QStringView aName) const {
   const QStringView value = AttrView(aName);
-  return value.isEmpty() ? ENoInt : CVelumValue::RoundToInt(CVelumValue::LenientNum(value));
+  return value.isEmpty() ? ENoInt : ToInt(value);
 }
 
 qint16 CVelumXmlParser::ShortAttr(QStringView aName) const {
-  return HasAttr(aName) ? CVelumChecked::Narrow<qint16>(IntAttr(aName)) : ENoShort;
+  const QStringView value = AttrView(aName);
+  return value.isEmpty() ? ENoShort : CVelumChecked::Narrow<qint16>(ToInt(value));
 }
 
 double CVelumXmlParser::RealAttr(QStringView aName) const {
@@ -188,7 +208,7 @@ void CVelumXmlParser::ReadAttrValue() {
 }
 
 void CVelumXmlParser::AddEscaped(QStringView aName, QStringView aValue) {
-  if (!aValue.contains(u'&')) return AddAttr(aName, aValue);
+  if (std::find(aValue.begin(), aValue.end(), u'&') == aValue.end()) return AddAttr(aName, aValue);
   QString value = aValue.toString();
   CVelumLib::UnescapeXml(value);
   AddAttr(aName, value);
