@@ -65,8 +65,11 @@ bool CVelumTextReader::ReadLine(QByteArrayView& aLine) {
   return true;
 }
 
-void CVelumTextWriter::WriteLine(const QByteArray& aLine) {
-  iBuf += aLine;
+void CVelumTextWriter::WriteLine(QByteArray aLine) {
+  if (iBuf.isEmpty())
+    iBuf = std::move(aLine);
+  else
+    iBuf += aLine;
   iBuf += "\r\n";
   if (iBuf.size() >= EBufSize) Flush();
 }

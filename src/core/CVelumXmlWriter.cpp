@@ -11,10 +11,11 @@
 namespace {
 
 constexpr qsizetype EPieceLen = 80;
-constexpr qsizetype EBufSize = 32768; // characters that are written at a time
+constexpr qsizetype EBufSize = 65536; // characters that are written at a time
 constexpr qsizetype EMaxLine = 32766; // of the scanner that reads it
 constexpr qsizetype EShownLen = 60;   // of a text in a message
-constexpr QStringView ECrLf = u"\r\n";
+constexpr qsizetype EEolLen = 2;
+constexpr qsizetype EIntLen = 11; // the most that a number of 32 bits takes
 
 // The end of the piece that begins at aFrom. A surrogate pair stays whole, or it could not be encoded.
 qsizetype PieceEnd(QStringView aText, qsizetype aFrom) {
@@ -53,6 +54,28 @@ bool IsPlain(QStringView aText) {
 // Returns where the copy ends.
 char16_t* Copy(QStringView aText, char16_t* aTo) {
   return std::copy(aText.utf16(), aText.utf16() + aText.size(), aTo);
+}
+
+// The digits of aValue; aTo has room for EIntLen characters. Returns where they end.
+char16_t* CopyInt(qint32 aValue, char16_t* aTo) {
+  std::array<char16_t, EIntLen> digits;
+  auto first = digits.end();
+  quint32 left = aValue < 0 ? 0 - static_cast<quint32>(aValue) : static_cast<quint32>(aValue);
+  do {
+    *--first = static_cast<char16_t>(u'0' + left % 10);
+    left /= 10;
+  } while (left > 0);
+  if (aValue < 0) *--first = u'-';
+  return std::copy(first, digits.end(), aTo);
+}
+
+// ` name="`; returns where it ends.
+char16_t* CopyAttrName(QStringView aName, char16_t* aTo) {
+  *aTo++ = u' ';
+  aTo = Copy(aName, aTo);
+  *aTo++ = u'=';
+  *aTo++ = u'"';
+  return aTo;
 }
 
 // aText as it stands in the document; aEscaped holds it where it is another one.
@@ -95,15 +118,11 @@ char16_t* CVelumXmlWriter::Room(qsizetype aCount) {
   return room;
 }
 
-void CVelumXmlWriter::Add(QStringView aText) {
-  Copy(aText, Room(aText.size()));
-}
-
-// Begins a line. The root element stands in column 0.
-void CVelumXmlWriter::Indent() {
-  if (!AtLineStart()) return;
+// The same behind the indentation where a line begins. The root element stands in column 0.
+char16_t* CVelumXmlWriter::LineRoom(qsizetype aCount) {
+  if (!AtLineStart()) return Room(aCount);
   const qsizetype blanks = std::max<qsizetype>((iDepth - 1) * 2, 0);
-  std::fill_n(Room(blanks), blanks, u' ');
+  return std::fill_n(Room(blanks + aCount), blanks, u' ');
 }
 
 QString CVelumXmlWriter::LineBeginning() const {
@@ -114,14 +133,16 @@ QString CVelumXmlWriter::LineBeginning() const {
 void CVelumXmlWriter::EndLine() {
   if (iUsed - iLineStart > EMaxLine)
     CVelumError::RaiseHost(EHostOverflow, u"too long for a line of XML: "_s + LineBeginning());
-  Add(ECrLf);
+  char16_t* to = Room(EEolLen);
+  to[0] = u'\r';
+  to[1] = u'\n';
   iLineStart = iUsed;
   if (iUsed >= EBufSize) WriteOut();
 }
 
 // Writes all whole lines. The file adds the end of the last one.
 void CVelumXmlWriter::WriteOut() {
-  const qsizetype count = iLineStart - ECrLf.size();
+  const qsizetype count = iLineStart - EEolLen;
   iUsed = iLineStart = 0;
   if (count >= 0) iFile->WriteLine(QString::fromRawData(reinterpret_cast<const QChar*>(iBuf.data()), count));
 }
@@ -130,19 +151,14 @@ void CVelumXmlWriter::WriteOut() {
 
 void CVelumXmlWriter::BeginElem(QStringView aName) {
   iDepth = CVelumChecked::Add(iDepth, qint16{1});
-  Indent();
-  *Room(1) = u'<';
-  Add(aName);
+  char16_t* to = LineRoom(aName.size() + 1);
+  *to++ = u'<';
+  Copy(aName, to);
 }
 
 void CVelumXmlWriter::AddPlainAttr(QStringView aName, QStringView aValue) {
-  char16_t* to = Room(aName.size() + aValue.size() + 4);
-  *to++ = u' ';
-  to = Copy(aName, to);
-  *to++ = u'=';
-  *to++ = u'"';
-  to = Copy(aValue, to);
-  *to = u'"';
+  char16_t* to = CopyAttrName(aName, Room(aName.size() + aValue.size() + 4));
+  *Copy(aValue, to) = u'"';
 }
 
 void CVelumXmlWriter::AddAttr(QStringView aName, const QString& aValue) {
@@ -151,11 +167,9 @@ void CVelumXmlWriter::AddAttr(QStringView aName, const QString& aValue) {
 }
 
 void CVelumXmlWriter::AddIntAttr(QStringView aName, qint32 aValue) {
-  std::array<char, 12> digits{};
-  std::array<char16_t, 12> wide{};
-  const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), aValue).ptr;
-  std::copy(static_cast<const char*>(digits.data()), end, wide.begin());
-  AddPlainAttr(aName, QStringView(wide.data(), end - digits.data()));
+  char16_t* end = CopyInt(aValue, CopyAttrName(aName, Room(aName.size() + EIntLen + 4)));
+  *end++ = u'"';
+  iUsed = end - iBuf.data();
 }
 
 void CVelumXmlWriter::AddRealAttr(QStringView aName, double aValue) {
@@ -175,7 +189,7 @@ void CVelumXmlWriter::AddBooleanAttr(QStringView aName, bool aValue) {
 }
 
 void CVelumXmlWriter::EndEmptyElem() {
-  Add(u"/>");
+  Copy(u"/>", Room(2));
   EndLine();
   --iDepth;
 }
@@ -187,16 +201,14 @@ void CVelumXmlWriter::AddLongElemText(const QString& aText) {
   for (qsizetype from = 0; from < text.size();) {
     const qsizetype end = PieceEnd(text, from);
     if (from > 0) EndLine();
-    Add(text.sliced(from, end - from));
+    Copy(text.sliced(from, end - from), Room(end - from));
     from = end;
   }
 }
 
 void CVelumXmlWriter::EndElem(QStringView aName) {
-  Indent();
-  Add(u"</");
-  Add(aName);
-  *Room(1) = u'>';
+  char16_t* to = Copy(u"</", LineRoom(aName.size() + 3));
+  *Copy(aName, to) = u'>';
   EndLine();
   --iDepth;
 }

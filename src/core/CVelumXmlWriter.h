@@ -40,8 +40,7 @@ public:
 private:
   [[nodiscard]] bool AtLineStart() const { return iUsed == iLineStart; }
   char16_t* Room(qsizetype aCount);
-  void Add(QStringView aText);
-  void Indent();
+  char16_t* LineRoom(qsizetype aCount);
   void AddPlainAttr(QStringView aName, QStringView aValue);
   void EndLine();
   void WriteOut();
