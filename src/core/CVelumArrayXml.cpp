@@ -5,11 +5,15 @@
 #include "core/CVelumXmlParser.h"
 #include "core/CVelumXmlWriter.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr qint16 EGeneration = 3;
 constexpr qint32 EMissingStep = 50;
 constexpr qint32 EMissingRoom = 10;
+// Room is made for so many elements of which the document tells only the number.
+constexpr qint32 EMaxReserved = 64;
 const QString EElem = u"Elem"_s;
 const QString EObj = u"Obj"_s;
 const QString EStr = u"Str"_s;
@@ -43,6 +47,7 @@ void CVelumArray::InternalizeXml(CVelumXmlParser& aParser) {
   iSortKeyId = aParser.IntAttr(u"sortKeyId"_s);
   if (iAlloc > EMaxAlloc) CVelumError::RaiseHost(EHostOutOfMemory);
   ApplyShape();
+  iStore.Reserve(std::min(count, EMaxReserved));
   while (iMax < count) ReadElemXml(aParser);
   ApplyShape();
   aParser.ReadTheNext(XmlTag(), true);

@@ -271,10 +271,11 @@ qint32 CVelumScanner::GetSymView(QStringView& aStr) {
       qsizetype pos = iPos;
       while (line[pos] == u' ') ++pos; // the end marker stops it
       MoveTo(pos);
-    } else if (iCh == '<' && iLine.at(iPos) != u'>' && iLine.at(iPos) != u'=') {
+    } else if ((iCh == '<' || iCh == '>') && iLine.at(iPos) != u'>' && iLine.at(iPos) != u'=') {
+      const qint32 sym = iCh == '<' ? ESymLess : ESymGreater;
       aStr = LineView(iPos - 1, iPos);
       MoveTo(iPos);
-      return ESymLess;
+      return sym;
     } else {
       return TakeSym(aStr);
     }
@@ -468,7 +469,7 @@ bool CVelumScanner::TakeTag(QStringView aName, bool aEnd) {
     if (rest.front() != u'/') return false;
     rest = rest.sliced(1);
   }
-  if (!rest.startsWith(aName)) return false;
+  if (rest.size() < aName.size() || !std::equal(aName.begin(), aName.end(), rest.begin())) return false;
   rest = rest.sliced(aName.size());
   if (!aEnd && IsIdentChar(rest.front().unicode(), 1)) return false;
   if (aEnd) {
@@ -481,11 +482,27 @@ bool CVelumScanner::TakeTag(QStringView aName, bool aEnd) {
 }
 
 bool CVelumScanner::TakeAttrValue(QStringView& aStr) {
-  if (iEof || iCh != '=') return false;
+  return !iEof && !AtEol() && TakeValueAt(iPos - 1, aStr);
+}
+
+bool CVelumScanner::TakeAttr(QStringView& aName, QStringView& aStr) {
+  if (iEof || AtEol()) return false;
   const QChar* line = iLine.constData();
-  qsizetype pos = iPos;
-  if (line[pos] != u'"') return false;
-  const qsizetype from = ++pos;
+  qsizetype pos = iPos - 1;
+  while (line[pos] == u' ') ++pos; // the end marker stops it
+  const qsizetype from = pos;
+  while (IsIdentChar(line[pos].unicode(), static_cast<int>(pos - from))) ++pos;
+  if (pos == from || !TakeValueAt(pos, aStr)) return false;
+  aName = LineView(from, pos);
+  return true;
+}
+
+// TakeAttrValue for a "=" at aPos.
+bool CVelumScanner::TakeValueAt(qsizetype aPos, QStringView& aStr) {
+  const QChar* line = iLine.constData();
+  if (line[aPos] != u'=' || line[aPos + 1] != u'"') return false;
+  const qsizetype from = aPos + 2;
+  qsizetype pos = from;
   while (line[pos] != u'"' && line[pos].unicode() != EEolMarker) ++pos;
   if (line[pos] != u'"') return false;
   aStr = LineView(from, pos);

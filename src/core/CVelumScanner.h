@@ -93,6 +93,8 @@ public:
   [[nodiscard]] bool TakeTag(QStringView aName, bool aEnd);
   // "=" and a string without blanks between; aStr refers to the line.
   [[nodiscard]] bool TakeAttrValue(QStringView& aStr);
+  // The same with blanks and an identifier in front.
+  [[nodiscard]] bool TakeAttr(QStringView& aName, QStringView& aStr);
   // The same as GetAllUntil for long texts. Characters move to aStr in chunks, but line ends go there at
   // once, ahead of a chunk that was not moved yet.
   void GetLongAllUntil(QChar aCh, bool aKeepEol, QString& aStr, bool& aEof);
@@ -122,6 +124,7 @@ private:
   [[nodiscard]] qint32 TakeSpecial(QStringView& aStr);
   [[nodiscard]] QStringView LineView(qsizetype aFrom, qsizetype aEnd) const;
   void MoveTo(qsizetype aPos);
+  [[nodiscard]] bool TakeValueAt(qsizetype aPos, QStringView& aStr);
   void GetQuotedCell(CVelumFile& aFile, qint32& aSym, QString& aStr);
   [[nodiscard]] bool ContinueCell(CVelumFile& aFile, QString& aStr);
   void SkipBlanks();

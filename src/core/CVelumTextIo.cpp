@@ -3,12 +3,15 @@
 #include "core/CVelumOs.h"
 
 #include <cstring>
+#include <fcntl.h>
 #include <utility>
 
 namespace {
 constexpr qsizetype EBufSize = 65536;
 // A longer line is no text: a device without an end, or some other kind of file.
 constexpr qsizetype EMaxLine = 1 << 26;
+// After so many bytes the disk is set to work while more are made.
+constexpr qint64 EMaxAhead = 1 << 23;
 } // namespace
 
 bool CVelumTextReader::Fill() {
@@ -76,5 +79,11 @@ void CVelumTextWriter::WriteLine(QByteArray aLine) {
 
 void CVelumTextWriter::Flush() {
   QByteArray bytes = std::exchange(iBuf, {});
-  if (!bytes.isEmpty()) CVelumOs::Write(iFd, iPath, bytes.constData(), bytes.size());
+  if (bytes.isEmpty()) return;
+  CVelumOs::Write(iFd, iPath, bytes.constData(), bytes.size());
+  iAhead += bytes.size();
+  if (iAhead < EMaxAhead) return;
+  iAhead = 0;
+  // Only a hint: whoever makes the file safe asks for all of it, and is told of any failure then.
+  static_cast<void>(::sync_file_range(iFd, 0, 0, SYNC_FILE_RANGE_WRITE));
 }

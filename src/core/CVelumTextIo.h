@@ -45,4 +45,5 @@ private:
   int iFd;
   QString iPath;
   QByteArray iBuf;
+  qint64 iAhead = 0; // bytes written since the disk was last set to work
 };

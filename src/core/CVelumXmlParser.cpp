@@ -21,10 +21,14 @@ bool Equal(QStringView aA, QStringView aB) {
   return aA.size() == aB.size() && std::equal(aA.begin(), aA.end(), aB.begin());
 }
 
-// Whether two identifiers are the same to the table of attributes. Comparing them by the letters first spares
-// the collation for most.
+// Length and first letter of an identifier; where these differ, it is another one.
+qsizetype LookOf(QStringView aName) {
+  return aName.isEmpty() ? 0 : aName.size() * 65536 + Lower(aName.front());
+}
+
+// Whether two identifiers that look alike are the same to the table of attributes. Comparing them by the
+// letters first spares the collation for most.
 bool SameIdent(QStringView aA, QStringView aB) {
-  if (aA.size() != aB.size() || Lower(aA.front()) != Lower(aB.front())) return false;
   const auto same = [](QChar aLeft, QChar aRight) { return Lower(aLeft) == Lower(aRight); };
   return aA == aB ||
          (std::equal(aA.begin(), aA.end(), aB.begin(), same) && CVelumCollation::CompareKeys(aA, aB) == 0);
@@ -108,8 +112,9 @@ qsizetype CVelumXmlParser::FindAttr(QStringView aName) const {
     iNextAttr = i + 1;
     return static_cast<qsizetype>(i);
   }
+  const qsizetype look = LookOf(aName);
   for (size_t i = 0; i < count; ++i)
-    if (SameIdent(NameOf(iAttrs[i]), aName)) return static_cast<qsizetype>(i);
+    if (iAttrs[i].iLook == look && SameIdent(NameOf(iAttrs[i]), aName)) return static_cast<qsizetype>(i);
   return -1;
 }
 
@@ -121,7 +126,10 @@ QStringView CVelumXmlParser::AttrView(QStringView aName) const {
 }
 
 void CVelumXmlParser::AddAttr(QStringView aName, QStringView aValue) {
-  const auto same = [&](const TAttr& aAttr) { return SameIdent(NameOf(aAttr), aName); };
+  const qsizetype look = LookOf(aName);
+  const auto same = [&](const TAttr& aAttr) {
+    return aAttr.iLook == look && SameIdent(NameOf(aAttr), aName);
+  };
   if (std::any_of(iAttrs.begin(), iAttrs.end(), same))
     AssertObj(false, this, u"AddAttr"_s, u"Create duplicate"_s);
   const qsizetype name = iAttrUsed;
@@ -131,7 +139,7 @@ void CVelumXmlParser::AddAttr(QStringView aName, QStringView aValue) {
   if (need > iAttrText.size()) iAttrText.resize(2 * need);
   std::copy(aName.utf16(), aName.utf16() + aName.size(), iAttrText.begin() + name);
   std::copy(aValue.utf16(), aValue.utf16() + aValue.size(), iAttrText.begin() + value);
-  iAttrs.push_back({name, value, iAttrUsed});
+  iAttrs.push_back({name, value, iAttrUsed, look});
 }
 
 QString CVelumXmlParser::Pooled(QStringView aText) const {
@@ -190,16 +198,21 @@ void CVelumXmlParser::ReadAttr(bool& aTerm) {
       AssertObj(false, this, u"ReadAttr"_s, u"ReadAttr sym"_s);
       Stop(u"no attribute"_s);
     }
-    ReadAttrValue();
+    ReadAttrs();
     NextSym();
   }
 }
 
-// The value of the attribute whose name is the present symbol.
-void CVelumXmlParser::ReadAttrValue() {
+// The attribute whose name is the present symbol, and what follows of the same kind. Mostly all stand in one
+// line, as the writer has it; otherwise the name must outlive its line.
+void CVelumXmlParser::ReadAttrs() {
   QStringView value;
-  // Both stand in one line, as the writer has it; otherwise the name must outlive its line.
-  if (iScanner->TakeAttrValue(value)) return AddEscaped(iSymStr, value);
+  if (iScanner->TakeAttrValue(value)) {
+    AddEscaped(iSymStr, value);
+    QStringView name;
+    while (iScanner->TakeAttr(name, value)) AddEscaped(name, value);
+    return;
+  }
   iName.resize(0);
   iName.append(iSymStr);
   GetTheSym(ESymEqual);
@@ -228,7 +241,7 @@ void CVelumXmlParser::ReadAttrTerm() {
 void CVelumXmlParser::ReadStructAttr(const CVelumObject& aOwner) {
   bool term = false;
   ReadAttrAndSym(term);
-  AssertObj(!term, &aOwner, u"InternalizeXml"_s, u"InternalizeXml term"_s);
+  if (term) AssertObj(false, &aOwner, u"InternalizeXml"_s, u"InternalizeXml term"_s);
 }
 
 // Tags.

@@ -67,7 +67,7 @@ private:
   void AddAttr(QStringView aName, QStringView aValue);
   [[nodiscard]] qsizetype FindAttr(QStringView aName) const;
   [[nodiscard]] QStringView AttrView(QStringView aName) const;
-  void ReadAttrValue();
+  void ReadAttrs();
   void AddEscaped(QStringView aName, QStringView aValue);
   // ReadNext, with the name in iName.
   [[nodiscard]] bool ReadName();
@@ -84,6 +84,7 @@ private:
     qsizetype iName;  // where the name begins
     qsizetype iValue; // where it ends and the value begins
     qsizetype iEnd;
+    qsizetype iLook; // of the name; see LookOf in the source
   };
   [[nodiscard]] QStringView NameOf(const TAttr& aAttr) const;
   std::vector<TAttr> iAttrs;

@@ -58,15 +58,14 @@ char16_t* Copy(QStringView aText, char16_t* aTo) {
 
 // The digits of aValue; aTo has room for EIntLen characters. Returns where they end.
 char16_t* CopyInt(qint32 aValue, char16_t* aTo) {
-  std::array<char16_t, EIntLen> digits;
-  auto first = digits.end();
   quint32 left = aValue < 0 ? 0 - static_cast<quint32>(aValue) : static_cast<quint32>(aValue);
-  do {
-    *--first = static_cast<char16_t>(u'0' + left % 10);
-    left /= 10;
-  } while (left > 0);
-  if (aValue < 0) *--first = u'-';
-  return std::copy(first, digits.end(), aTo);
+  if (aValue < 0) *aTo++ = u'-';
+  ++aTo;
+  for (quint64 limit = 10; left >= limit; limit *= 10) ++aTo;
+  for (char16_t* to = aTo;; left /= 10) {
+    *--to = static_cast<char16_t>(u'0' + left % 10);
+    if (left < 10) return aTo;
+  }
 }
 
 // ` name="`; returns where it ends.
