@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace {
 
 const QByteArray EHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n";
@@ -111,6 +113,31 @@ TEST_F(XmlParser, NumbersAreReadFromTheirBeginning) {
   EXPECT_EQ(iParser->RealAttr(u"f"_s), -72.5);
   EXPECT_EQ(iParser->RealAttr(u"none"_s), 0.0);
   EXPECT_EQ(iParser->Attr(u"none"_s), u""_s);
+}
+
+TEST_F(XmlParser, IntegersMayHaveAllDigits) {
+  OpenElem("a=\"999999999\" b=\"1999999999\" c=\"2147483647\" d=\"-2147483648\" e=\"-1\" f=\"0000000012\" "
+           "g=\"+7\" h=\"1 2\" i=\" 5\"");
+  EXPECT_EQ(iParser->IntAttr(u"a"_s), 999999999);
+  EXPECT_EQ(iParser->IntAttr(u"b"_s), ENoInt);
+  EXPECT_EQ(iParser->IntAttr(u"c"_s), 2147483647);
+  EXPECT_EQ(iParser->IntAttr(u"d"_s), std::numeric_limits<qint32>::min());
+  EXPECT_EQ(iParser->IntAttr(u"e"_s), -1);
+  EXPECT_EQ(iParser->IntAttr(u"f"_s), 12);
+  EXPECT_EQ(iParser->IntAttr(u"g"_s), 7);
+  EXPECT_EQ(iParser->IntAttr(u"h"_s), 12);
+  EXPECT_EQ(iParser->IntAttr(u"i"_s), 5);
+}
+
+TEST_F(XmlParser, AttributesMayGoOnInAnotherLine) {
+  Open("<A a=\"1\"b=\"2\"   c=\"3\" d\r\n=\"4\" e=\r\n\"5\" f=\"6\"\r\ng=\"7\"/>\r\n");
+  iParser->ReadTheNext(u"A"_s, false);
+  iParser->ReadAttrTerm();
+  for (const char16_t name : u"abcdefg")
+    if (name != 0) {
+      EXPECT_EQ(iParser->IntAttr(QStringView(&name, 1)), name - u'a' + 1);
+    }
+  EXPECT_EQ(iPresenter.Count(), 0);
 }
 
 TEST_F(XmlParser, NumbersTooLargeAreHostErrors) {

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace {
 
 const QByteArray EHeader = "<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n";
@@ -96,6 +98,31 @@ TEST_F(XmlWriter, WritesNumbersAsPlainDecimals) {
   iWriter.EndEmptyElem();
   EXPECT_EQ(Written(),
             "<A i=\"-1999999999\" s=\"31999\" r=\"0.1\" f=\"0.1\" g=\"7248.5\" t=\"-1\" n=\"0\"/>\r\n");
+}
+
+TEST_F(XmlWriter, WritesAllDigitsOfIntegers) {
+  iWriter.BeginElem(u"A"_s);
+  const std::vector<qint32> nums = {0,           9,   10, 99,         100,        -100,     -2147483648,
+                                    -2147483647, -10, -9, 2147483647, 1000000000, 999999999};
+  QByteArray expected = "<A";
+  for (const qint32 num : nums) {
+    iWriter.AddIntAttr(u"i"_s, num);
+    expected += " i=\"" + QByteArray::number(num) + "\"";
+  }
+  iWriter.EndEmptyElem();
+  EXPECT_EQ(Written(), expected + "/>\r\n");
+}
+
+TEST_F(XmlWriter, LongDocumentsAreWrittenInOrder) {
+  constexpr int EElems = 400000; // beyond all buffers, and what the disk is given at a time
+  QByteArray expected;
+  for (int i = 0; i < EElems; ++i) {
+    iWriter.BeginElem(u"Element"_s);
+    iWriter.AddIntAttr(u"number"_s, i);
+    iWriter.EndEmptyElem();
+    expected += "<Element number=\"" + QByteArray::number(i) + "\"/>\r\n";
+  }
+  EXPECT_TRUE(Written() == expected);
 }
 
 TEST_F(XmlWriter, EscapesALineEndInAnAttribute) {
