@@ -99,16 +99,7 @@ void CVelumStackCommands::SaveStackAs() {
 void CVelumStackCommands::CloseStack() {
   if (!gStack) return;
   CVelumGuard::Run(u"CVelumFrame.fCloseStack"_s, [this] {
-    if (gStackView) gStackView->ValidateCurControl();
-    bool proceed = false;
-    bool save = false;
-    CVelumDialogLib::CheckLeaveStack(proceed, save);
-    if (!proceed) return;
-    if (save) {
-      SaveStack();
-      if (gStack && gStack->Changed()) return;
-    }
-    ReleaseStack();
+    if (CVelumDialogLib::LeaveStackStep()) ReleaseStack();
   });
 }
 
