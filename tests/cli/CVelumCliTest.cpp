@@ -4,6 +4,7 @@
 #include "core/CVelumObject.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -19,7 +20,7 @@ const QStringList ECommands{u"info"_s,        u"check"_s,          u"convert"_s,
                             u"import-text"_s, u"export-csv"_s,     u"export-xml"_s};
 
 QByteArray ReadText(const QString& aPath) {
-  QFile file(QStringLiteral(ORVELLES_SOURCE) + aPath);
+  QFile file(TestTree::Source() + aPath);
   EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << aPath.toStdString();
   return file.readAll();
 }
@@ -77,7 +78,7 @@ TEST(CVelumCli, NoLineOfHelpIsWiderThanATerminal) {
 
 // What the shell proposes for a line that ends in a word that was begun.
 QByteArrayList Completions(const QStringList& aWords) {
-  const QString script = QStringLiteral(ORVELLES_SOURCE) + u"/docs/completion/orvelles-cli"_s;
+  const QString script = TestTree::Source() + u"/docs/completion/orvelles-cli"_s;
   const TCliResult result = CliRun::RunProgram(
       u"env"_s, QStringList{u"LC_ALL=C"_s, u"bash"_s, u"-c"_s,
                             u"source \"$0\"; COMP_WORDS=(\"$@\"); COMP_CWORD=$(($# - 1)); _orvelles_cli; "
@@ -208,7 +209,7 @@ TEST(CVelumCli, QuestionsAreAnsweredAsSaid) {
 }
 
 TEST(CVelumCli, AsksTheSameQuestionOnce) {
-  const QString stack = QStringLiteral(ORVELLES_TEST_DATA "/stacks/damaged/tag_-1.Orvelle");
+  const QString stack = TestTree::Data() + u"/stacks/damaged/tag_-1.Orvelle"_s;
   const TCliResult result = CliRun::Run({u"info"_s, u"--yes"_s, stack});
   EXPECT_EQ(result.iErr.count("EMsgAssertFailedOk: "), 1) << result.iErr.toStdString();
 }

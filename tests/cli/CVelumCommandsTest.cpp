@@ -5,6 +5,7 @@
 #include "runtime/CVelumWikiTextBox.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
 
 #include <QDir>
 #include <QFile>
@@ -247,7 +248,7 @@ TEST(Sample, IsWhatItsProgramMakes) {
   const TempFolder folder;
   const QString out = folder.Path(u"Countries.Orvelle"_s);
   const TCliResult made = CliRun::RunProgram(QStringLiteral(ORVELLES_MAKE_SAMPLE),
-                                             {QStringLiteral(ORVELLES_SOURCE) + u"/samples/data"_s, out});
+                                             {TestTree::Source() + u"/samples/data"_s, out});
   EXPECT_EQ(made.iStatus, 0) << made.iErr.toStdString();
   EXPECT_TRUE(Bytes(out) == Bytes(CliRun::Sample())) << "samples/Countries.Orvelle is not up to date";
 }

@@ -3,6 +3,7 @@
 
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 QString RunCase(const char* aName) {
-  return QStringLiteral(ORVELLES_TEST_DATA) + u"/runs/"_s + QString::fromLatin1(aName);
+  return TestTree::Data() + u"/runs/"_s + QString::fromLatin1(aName);
 }
 
 TEST(CVelumCompileCommand, PrintsALinePerHandler) {

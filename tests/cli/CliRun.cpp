@@ -1,6 +1,7 @@
 #include "CliRun.h"
 
 #include "core/CVelumObject.h"
+#include "support/TestTree.h"
 
 #include <QProcess>
 #include <QStandardPaths>
@@ -58,9 +59,9 @@ bool CliRun::CanDropRights() {
 }
 
 QString CliRun::Data(const QString& aName) {
-  return QStringLiteral(ORVELLES_TEST_DATA) + u"/stacks/good/"_s + aName;
+  return TestTree::Data() + u"/stacks/good/"_s + aName;
 }
 
 QString CliRun::Sample() {
-  return QStringLiteral(ORVELLES_SOURCE) + u"/samples/Countries.Orvelle"_s;
+  return TestTree::Source() + u"/samples/Countries.Orvelle"_s;
 }

@@ -5,6 +5,7 @@
 #include "model/CVelumModelLib.h"
 #include "model/CVelumRect.h"
 #include "model/ModelTest.h"
+#include "support/TestTree.h"
 
 #include <QFile>
 #include <QRegularExpression>
@@ -315,7 +316,7 @@ TEST(CVelumRecorder, NoByteChangesUnheard) {
 
 // The functions that a class offers and that are not const, by its header.
 QSet<QString> NonConstFunctions(const QString& aClass) {
-  QFile header(QStringLiteral(ORVELLES_SOURCE) + u"/src/model/"_s + aClass + u".h"_s);
+  QFile header(TestTree::Source() + u"/src/model/"_s + aClass + u".h"_s);
   EXPECT_TRUE(header.open(QIODevice::ReadOnly)) << aClass.toStdString();
   QString text = QString::fromUtf8(header.readAll());
   text.remove(QRegularExpression(u"//[^\n]*"_s));

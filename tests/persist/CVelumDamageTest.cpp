@@ -3,6 +3,7 @@
 #include "persist/StackMaker.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
 
 #include <gtest/gtest.h>
 
@@ -14,8 +15,7 @@ class Damage : public testing::TestWithParam<const char*> {
 protected:
   Damage() {
     CVelumLocale::Init(u"en_US"_s);
-    QFile file(QStringLiteral(ORVELLES_TEST_DATA) + u"/stacks/good/"_s + QString::fromLatin1(GetParam()) +
-               u".Orvelle"_s);
+    QFile file(TestTree::Data() + u"/stacks/good/"_s + QString::fromLatin1(GetParam()) + u".Orvelle"_s);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     iBytes = file.readAll();
   }

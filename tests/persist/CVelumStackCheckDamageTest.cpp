@@ -5,6 +5,7 @@
 #include "persist/CVelumStackFile.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
 
 #include <QFile>
 #include <array>
@@ -18,7 +19,7 @@ protected:
     CVelumLocale::Init(u"en_US"_s);
     CVelumMsg::InitMessages();
     CVelumModel::Install();
-    QFile file(QStringLiteral(ORVELLES_TEST_DATA) + u"/stacks/good/"_s + QString::fromLatin1(GetParam()));
+    QFile file(TestTree::Data() + u"/stacks/good/"_s + QString::fromLatin1(GetParam()));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     iBytes = file.readAll();
   }

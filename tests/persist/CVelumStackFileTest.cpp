@@ -7,6 +7,7 @@
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
 
 #include <gtest/gtest.h>
 
@@ -16,7 +17,7 @@
 
 namespace {
 
-const QString EData = QStringLiteral(ORVELLES_TEST_DATA) + u"/stacks/"_s;
+const QString EData = TestTree::Data() + u"/stacks/"_s;
 
 QByteArray ReadData(const QString& aName) {
   QFile file(EData + aName);

@@ -7,6 +7,7 @@
 #include "shell/CVelumMsgForm.h"
 #include "shell/CVelumSave.h"
 #include "shell/ShellTest.h"
+#include "support/TestTree.h"
 #include "toolkit/CVelumWinMan.h"
 
 #include <QDirIterator>
@@ -154,8 +155,7 @@ TEST_F(CVelumHelpPagesTest, EveryControlOfAWindowHasAPage) {
 
 TEST_F(CVelumHelpPagesTest, EveryControlOfADesignHasAPage) {
   int forms = 0;
-  QDirIterator files(QStringLiteral(ORVELLES_SOURCE "/src"), {u"*.ui"_s}, QDir::Files,
-                     QDirIterator::Subdirectories);
+  QDirIterator files(TestTree::Source() + u"/src"_s, {u"*.ui"_s}, QDir::Files, QDirIterator::Subdirectories);
   while (files.hasNext()) {
     QString form;
     QStringList controls;

@@ -3,6 +3,7 @@
 #include "support/TempFolder.h"
 
 #include "core/CVelumObject.h"
+#include "support/TestTree.h"
 
 #include <QDir>
 #include <QFile>
@@ -18,7 +19,7 @@ class MimeTypeTest : public testing::Test {
 protected:
   MimeTypeTest() {
     EXPECT_TRUE(QDir().mkpath(iFolder.Path(u"mime/packages"_s)));
-    Install(QStringLiteral(ORVELLES_SOURCE "/packaging/orvelles-mime.xml"));
+    Install(TestTree::Source() + u"/packaging/orvelles-mime.xml"_s);
     Install(u"/usr/share/mime/packages/freedesktop.org.xml"_s);
     EXPECT_EQ(QProcess::execute(u"update-mime-database"_s, {iFolder.Path(u"mime"_s)}), 0);
     qputenv("XDG_DATA_HOME", iFolder.Path().toLocal8Bit());
@@ -39,7 +40,7 @@ protected:
     return QMimeDatabase().mimeTypeForFileNameAndData(u"x.Orvelle"_s, aContent).name();
   }
   static QByteArray Content(const QString& aPath) {
-    QFile file(QStringLiteral(ORVELLES_TEST_DATA) + aPath);
+    QFile file(TestTree::Data() + aPath);
     EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << aPath.toStdString();
     return file.readAll();
   }

@@ -3,6 +3,7 @@
 #include "shell/CVelumMain.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumSave.h"
+#include "support/TestTree.h"
 #include "toolkit/CVelumReg.h"
 #include "toolkit/CVelumWinMan.h"
 
@@ -47,7 +48,7 @@ void ShellTest::CloseDialogs() {
 
 QString ShellTest::CopyStack(const QString& aName) {
   const QString path = iFolder.Path(aName);
-  const QString source = QStringLiteral(ORVELLES_TEST_DATA "/stacks/good/multi_background.Orvelle");
+  const QString source = TestTree::Data() + u"/stacks/good/multi_background.Orvelle"_s;
   EXPECT_TRUE(QFile::copy(source, path));
   QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
   return path;

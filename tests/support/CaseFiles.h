@@ -1,6 +1,8 @@
 // The cases of the folder data: a source or stack, and beside it what comes of it.
 #pragma once
 
+#include "support/TestTree.h"
+
 #include <QByteArray>
 #include <QDir>
 #include <QFile>
@@ -11,7 +13,7 @@
 namespace CaseFiles {
 
 inline QString Folder(const char* aName) {
-  return QStringLiteral(ORVELLES_TEST_DATA "/") + QString::fromLatin1(aName);
+  return TestTree::Data() + QLatin1Char('/') + QString::fromLatin1(aName);
 }
 
 inline QByteArray Bytes(const QString& aPath) {
