@@ -3,6 +3,7 @@
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
 #include "core/CVelumValue.h"
+#include "exchange/CVelumFieldNames.h"
 #include "model/CVelumModelLib.h"
 
 #include <QJsonArray>
@@ -18,14 +19,34 @@ bool WithName(const CVelumStack& aStack, const Ref<CVelumControlSet>& aChosen) {
   return background->Flag(ECseCardNameInList);
 }
 
-QJsonObject CardFacts(CVelumCard& aCard) {
+// The listed fields of a background, under names that an object can hold side by side.
+struct TListed {
+  QList<const CVelumControl*> iFields;
+  QStringList iNames;
+};
+
+TListed ListedOf(const CVelumControlSet& aBackground) {
+  TListed listed;
+  for (qint32 i = 0; i < aBackground.NumControls(); ++i) {
+    const CVelumControl* control = aBackground.ControlAt(i);
+    if (!control->InCardList()) continue;
+    listed.iFields.append(control);
+    listed.iNames.append(control->Name());
+  }
+  listed.iNames = CVelumImports::NumberEqualNames(listed.iNames);
+  return listed;
+}
+
+QJsonObject CardFacts(CVelumCard& aCard, QHash<qint32, TListed>& aListed) {
   QJsonObject values;
   const Ref<CVelumControlSet> background = aCard.Background();
-  for (qint32 i = 0; background && i < background->NumControls(); ++i) {
-    const CVelumControl* control = background->ControlAt(i);
-    if (!control->InCardList()) continue;
+  if (background && !aListed.contains(background->Id()))
+    aListed.insert(background->Id(), ListedOf(*background));
+  const TListed listed = background ? aListed.value(background->Id()) : TListed();
+  for (qsizetype i = 0; i < listed.iFields.size(); ++i) {
+    const CVelumControl* control = listed.iFields.at(i);
     const TVelumValue value = aCard.GetControlVal(control->Id(), false);
-    values.insert(control->Name(), CVelumValue::ValToExtText(value, control->FieldInfo()));
+    values.insert(listed.iNames.at(i), CVelumValue::ValToExtText(value, control->FieldInfo()));
   }
   return {{u"id"_s, aCard.Id()},
           {u"name"_s, aCard.Name()},
@@ -35,10 +56,11 @@ QJsonObject CardFacts(CVelumCard& aCard) {
 
 QJsonArray ListFacts(const CVelumStack& aStack, const CVelumControlSet* aChosen) {
   QJsonArray cards;
+  QHash<qint32, TListed> listed;
   Ref<CVelumCard> card;
   qint32 index = 0;
   for (bool found = aStack.GetFirstCard(card, index); found; found = aStack.GetNextCard(card, index)) {
-    if (!aChosen || card->BackgroundId() == aChosen->Id()) cards.append(CardFacts(*card));
+    if (!aChosen || card->BackgroundId() == aChosen->Id()) cards.append(CardFacts(*card, listed));
   }
   return cards;
 }

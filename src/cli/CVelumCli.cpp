@@ -1,5 +1,6 @@
 #include "cli/CVelumCli.h"
 
+#include "cli/CVelumCliFiles.h"
 #include "cli/CVelumCliHelp.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
@@ -24,8 +25,11 @@ struct TCall {
 };
 
 void AddOptions(const QList<TVelumOption>& aOptions, QCommandLineParser& aParser) {
-  for (const TVelumOption& option : aOptions)
-    aParser.addOption(QCommandLineOption(option.iName, option.iHelp, option.iValueName));
+  for (const TVelumOption& option : aOptions) {
+    QStringList names{option.iName};
+    if (!option.iShort.isEmpty()) names.append(option.iShort);
+    aParser.addOption(QCommandLineOption(names, option.iHelp, option.iValueName));
+  }
 }
 
 void ReadGlobals(const QCommandLineParser& aParser, TCall& aCall) {
@@ -42,7 +46,14 @@ void Parse(QCommandLineParser& aParser, const QStringList& aArguments) {
   if (!aParser.parse(QStringList(u"orvelles-cli"_s) + aArguments)) throw TVelumUsage{aParser.errorText()};
 }
 
-// The part before the command's name, and that name; returns what follows it.
+const TVelumCommand* CommandOf(const QString& aName) {
+  const TVelumCommand* command = CVelumCommands::Find(aName);
+  if (!command) throw TVelumUsage{u"There is no command '%1'."_s.arg(aName)};
+  return command;
+}
+
+// The part before the command's name, and that name; returns what follows it. "help COMMAND" is the same as
+// "COMMAND --help".
 QStringList ReadFront(const QStringList& aArguments, TCall& aCall) {
   QCommandLineParser parser;
   parser.setOptionsAfterPositionalArgumentsMode(QCommandLineParser::ParseAsPositionalArguments);
@@ -51,9 +62,12 @@ QStringList ReadFront(const QStringList& aArguments, TCall& aCall) {
   ReadGlobals(parser, aCall);
   QStringList rest = parser.positionalArguments();
   if (rest.isEmpty()) return rest;
-  const QString name = rest.takeFirst();
-  aCall.iCommand = CVelumCommands::Find(name);
-  if (!aCall.iCommand) throw TVelumUsage{u"There is no command '%1'."_s.arg(name)};
+  if (rest.front() == u"help") {
+    aCall.iHelp = true;
+    rest.removeFirst();
+    if (rest.isEmpty()) return rest;
+  }
+  aCall.iCommand = CommandOf(rest.takeFirst());
   return rest;
 }
 
@@ -74,7 +88,8 @@ void ReadCommandArgs(const QStringList& aRest, TCall& aCall) {
 void CheckOperands(const TCall& aCall) {
   const QStringList& wanted = aCall.iCommand->iOperands;
   const QStringList& given = aCall.iArgs.iOperands;
-  if (given.size() < wanted.size()) throw TVelumUsage{u"%1 is missing."_s.arg(wanted.at(given.size()))};
+  if (given.size() < wanted.size() && !wanted.at(given.size()).startsWith(u'['))
+    throw TVelumUsage{u"%1 is missing."_s.arg(wanted.at(given.size()))};
   if (given.size() > wanted.size())
     throw TVelumUsage{u"There is nothing to do with '%1'."_s.arg(given.at(wanted.size()))};
   if (aCall.iArgs.iJson && !aCall.iCommand->iWithJson)
@@ -120,6 +135,17 @@ int RunCall(const QStringList& aArguments, CVelumTerminal& aTerminal, TCall& aCa
 
 } // namespace
 
+bool CVelumCli::NeedsWidgets(const QStringList& aArguments) {
+  try {
+    TCall call;
+    const QStringList rest = ReadFront(aArguments, call);
+    if (call.iCommand) ReadCommandArgs(rest, call);
+    return call.iCommand == &CVelumCommands::Render() && !call.iHelp && !call.iVersion;
+  } catch (const TVelumUsage&) {
+    return false; // Run tells
+  }
+}
+
 int CVelumCli::Run(const QStringList& aArguments) {
   CVelumTerminal terminal;
   CVelumSeams::SetPresenter(&terminal);
@@ -131,6 +157,8 @@ int CVelumCli::Run(const QStringList& aArguments) {
     const QString name = call.iCommand ? call.iCommand->iName + u" "_s : QString();
     terminal.Complain(usage.iText + u"\nTry 'orvelles-cli %1--help'."_s.arg(name));
     status = EExitUsage;
+  } catch (const TVelumRefusal& refusal) {
+    terminal.Complain(refusal.iText);
   } catch (...) {
     CVelumError::CatchError(u"CVelumCli.Run"_s);
     CVelumMsg::ShowLastError();

@@ -7,5 +7,7 @@ namespace CVelumCli {
 
 // Runs one command line (without the program's name); returns the exit status.
 [[nodiscard]] int Run(const QStringList& aArguments);
+// Whether that command line draws something, for which there must be a QApplication.
+[[nodiscard]] bool NeedsWidgets(const QStringList& aArguments);
 
 } // namespace CVelumCli

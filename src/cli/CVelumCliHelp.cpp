@@ -13,7 +13,8 @@ QString OptionRows(const QList<TVelumOption>& aOptions) {
   QString text;
   for (const TVelumOption& option : aOptions) {
     const QString value = option.iValueName.isEmpty() ? QString() : u" "_s + option.iValueName;
-    text += Row(u"--"_s + option.iName + value, option.iHelp);
+    const QString also = option.iShort.isEmpty() ? QString() : u"-%1, "_s.arg(option.iShort);
+    text += Row(also + u"--"_s + option.iName + value, option.iHelp);
   }
   return text;
 }
@@ -26,8 +27,8 @@ const QList<TVelumOption>& CVelumCliHelp::GlobalOptions() {
       {u"yes"_s, {}, u"answer every question with yes"_s},
       {u"no"_s, {}, u"answer every question with no (this is the default)"_s},
       {u"json"_s, {}, u"print facts as JSON"_s},
-      {u"help"_s, {}, u"print help; behind a command its help"_s},
-      {u"version"_s, {}, u"print the version"_s},
+      {u"help"_s, {}, u"print help; behind a command its help"_s, u"h"_s},
+      {u"version"_s, {}, u"print the version"_s, u"V"_s},
   };
   return options;
 }
@@ -36,6 +37,7 @@ QString CVelumCliHelp::Overview() {
   QString text = u"Usage: orvelles-cli [OPTION]... COMMAND [ARGUMENT]...\n"
                  u"Works on Orvelles stacks without windows.\n\nCommands:"_s;
   for (const TVelumCommand* command : CVelumCommands::All()) text += Row(command->iName, command->iSummary);
+  text += Row(u"help COMMAND"_s, u"print the help of a command"_s);
   text += u"\n\nOptions:"_s + OptionRows(GlobalOptions());
   text += u"\n\nResults go to standard output, messages to standard error. The exit status is 0 when\n"
           u"all went well, 1 when something failed, and 2 for wrong usage."_s;

@@ -22,6 +22,22 @@ Ref<CVelumControlSet> CVelumCliStack::BackgroundByName(const CVelumStack& aStack
   return background;
 }
 
+Ref<CVelumControlSet> CVelumCliStack::ChosenBackground(const CVelumStack& aStack, const TVelumArgs& aArgs) {
+  if (aArgs.Has(u"background"_s)) return BackgroundByName(aStack, aArgs.Value(u"background"_s));
+  Ref<CVelumControlSet> only;
+  Ref<CVelumControlSet> background;
+  QStringList names;
+  qint32 index = 0;
+  for (bool found = aStack.GetFirstBackground(background, index); found;
+       found = aStack.GetNextBackground(background, index)) {
+    only = background;
+    names.append(u'\'' + OneLine(background->Name()) + u'\'');
+  }
+  if (names.size() != 1)
+    throw TVelumUsage{u"--background is missing; the stack has "_s + names.join(u", "_s) + u'.'};
+  return only;
+}
+
 QString CVelumCliStack::OneLine(QString aText) {
   aText.replace(u"\r\n"_s, u" "_s);
   aText.replace(u'\r', u' ');

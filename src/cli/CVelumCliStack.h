@@ -1,6 +1,7 @@
 // The open stack of a command: what HandleLoadStack is to the desktop program.
 #pragma once
 
+#include "cli/CVelumCommand.h"
 #include "exchange/CVelumStep.h"
 #include "model/CVelumStack.h"
 #include "persist/CVelumViewState.h"
@@ -18,6 +19,8 @@ namespace CVelumCliStack {
 [[nodiscard]] TVelumOpenStack Open(const QString& aPath);
 // Throws EMsgBackgroundNotFound when the stack has no background of that name.
 [[nodiscard]] Ref<CVelumControlSet> BackgroundByName(const CVelumStack& aStack, const QString& aName);
+// That of --background; the only one without the option. Throws TVelumUsage where it is one of several.
+[[nodiscard]] Ref<CVelumControlSet> ChosenBackground(const CVelumStack& aStack, const TVelumArgs& aArgs);
 // aText with a blank for each line end, so that it stays on one line of output.
 [[nodiscard]] QString OneLine(QString aText);
 

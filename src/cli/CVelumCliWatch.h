@@ -19,4 +19,5 @@ public:
 private:
   CVelumTerminal& iTerminal;
   int iTooManyItems = 0;
+  QString iFirstPlace; // of the first of them
 };

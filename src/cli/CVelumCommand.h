@@ -17,9 +17,11 @@ struct TVelumOption {
   QString iName;      // without the two dashes
   QString iValueName; // empty: a switch
   QString iHelp;
+  QString iShort = {}; // a letter that means the same, or empty
 };
 
-// What a command was called with. The operands are as many as the command names.
+// What a command was called with. The operands are as many as the command names, but for those that may be
+// missing.
 struct TVelumArgs {
   QStringList iOperands;
   QHash<QString, QString> iOptions; // given options by name; a switch has an empty text
@@ -29,11 +31,13 @@ struct TVelumArgs {
   [[nodiscard]] QString Value(const QString& aOption, const QString& aDefault = {}) const {
     return iOptions.value(aOption, aDefault);
   }
+  // Empty where the operand is missing.
+  [[nodiscard]] QString Operand(qsizetype aIndex) const { return iOperands.value(aIndex); }
 };
 
 struct TVelumCommand {
   QString iName;
-  QStringList iOperands; // all needed, such as STACK, TEXT
+  QStringList iOperands; // such as STACK, TEXT; the last ones in brackets when they may be missing: [OUT]
   QString iSummary;      // one line
   QString iDetails;      // what --help adds; lines of at most 78 characters
   QList<TVelumOption> iOptions;

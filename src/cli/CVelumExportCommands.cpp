@@ -1,5 +1,7 @@
 // export-csv and export-xml: write cards for other programs.
 #include "cli/CVelumCliCsv.h"
+#include "cli/CVelumCliFiles.h"
+#include "cli/CVelumCliOutput.h"
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
@@ -7,27 +9,38 @@
 
 namespace {
 
+QString LackingText(qint64 aLacking) {
+  if (aLacking == 1) return u"1 character became \"?\", as latin1 lacks it; --coding utf8 keeps it."_s;
+  return u"%1 characters became \"?\", as latin1 lacks them; --coding utf8 keeps them."_s.arg(aLacking);
+}
+
 int RunCsv(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
-  if (!aArgs.Has(u"background"_s)) throw TVelumUsage{u"--background is missing."_s};
   TVelumCsvForm form;
   form.iDelimiter = CVelumCliCsv::Delimiter(aArgs.Value(u"delimiter"_s, u"comma"_s));
   form.iCoding = CVelumCliCsv::Coding(aArgs.Value(u"coding"_s, u"latin1"_s));
-  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
-  const auto background = CVelumCliStack::BackgroundByName(*open.iStack, aArgs.Value(u"background"_s));
+  CVelumCliFiles::CheckFolder(aArgs.Operand(1));
+  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.Operand(0));
+  const Ref<CVelumControlSet> background = CVelumCliStack::ChosenBackground(*open.iStack, aArgs);
+  CVelumCliOutput output(aArgs.Operand(1), aTerminal);
   qint64 lacking = 0;
-  const CVelumCliStack::CProgress progress(aTerminal);
-  static_cast<void>(
-      CVelumExports::ExportCsv(aArgs.iOperands.at(1), *background, form, progress.Step(), &lacking));
-  if (lacking > 0)
-    aTerminal.Complain(
-        u"%1 characters became \"?\", as latin1 lacks them; --coding utf8 keeps them."_s.arg(lacking));
+  {
+    const CVelumCliStack::CProgress progress(aTerminal);
+    static_cast<void>(CVelumExports::ExportCsv(output.Path(), *background, form, progress.Step(), &lacking));
+  }
+  output.Finish();
+  if (lacking > 0) aTerminal.Complain(LackingText(lacking));
   return EExitDone;
 }
 
 int RunXml(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
-  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
-  const CVelumCliStack::CProgress progress(aTerminal);
-  static_cast<void>(CVelumExports::ExportXml(*open.iStack, aArgs.iOperands.at(1), progress.Step()));
+  CVelumCliFiles::CheckFolder(aArgs.Operand(1));
+  const TVelumOpenStack open = CVelumCliStack::Open(aArgs.Operand(0));
+  CVelumCliOutput output(aArgs.Operand(1), aTerminal);
+  {
+    const CVelumCliStack::CProgress progress(aTerminal);
+    static_cast<void>(CVelumExports::ExportXml(*open.iStack, output.Path(), progress.Step()));
+  }
+  output.Finish();
   return EExitDone;
 }
 
@@ -41,8 +54,8 @@ const TVelumCommand& CVelumCommands::ExportCsv() {
       u"The first line holds the names of the fields; each card is a line. All cells are in\n"
       "double quotes, and a line end inside a value is written as &eol;. Dates and numbers\n"
       "are written as the locale has them. An OUT that exists is replaced once the new\n"
-      "file is complete."_s,
-      {{u"background"_s, u"NAME"_s, u"the background (needed)"_s},
+      "file is complete; - is standard output."_s,
+      {{u"background"_s, u"NAME"_s, u"the background; needed if it is one of several"_s},
        {u"delimiter"_s, u"C"_s, u"comma, semicolon, tab or any one character; comma if not given"_s},
        {u"coding"_s, u"NAME"_s, u"latin1 (the Windows code page, unless told otherwise) or utf8"_s}},
       false,
@@ -59,7 +72,7 @@ const TVelumCommand& CVelumCommands::ExportXml() {
       u"The file holds the cards with the texts of their fields, not the stack itself (see\n"
       "convert for that). Dates and numbers are written as the locale has them; import-xml\n"
       "reads them with the same locale. An OUT that exists is replaced once the new file is\n"
-      "complete."_s,
+      "complete; - is standard output."_s,
       {},
       false,
       RunXml,

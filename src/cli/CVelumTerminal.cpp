@@ -68,11 +68,18 @@ void CVelumTerminal::Json(const QJsonObject& aObject) {
   Write(QJsonDocument(aObject).toJson());
 }
 
+void CVelumTerminal::ShowAs(const QString& aPath, const QString& aName) {
+  iShownPath = aPath;
+  iShownName = aName;
+}
+
 void CVelumTerminal::Complain(const QString& aText) {
   // Results that came before stand before the message where both go to one place.
   static_cast<void>(Flush());
   ClearProgress();
-  iErr.write("orvelles-cli: " + TerminalText(aText) + '\n');
+  QString text = aText;
+  if (!iShownPath.isEmpty()) text.replace(iShownPath, iShownName);
+  iErr.write("orvelles-cli: " + TerminalText(text) + '\n');
 }
 
 bool CVelumTerminal::Flush() {

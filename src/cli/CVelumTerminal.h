@@ -30,6 +30,9 @@ public:
   void Json(const QJsonObject& aObject);
   // Output that is a file of its own: in UTF-8, with its line ends as they are.
   void File(const QString& aText) { Write(aText.toUtf8()); }
+  void Bytes(const QByteArray& aBytes) { Write(aBytes); }
+  // Messages say aName where they would say aPath.
+  void ShowAs(const QString& aPath, const QString& aName);
   // A line on standard error, behind the program's name.
   void Complain(const QString& aText);
   // Writes what is buffered; false when standard output did not take all of it.
@@ -42,6 +45,8 @@ private:
   QFile iOut;
   QFile iErr;
   QByteArray iBuffer;
+  QString iShownPath;
+  QString iShownName;
   bool iAnswer = false;
   bool iOk = true;
   bool iShowProgress;

@@ -9,6 +9,8 @@
 
 namespace {
 
+QtMessageHandler gHandler = nullptr; // the toolkit's own
+
 // Qt wants a UTF-8 locale and grumbles on standard error about a bare C locale, which is what scripts and
 // servers often have.
 void PreferUtf8() {
@@ -19,14 +21,19 @@ void PreferUtf8() {
     qputenv(qEnvironmentVariableIsEmpty("LC_ALL") ? "LC_CTYPE" : "LC_ALL", "C.UTF-8");
 }
 
-// The command that draws needs widgets, though no screen. Any other that is taken for it works as well.
+// A machine without a desktop has no folder of the session, which the toolkit wants to talk about.
+void LeaveOutNoise(QtMsgType aType, const QMessageLogContext& aContext, const QString& aText) {
+  if (!aText.startsWith(u"QStandardPaths: ")) gHandler(aType, aContext, aText);
+}
+
+// The command that draws needs widgets, though no screen.
 std::unique_ptr<QCoreApplication> MakeApp(int& aArgc, char** aArgv) {
-  for (int i = 1; i < aArgc; ++i) {
-    if (std::strcmp(aArgv[i], "render") != 0) continue;
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    return std::make_unique<QApplication>(aArgc, aArgv);
-  }
-  return std::make_unique<QCoreApplication>(aArgc, aArgv);
+  QStringList arguments;
+  for (int i = 1; i < aArgc; ++i) arguments.append(QString::fromLocal8Bit(aArgv[i]));
+  if (!CVelumCli::NeedsWidgets(arguments)) return std::make_unique<QCoreApplication>(aArgc, aArgv);
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  gHandler = qInstallMessageHandler(LeaveOutNoise);
+  return std::make_unique<QApplication>(aArgc, aArgv);
 }
 
 } // namespace

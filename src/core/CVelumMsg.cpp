@@ -127,6 +127,16 @@ const TEntry* Find(qint32 aMsg) {
   return Table()[static_cast<size_t>(aMsg)];
 }
 
+// A message that counts says so differently of one.
+QString TextFor(const TEntry& aEntry, const QString& aP0) {
+  QString text = aEntry.iText.toString();
+  if (aP0 != u"1") return text;
+  if (aEntry.iMsg == EMsgSurplusItems) text.replace(u"%0 lines there were"_s, u"%0 line there were"_s);
+  if (aEntry.iMsg == EMsgOrderCorrections)
+    text.replace(u"There were %0 card order corrections"_s, u"There was %0 card order correction"_s);
+  return text;
+}
+
 void Substitute(QString& aText, const QString& aMark, const QString& aParam) {
   if (aParam != CVelumMsg::EUndefParam) aText.replace(aMark, aParam);
 }
@@ -155,7 +165,7 @@ QString CVelumMsg::Name(qint32 aMsg) {
 
 QString CVelumMsg::Text(qint32 aMsg, const QString& aP0, const QString& aP1, const QString& aP2) {
   const TEntry* entry = Find(aMsg);
-  QString text = entry ? entry->iText.toString() : QString();
+  QString text = entry ? TextFor(*entry, aP0) : QString();
   text.replace(u"\\n"_s, u"\r\n"_s);
   Substitute(text, u"%0"_s, aP0);
   Substitute(text, u"%1"_s, aP1);

@@ -306,13 +306,14 @@ void CVelumScanner::GetCsvSym(CVelumFile& aFile, qint32& aSym, QString& aStr) {
 }
 
 // The next line of a cell that goes on there: its line end and its first character join the cell unseen, so
-// that a quote there does not close it. Of an empty line the end marker stays the look-ahead.
+// that a quote there does not close it, nor an end marker end the line. Of an empty line the end marker stays
+// the look-ahead.
 bool CVelumScanner::ContinueCell(CVelumFile& aFile, QString& aStr) {
   QString line;
   if (!aFile.ReadLine(line)) return false;
   SetLine(line);
   aStr += ECrLf;
-  if (!AtEol()) {
+  if (!line.isEmpty()) {
     aStr += Ch();
     GetChar();
   }

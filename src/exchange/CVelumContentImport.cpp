@@ -5,11 +5,34 @@
 #include "core/CVelumXmlParser.h"
 #include "exchange/CVelumImportLimits.h"
 
+#include <QHash>
+#include <vector>
+
 using CVelumError::Assert;
 
 namespace {
 
 constexpr qint64 EStepCards = 500; // cards from one question to aStep to the next
+
+// The fields of one name, in their order. Commands come last, as the export leaves them out.
+struct TNamesakes {
+  std::vector<Ref<CVelumControl>> iFields;
+  size_t iUsed = 0; // by the card that iCard tells
+  qint64 iCard = -1;
+};
+using TFields = QHash<QString, TNamesakes>;
+
+TFields FieldsOf(const CVelumControlSet& aBackground) {
+  TFields fields;
+  for (const bool commands : {false, true}) {
+    for (qint32 i = 0; i < aBackground.NumControls(); ++i) {
+      const Ref<CVelumControl> control = aBackground.ControlAt(i);
+      if (control && (control->ConType() == EConCommand) == commands)
+        fields[control->Name()].iFields.push_back(control);
+    }
+  }
+  return fields;
+}
 
 class CContentReader {
 public:
@@ -21,7 +44,8 @@ public:
     while (!AtEndOf(u"orvelle"_s, name)) {
       Assert(name == u"card"_s, u"ImportXml card "_s + name);
       ReadCard();
-      if (aStep && ++iCards % EStepCards == 0 && !aStep(iCards, 0)) return false;
+      ++iCards;
+      if (aStep && iCards % EStepCards == 0 && !aStep(iCards, 0)) return false;
     }
     iParser.CloseFile();
     return true;
@@ -54,19 +78,33 @@ private:
     CheckText(name);
     const auto card = MakeRef<CVelumCard>(name, background);
     iStack.AddCard(card, nullptr, false);
+    if (background && !iFields.contains(background->Id()))
+      iFields.insert(background->Id(), FieldsOf(*background));
+    TFields& fields = iFields[background ? background->Id() : ENoInt];
     QString elem;
     while (!AtEndOf(u"card"_s, elem)) {
       Assert(elem == u"control"_s, u"ImportXml control"_s);
-      ReadControl(*card, *background);
+      ReadControl(*card, fields);
     }
   }
 
-  void ReadControl(CVelumCard& aCard, const CVelumControlSet& aBackground) {
+  // The field that a text is for: the first text of a name is for the first field of that name, and so on.
+  // Where there are more texts than fields, and the user wants to go on, the last field takes them.
+  Ref<CVelumControl> FieldFor(const QString& aName, TFields& aFields) const {
+    const auto found = aFields.find(aName);
+    Assert(found != aFields.end(), u"ImportXml control"_s);
+    if (found == aFields.end()) return nullptr;
+    if (std::exchange(found->iCard, iCards) != iCards) found->iUsed = 0;
+    const bool free = found->iUsed < found->iFields.size();
+    Assert(free, u"ImportXml control "_s + aName + u" twice"_s);
+    if (free) ++found->iUsed;
+    return found->iFields[found->iUsed - 1];
+  }
+
+  void ReadControl(CVelumCard& aCard, TFields& aFields) {
     bool term = false;
     iParser.ReadAttr(term);
-    Ref<CVelumControl> control;
-    const bool found = aBackground.GetControlByName(iParser.Attr(u"name"_s), control);
-    Assert(found, u"ImportXml control"_s);
+    const Ref<CVelumControl> control = FieldFor(iParser.Attr(u"name"_s), aFields);
     QString text;
     iParser.ReadElemText(text, false);
     CheckText(text);
@@ -85,6 +123,7 @@ private:
   CVelumXmlParser iParser;
   CVelumStack& iStack;
   qint64 iCards = 0;
+  QHash<qint32, TFields> iFields; // of the backgrounds, by their ids
 };
 
 } // namespace

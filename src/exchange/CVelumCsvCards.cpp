@@ -41,7 +41,9 @@ TVelumValue CVelumCsvCards::ValueOf(QStringView aItem, const CVelumControl& aCon
   qint32 whole = 0;
   double real = 0.0;
   bool boolean = false;
-  const qint32 type = aColumn && !text.isEmpty() ? aColumn->iType : EConText;
+  // A field that was there before takes a text as it does from its user, whatever the column is.
+  const bool known = aColumn && !text.isEmpty() && aColumn->iType == aControl.ConType();
+  const qint32 type = known ? aColumn->iType : EConText;
   if (type == EConInteger && CVelumImports::CsvToInt(text, whole)) return TVelumValue::OfInt(whole);
   if (type == EConReal && CVelumImports::CsvToReal(text, aColumn->iDecimal, real))
     return TVelumValue::OfReal(real);

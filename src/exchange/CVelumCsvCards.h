@@ -8,8 +8,9 @@
 // Everything that can be wrong with a row comes out here, before a stack is touched.
 class CVelumCsvCards {
 public:
-  // aColumns null: types were not detected, and each field makes of a text what it always does. aFirstNames:
-  // the first field names the cards, although it may not have the flag yet.
+  // aColumns null: types were not detected, and each field makes of a text what it always does, as does a
+  // field of another type than its column. aFirstNames: the first field names the cards, although it may not
+  // have the flag yet.
   CVelumCsvCards(const CVelumCsvRows& aRows, const TCsvColumns* aColumns,
                  const Ref<CVelumControlSet>& aBackground, bool aFirstNames);
 

@@ -4,14 +4,13 @@
 #include "exchange/CVelumImportLimits.h"
 
 #include <QFile>
-#include <QStringDecoder>
+#include <QUtf8StringView>
 #include <algorithm>
 
 namespace {
 
 constexpr int EShownLines = 10;
-constexpr int ESampleLines = 1000;
-constexpr qint64 EMaxSample = 1 << 22; // bytes
+constexpr qint64 EBlock = 1 << 20; // bytes
 
 QChar ProposeDelim(const QString& aLine) {
   const qsizetype commas = aLine.count(u',');
@@ -34,29 +33,37 @@ QStringList FirstLines(const QString& aFilename, qint32& aCoding) {
   return lines;
 }
 
-// The first lines as bytes, whatever ends them.
-QByteArray Sample(const QString& aFilename) {
-  QFile file(aFilename);
-  if (!file.open(QIODevice::ReadOnly)) return {};
-  QByteArray bytes = file.read(EMaxSample);
-  int lines = 0;
-  qsizetype end = 0; // behind the last line end that was found
-  for (qsizetype i = 0; i < bytes.size() && lines < ESampleLines; ++i) {
-    if (bytes.at(i) != '\r' && bytes.at(i) != '\n') continue;
-    end = i + 1;
-    ++lines;
+// Bytes at the end of aBytes that begin a character which goes on behind them.
+qsizetype CutOff(QByteArrayView aBytes) {
+  constexpr qsizetype longest = 4;
+  for (qsizetype back = 1; back < longest && back <= aBytes.size(); ++back) {
+    const auto byte = static_cast<quint8>(aBytes[aBytes.size() - back]);
+    if ((byte & 0xC0) == 0x80) continue; // not the first of its character
+    const qsizetype len = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : byte >= 0xC0 ? 2 : 1;
+    return len > back ? back : 0;
   }
-  // A character may have been cut at the end of a longer file.
-  if (lines == ESampleLines || !file.atEnd()) bytes.truncate(end);
-  return bytes;
+  return 0;
 }
 
-bool LooksUtf8(const QByteArray& aBytes) {
-  const bool ascii = std::all_of(aBytes.begin(), aBytes.end(), [](char c) { return (c & 0x80) == 0; });
-  if (ascii) return false;
-  QStringDecoder decoder(QStringDecoder::Utf8);
-  const QString text = decoder(aBytes);
-  return !decoder.hasError() && !text.isEmpty();
+bool IsAscii(QByteArrayView aBytes) {
+  return std::all_of(aBytes.begin(), aBytes.end(), [](char c) { return (c & 0x80) == 0; });
+}
+
+// Whether a file holds other than ASCII, and all of it is valid UTF-8. It is read to the first byte that is
+// not, in blocks.
+bool LooksUtf8(const QString& aFilename) {
+  QFile file(aFilename);
+  if (!file.open(QIODevice::ReadOnly)) return false;
+  bool ascii = true;
+  QByteArray rest; // of the block before
+  for (QByteArray block = file.read(EBlock); !block.isEmpty(); block = file.read(EBlock)) {
+    ascii = ascii && IsAscii(block);
+    block.prepend(rest);
+    const qsizetype cut = CutOff(block);
+    if (!QUtf8StringView(block.first(block.size() - cut)).isValidUtf8()) return false;
+    rest = block.last(cut);
+  }
+  return !ascii && rest.isEmpty();
 }
 
 } // namespace
@@ -66,7 +73,7 @@ TCsvProposal CVelumImports::ProposeCsv(const QString& aFilename) {
   TCsvProposal proposal;
   QStringList lines = FirstLines(aFilename, proposal.iCoding);
   proposal.iDelim = ProposeDelim(lines.value(0));
-  proposal.iLooksUtf8 = proposal.iCoding == ECodLatin1 && LooksUtf8(Sample(aFilename));
+  proposal.iLooksUtf8 = proposal.iCoding == ECodLatin1 && LooksUtf8(aFilename);
   if (qint32 coding = ECodUtf8; proposal.iLooksUtf8) lines = FirstLines(aFilename, coding);
   for (QString& line : lines) {
     line.truncate(CVelumCsvRows::EMaxLineLen);

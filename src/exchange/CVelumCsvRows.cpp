@@ -19,6 +19,15 @@ QString Place(const CVelumFile& aFile, qint32 aLineNum) {
   return u"%1, line %2"_s.arg(aFile.Filename()).arg(aLineNum);
 }
 
+// Where the first item stands that a row has no room for, and how it begins.
+QString SurplusPlace(const QString& aText, qsizetype aStart, qsizetype aLen, qint32 aLineNum) {
+  constexpr qsizetype shown = 40; // characters
+  const QString more = aLen > shown ? u"…"_s : QString();
+  return u"Line %1, item %2: '%3%4'"_s.arg(QString::number(aLineNum),
+                                           QString::number(CVelumCsvRows::EMaxItems + 1),
+                                           aText.mid(aStart, qMin(aLen, shown)), more);
+}
+
 } // namespace
 
 int CVelumCsvRows::NumItems(qint32 aRow) const {
@@ -37,8 +46,8 @@ void CVelumCsvRows::Clear() {
   *this = CVelumCsvRows(iDelim);
 }
 
-// False at the end of the file. The line ends in front of the first end marker in it.
-bool CVelumCsvRows::ReadLine(QString& aLine) {
+// False at the end of the file. The line ends in front of the first end marker in it from aFrom on.
+bool CVelumCsvRows::ReadLine(QString& aLine, qsizetype aFrom) {
   if (!iFile->ReadLine(aLine)) return false;
   ++iLineNum;
   iCharsRead += aLine.size() + 1;
@@ -47,7 +56,7 @@ bool CVelumCsvRows::ReadLine(QString& aLine) {
                                               .arg(Place(*iFile, iLineNum))
                                               .arg(aLine.size())
                                               .arg(EMaxLineLen));
-  if (const qsizetype marker = aLine.indexOf(EEolMarker); marker >= 0) aLine.truncate(marker);
+  if (const qsizetype marker = aLine.indexOf(EEolMarker, aFrom); marker >= 0) aLine.truncate(marker);
   return true;
 }
 
@@ -66,11 +75,11 @@ CVelumCsvRows::ESym CVelumCsvRows::NextItem(TCell& aCell) {
   return ESym::Item;
 }
 
-// The cell goes on in the next line. Its first character belongs to the cell unseen, so that a quote there
-// does not close it.
+// The cell goes on in the next line. Its first character belongs to the cell unseen, so that neither a quote
+// there closes it nor an end marker ends the line.
 bool CVelumCsvRows::ContinueRow() {
   QString line;
-  if (!ReadLine(line)) return false;
+  if (!ReadLine(line, 1)) return false;
   iText += u"\r\n"_s;
   iPos = iText.size() + (line.isEmpty() ? 0 : 1);
   iText += line;
@@ -114,7 +123,7 @@ bool CVelumCsvRows::ReadRow(CVelumImportWatch& aWatch) {
       return false;
     }
     if (iItems.size() == EMaxItems) {
-      aWatch.Message(EMsgTooManyItems, CVelumMsg::EUndefParam);
+      aWatch.Message(EMsgTooManyItems, SurplusPlace(iText, cell.iStart, cell.iLen, line));
       return true;
     }
     iItems.push_back(cell);
@@ -161,7 +170,7 @@ void CVelumCsvRows::Reserve(qint64 aBytes) {
 bool CVelumCsvRows::Read(CVelumFile& aFile, qint64 aBytes, int aProgress, CVelumImportWatch& aWatch,
                          qint32 aMaxRows) {
   iFile = &aFile;
-  while (NumRows() < aMaxRows && ReadLine(iText) && ReadRow(aWatch)) {
+  while (NumRows() < aMaxRows && ReadLine(iText, 0) && ReadRow(aWatch)) {
     StoreRow();
     if (NumRows() == ESampleRows && aMaxRows == EAllRows) Reserve(aBytes);
     if (NumRows() % ERowsAStep != 0) continue;

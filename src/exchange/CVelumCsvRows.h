@@ -49,7 +49,7 @@ private:
   };
   enum class ESym { Item, Eol, Eof };
 
-  [[nodiscard]] bool ReadLine(QString& aLine);
+  [[nodiscard]] bool ReadLine(QString& aLine, qsizetype aFrom);
   [[nodiscard]] bool ReadRow(CVelumImportWatch& aWatch);
   [[nodiscard]] ESym NextItem(TCell& aCell);
   [[nodiscard]] ESym QuotedItem(TCell& aCell);

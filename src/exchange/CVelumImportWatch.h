@@ -11,8 +11,9 @@ public:
   virtual ~CVelumImportWatch() = default;
 
   // A message of class Exclamation, whose only parameter is aP0. Some come once for each line at fault, so
-  // the one who shows them should offer to stay silent.
-  virtual void Message(qint32 aMsg, const QString& aP0) { CVelumMsg::Show(aMsg, EMsgExclamation, aP0); }
+  // the one who shows them should offer to stay silent. With EMsgTooManyItems aP0 tells the place of the
+  // first item that is left out, and stands behind the text.
+  virtual void Message(qint32 aMsg, const QString& aP0);
   // A quoted cell that begins in this line (from 1) is never closed: it and what follows is left out.
   virtual void Unclosed(qint32 aLineNum) { static_cast<void>(aLineNum); }
   // aDone of EAll is done, in rising order. False cancels the import, which then changes nothing.

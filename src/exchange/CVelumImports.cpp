@@ -3,6 +3,7 @@
 #include "core/CVelumChecked.h"
 #include "exchange/CVelumCsvCards.h"
 #include "exchange/CVelumCsvKey.h"
+#include "exchange/CVelumFieldNames.h"
 #include "exchange/CVelumImportLimits.h"
 #include "model/CVelumModelLib.h"
 
@@ -74,11 +75,13 @@ qint32 CImport::TypeOf(int aColumn) const {
 
 void CImport::MakeFields(CVelumStack& aStack, CVelumControlSet& aBackground) const {
   const int items = iRows.NumRows() > 0 ? iRows.NumItems(0) : 0;
+  QStringList names;
+  for (int i = 0; i < items; ++i)
+    names.append(iOptions.iHeaderLine ? iRows.Item(0, i).toString() : u"Field "_s + QString::number(i + 1));
+  names = NumberEqualNames(names);
   for (int i = 0; i < items; ++i) {
-    const QString name =
-        iOptions.iHeaderLine ? iRows.Item(0, i).toString() : u"Field "_s + QString::number(i + 1);
-    auto control = MakeRef<CVelumControl>(aStack.IdGen().NextId(), name, TypeOf(i));
-    control->SetLabel(name);
+    auto control = MakeRef<CVelumControl>(aStack.IdGen().NextId(), names.at(i), TypeOf(i));
+    control->SetLabel(names.at(i));
     aBackground.AddControl(control, ENoInt);
   }
 }

@@ -28,9 +28,10 @@ struct TNewStack {
 
 namespace CVelumImports {
 
-// Makes a stack of a CSV file: a background with a field for each item of the first row, at most 20, and a
-// card for each further row. Its name is the path of the file. Nothing else is touched: whatever goes wrong,
-// aNew stays as it is. Host errors carry the line; the other failures are those of CVelumFile.
+// Makes a stack of a CSV file: a background with a field for each item of the first row, at most 20, of which
+// equal ones get a number, and a card for each further row. Its name is the path of the file. Nothing else is
+// touched: whatever goes wrong, aNew stays as it is. Host errors carry the line; the other failures are those
+// of CVelumFile.
 [[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
                                      CVelumImportWatch& aWatch, TNewStack& aNew);
 

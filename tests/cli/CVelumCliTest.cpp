@@ -95,12 +95,41 @@ TEST(CVelumCli, TheShellCompletesCommandsOptionsAndValues) {
   EXPECT_EQ(Completions({program, u"cards"_s, u"--ba"_s}), QByteArrayList{"--background"});
   EXPECT_EQ(Completions({program, u"convert"_s, u"--format"_s, u"b"_s}), QByteArrayList{"binary"});
   EXPECT_EQ(Completions({program, u"info"_s, u"--js"_s}), QByteArrayList{"--json"});
+  EXPECT_EQ(Completions({program, u"help"_s, u"conv"_s}), QByteArrayList{"convert"});
 }
 
 TEST(CVelumCli, VersionNamesTheProgram) {
-  const TCliResult result = CliRun::Run({u"--version"_s});
-  EXPECT_EQ(result.iStatus, 0);
-  EXPECT_TRUE(result.iOut.startsWith("orvelles-cli 0."));
+  for (const QString& option : {u"--version"_s, u"-V"_s}) {
+    const TCliResult result = CliRun::Run({option});
+    EXPECT_EQ(result.iStatus, 0);
+    EXPECT_TRUE(result.iOut.startsWith("orvelles-cli 0."));
+  }
+}
+
+TEST(CVelumCli, HelpHasMoreThanOneName) {
+  const QByteArray overview = CliRun::Run({u"--help"_s}).iOut;
+  const QByteArray info = CliRun::Run({u"info"_s, u"--help"_s}).iOut;
+  ASSERT_TRUE(info.startsWith("Usage: "));
+  EXPECT_EQ(CliRun::Run({u"-h"_s}).iOut, overview);
+  EXPECT_EQ(CliRun::Run({u"help"_s}).iOut, overview);
+  EXPECT_EQ(CliRun::Run({u"info"_s, u"-h"_s}).iOut, info);
+  EXPECT_EQ(CliRun::Run({u"help"_s, u"info"_s}).iOut, info);
+  EXPECT_EQ(CliRun::Run({u"help"_s, u"nothing"_s}).iStatus, 2);
+}
+
+// A machine without a desktop, whose toolkit would have something to say.
+TEST(CVelumCli, TheToolkitStaysSilent) {
+  const TempFolder folder;
+  const QString sample = CliRun::Sample();
+  const QList<QStringList> calls{{u"render"_s, u"--help"_s},
+                                 {u"search"_s, sample, u"render"_s},
+                                 {u"render"_s, sample, folder.Path(u"a.png"_s)}};
+  for (const QStringList& call : calls) {
+    const TCliResult result =
+        CliRun::RunProgram(u"env"_s, QStringList{u"-u"_s, u"XDG_RUNTIME_DIR"_s, CliRun::Program()} + call);
+    EXPECT_EQ(result.iStatus, 0) << call.join(u' ').toStdString();
+    EXPECT_EQ(result.iErr, QByteArray()) << call.join(u' ').toStdString();
+  }
 }
 
 TEST(CVelumCli, WrongUsageGivesStatus2) {

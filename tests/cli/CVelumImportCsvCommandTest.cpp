@@ -6,6 +6,9 @@
 #include "support/TempFolder.h"
 
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <gtest/gtest.h>
 
 namespace {
@@ -33,6 +36,8 @@ TEST_F(CVelumImportCsvCommand, MakesAStack) {
   const TCliResult result = Run({csv, iOut});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_EQ(result.iErr, QByteArray());
+  EXPECT_EQ(result.iOut, iOut.toUtf8() + ": 2 cards in background 'First Background': Name (Text), "
+                                         "Size (Real); named by Name; sorted by Name\n");
   EXPECT_EQ(Cards(iOut), "Anna\tAnna\t1.5\nBob\tBob\t22.25\n");
   EXPECT_EQ(CliRun::Run({u"check"_s, iOut}).iOut, QByteArray());
 }
@@ -64,13 +69,142 @@ TEST_F(CVelumImportCsvCommand, FillsABackground) {
   EXPECT_EQ(CliRun::Run({u"check"_s, other}).iOut, QByteArray());
 }
 
+// The bytes of a file that a call must leave as they are.
+TEST_F(CVelumImportCsvCommand, ReplacesNothingThatWasNotMeant) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "a\n1\n");
+  const QString link = iFolder.Path(u"link.csv"_s);
+  const QString text = iFolder.Write(u"notes.txt"_s, "Orvelle is the name\n");
+  ASSERT_TRUE(QFile::link(csv, link));
+  ASSERT_EQ(Run({csv, iOut}).iStatus, 0);
+  const QByteArray stack = iFolder.Read(u"out.Orvelle"_s);
+  const struct {
+    QStringList iArguments;
+    const char* iMessage;
+  } cases[] = {
+      {{csv, csv}, "is the file that is read"},
+      {{csv, csv, u"--overwrite"_s}, "is the file that is read"},
+      {{csv, link, u"--overwrite"_s}, "is the file that is read"},
+      {{csv, text, u"--overwrite"_s}, "is no stack"},
+      {{csv, iOut}, "--overwrite replaces it"},
+      {{iOut, csv}, "is a stack"},
+      {{iOut, csv, u"--overwrite"_s}, "is a stack"},
+      {{csv, iOut, u"--into"_s, CliRun::Sample(), u"--background"_s, u"Country"_s}, "--overwrite"},
+  };
+  for (const auto& each : cases) {
+    const TCliResult result = Run(each.iArguments);
+    EXPECT_EQ(result.iStatus, 1) << each.iMessage;
+    EXPECT_TRUE(result.iErr.contains(each.iMessage)) << result.iErr.toStdString();
+    EXPECT_EQ(iFolder.Read(u"a.csv"_s), QByteArray("a\n1\n")) << each.iMessage;
+    EXPECT_EQ(iFolder.Read(u"notes.txt"_s), QByteArray("Orvelle is the name\n")) << each.iMessage;
+    EXPECT_EQ(iFolder.Read(u"out.Orvelle"_s), stack) << each.iMessage;
+  }
+}
+
+TEST_F(CVelumImportCsvCommand, ReplacesAStackWhenAsked) {
+  ASSERT_EQ(Run({iFolder.Write(u"a.csv"_s, "a\nold\n"), iOut}).iStatus, 0);
+  const TCliResult result = Run({iFolder.Write(u"b.csv"_s, "a\nnew\n"), iOut, u"--overwrite"_s});
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+  EXPECT_EQ(Cards(iOut), "new\tnew\n");
+}
+
+TEST_F(CVelumImportCsvCommand, AStackThatIsFilledNeedsNoOtherName) {
+  ASSERT_EQ(Run({iFolder.Write(u"a.csv"_s, "Name\nAnna\n"), iOut}).iStatus, 0);
+  const QString csv = iFolder.Write(u"b.csv"_s, "Name\nCyd\n");
+  const TCliResult result = Run({csv, u"--into"_s, iOut});
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+  EXPECT_EQ(Cards(iOut), "Cyd\tCyd\n");
+  EXPECT_EQ(Run({iFolder.Write(u"c.csv"_s, "Name\nDora\n"), iOut, u"--into"_s, iOut}).iStatus, 0);
+  EXPECT_EQ(Cards(iOut), "Dora\tDora\n");
+}
+
+// The field of the background decides, not what the column looks like.
+TEST_F(CVelumImportCsvCommand, NumbersGoIntoFieldsOfTexts) {
+  ASSERT_EQ(Run({iFolder.Write(u"a.csv"_s, "n,v\nx,text\n"), iOut}).iStatus, 0);
+  const TCliResult result = Run({iFolder.Write(u"b.csv"_s, "n,v\nx,5\ny,006\n"), u"--into"_s, iOut});
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+  EXPECT_EQ(Cards(iOut), "x\tx\t5\ny\ty\t006\n");
+}
+
+TEST_F(CVelumImportCsvCommand, EqualColumnNamesGetNumbers) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "n,a,a,a 2,,\"\"\nx,1,2,3,4,5\n");
+  const TCliResult result = Run({csv, iOut, u"--no-types"_s});
+  EXPECT_EQ(result.iStatus, 0);
+  EXPECT_TRUE(result.iOut.contains("n (Text), a (Text), a 3 (Text), a 2 (Text),  (Text), Field 6 (Text)"))
+      << result.iOut.toStdString();
+}
+
+TEST_F(CVelumImportCsvCommand, TellsWhatItMadeAsJson) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "Name,Size\nAnna,1.5\nBob,22.25\n");
+  const TCliResult result = Run({csv, iOut, u"--json"_s});
+  EXPECT_EQ(result.iStatus, 0);
+  const QJsonObject facts = QJsonDocument::fromJson(result.iOut).object();
+  EXPECT_EQ(facts.value(u"file"_s).toString(), csv);
+  EXPECT_EQ(facts.value(u"stack"_s).toString(), iOut);
+  const QJsonObject made = facts.value(u"backgrounds"_s).toArray().at(0).toObject();
+  EXPECT_EQ(made.value(u"name"_s).toString(), u"First Background"_s);
+  EXPECT_EQ(made.value(u"cards"_s).toInt(), 2);
+  EXPECT_EQ(made.value(u"cardName"_s).toString(), u"Name"_s);
+  EXPECT_EQ(made.value(u"sortedBy"_s).toArray(), QJsonArray{u"Name"_s});
+  const QJsonObject size = made.value(u"fields"_s).toArray().at(1).toObject();
+  EXPECT_EQ(size, (QJsonObject{{u"name"_s, u"Size"_s}, {u"type"_s, u"Real"_s}}));
+}
+
+TEST_F(CVelumImportCsvCommand, ReadsStandardInput) {
+  const TCliResult result =
+      CliRun::RunFed("Name,Size\nAnna,1\n", {u"import-csv"_s, u"-"_s, iOut, u"--json"_s});
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+  EXPECT_TRUE(result.iOut.contains("\"standard input\"")) << result.iOut.toStdString();
+  EXPECT_EQ(Cards(iOut), "Anna\tAnna\t1\n");
+  EXPECT_TRUE(CliRun::Run({u"info"_s, iOut}).iOut.contains("standard input"));
+}
+
+TEST_F(CVelumImportCsvCommand, FailuresOfAStreamNameIt) {
+  const TCliResult empty = CliRun::RunFed({}, {u"import-csv"_s, u"-"_s, iOut});
+  EXPECT_EQ(empty.iStatus, 1);
+  EXPECT_TRUE(empty.iErr.contains("EMsgEmptyFile"));
+  const TCliResult wide =
+      CliRun::RunFed("a\n" + QByteArray(40000, 'x') + "\n", {u"import-csv"_s, u"-"_s, iOut});
+  EXPECT_EQ(wide.iStatus, 1);
+  EXPECT_TRUE(wide.iErr.contains("standard input, line 2")) << wide.iErr.toStdString();
+  const TCliResult device = CliRun::RunProgram(
+      u"sh"_s, {u"-c"_s, u"\"$0\" \"$@\" < /dev/zero"_s, CliRun::Program(), u"import-csv"_s, u"-"_s, iOut});
+  EXPECT_EQ(device.iStatus, 1);
+  EXPECT_TRUE(device.iErr.contains("is a device")) << device.iErr.toStdString();
+  EXPECT_FALSE(iFolder.Has(u"out.Orvelle"_s));
+}
+
+TEST_F(CVelumImportCsvCommand, ReadsAPipeAndWritesToStandardOutput) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "Name\nAnna\n");
+  const TCliResult result = CliRun::RunProgram(
+      u"bash"_s, {u"-c"_s, u"\"$0\" import-csv <(cat \"$1\") - > \"$2\""_s, CliRun::Program(), csv, iOut});
+  EXPECT_EQ(result.iStatus, 0);
+  EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: -: 1 card in background")) << result.iErr.toStdString();
+  EXPECT_EQ(Cards(iOut), "Anna\tAnna\n");
+}
+
+TEST_F(CVelumImportCsvCommand, LooksAtTheWholeFileForItsCoding) {
+  const QByteArray plain = "a,b\n" + QByteArray("x1,y\n").repeated(300000);
+  ASSERT_EQ(Run({iFolder.Write(u"a.csv"_s, plain + "Pi\xC3\xA7"
+                                                   "arra,z\n"),
+                 iOut, u"--no-key"_s})
+                .iStatus,
+            0);
+  EXPECT_TRUE(Cards(iOut).endsWith("\tPi\xC3\xA7"
+                                   "arra\tz\n"));
+  const QString mixed = iFolder.Write(u"b.csv"_s, "a,b\nPi\xC3\xA7"
+                                                  "arra,z\n" +
+                                                      plain + "\xE9,z\n");
+  ASSERT_EQ(Run({mixed, iOut, u"--no-key"_s, u"--overwrite"_s}).iStatus, 0);
+  EXPECT_TRUE(Cards(iOut).endsWith("\t\xC3\xA9\tz\n")) << "one byte that is none of UTF-8";
+}
+
 TEST_F(CVelumImportCsvCommand, CountsTheLinesThatLoseItems) {
   QByteArray line("0");
   for (int i = 1; i <= 20; ++i) line += "," + QByteArray::number(i);
   const TCliResult result = Run({iFolder.Write(u"a.csv"_s, line + "\n" + line + "\n"), iOut});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_EQ(result.iErr.count("EMsgTooManyItems"), 1);
-  EXPECT_TRUE(result.iErr.contains("(lines: 2)")) << result.iErr.toStdString();
+  EXPECT_TRUE(result.iErr.contains("(lines: 2) Line 1, item 21: '20'\n")) << result.iErr.toStdString();
 }
 
 TEST_F(CVelumImportCsvCommand, TellsOfACellThatIsNeverClosed) {
@@ -99,7 +233,14 @@ TEST_F(CVelumImportCsvCommand, FailuresWriteNothing) {
       {{good, iOut, u"--delimiter"_s, u" "_s}, 2, "no delimiter"},
       {{good, iOut, u"--delimiter"_s, u"::"_s}, 2, "no delimiter"},
       {{good, iOut, u"--coding"_s, u"ebcdic"_s}, 2, "no coding"},
-      {{good, iOut, u"--into"_s, sample}, 2, "belong together"},
+      {{good, iOut, u"--into"_s, sample}, 2, "--background is missing; the stack has '"},
+      {{good, iOut, u"--background"_s, u"Country"_s}, 2, "--into, which is missing"},
+      {{good}, 2, "OUT is missing"},
+      {{good, u"-"_s, u"--json"_s}, 2, "standard output"},
+      {{sample, iOut}, 1, "is a stack"},
+      {{CliRun::XmlStack(), iOut}, 1, "is a stack"},
+      {{good, iFolder.Path(u"none/out.Orvelle"_s)}, 1, "there is no folder"},
+      {{good, iFolder.Path()}, 1, "is a folder"},
       {{good, iOut, u"--into"_s, sample, u"--background"_s, u"None"_s}, 1, "EMsgBackgroundNotFound"},
   };
   for (const TCase& each : cases) {

@@ -19,14 +19,15 @@ QStringList WithLocale(const QStringList& aArguments) {
 
 } // namespace
 
-TCliResult CliRun::RunProgram(const QString& aProgram, const QStringList& aArguments,
-                              const QString& aOutPath) {
+TCliResult CliRun::RunProgram(const QString& aProgram, const QStringList& aArguments, const QString& aOutPath,
+                              const QByteArray& aInput) {
   QProcess process;
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   if (environment.value(u"LC_ALL"_s).isEmpty()) environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
   process.setProcessEnvironment(environment);
   if (!aOutPath.isEmpty()) process.setStandardOutputFile(aOutPath);
   process.start(aProgram, aArguments);
+  process.write(aInput);
   process.closeWriteChannel();
   TCliResult result;
   if (process.waitForFinished(ETimeout) && process.exitStatus() == QProcess::NormalExit)
@@ -40,6 +41,10 @@ TCliResult CliRun::RunProgram(const QString& aProgram, const QStringList& aArgum
 
 TCliResult CliRun::Run(const QStringList& aArguments) {
   return RunProgram(QStringLiteral(ORVELLES_CLI), WithLocale(aArguments));
+}
+
+TCliResult CliRun::RunFed(const QByteArray& aInput, const QStringList& aArguments) {
+  return RunProgram(QStringLiteral(ORVELLES_CLI), WithLocale(aArguments), {}, aInput);
 }
 
 TCliResult CliRun::RunInto(const QString& aPath, const QStringList& aArguments) {
@@ -56,6 +61,14 @@ TCliResult CliRun::RunWithoutRights(const QStringList& aArguments) {
 bool CliRun::CanDropRights() {
   return geteuid() != 0 || (!QStandardPaths::findExecutable(u"setpriv"_s).isEmpty() &&
                             RunWithoutRights({u"--version"_s}).iStatus == 0);
+}
+
+QString CliRun::Program() {
+  return QStringLiteral(ORVELLES_CLI);
+}
+
+QString CliRun::XmlStack() {
+  return TestTree::Data() + u"/stacks/xml-damaged/wrong_child.xml"_s;
 }
 
 QString CliRun::Data(const QString& aName) {

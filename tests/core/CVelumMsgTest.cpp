@@ -112,6 +112,10 @@ TEST(CVelumMsg, UndefinedParameterKeepsItsMark) {
   EXPECT_EQ(CVelumMsg::Text(EMsgIncompatibleValTypes, u"Date"_s),
             u"The operation is not possible, because the given types 'Date' and '%1' are not compatible."_s);
   EXPECT_EQ(CVelumMsg::Text(EMsgEmptyName, u"<undef>"_s), u"An empty name is not allowed for a %0."_s);
+  EXPECT_TRUE(CVelumMsg::Text(EMsgSurplusItems, u"2"_s).startsWith(u"On 2 lines there were more items"));
+  EXPECT_TRUE(CVelumMsg::Text(EMsgSurplusItems, u"1"_s).startsWith(u"On 1 line there were more items"));
+  EXPECT_TRUE(CVelumMsg::Text(EMsgOrderCorrections, u"1"_s)
+                  .startsWith(u"Caution: There was 1 card order correction, caused"));
 }
 
 TEST(CVelumMsg, ParametersArePutInOneAfterTheOther) {

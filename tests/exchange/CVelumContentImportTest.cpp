@@ -51,6 +51,27 @@ TEST_F(CVelumContentImportTest, ReadsWhatTheExportWrites) {
   EXPECT_TRUE(other->GetCard(u"Bob"_s, found)) << "the names are in the index";
 }
 
+TEST_F(CVelumContentImportTest, FieldsOfOneNameTakeTheirTextsInOrder) {
+  AddField(*iStack, iSecond, u"Twin"_s, EConCommand);
+  AddField(*iStack, iSecond, u"Twin"_s, EConText);
+  AddField(*iStack, iSecond, u"Twin"_s, EConText);
+  const Ref<CVelumCard> card = AddCard(iSecond, u"c"_s, u"x"_s);
+  card->SetControlVal(iSecond->ControlAt(2)->Id(), TVelumValue::OfStr(u"one"_s));
+  card->SetControlVal(iSecond->ControlAt(3)->Id(), TVelumValue::OfStr(u"two"_s));
+  const QString path = iFolder.Path(u"x.xml"_s);
+  ASSERT_TRUE(CVelumExports::ExportXml(*iStack, path));
+  EXPECT_TRUE(CVelumImports::ImportXml(path, *iStack));
+  EXPECT_TRUE(CVelumImports::ImportXml(path, *iStack)) << "each card anew";
+  EXPECT_EQ(Cards(*iStack), QStringList(3, u"Second|c|Text=x|Twin=one|Twin=two"_s));
+}
+
+TEST_F(CVelumContentImportTest, MoreTextsThanFieldsOfANameAreAnAssertion) {
+  const QByteArray twice = "<control name=\"Text\">y</control><control name=\"Text\">z</control>";
+  EXPECT_EQ(AssertOf(Document(Card(twice))), "Assert|ImportXml control Text twice");
+  EXPECT_EQ(Overruled(Document(Card(twice))), -1);
+  EXPECT_EQ(Cards(*iStack).last(), u"Second|c|Text=z"_s);
+}
+
 TEST_F(CVelumContentImportTest, CardsGoBehindAllOthersWithoutDefaults) {
   Ref<CVelumControl> text;
   ASSERT_TRUE(iSecond->GetControlByName(u"Text"_s, text));

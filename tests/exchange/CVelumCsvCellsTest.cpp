@@ -135,6 +135,7 @@ TEST_F(CVelumCsvCells, ScanFindsDatesAndTimesOfTheLocale) {
   EXPECT_EQ(Scanned(u"00:00:00"_s).iTimes, 0) << "midnight is 0";
   EXPECT_EQ(Scanned(u"20200115"_s).iDates, 0) << "digits alone";
   EXPECT_EQ(Scanned(u"12/31/1899"_s).iDates, 0) << "a moment of 1.0 is neither";
+  EXPECT_EQ(Scanned(u"12/31/1899"_s).iTimes, 0);
   EXPECT_EQ(Scanned(u"1/1/1900"_s).iDates, 1);
   CVelumLocale::Init(u"de_DE"_s);
   EXPECT_EQ(Scanned(u"15.1.2020"_s).iDates, 1);

@@ -203,6 +203,8 @@ TEST_F(CVelumCsvRowsTest, ReadsWhateverItIsGiven) {
                      "a"_s}}));
   EXPECT_EQ(Table("a\1b,c\n\"d\1e\nf\",g\n"), TTable({{u"a"_s}, {u"d\r\nf"_s, u"g"_s}}))
       << "the end marker ends a line";
+  EXPECT_EQ(Table("\"a\n\1b\",c\n"), TTable({{u"a\r\n\u0001b"_s, u"c"_s}}))
+      << "but not as the first character of one on which a cell goes on";
   EXPECT_EQ(Table("\xEF\xBB\xBF\xC3\xA9\n"), TTable({{u"\u00E9"_s}})) << "the mark decides the coding";
 }
 

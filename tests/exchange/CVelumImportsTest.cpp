@@ -272,18 +272,34 @@ TEST_F(CVelumImportsTest, FillingASortedBackgroundKeepsItsOrder) {
   EXPECT_FALSE(iNew.iStack->GetNextSortKey(key, index)) << "no second key";
 }
 
-TEST_F(CVelumImportsTest, AFieldOfAnotherTypeIsAnAssertionBeforeAnythingGoes) {
+TEST_F(CVelumImportsTest, AFieldOfAnotherTypeThanItsColumnTakesTheTextAsAnEntry) {
   iOptions.iDetectTypes = false;
   ASSERT_EQ(Import("a,b\nx,1\n"), ECsvOutcome::Done);
-  const QStringList before = Cards();
   iOptions.iDetectTypes = true;
-  EXPECT_EQ(Assertions::Of([&] { static_cast<void>(Fill("a,b\nu,2\n", iWatch)); }).substr(0, 18),
-            "SetControlVal|type");
-  EXPECT_EQ(Cards(), before);
-  // Overruled, the field holds a number.
-  iPresenter.SetDefaultAnswer(true);
-  EXPECT_EQ(Fill("a,b\nu,2\n", iWatch), ECsvOutcome::Done);
-  EXPECT_EQ(Cards(), QStringList({u"u|u|2"_s}));
+  EXPECT_EQ(Fill("a,b\nu,02\nv,+3\n", iWatch), ECsvOutcome::Done) << "Integer into Text";
+  EXPECT_EQ(Cards(), QStringList({u"u|u|02"_s, u"v|v|+3"_s}));
+  EXPECT_EQ(Fill("a,b\nu,yes\nv,no\n", iWatch), ECsvOutcome::Done) << "Boolean into Text";
+  EXPECT_EQ(Cards(), QStringList({u"u|u|yes"_s, u"v|v|no"_s}));
+  ASSERT_EQ(Import("a,b\nx,1.5\n"), ECsvOutcome::Done);
+  EXPECT_EQ(Fill("a,b\nu,2\nv,text\n", iWatch), ECsvOutcome::Done) << "Text into Real";
+  EXPECT_EQ(Cards(), QStringList({u"u|u|2"_s, u"v|v|0"_s}));
+}
+
+TEST_F(CVelumImportsTest, EqualColumnNamesGetNumbers) {
+  ASSERT_EQ(Import("n,a,a\nx,1,2\n"), ECsvOutcome::Done);
+  EXPECT_EQ(Set()->ControlAt(1)->Name(), u"a"_s);
+  EXPECT_EQ(Set()->ControlAt(2)->Name(), u"a 2"_s);
+  EXPECT_EQ(Set()->ControlAt(2)->Label(), u"a 2"_s);
+}
+
+TEST_F(CVelumImportsTest, TheFirstItemTooManyIsShownWithItsPlace) {
+  QByteArray line("0");
+  for (int i = 1; i <= 20; ++i) line += "," + QByteArray::number(i);
+  ASSERT_EQ(Import("a,b\n" + line + QByteArray(50, 'x') + "\n"), ECsvOutcome::Done);
+  EXPECT_EQ(iPresenter.CountOf(EMsgTooManyItems), 1);
+  const QString text = CVelumMsg::Text(EMsgTooManyItems, CVelumMsg::EUndefParam) +
+                       u"\r\nLine 2, item 21: '20"_s + QString(38, u'x') + u"…'"_s;
+  EXPECT_EQ(iPresenter.Shown().first().iText, text);
 }
 
 TEST_F(CVelumImportsTest, WhateverFailsLeavesTheStackAsItWas) {
@@ -379,8 +395,15 @@ TEST_F(CVelumImportsTest, ProposesUtf8WhereTheBytesAreThat) {
   EXPECT_EQ(propose("\xC3\xA9\n\xE9\n").BestCoding(), ECodLatin1);
   EXPECT_EQ(propose("\xC3\xA9").BestCoding(), ECodUtf8) << "without a line end";
   EXPECT_EQ(propose("\xC3").BestCoding(), ECodLatin1) << "half a character";
-  EXPECT_EQ(propose(Lines(0, 1000) + "\xC3\xA9\n").BestCoding(), ECodLatin1) << "behind 1,000 lines";
-  EXPECT_EQ(propose(Lines(0, 999) + "\xC3\xA9\n").BestCoding(), ECodUtf8);
+  EXPECT_EQ(propose(Lines(0, 1000) + "\xC3\xA9\n").BestCoding(), ECodUtf8) << "wherever it stands";
+  EXPECT_EQ(propose("\xC3\xA9\n" + Lines(0, 1000) + "\xE9\n").BestCoding(), ECodLatin1);
+  // A character across the border of two blocks, at each of its places.
+  for (int i = 0; i < 4; ++i) {
+    const QByteArray before(1024 * 1024 - i, 'x');
+    EXPECT_EQ(propose(before + "\xF0\x9F\x98\x80\n").BestCoding(), ECodUtf8) << i;
+    EXPECT_EQ(propose(before + "\xF0\x9F\x98\n").BestCoding(), ECodLatin1) << i;
+    EXPECT_EQ(propose(before + "\xF0\x9F\x98").BestCoding(), ECodLatin1) << i;
+  }
 }
 
 TEST_F(CVelumImportsTest, PreviewsWithTheTypesOfManyLines) {
