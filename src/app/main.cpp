@@ -7,6 +7,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 #include <QTimer>
 #include <cstdlib>
@@ -24,6 +25,7 @@ constexpr const char* EUsage = "Usage: orvelles [STACK]\n"
                                "  --pictures FOLDER STACK  write pictures of the windows, without a display\n"
                                "  --help                   show this text\n"
                                "  --version                show the version\n";
+constexpr const char* ESockets = "XDG_RUNTIME_DIR";
 // Set for the processes that write the pictures of one scale.
 constexpr const char* EOneScale = "ORVELLES_PICTURES";
 
@@ -33,8 +35,16 @@ bool HasDisplay() {
   return false;
 }
 
+QtMessageHandler gUsualHandler = nullptr;
+
+// A platform without a screen notes each call that it has no use for.
+void LeaveOutPlatformNotes(QtMsgType aType, const QMessageLogContext& aContext, const QString& aText) {
+  if (!aText.startsWith(u"This plugin does not support "_s)) gUsualHandler(aType, aContext, aText);
+}
+
 // In a process that has been given a screen: writes the pictures of that screen.
 int WritePicturesHere(int aArgc, char** aArgv) {
+  gUsualHandler = qInstallMessageHandler(LeaveOutPlatformNotes);
   CVelumApplication app(aArgc, aArgv);
   const QStringList arguments = QCoreApplication::arguments();
   // The windows behave as in the program only inside its event loop.
@@ -55,6 +65,9 @@ QByteArray ScreenOf(int aScale) {
 int WritePictures(int aArgc, char** aArgv) {
   if (!qEnvironmentVariableIsEmpty(EOneScale)) return WritePicturesHere(aArgc, aArgv);
   qputenv(EOneScale, "1");
+  // The toolkit wants a folder for its sockets; a machine without a session has none, and is told so.
+  const QTemporaryDir sockets;
+  if (qEnvironmentVariableIsEmpty(ESockets)) qputenv(ESockets, QFile::encodeName(sockets.path()));
   const QStringList arguments{u"--pictures"_s, QString::fromLocal8Bit(aArgv[2]),
                               QString::fromLocal8Bit(aArgv[3])};
   for (const int scale : {1, 2}) {
