@@ -14,6 +14,7 @@
 #include "shell/CVelumShellForms.h"
 #include "shell/CVelumShellPresenter.h"
 #include "shell/CVelumWelcome.h"
+#include "toolkit/CVelumComboAccess.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumToolkitPump.h"
 #include "toolkit/CVelumWinMan.h"
@@ -43,6 +44,7 @@ void InitLibraries() {
   CVelumModel::Install();
   CVelumLib::InitLib();
   CVelumLib::InitRuntime();
+  CVelumComboAccess::Install();
   CVelumMsg::InitMessages();
   CVelumOptions::LoadOptions();
   CVelumExports::InitExports();

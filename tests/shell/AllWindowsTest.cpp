@@ -164,6 +164,26 @@ TEST_F(AllWindowsTest, EveryControlHasAnAccessibleName) {
   });
 }
 
+TEST_F(AllWindowsTest, CombosAreCalledByWhatTheyAreFor) {
+  int combos = 0;
+  ForAll([&](QWidget& aWindow) {
+    for (QComboBox* combo : aWindow.findChildren<QComboBox*>()) {
+      if (!combo->objectName().startsWith(u'f')) continue;
+      ++combos;
+      if (combo->count() == 0) combo->addItem(u"shown"_s);
+      combo->setCurrentIndex(0);
+      ASSERT_FALSE(combo->currentText().isEmpty());
+      EXPECT_NE(AccessibleName(*combo), combo->currentText()) << NameOf(*combo);
+      EXPECT_FALSE(AccessibleName(*combo).isEmpty()) << NameOf(*combo);
+    }
+  });
+  EXPECT_GE(combos, 3);
+}
+
+TEST_F(AllWindowsTest, AllHaveThePictureOfTheProgram) {
+  ForAll([](QWidget& aWindow) { EXPECT_FALSE(aWindow.windowIcon().isNull()); });
+}
+
 TEST_F(AllWindowsTest, LabelsOfEntriesHaveBuddies) {
   static const QRegularExpression access(u"(^|[^&])&[^& ]"_s);
   ForAll([](QWidget& aWindow) {
