@@ -5,6 +5,7 @@
 #include "ui_CVelumMsgForm.h"
 
 #include <QKeyEvent>
+#include <QPointer>
 #include <array>
 #include <cmath>
 
@@ -86,8 +87,9 @@ bool CVelumMsgForm::Ask(const QWidget* aFrame) {
   iResult = false;
   adjustSize();
   CVelumLib::CentreOver(*this, aFrame);
+  const QPointer<CVelumMsgForm> self(this);
   exec();
-  return iResult;
+  return self && iResult;
 }
 
 void CVelumMsgForm::keyPressEvent(QKeyEvent* aEvent) {

@@ -27,7 +27,8 @@ public:
   // Lets the user choose not to see the message again; Silenced is what was chosen.
   void OfferSilence();
   [[nodiscard]] bool Silenced() const;
-  // Shows the form over aFrame (or the screen); returns true for fYes.
+  // Shows the form over aFrame (or the screen); returns true for fYes. The form may be gone then, with its
+  // owner.
   bool Ask(const QWidget* aFrame);
   [[nodiscard]] bool Result() const { return iResult; }
 

@@ -1,13 +1,15 @@
 // How far long work is, with a button that gives it up.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QString>
 #include <memory>
 
 class QProgressDialog;
 class QWidget;
 
-// Comes up when the work takes longer than a moment, and keeps the other windows still meanwhile.
+// Comes up when the work takes longer than a moment, and keeps the other windows still meanwhile. Never comes
+// up over a message.
 class CVelumProgressBox final {
 public:
   CVelumProgressBox(QWidget* aOwner, const QString& aTitle, const QString& aText);
@@ -20,4 +22,5 @@ public:
 
 private:
   std::unique_ptr<QProgressDialog> iDialog;
+  QElapsedTimer iClock;
 };

@@ -15,6 +15,10 @@ QString StackTitle() {
 
 } // namespace
 
+void CVelumDialogLib::StayAboveFrame(QDialog& aDialog) {
+  if (gFrame && !aDialog.parentWidget()) aDialog.setParent(gFrame, aDialog.windowFlags());
+}
+
 void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
   aProceed = true;
   aSave = false;

@@ -1,7 +1,12 @@
 // Functions of CVelumDialogLib that need the open stack and the main window.
 #pragma once
 
+class QDialog;
+
 namespace CVelumDialogLib {
+
+// Keeps a dialog that is not shown yet above the main window.
+void StayAboveFrame(QDialog& aDialog);
 
 // Asks what to do with a changed stack. aProceed false: it stays open; aSave: it is to be saved first.
 void CheckLeaveStack(bool& aProceed, bool& aSave);

@@ -8,6 +8,7 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 
 namespace {
 
@@ -18,30 +19,36 @@ QWidget* FrameWidget() {
 
 // A box belongs to the window that is waiting, so that it lies above it.
 QWidget* Owner() {
-  QWidget* modal = QApplication::activeModalWidget();
-  return modal ? modal : FrameWidget();
+  for (QWidget* waiting : {QApplication::activeModalWidget(), QApplication::activeWindow()})
+    if (waiting && waiting->isVisible()) return waiting;
+  return FrameWidget();
 }
 
 } // namespace
 
 bool CVelumShellPresenter::Message(qint32, EMsgClass aClass, const QString& aName, const QString& aText) {
-  CVelumMsgForm form(Owner());
-  form.SetMsgName(aName);
-  form.SetClass(aClass);
-  form.SetText(aText);
+  // It goes when its owner goes.
+  const QPointer<CVelumMsgForm> form = new CVelumMsgForm(Owner());
+  form->SetMsgName(aName);
+  form->SetClass(aClass);
+  form->SetText(aText);
   CVelumSilence* silence = CVelumSilence::Current();
-  if (silence) form.OfferSilence();
-  const bool answer = form.Ask(FrameWidget());
-  if (silence && form.Silenced()) silence->SetChosen();
-  CVelumHelpForm::Release(&form);
+  if (silence) form->OfferSilence();
+  const bool answer = form->Ask(FrameWidget());
+  if (!form) return answer;
+  if (silence && form->Silenced()) silence->SetChosen();
+  CVelumHelpForm::Release(form);
+  delete form;
   return answer;
 }
 
 void CVelumShellPresenter::Tell(const QString& aText) {
-  QMessageBox box(QMessageBox::NoIcon, u"Orvelles"_s, {}, QMessageBox::Ok, Owner());
-  box.setTextFormat(Qt::PlainText);
-  box.setText(aText);
-  box.exec();
+  const QPointer<QMessageBox> box =
+      new QMessageBox(QMessageBox::NoIcon, u"Orvelles"_s, {}, QMessageBox::Ok, Owner());
+  box->setTextFormat(Qt::PlainText);
+  box->setText(aText);
+  box->exec();
+  delete box;
 }
 
 void CVelumShellPresenter::HelpPage(const QString& aPage) {

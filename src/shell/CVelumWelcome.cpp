@@ -57,7 +57,13 @@ CVelumWelcome::CVelumWelcome()
   fWaitTimer->setObjectName(u"fWaitTimer"_s);
   fWaitTimer->setInterval(7000ms);
   fWaitTimer->setSingleShot(true);
-  connect(fWaitTimer, &QTimer::timeout, this, &CVelumWelcome::DoOk);
+  // A message that came up over it stays, and so does the box.
+  connect(fWaitTimer, &QTimer::timeout, this, [this] {
+    if (QApplication::activeModalWidget())
+      Stay();
+    else
+      DoOk();
+  });
   connect(iUi->fOk, &QPushButton::clicked, this, &CVelumWelcome::DoOk);
   connect(iUi->fSample, &QPushButton::clicked, this, &CVelumWelcome::OpenSample);
 }

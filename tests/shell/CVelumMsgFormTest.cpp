@@ -1,8 +1,8 @@
 #include "shell/CVelumMsgForm.h"
 
 #include "core/CVelumMsg.h"
-#include "shell/CVelumHelpForm.h"
 #include "runtime/CVelumIcons.h"
+#include "shell/CVelumHelpForm.h"
 #include "shell/CVelumShellPresenter.h"
 #include "support/WidgetTest.h"
 #include "toolkit/CVelumWinMan.h"
@@ -260,4 +260,37 @@ broken, since no box gets wider than a good part of the screen"_s}) {
   EXPECT_NEAR(sizes[1].height(), 2 * line, 3);
   EXPECT_NEAR(sizes[2].height(), 2 * line, 3);
   EXPECT_GT(sizes[2].width(), sizes[0].width());
+}
+
+TEST_F(CVelumMsgFormTest, MessagesBelongToTheWindowThatIsActive) {
+  QDialog other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  const auto owner = [&](const std::function<void()>& aShow) {
+    const QWidget* found = nullptr;
+    WhenOpen([&](QDialog& aBox) { found = aBox.parentWidget(); });
+    aShow();
+    return found;
+  };
+  EXPECT_EQ(owner([] { CVelumMsg::Show(EMsgEmptyName, EMsgCritical, u"card"_s); }), &other);
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  EXPECT_EQ(owner([] { CVelumSeams::Presenter().Tell(u"x"_s); }), &other);
+  other.hide();
+  iFrame.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&iFrame));
+  EXPECT_EQ(owner([] { CVelumMsg::Show(EMsgEmptyName, EMsgCritical, u"card"_s); }), &iFrame);
+}
+
+TEST_F(CVelumMsgFormTest, AQuestionWhoseOwnerGoesIsAnsweredNo) {
+  auto* other = new QDialog;
+  other->show();
+  other->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(other));
+  QTimer::singleShot(50, other, [other] {
+    ASSERT_TRUE(other->findChild<CVelumMsgForm*>());
+    delete other;
+  });
+  EXPECT_FALSE(CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, u"x"_s));
 }
