@@ -27,7 +27,7 @@ TVelumLineKey KeyOf(const TVelumValue& aVal, const CVelumControl& aControl) {
 
 CVelumCardLines::CVelumCardLines(const CVelumStack& aStack, const CVelumControlSet* aBackground, EShow aShow,
                                  const CVelumObject* aExclude)
-    : iShow(aShow) {
+    : iBackgroundId(aBackground ? aBackground->Id() : ENoInt), iShow(aShow) {
   iCards.reserve(static_cast<size_t>(aBackground ? aBackground->NumCards() : aStack.NumCards()));
   Ref<CVelumCard> card;
   qint32 index = 0;
@@ -46,7 +46,29 @@ CVelumCard* CVelumCardLines::CardAt(int aIndex) const {
   return stack && stack->FindCard(card->Id()) == card ? card : nullptr;
 }
 
+int CVelumCardLines::FindByOrder(const CVelumCard& aCard) const {
+  const CVelumStack* stack = aCard.Stack();
+  if (!stack || stack->FindCard(aCard.Id()) != &aCard) return -1;
+  qint32 num = 0;
+  const qint32 place = stack->GetCardIndex(aCard, num);
+  int low = 0;
+  int high = NumLines();
+  while (low < high) {
+    const int middle = low + (high - low) / 2;
+    const CVelumCard* card = CardAt(middle);
+    if (!card || card == &aCard) return card ? middle : -1;
+    if (stack->GetCardIndex(*card, num) < place)
+      low = middle + 1;
+    else
+      high = middle;
+  }
+  return -1;
+}
+
 int CVelumCardLines::IndexOf(const CVelumObject* aObj) const {
+  const auto* card = dynamic_cast<const CVelumCard*>(aObj);
+  if (!card || (iBackgroundId != ENoInt && card->BackgroundId() != iBackgroundId)) return -1;
+  if (const int index = FindByOrder(*card); index >= 0) return index;
   const auto at = std::find_if(iCards.begin(), iCards.end(),
                                [aObj](const Ref<CVelumCard>& aCard) { return aCard.Get() == aObj; });
   return at == iCards.end() ? -1 : static_cast<int>(at - iCards.begin());

@@ -29,10 +29,14 @@ public:
 
 private:
   [[nodiscard]] CVelumCard* CardAt(int aIndex) const;
+  // The line of a card by its place in the stack, which is quick; -1 where the stack has another order than
+  // the lines.
+  [[nodiscard]] int FindByOrder(const CVelumCard& aCard) const;
   // The field of a column, or null for none.
   [[nodiscard]] const CVelumControl* ControlAt(const CVelumCard& aCard, int aColumn) const;
   [[nodiscard]] bool IsName(int aColumn) const { return aColumn == 0 && iShow != EShow::Fields; }
 
   std::vector<Ref<CVelumCard>> iCards;
+  qint32 iBackgroundId; // ENoInt for all
   EShow iShow;
 };

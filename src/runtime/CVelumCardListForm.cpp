@@ -9,6 +9,7 @@
 
 #include <QCloseEvent>
 #include <QGuiApplication>
+#include <QMouseEvent>
 #include <QScopedValueRollback>
 
 CVelumCardListForm::CVelumCardListForm()
@@ -18,6 +19,10 @@ CVelumCardListForm::CVelumCardListForm()
   connect(iUi->fCardBox, &CVelumListWidget::ItemClick, this, &CVelumCardListForm::OnItemClick);
   connect(iUi->fCardBox, &CVelumListWidget::ItemDblClick, this, &CVelumCardListForm::OnItemDblClick);
   connect(iUi->fCardBox, &CVelumListWidget::SortChanged, this, &CVelumCardListForm::ShowMovable);
+  connect(iUi->fCardBox, &CVelumListWidget::SelChanged, this, &CVelumCardListForm::ShowMovable);
+  connect(iUi->fCardBox->model(), &QAbstractItemModel::modelReset, this, &CVelumCardListForm::ShowMovable);
+  iUi->fCardBox->viewport()->installEventFilter(this);
+  ShowMovable();
   connect(iUi->fBackgroundCombo, &QComboBox::currentIndexChanged, this, [this] {
     if (iShowing || !gStackView || !gStackView->CardListView()) return;
     CVelumGuard::Run(u"CVelumCardListForm.fBackgroundCombo"_s,
@@ -73,13 +78,29 @@ void CVelumCardListForm::Move(bool aDown) {
   });
 }
 
+QString CVelumCardListForm::MoveTip(bool aDown) const {
+  if (iUi->fCardBox->DisplaySorted()) return tr("The list is shown sorted by a column");
+  if (iUi->fCardBox->SelLine() < 0) return tr("Moves the chosen card; none is chosen");
+  return aDown ? tr("Moves the chosen card down in the order of the stack")
+               : tr("Moves the chosen card up in the order of the stack");
+}
+
 void CVelumCardListForm::ShowMovable() {
-  const bool movable = !iUi->fCardBox->DisplaySorted();
-  const QString why = movable ? QString() : tr("The list is shown sorted by a column");
-  for (QPushButton* button : {iUi->fUpBut, iUi->fDownBut}) {
-    button->setEnabled(movable);
-    button->setToolTip(why);
+  const CVelumCardListView* list = gStackView ? gStackView->CardListView() : nullptr;
+  for (const auto& [button, down] : {std::pair(iUi->fUpBut, false), std::pair(iUi->fDownBut, true)}) {
+    button->setEnabled(list && list->CanMove(down));
+    button->setToolTip(MoveTip(down));
   }
+}
+
+bool CVelumCardListForm::eventFilter(QObject* aObject, QEvent* aEvent) {
+  const bool released = aObject == iUi->fCardBox->viewport() && aEvent->type() == QEvent::MouseButtonRelease;
+  const auto* mouse = released ? static_cast<const QMouseEvent*>(aEvent) : nullptr;
+  // The press has selected the line, unless it was one of several that are marked; these stay.
+  if (mouse && mouse->button() == Qt::RightButton &&
+      iUi->fCardBox->indexAt(mouse->position().toPoint()).isValid() && iUi->fCardBox->SelLines().size() == 1)
+    OnItemClick();
+  return QWidget::eventFilter(aObject, aEvent);
 }
 
 void CVelumCardListForm::resizeEvent(QResizeEvent* aEvent) {

@@ -35,12 +35,15 @@ public:
 protected:
   void resizeEvent(QResizeEvent* aEvent) override;
   void closeEvent(QCloseEvent* aEvent) override;
+  // The right button chooses a line as the left one does.
+  bool eventFilter(QObject* aObject, QEvent* aEvent) override;
 
 private:
   void OnItemClick();
   void OnItemDblClick();
   void Move(bool aDown);
   void ShowMovable();
+  [[nodiscard]] QString MoveTip(bool aDown) const;
 
   std::unique_ptr<Ui::CVelumCardListForm> iUi;
   bool iLoading = false; // the window takes its place

@@ -56,6 +56,19 @@ void CVelumCardListView::FillAndShowCardList(bool aForce) {
   DefineColumns();
   const auto show = iWithName ? CVelumCardLines::EShow::NameFields : CVelumCardLines::EShow::Fields;
   iCardBox->SetProvider(std::make_unique<CVelumCardLines>(*iStack, iBackground.Get(), show));
+  if (iCardBox->SelIndex() < 0) SelectFollowed();
+}
+
+void CVelumCardListView::FollowCard(const Ref<CVelumCard>& aCard) {
+  iFollowed = aCard;
+  if (!aCard || SelCard() != aCard) SelectFollowed();
+}
+
+void CVelumCardListView::SelectFollowed() {
+  int index = -1;
+  bool found = false;
+  if (iFollowed) iCardBox->GetObjIndex(iFollowed.Get(), index, found);
+  iCardBox->SetSelIndexOrClear(index);
 }
 
 // The background whose fields are the columns; nothing without one. Sets iMixed.
@@ -107,8 +120,10 @@ Ref<CVelumCard> CVelumCardListView::SelCard() const {
   return dynamic_cast<CVelumCard*>(iCardBox->SelObj().Get());
 }
 
-bool CVelumCardListView::CanMove() const {
-  return !iForm.CardBox()->DisplaySorted();
+bool CVelumCardListView::CanMove(bool aDown) const {
+  const Ref<CVelumCard> card = iForm.CardBox()->DisplaySorted() ? nullptr : SelCard();
+  Ref<CVelumCard> before;
+  return card && MoveTarget(card, aDown, before);
 }
 
 // Moving cards.
@@ -128,14 +143,23 @@ Ref<CVelumCard> CVelumCardListView::EndOfGroup(const Ref<CVelumCard>& aCard, boo
   return found ? end : aCard;
 }
 
-bool CVelumCardListView::MoveSelected(bool aDown) {
-  const Ref<CVelumCard> card = CanMove() ? SelCard() : nullptr;
-  if (!card) return false;
+// The card in front of which a card comes when it is moved, or nothing for the end of the stack. False when
+// there is nothing to move over.
+bool CVelumCardListView::MoveTarget(const Ref<CVelumCard>& aCard, bool aDown,
+                                    Ref<CVelumCard>& aBefore) const {
   Ref<CVelumCard> next;
-  const Ref<CVelumCard> edge = EndOfGroup(card, aDown);
+  const Ref<CVelumCard> edge = EndOfGroup(aCard, aDown);
   if (!(aDown ? iStack->OrderNext(*edge, next) : iStack->OrderPrev(*edge, next))) return false;
-  Ref<CVelumCard> before = EndOfGroup(next, aDown);
-  if (aDown) static_cast<void>(iStack->OrderNext(*Ref<CVelumCard>(before), before));
+  aBefore = EndOfGroup(next, aDown);
+  if (aDown) static_cast<void>(iStack->OrderNext(*Ref<CVelumCard>(aBefore), aBefore));
+  return true;
+}
+
+bool CVelumCardListView::MoveSelected(bool aDown) {
+  if (!CanMove(aDown)) return false;
+  const Ref<CVelumCard> card = SelCard();
+  Ref<CVelumCard> before;
+  if (!MoveTarget(card, aDown, before)) return false;
   if (Kept(*card))
     iStack->MoveAllCardsOfBackground(card->Background(), before);
   else

@@ -26,12 +26,15 @@ public:
   void FillAndShowCardList(bool aForce);
   // A card's line is shown anew, if it is listed.
   void UpdateCard(const CVelumCard& aCard);
+  // The line of aCard (may be null) is the selected one from now on, also after the list was filled anew;
+  // no line where it is not listed.
+  void FollowCard(const Ref<CVelumCard>& aCard);
   // The list font of the stack is used from now on.
   void ApplyListFont();
   // Fills the combo anew, without aExclude (may be null). The choice stays by its line.
   void RefillBackgrounds(const CVelumObject* aExclude);
-  // Whether the selected card could be moved: the display is not sorted.
-  [[nodiscard]] bool CanMove() const;
+  // Whether the selected card could be moved that way; not while the display is sorted.
+  [[nodiscard]] bool CanMove(bool aDown) const;
   // Moves the selected card, with a background that is kept sorted the whole background, one card or one kept
   // group down (or up). True if something moved.
   bool MoveSelected(bool aDown);
@@ -41,6 +44,8 @@ private:
   void FillBackgrounds(const CVelumObject* aExclude);
   void DefineColumns();
   [[nodiscard]] Ref<CVelumControlSet> ScanBackgrounds(qint32& aMaxCols);
+  void SelectFollowed();
+  [[nodiscard]] bool MoveTarget(const Ref<CVelumCard>& aCard, bool aDown, Ref<CVelumCard>& aBefore) const;
   [[nodiscard]] Ref<CVelumCard> EndOfGroup(const Ref<CVelumCard>& aCard, bool aLast) const;
   [[nodiscard]] bool Kept(const CVelumCard& aCard) const;
 
@@ -49,6 +54,7 @@ private:
   Ref<CVelumListBox> iCardBox;
   Ref<CVelumListBox> iBackgroundCombo;
   Ref<CVelumControlSet> iBackground;
+  Ref<CVelumCard> iFollowed; // the card on show
   bool iMixed = false;
   bool iWithName = false;
 };

@@ -18,6 +18,7 @@ CVelumCardSelect::CVelumCardSelect()
   connect(iUi->fCardBox, &CVelumListWidget::SelChanged, this, &CVelumCardSelect::TakeCard);
   connect(iUi->fCardBox, &CVelumListWidget::ItemDblClick, this, &CVelumCardSelect::Select);
   connect(iUi->fSelectBut, &QPushButton::clicked, this, &CVelumCardSelect::Select);
+  connect(iUi->fCloseBut, &QPushButton::clicked, this, &QDialog::reject);
 }
 
 CVelumCardSelect::~CVelumCardSelect() = default;
@@ -27,7 +28,7 @@ void CVelumCardSelect::Load() {
   const QScopedValueRollback loading(iLoading, true);
   iCardBox->Define1Column(u"Name"_s);
   CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, nullptr);
-  if (iBackgroundBox->NumLines() > 0) iBackgroundBox->SetSelIndex(0);
+  CVelumDialogLib::SelectCurBackground(*iBackgroundBox);
   FillCards();
 }
 

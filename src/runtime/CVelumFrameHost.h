@@ -40,6 +40,8 @@ public:
   virtual QWidget* ShowForm(const QString& aName) = 0;
   // Shows the picture of the field that has the focus.
   virtual void ShowPicture() = 0;
+  // Another card is on show, or it has other neighbours, or the history leads elsewhere.
+  virtual void CardShown() = 0;
   // Puts a path in front of the list of recent files.
   virtual void AddToFileHistory(const QString& aPath) = 0;
 };

@@ -37,6 +37,18 @@ bool CVelumHistory::Next(const Ref<CVelumCard>& aCur, Ref<CVelumCard>& aCard) {
   return true;
 }
 
+bool CVelumHistory::HasPrev(const Ref<CVelumCard>& aCur) const {
+  bool found = false;
+  for (qint16 i = 0; !found && i < std::min(iHistIndex, iHistLen); ++i) found = At(i) != aCur;
+  return found;
+}
+
+bool CVelumHistory::HasNext(const Ref<CVelumCard>& aCur) const {
+  bool found = false;
+  for (int i = iHistIndex + 1; !found && i < iHistLen; ++i) found = At(static_cast<qint16>(i)) != aCur;
+  return found;
+}
+
 void CVelumHistory::Remove(const CVelumCard& aCard) {
   for (qint16 i = static_cast<qint16>(iHistLen - 1); i >= 0; --i)
     if (iHistory[static_cast<size_t>(i)] == &aCard) RemoveAt(i);

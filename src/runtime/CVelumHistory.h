@@ -15,6 +15,9 @@ public:
   // One entry back or forward, or two when the first is aCur and there is one more. False at the end.
   [[nodiscard]] bool Prev(const Ref<CVelumCard>& aCur, Ref<CVelumCard>& aCard);
   [[nodiscard]] bool Next(const Ref<CVelumCard>& aCur, Ref<CVelumCard>& aCard);
+  // Whether Prev, or Next, leads to another card than aCur, at once or when called again.
+  [[nodiscard]] bool HasPrev(const Ref<CVelumCard>& aCur) const;
+  [[nodiscard]] bool HasNext(const Ref<CVelumCard>& aCur) const;
   // Takes out each occurrence, and keeps the present place on the same card where it can.
   void Remove(const CVelumCard& aCard);
   void RemoveBackground(qint32 aBackgroundId);

@@ -2,6 +2,7 @@
 
 #include "core/CVelumLib.h"
 #include "runtime/CVelumCardLines.h"
+#include "runtime/CVelumStackView.h"
 #include "toolkit/CVelumToolkitDialogLib.h"
 
 #include <QLineEdit>
@@ -59,6 +60,14 @@ void RefillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const
   bool found = false;
   aList.GetObjIndex(selected.Get(), index, found);
   aList.SetSelIndex(found ? index : 0);
+}
+
+void SelectCurBackground(CVelumListBox& aList) {
+  const Ref<CVelumCard> card = gStackView ? gStackView->CurCard() : nullptr;
+  int index = -1;
+  bool found = false;
+  if (card) aList.GetObjIndex(card->Background().Get(), index, found);
+  aList.SetSelIndexOrClear(found ? index : 0);
 }
 
 void FillControlList(CVelumListBox& aList, const CVelumControlSet* aSet, const QString& aFirst,

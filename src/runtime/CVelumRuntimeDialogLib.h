@@ -17,6 +17,8 @@ void FillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const Q
                         const CVelumObject* aExclude);
 // The same without a first line. The background that was selected stays so; otherwise the first one is.
 void RefillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const CVelumObject* aExclude);
+// Selects the background of the card on show, or else the first line.
+void SelectCurBackground(CVelumListBox& aList);
 // The fields and commands of a background (nothing: none) by name, with aWithType also by type, and with
 // aOnlyCombo only those that can be part of a combo box.
 void FillControlList(CVelumListBox& aList, const CVelumControlSet* aSet, const QString& aFirst,

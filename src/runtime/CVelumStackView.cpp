@@ -250,6 +250,7 @@ void CVelumStackView::BaseFormResize() {
 
 void CVelumStackView::RefreshViews(bool aCardView, bool aCardList) {
   if (aCardView && iCardViewOpen && iCurCard) Relayout();
+  TellCardShown();
   if (!aCardList || !iCardListOpen) return;
   const QScopedValueRollback keep(iKeepListPos, true);
   OpenCardList();
@@ -259,6 +260,7 @@ void CVelumStackView::GoToCard(Ref<CVelumCard> aCard) {
   if (!Holds(aCard)) return;
   SetCurCard(aCard);
   if (Holds(aCard)) iHistory.Add(aCard);
+  FollowCard();
 }
 
 void CVelumStackView::SetFocusToCardView() {
@@ -277,12 +279,14 @@ bool CVelumStackView::GetCurCard(Ref<CVelumCard>& aCard) const {
 bool CVelumStackView::HistoryPrev(Ref<CVelumCard>& aCard) {
   if (!iHistory.Prev(iCurCard, aCard)) return false;
   SetCurCard(aCard);
+  FollowCard();
   return true;
 }
 
 bool CVelumStackView::HistoryNext(Ref<CVelumCard>& aCard) {
   if (!iHistory.Next(iCurCard, aCard)) return false;
   SetCurCard(aCard);
+  FollowCard();
   return true;
 }
 
@@ -330,6 +334,7 @@ void CVelumStackView::DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlS
   RenewCardLists();
   // There is a card less, and the current one may have moved up.
   ShowTitle();
+  FollowCard();
 }
 
 void CVelumStackView::LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude) {
@@ -359,6 +364,7 @@ void CVelumStackView::DeleteBackground(const Ref<CVelumControlSet>& aBackground,
   iHistory.RemoveBackground(aBackground->Id());
   iStack->DeleteBackground(aBackground, aOnlyCards);
   ShowTitle();
+  FollowCard();
   RefreshViews(false, true);
 }
 

@@ -89,6 +89,12 @@ public:
   bool OrderLast(Ref<CVelumCard>& aCard);
   bool OrderNext(Ref<CVelumCard>& aCard);
   bool OrderPrev(Ref<CVelumCard>& aCard);
+  // Whether OrderFirst or OrderPrev, OrderLast or OrderNext, HistoryPrev, HistoryNext would show another
+  // card.
+  [[nodiscard]] bool CanGoUp() const;
+  [[nodiscard]] bool CanGoDown() const;
+  [[nodiscard]] bool CanGoBack() const { return iHistory.HasPrev(iCurCard); }
+  [[nodiscard]] bool CanGoForw() const { return iHistory.HasNext(iCurCard); }
   // Adds a card with its default values in front of aBefore (nothing: at the end); the current card stays.
   void AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBefore);
   // When the current card goes, another one is shown, if possible not of aExclude (or nothing).
@@ -154,6 +160,8 @@ private:
   void ClickCommand(const QObject* aObj);
   void UpdateCardInList();
   void UpdateLine(const CVelumCard& aCard);
+  void FollowCard();
+  void TellCardShown() const;
   void RaiseCardList();
   void RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg);
 

@@ -36,6 +36,7 @@ void CVelumStackView::OpenCardList() {
   // A list that is open stays where it is among the windows.
   if (!iKeepListPos && !iCardListOpen) RaiseCardList();
   iCardListView->FillAndShowCardList(true);
+  if (!iCardListOpen) iCardListView->FollowCard(iCurCard);
   iCardListOpen = true;
   iState->iCardListOpen = true;
 }
@@ -51,6 +52,26 @@ void CVelumStackView::RaiseCardList() {
     gFrameHost->ShowChild(&form, true);
   else
     form.show();
+}
+
+bool CVelumStackView::CanGoUp() const {
+  Ref<CVelumCard> card;
+  return Holds(iCurCard) ? iStack->OrderPrev(*iCurCard, card) : iStack->NumCards() > 0;
+}
+
+bool CVelumStackView::CanGoDown() const {
+  Ref<CVelumCard> card;
+  return Holds(iCurCard) ? iStack->OrderNext(*iCurCard, card) : iStack->NumCards() > 0;
+}
+
+void CVelumStackView::TellCardShown() const {
+  if (gFrameHost) gFrameHost->CardShown();
+}
+
+// The list and the main window go along with the card on show.
+void CVelumStackView::FollowCard() {
+  if (iCardListOpen && iCardListView) iCardListView->FollowCard(iCurCard);
+  TellCardShown();
 }
 
 void CVelumStackView::CloseCardList() {
@@ -93,6 +114,7 @@ void CVelumStackView::UpdateCardInList() {
 // A new key has moved a card, and with it the positions of others.
 void CVelumStackView::ShowMovedCard() {
   ShowTitle();
+  TellCardShown();
   if (!ScriptRuns() && iCardListOpen) iCardListView->FillAndShowCardList(true);
 }
 

@@ -100,6 +100,7 @@ void CVelumCardEdit::ConnectButtons() {
   // It only tells.
   on(iUi->fChanged, [this] { iUi->fChanged->setChecked(CurCard() && CurCard()->Changed()); });
   on(iUi->fHelpBut, [this] { CVelumMsg::ShowHelp(Name(), {}); });
+  on(iUi->fCloseBut, [this] { close(); });
 }
 
 // Life of the window.
@@ -110,7 +111,7 @@ void CVelumCardEdit::Load() {
   iControlBox->DefineColumnsList(u"Name:0.4,Current Value:0.6"_s);
   const QScopedValueRollback showing(iShowing, true);
   FillBackgrounds();
-  iBackgroundBox->SetSelIndexOrClear(0);
+  CVelumDialogLib::SelectCurBackground(*iBackgroundBox);
   TakeBackground();
 }
 

@@ -42,10 +42,10 @@ constexpr TVelumCommand EMenus[] = {
 };
 
 constexpr TVelumCommand EToolbar[] = {
-    {u"NewStack", Nothing},   {u"OpenStack", Nothing},     {u"SaveStack", Stack},
-    {u"FirstCard", Stack},    {u"PrevCard", Stack},        {u"NextCard", Stack},
-    {u"LastCard", Stack},     {u"BackInHistory", Stack},   {u"ForwInHistory", Stack},
-    {u"EditStack", Stack},    {u"EditBackgrounds", Stack}, {u"EditCards", Stack},
+    {u"NewStack", Nothing},    {u"OpenStack", Nothing},      {u"SaveStack", Stack},
+    {u"FirstCard", CardAbove}, {u"PrevCard", CardAbove},     {u"NextCard", CardBelow},
+    {u"LastCard", CardBelow},  {u"BackInHistory", CardBack}, {u"ForwInHistory", CardForw},
+    {u"EditStack", Stack},     {u"EditBackgrounds", Stack},  {u"EditCards", Stack},
     {u"EditControls", Stack},
 };
 
@@ -72,8 +72,23 @@ bool CVelumCommandTable::IsToolbarKey(QStringView aKey) {
 bool CVelumCommandTable::IsMet(EVelumNeed aNeed) {
   if (aNeed == Nothing) return true;
   if (!gStack) return false;
-  if (aNeed == Stack) return true;
-  if (aNeed == CurCard) return gStackView && gStackView->CurCard();
-  const Ref<CVelumControl> field = FocusedControl();
-  return field && (aNeed == Field || field->ConType() == EConPicture);
+  const Ref<CVelumStackView> view = gStackView;
+  switch (aNeed) {
+  case Stack:
+    return true;
+  case CurCard:
+    return view && view->CurCard();
+  case CardAbove:
+    return view && view->CanGoUp();
+  case CardBelow:
+    return view && view->CanGoDown();
+  case CardBack:
+    return view && view->CanGoBack();
+  case CardForw:
+    return view && view->CanGoForw();
+  default: {
+    const Ref<CVelumControl> field = FocusedControl();
+    return field && (aNeed == Field || field->ConType() == EConPicture);
+  }
+  }
 }

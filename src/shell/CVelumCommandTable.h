@@ -6,7 +6,17 @@
 #include <span>
 
 // What a command needs.
-enum class EVelumNeed { Nothing, Stack, CurCard, Field, Picture };
+enum class EVelumNeed {
+  Nothing,
+  Stack,
+  CurCard,
+  Field,
+  Picture,
+  CardAbove, // a card before the one on show
+  CardBelow,
+  CardBack, // another card visited before
+  CardForw
+};
 
 // What the window that a command opens is told to show.
 enum class EVelumShows { Nothing, Background, Card, Field, NewCard, CardChoice, About };

@@ -6,6 +6,8 @@
 #include "shell/CVelumExportOptions.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumProgressBox.h"
+#include "shell/CVelumReport.h"
+#include "shell/CVelumShellDialogLib.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumCsvExportOptions.h"
@@ -44,13 +46,13 @@ CVelumCsvExportOptions::CVelumCsvExportOptions()
 CVelumCsvExportOptions::~CVelumCsvExportOptions() = default;
 
 void CVelumCsvExportOptions::Load() {
+  CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
   fExportDialog.SetInitDir(gOptions.iExportCsvDialogInitDir);
   const QString& delimiter = gOptions.iCsvExportDelimiter;
   QRadioButton* choice =
       delimiter == u";"_s ? iUi->fSemiColon : (delimiter == u"\t"_s ? iUi->fTab : iUi->fComma);
   choice->setChecked(true);
-  iUi->fUtf8->setChecked(false);
   ShowLacking();
 }
 
@@ -81,6 +83,8 @@ void CVelumCsvExportOptions::ShowLacking() {
                            : tr("More than %1 characters are not in Latin-1 / Windows and would become “?”.");
   iUi->fLacking->setText(lacking > 0 ? text.arg(QLocale().toString(lacking)) : QString());
   iUi->fLacking->setVisible(lacking > 0);
+  // The coding that loses nothing is proposed.
+  iUi->fUtf8->setChecked(lacking > 0);
 }
 
 void CVelumCsvExportOptions::Export() {
@@ -106,5 +110,8 @@ bool CVelumCsvExportOptions::WriteFile(const QString& aPath, qint64& aLacking) {
     done = CVelumExports::ExportCsv(aPath, CVelumChecked::Deref(background), form, step, &aLacking);
   }
   CVelumDialogLib::EndWait();
+  if (done)
+    CVelumReport::Done(tr("Exported %1 to %2")
+                           .arg(CVelumReport::Cards(background->NumCards()), QFileInfo(aPath).fileName()));
   return done;
 }

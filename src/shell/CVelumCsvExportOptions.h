@@ -26,7 +26,7 @@ public:
 
 private:
   [[nodiscard]] QString Delimiter() const;
-  // Counts for a moment what the usual coding lacks, and says so.
+  // Counts for a moment what the usual coding lacks, says so, and proposes the other one then.
   void ShowLacking();
   void Export();
   [[nodiscard]] bool WriteFile(const QString& aPath, qint64& aLacking);

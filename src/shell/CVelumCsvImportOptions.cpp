@@ -70,6 +70,7 @@ CVelumCsvImportOptions::CVelumCsvImportOptions()
 CVelumCsvImportOptions::~CVelumCsvImportOptions() = default;
 
 void CVelumCsvImportOptions::Load() {
+  CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
   iLineBox->Define1Column(u"Line"_s);
   iUi->fHeaderLine->setChecked(true);
@@ -212,6 +213,7 @@ void CVelumCsvImportOptions::Import() {
   }
   if (!done) return;
   RememberChoices();
+  CVelumImportOptions::Report(iFilename, into ? background->NumCards() : gStack->NumCards());
   const QPointer<CVelumCsvImportOptions> self(this);
   CVelumSeams::ChangeNotify(into ? EStructure : ENewStack);
   // This window goes with the other one. A script that hears of the new stack may have closed both.

@@ -5,6 +5,8 @@
 #include "runtime/CVelumRuntimeDialogLib.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumProgressBox.h"
+#include "shell/CVelumReport.h"
+#include "shell/CVelumShellDialogLib.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumExportOptions.h"
@@ -34,6 +36,7 @@ CVelumExportOptions::CVelumExportOptions()
 CVelumExportOptions::~CVelumExportOptions() = default;
 
 void CVelumExportOptions::Load() {
+  CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
   iBackgroundBox->Define1Column(u"Background"_s);
   CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
@@ -85,6 +88,8 @@ void CVelumExportOptions::ExportXmlFile() {
   }
   CVelumDialogLib::EndWait();
   if (!done) return;
+  CVelumReport::Done(
+      tr("Exported %1 to %2").arg(CVelumReport::Cards(gStack->NumCards()), QFileInfo(path).fileName()));
   gOptions.iExportXmlDialogInitDir = fExportXmlDialog.InitDir();
   CVelumWinMan::UnloadForm(*this);
 }

@@ -18,7 +18,10 @@
 
 #include <QCloseEvent>
 #include <QFileInfo>
+#include <QLabel>
+#include <QShortcut>
 #include <QToolButton>
+#include <algorithm>
 
 CVelumFrame* gFrame = nullptr;
 
@@ -41,10 +44,13 @@ CVelumFrame::CVelumFrame()
       iEndProcess([] { QCoreApplication::exit(0); }) {
   iUi->setupUi(this);
   setAnimated(false);
-  setWindowIcon(CVelumIcons::AppIcon());
+  // All windows of the program have it.
+  QApplication::setWindowIcon(CVelumIcons::AppIcon());
   ConnectMenus();
   ConnectToolbar();
   ConnectKeys();
+  ConnectChildKeys();
+  AddReport();
   iScriptBar = new CVelumScriptBar(this);
   iUi->fStatusBar->addPermanentWidget(iScriptBar);
   iScriptBar->hide();
@@ -56,6 +62,20 @@ CVelumFrame::CVelumFrame()
 CVelumFrame::~CVelumFrame() {
   gFrame = nullptr;
   gFrameHost = nullptr;
+}
+
+void CVelumFrame::AddReport() {
+  iReport = new QLabel(this);
+  iReport->setObjectName(u"fReport"_s);
+  iReport->setTextFormat(Qt::PlainText);
+  // A long text is cut and does not widen the window.
+  iReport->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  iUi->fStatusBar->addWidget(iReport, 1);
+}
+
+void CVelumFrame::Report(const QString& aText) {
+  iReport->setText(aText);
+  iReport->setToolTip(aText);
 }
 
 void CVelumFrame::AddCardListButton() {
@@ -128,6 +148,7 @@ void CVelumFrame::ConnectToolbar() {
   for (const TVelumCommand& command : CVelumCommandTable::Toolbar()) {
     const QString key = command.iAction.toString();
     QAction* button = findChild<QAction*>(key);
+    iButtons.append({button, command.iNeed});
     button->setIcon(CVelumIcons::Icon(key));
     connect(button, &QAction::triggered, this, [this, key] {
       CVelumGuard::Run(u"CVelumFrame.fToolbar_ButtonClick"_s, [&] { ButtonClick(key); });
@@ -146,6 +167,17 @@ void CVelumFrame::ConnectKeys() {
   leaf(iUi->NextCard, Qt::Key_PageDown);
   iUi->BackInHistory->setShortcut(Qt::ALT | Qt::Key_Left);
   iUi->ForwInHistory->setShortcut(Qt::ALT | Qt::Key_Right);
+}
+
+void CVelumFrame::ConnectChildKeys() {
+  const auto on = [this](Qt::KeyboardModifiers aModifiers, Qt::Key aKey, void (QMdiArea::*aDo)()) {
+    auto* key = new QShortcut(aModifiers | aKey, this);
+    connect(key, &QShortcut::activated, this,
+            [this, aDo] { CVelumGuard::Run(u"CVelumFrame"_s, [&] { (iUi->fArea->*aDo)(); }); });
+  };
+  on(Qt::ControlModifier, Qt::Key_F6, &QMdiArea::activateNextSubWindow);
+  on(Qt::ControlModifier | Qt::ShiftModifier, Qt::Key_F6, &QMdiArea::activatePreviousSubWindow);
+  on(Qt::ControlModifier, Qt::Key_F4, &QMdiArea::closeActiveSubWindow);
 }
 
 void CVelumFrame::ButtonClick(const QString& aKey) {
@@ -213,6 +245,7 @@ void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
   case 8:
     setWindowTitle(iTitle);
     UpdateToolbar();
+    Report({});
     break;
   default:
     break;
@@ -224,10 +257,12 @@ void CVelumFrame::ShowStackName() {
   if (gStack) setWindowTitle(Literal(gStack->Filename()) + u" - "_s + iTitle);
 }
 
+void CVelumFrame::CardShown() {
+  for (const auto& [button, need] : iButtons) button->setEnabled(CVelumCommandTable::IsMet(need));
+}
+
 void CVelumFrame::UpdateToolbar() {
-  for (const TVelumCommand& command : CVelumCommandTable::Toolbar()) {
-    findChild<QAction*>(command.iAction.toString())->setEnabled(CVelumCommandTable::IsMet(command.iNeed));
-  }
+  CardShown();
   iUi->fCmd->setEnabled(bool(gStack));
   iShowCardList->setEnabled(bool(gStack));
   UpdateMenus();
@@ -242,6 +277,16 @@ void CVelumFrame::UpdateMenus() {
   }
 }
 
+// Files of one name are told apart by their folders.
+QString CVelumFrame::HistoryCaption(const QString& aPath) {
+  const QFileInfo file(aPath);
+  const auto same = [&](const QString& aOther) { return QFileInfo(aOther).fileName() == file.fileName(); };
+  const bool alone =
+      aPath.isEmpty() || std::count_if(gFileHistory.begin(), gFileHistory.begin() + ENumHistory, same) < 2;
+  const QString caption = alone ? file.fileName() : tr("%1 in %2").arg(file.fileName(), file.path());
+  return QString(caption).replace(u'&', u"&&"_s);
+}
+
 void CVelumFrame::FillHistory() {
   int last = ENumHistory - 1;
   while (last >= 0 && gFileHistory[static_cast<size_t>(last)].isEmpty()) --last;
@@ -249,7 +294,7 @@ void CVelumFrame::FillHistory() {
   for (int i = 0; i < ENumHistory; ++i) {
     const QString path = i <= last ? gFileHistory[static_cast<size_t>(last - i)] : QString();
     auto* item = findChild<QAction*>(u"fHistory"_s + QString::number(i));
-    item->setText(QFileInfo(path).fileName().replace(u'&', u"&&"_s));
+    item->setText(HistoryCaption(path));
     item->setToolTip(path);
     item->setData(path);
     item->setVisible(i <= last);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "runtime/CVelumFrameHost.h"
+#include "shell/CVelumCommandTable.h"
 #include "shell/CVelumPictureCommands.h"
 #include "shell/CVelumScriptBar.h"
 #include "shell/CVelumStackCommands.h"
@@ -14,6 +15,7 @@
 namespace Ui {
 class CVelumFrame;
 }
+class QLabel;
 
 // Owns menus, toolbar, status bar and the area in which the card window and the card list stand. It holds no
 // document logic: a command opens a dialog, or calls the stack view, or one of the stack commands.
@@ -32,6 +34,8 @@ public:
   // Does what the toolbar button of a key does. Asserts "fToolbar_ButtonClick Button.Key " and the key for a
   // key that no button has.
   void ButtonClick(const QString& aKey);
+  // Stands in the status bar, behind whatever else says its state there, until the next report.
+  void Report(const QString& aText);
   // Sets what depends on the open stack: toolbar, commands menu, items of the menus.
   void UpdateToolbar();
 
@@ -52,6 +56,7 @@ public:
   [[nodiscard]] bool CloseStack() override;
   QWidget* ShowForm(const QString& aName) override;
   void ShowPicture() override;
+  void CardShown() override;
   void AddToFileHistory(const QString& aPath) override;
 
 protected:
@@ -65,13 +70,17 @@ protected:
 private:
   void ConnectMenus();
   void ConnectToolbar();
+  void AddReport();
   // The card list can be opened from the status bar too, for no menu names it.
   void AddCardListButton();
   // How the user knows the command of a menu item: "Card, New".
   [[nodiscard]] QString CaptionOf(const QAction& aItem) const;
   void ConnectKeys();
+  // Ctrl+F6 goes to the next window in the area, Ctrl+F4 closes it.
+  void ConnectChildKeys();
   void UpdateMenus();
   void FillHistory();
+  [[nodiscard]] static QString HistoryCaption(const QString& aPath);
   void ShowStackName();
   void SetPhoneSize();
 
@@ -82,6 +91,8 @@ private:
   std::function<void()> iEndProcess;
   CVelumScriptBar* iScriptBar = nullptr;
   QAction* iShowCardList = nullptr;
+  QLabel* iReport = nullptr;
+  QList<std::pair<QAction*, EVelumNeed>> iButtons; // of the toolbar
 };
 
 // The main window; null before it is made.

@@ -9,12 +9,14 @@
 #include "shell/CVelumCsvImportOptions.h"
 #include "shell/CVelumImportProgress.h"
 #include "shell/CVelumOptions.h"
+#include "shell/CVelumReport.h"
 #include "shell/CVelumScriptBar.h"
 #include "shell/CVelumShellDialogLib.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumImportOptions.h"
 
+#include <QFileInfo>
 #include <QPointer>
 #include <QScopedValueRollback>
 
@@ -58,6 +60,7 @@ CVelumImportOptions::CVelumImportOptions()
 CVelumImportOptions::~CVelumImportOptions() = default;
 
 void CVelumImportOptions::Load() {
+  CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
   iBackgroundBox->Define1Column(u"Background"_s);
   CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
@@ -139,6 +142,11 @@ QString CVelumImportOptions::AskFile(CVelumFileDialog& aDialog, QString& aInitDi
   return aDialog.FileName();
 }
 
+void CVelumImportOptions::Report(const QString& aPath, qint64 aNumCards) {
+  const QString file = QFileInfo(aPath).fileName();
+  CVelumReport::Done(tr("Imported %1 from %2").arg(CVelumReport::Cards(aNumCards), file));
+}
+
 template <class TWork>
 bool CVelumImportOptions::Run(const QString& aProc, const QString& aPath, const TWork& aWork) {
   const QScopedValueRollback busy(iBusy, true);
@@ -167,12 +175,14 @@ void CVelumImportOptions::ImportCsvFile() {
 void CVelumImportOptions::ImportXmlFile() {
   const QString path = AskFile(fImportXmlDialog, gOptions.iImportXmlDialogInitDir);
   if (path.isEmpty() || !CVelumDialogLib::LeaveStackStep() || !gStackView) return;
+  const qint64 before = gStack->NumCards();
   const bool done = Run(u"CVelumImportOptions.ImportXmlFile"_s, path, [&](const TVelumStep& aStep) {
     return CVelumImports::ImportXml(path, *gStack, aStep);
   });
   // What was read before a failure stays, and is to be seen.
   CVelumCsvImportOptions::ShowCards();
   if (Ref<CVelumCard> card; done && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
+  if (done) Report(path, gStack->NumCards() - before);
   CVelumSeams::ChangeNotify(EStructure);
   if (done) CVelumWinMan::UnloadForm(*this);
 }
@@ -189,6 +199,7 @@ void CVelumImportOptions::ImportTextFile() {
     return CVelumImports::ImportTextFile(path, background, *gStackView, aStep);
   });
   if (!done) return;
+  Report(path, background->NumCards());
   CVelumCsvImportOptions::ShowCards();
   CVelumSeams::ChangeNotify(EStructure);
   CVelumWinMan::UnloadForm(*this);

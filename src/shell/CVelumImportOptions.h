@@ -32,6 +32,8 @@ public:
   [[nodiscard]] bool IntoCurStack() const;
   // Tells all other windows that the stack is about to close, before an import takes its place.
   void CloseOthers();
+  // Says in the main window what was imported.
+  static void Report(const QString& aPath, qint64 aNumCards);
   // Nothing where none is selected.
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
 

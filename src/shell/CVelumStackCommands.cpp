@@ -7,8 +7,11 @@
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
 #include "shell/CVelumOptions.h"
+#include "shell/CVelumReport.h"
 #include "shell/CVelumShellDialogLib.h"
 #include "toolkit/CVelumGuard.h"
+
+#include <QFileInfo>
 
 namespace {
 
@@ -30,6 +33,13 @@ template <class T> bool RunSave(T aSave) {
   CVelumDialogLib::EndWait();
   CVelumMsg::Show(EMsgCouldNotSave, EMsgCritical, CVelumError::GetErrorRecord().iSysDescr);
   return false;
+}
+
+// The message, and below it what it is about.
+bool AskEmpty(const QString& aCards) {
+  const QString text = CVelumMsg::Text(EMsgEmptyStackOk, CVelumMsg::EUndefParam) + u"\n\n"_s + aCards + u'.';
+  return CVelumSeams::Presenter().Message(EMsgEmptyStackOk, EMsgQuestion, CVelumMsg::Name(EMsgEmptyStackOk),
+                                          text);
 }
 
 QString FolderOf(const QString& aPath) {
@@ -69,6 +79,8 @@ void CVelumStackCommands::SaveTo(const QString& aPath) {
   CVelumDialogLib::BeginWait();
   file.SaveStack(gStack, gStackView->State());
   CVelumDialogLib::EndWait();
+  CVelumReport::Done(
+      tr("Saved %1, %2").arg(QFileInfo(aPath).fileName(), CVelumReport::Cards(gStack->NumCards())));
 }
 
 void CVelumStackCommands::SaveStack() {
@@ -117,18 +129,23 @@ void CVelumStackCommands::DeleteCard() {
   const Ref<CVelumCard> card = gStackView ? gStackView->CurCard() : nullptr;
   if (!card) return;
   CVelumGuard::Run(u"CVelumFrame.fDeleteCard"_s, [&] {
-    if (!CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, card->Name())) return;
+    const QString name = card->Name();
+    if (!CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, name)) return;
     CVelumSeams::ChangeNotify(9, nullptr, card.Get());
-    if (gStackView) gStackView->DeleteCard(card, nullptr);
+    if (!gStackView) return;
+    gStackView->DeleteCard(card, nullptr);
+    CVelumReport::Done(tr("Deleted the card “%1”").arg(name));
   });
 }
 
 void CVelumStackCommands::EmptyStack() {
   if (!gStackView) return;
   CVelumGuard::Run(u"CVelumFrame.fEmptyStack"_s, [] {
-    if (!CVelumMsg::Ask(EMsgEmptyStackOk, EMsgQuestion, CVelumMsg::EUndefParam)) return;
+    const QString cards = CVelumReport::CardsOf(*gStack);
+    if (!AskEmpty(cards) || !gStackView) return;
     CVelumDialogLib::BeginWait();
     gStackView->EmptyStack();
     CVelumDialogLib::EndWait();
+    CVelumReport::Done(tr("Deleted %1").arg(cards));
   });
 }

@@ -3,8 +3,12 @@
 
 #include "toolkit/CVelumFileDialog.h"
 
+#include <QCoreApplication>
+
 // Each command catches and shows what goes wrong; the stack then stays open as it is.
 class CVelumStackCommands {
+  Q_DECLARE_TR_FUNCTIONS(CVelumStackCommands)
+
 public:
   explicit CVelumStackCommands(QWidget& aFrame);
 

@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QMdiSubWindow>
+#include <QMenu>
 
 CVelumMdiArea::CVelumMdiArea(QWidget* aParent) : QMdiArea(aParent) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -20,6 +21,8 @@ void CVelumMdiArea::AddChild(QWidget* aForm) {
   child->setAttribute(Qt::WA_DeleteOnClose, false);
   child->setWindowIcon(aForm->windowIcon());
   child->installEventFilter(this);
+  // Each child would take the same keys for its own menu, and so none of them would get them.
+  for (QAction* item : child->systemMenu()->actions()) item->setShortcuts(QList<QKeySequence>());
   child->hide();
 }
 

@@ -435,4 +435,136 @@ TEST_F(CVelumCardListTest, TheListFontOfTheStackIsUsed) {
   EXPECT_GT(Widget().font().pointSizeF(), 14);
 }
 
+TEST_F(CVelumCardListTest, TheLineOfTheCardOnShowIsSelected) {
+  OpenThree();
+  EXPECT_EQ(Box().SelIndex(), 0) << "as soon as the list opens";
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(View().OrderNext(card));
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{1});
+  ASSERT_TRUE(View().OrderLast(card));
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{2});
+  ASSERT_TRUE(View().HistoryPrev(card));
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{1});
+  ASSERT_TRUE(View().HistoryNext(card));
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{2});
+  View().GoToCard(iCards[0]);
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{0});
+  Box().SetSelIndex(1);
+  View().GoToCard(iCards[0]);
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{0}) << "also when it was on show already";
+  Widget().SortDisplay(1, Qt::AscendingOrder);
+  View().GoToCard(iCards[2]);
+  EXPECT_EQ(List().SelCard(), iCards[2]) << "in whatever order the lines are";
+  EXPECT_TRUE(Widget().selectionModel()->isRowSelected(0, {}));
+}
+
+TEST_F(CVelumCardListTest, TheSelectedLineIsScrolledTo) {
+  for (int i = 0; i < 200; ++i) AddCard(u"card "_s + QString::number(i));
+  OpenThree();
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(View().OrderLast(card));
+  EXPECT_EQ(List().SelCard(), card);
+  const QRect line = Widget().visualRect(Widget().currentIndex());
+  EXPECT_TRUE(Widget().viewport()->rect().contains(line.center()));
+}
+
+TEST_F(CVelumCardListTest, TheSelectionFollowsADeletion) {
+  OpenThree();
+  View().GoToCard(iCards[1]);
+  View().DeleteCard(iCards[1], nullptr);
+  EXPECT_EQ(Cur(), u"c"_s);
+  EXPECT_EQ(List().SelCard(), iCards[2]);
+  Box().SetSelIndex(0);
+  View().DeleteCard(iCards[0], nullptr);
+  EXPECT_EQ(Cur(), u"c"_s);
+  EXPECT_EQ(List().SelCard(), iCards[2]) << "the chosen one is gone, the one on show takes its place";
+  View().DeleteCard(iCards[2], nullptr);
+  EXPECT_EQ(Box().SelIndex(), -1);
+}
+
+TEST_F(CVelumCardListTest, ACardThatIsNotListedHasNoLineUntilItIs) {
+  AddSecond();
+  OpenThree();
+  List().BackgroundCombo().SetSelIndexByLine(u"Second"_s);
+  View().GoToCard(iCards[3]);
+  EXPECT_EQ(Box().SelIndex(), -1);
+  List().BackgroundCombo().SetSelIndex(0);
+  EXPECT_EQ(List().SelCard(), iCards[3]);
+  View().CloseCardList();
+  View().GoToCard(iCards[2]);
+  View().OpenCardList();
+  EXPECT_EQ(List().SelCard(), iCards[2]) << "a list that was closed meanwhile catches up";
+}
+
+TEST_F(CVelumCardListTest, SeveralMarkedLinesStayMarked) {
+  OpenThree();
+  ClickLine(1);
+  ClickLine(2, Qt::ControlModifier);
+  ASSERT_EQ(Box().SelIndexes().size(), 2);
+  View().SetCardValue(iCards[1], iName->Id(), TVelumValue::OfStr(u"set"_s));
+  EXPECT_EQ(Box().SelIndexes().size(), 2);
+}
+
+TEST_F(CVelumCardListTest, TheRightButtonChoosesALine) {
+  OpenThree();
+  const auto rightClick = [&](int aRow) {
+    const QRect rect = Widget().visualRect(Widget().model()->index(aRow, 0));
+    QTest::mouseClick(Widget().viewport(), Qt::RightButton, {}, rect.center());
+  };
+  rightClick(2);
+  EXPECT_EQ(Box().SelIndexes(), QList<int>{2});
+  EXPECT_EQ(Cur(), u"c"_s);
+  ClickLine(0);
+  ClickLine(1, Qt::ControlModifier);
+  rightClick(1);
+  EXPECT_EQ(Box().SelIndexes().size(), 2) << "of several marked lines none is chosen";
+  EXPECT_EQ(Cur(), u"a"_s);
+  QTest::mouseClick(Widget().viewport(), Qt::RightButton, {}, QPoint(5, Widget().viewport()->height() - 3));
+  EXPECT_EQ(Cur(), u"a"_s);
+}
+
+TEST_F(CVelumCardListTest, UpAndDownCanBePressedWhereTheyMoveSomething) {
+  OpenThree();
+  const auto movable = [&] {
+    QString ways;
+    if (ListForm().findChild<QPushButton*>(u"fUpBut"_s)->isEnabled()) ways += u"up"_s;
+    if (ListForm().findChild<QPushButton*>(u"fDownBut"_s)->isEnabled()) ways += u"down"_s;
+    return ways;
+  };
+  EXPECT_EQ(movable(), u"down"_s);
+  ClickLine(1);
+  EXPECT_EQ(movable(), u"updown"_s);
+  Press(u"fDownBut"_s);
+  EXPECT_EQ(movable(), u"up"_s) << "it is the last one";
+  Box().SetSelIndexOrClear(-1);
+  EXPECT_EQ(movable(), QString()) << "nothing is chosen";
+  for (const auto& name : {u"fUpBut"_s, u"fDownBut"_s})
+    EXPECT_FALSE(ListForm().findChild<QPushButton*>(name)->toolTip().isEmpty());
+  View().EmptyStack();
+  EXPECT_EQ(movable(), QString());
+}
+
+TEST_F(CVelumCardListTest, TheMainWindowHearsOfTheCardOnShow) {
+  OpenThree();
+  int shown = iFrame.iShown;
+  const auto heard = [&] { return std::exchange(shown, iFrame.iShown) != iFrame.iShown; };
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(View().OrderNext(card));
+  EXPECT_TRUE(heard());
+  ASSERT_TRUE(View().HistoryPrev(card));
+  EXPECT_TRUE(heard());
+  EXPECT_FALSE(View().CanGoUp());
+  EXPECT_TRUE(View().CanGoDown());
+  EXPECT_TRUE(View().CanGoForw());
+  View().DeleteCard(iCards[2], nullptr);
+  EXPECT_TRUE(heard());
+  Press(u"fDownBut"_s);
+  EXPECT_TRUE(heard());
+  EXPECT_TRUE(View().CanGoUp());
+  EXPECT_FALSE(View().CanGoDown());
+  View().EmptyStack();
+  EXPECT_TRUE(heard());
+  EXPECT_FALSE(View().CanGoUp() || View().CanGoDown() || View().CanGoBack() || View().CanGoForw());
+}
+
 } // namespace

@@ -60,7 +60,9 @@ TEST_F(CVelumCardSelectTest, ListsTheCardsOfTheChosenBackground) {
   EXPECT_EQ(List().model()->columnCount(), 1);
   EXPECT_TRUE(Combo().isEnabled());
   EXPECT_EQ(Combo().count(), 2);
-  EXPECT_EQ(Combo().currentIndex(), 0);
+  EXPECT_EQ(Combo().currentText(), u"Second"_s) << "that of the card on show";
+  EXPECT_EQ(Names(), QStringList{u"x"_s});
+  Combo().setCurrentIndex(0);
   EXPECT_EQ(Names(), (QStringList{u"a"_s, u"b"_s}));
   EXPECT_FALSE(Select().isEnabled());
   ClickLine(1);
@@ -104,6 +106,7 @@ TEST_F(CVelumCardSelectTest, TheOwnerComesToTheFrontAndMayCloseItself) {
 
 TEST_F(CVelumCardSelectTest, TheChoiceGoesToTheOwnerOnce) {
   iForm->SelectCard(&iOwner, nullptr, 3);
+  Combo().setCurrentIndex(0);
   ClickLine(1);
   QTest::mouseClick(&Select(), Qt::LeftButton);
   QTest::mouseClick(&Select(), Qt::LeftButton);
@@ -145,7 +148,6 @@ TEST_F(CVelumCardSelectTest, UnloadsItselfWhenTheStackCloses) {
 TEST_F(CVelumCardSelectTest, LetsGoOfABackgroundThatIsDeleted) {
   iForm->SelectCard(&iOwner, nullptr, 0);
   const QString first = Combo().itemText(0);
-  Combo().setCurrentIndex(1);
   ASSERT_EQ(Names(), QStringList(u"x"_s));
   ClickLine(0);
   iForm->ChangeNotify(6, iSecond.Get(), nullptr);
@@ -157,6 +159,7 @@ TEST_F(CVelumCardSelectTest, LetsGoOfABackgroundThatIsDeleted) {
 
 TEST_F(CVelumCardSelectTest, KeepsItsChoiceWhenAnotherBackgroundIsDeleted) {
   iForm->SelectCard(&iOwner, nullptr, 0);
+  Combo().setCurrentIndex(0);
   ClickLine(1);
   iForm->ChangeNotify(6, iSecond.Get(), nullptr);
   EXPECT_EQ(Combo().count(), 1);
@@ -168,6 +171,20 @@ TEST_F(CVelumCardSelectTest, ClosesWhenTheOnlyBackgroundThatWillDoIsDeleted) {
   iForm->SelectCard(&iOwner, iSecond, 0);
   iForm->ChangeNotify(6, iSecond.Get(), nullptr);
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
+}
+
+TEST_F(CVelumCardSelectTest, OpensOnTheFirstBackgroundWhileNoCardIsOnShow) {
+  View().EmptyStack();
+  iForm->SelectCard(&iOwner, nullptr, 0);
+  EXPECT_EQ(Combo().currentIndex(), 0);
+}
+
+TEST_F(CVelumCardSelectTest, AButtonClosesIt) {
+  iForm->SelectCard(&iOwner, nullptr, 0);
+  ClickLine(0);
+  QTest::mouseClick(iForm->findChild<QPushButton*>(u"fCloseBut"_s), Qt::LeftButton);
+  EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
+  EXPECT_TRUE(iOwner.iTaken.isEmpty());
 }
 
 } // namespace

@@ -152,4 +152,33 @@ TEST_F(CVelumHistoryTest, PlacesOutsideHoldNothing) {
   EXPECT_EQ(iHistory.At(ENoShort), nullptr);
 }
 
+TEST_F(CVelumHistoryTest, TellsWhetherItLeadsToAnotherCard) {
+  EXPECT_FALSE(iHistory.HasPrev(nullptr));
+  EXPECT_FALSE(iHistory.HasNext(nullptr));
+  Add({0});
+  iCur = iCards[0];
+  EXPECT_FALSE(iHistory.HasPrev(iCur));
+  Add({1, 2});
+  iCur = iCards[2];
+  EXPECT_TRUE(iHistory.HasPrev(iCur));
+  EXPECT_FALSE(iHistory.HasNext(iCur));
+  EXPECT_EQ(Prev(), u"1"_s);
+  EXPECT_TRUE(iHistory.HasPrev(iCur));
+  EXPECT_TRUE(iHistory.HasNext(iCur));
+  EXPECT_EQ(Prev(), u"0"_s);
+  EXPECT_FALSE(iHistory.HasPrev(iCur));
+  EXPECT_TRUE(iHistory.HasNext(iCur));
+  iHistory.Empty();
+  EXPECT_FALSE(iHistory.HasPrev(nullptr));
+  EXPECT_FALSE(iHistory.HasNext(nullptr));
+}
+
+TEST_F(CVelumHistoryTest, TheSameCardTwiceLeadsNowhere) {
+  Add({0, 1, 0});
+  iHistory.Remove(*iCards[1]);
+  iCur = iCards[0];
+  ASSERT_EQ(Shown(), u"0 [0]"_s);
+  EXPECT_FALSE(iHistory.HasPrev(iCur));
+}
+
 } // namespace

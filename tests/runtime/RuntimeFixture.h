@@ -43,12 +43,14 @@ public:
   [[nodiscard]] bool CloseStack() override;
   QWidget* ShowForm(const QString& aName) override;
   void ShowPicture() override { iCalls.append(u"ShowPicture"_s); }
+  void CardShown() override { ++iShown; }
   void AddToFileHistory(const QString& aPath) override { iCalls.append(u"AddToFileHistory "_s + aPath); }
 
   QWidget iArea;
   QMenu iMenu;
   std::map<QString, QAction*> iActions;
   QStringList iCalls;
+  int iShown = 0;      // calls of CardShown
   bool iCloses = true; // what CloseStack answers
   int iFailures = 0;   // so many calls of ShowChild fail with host error 7
 };

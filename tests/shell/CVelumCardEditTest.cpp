@@ -509,3 +509,18 @@ TEST_F(CVelumCardEditTest, GoesWithTheStackAndKeepsItsPlace) {
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(OpenForm().pos(), QPoint(33, 44));
 }
+
+TEST_F(CVelumCardEditTest, OpensOnTheBackgroundOfTheCardOnShow) {
+  const auto second = AddBackground(u"Second"_s);
+  const auto x = AddCard(u"x"_s, second);
+  gStackView->GoToCard(x);
+  OpenForm();
+  EXPECT_EQ(Column(u"fCardBox"_s, 0), QStringList{u"x"_s});
+  EXPECT_EQ(ModeText(), QString()) << "no card is being edited";
+}
+
+TEST_F(CVelumCardEditTest, AButtonClosesIt) {
+  OpenForm();
+  Press(u"fCloseBut"_s);
+  EXPECT_FALSE(IsOpen());
+}

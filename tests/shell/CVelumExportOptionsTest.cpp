@@ -219,8 +219,7 @@ TEST_F(CVelumExportOptionsTest, TellsWhatTheCodePageLacksAndOffersUtf8) {
   const auto& lacking = Find<QLabel>(ECsvExport, u"fLacking"_s);
   EXPECT_TRUE(lacking.isVisible());
   EXPECT_TRUE(lacking.text().startsWith(u"2 characters are not in"_s)) << lacking.text().toStdString();
-  EXPECT_FALSE(Checked(u"fUtf8"_s)) << "off unless chosen";
-  Click(ECsvExport, u"fUtf8"_s);
+  EXPECT_TRUE(Checked(u"fUtf8"_s)) << "proposed where the usual coding loses something";
   Click(ECsvExport, u"fExportBut"_s);
   EXPECT_TRUE(Written().contains("é Я 你"));
   EXPECT_EQ(iPresenter.Told().size(), 0);
@@ -230,6 +229,7 @@ TEST_F(CVelumExportOptionsTest, WithoutUtf8TheyBecomeQuestionMarks) {
   OpenExport();
   SetText(QString::fromUtf8("a Я"));
   Click(EExport, u"fOkBut"_s);
+  Click(ECsvExport, u"fUtf8"_s);
   Click(ECsvExport, u"fExportBut"_s);
   EXPECT_TRUE(Written().contains("\"a ?\""));
   EXPECT_EQ(iPresenter.Told().size(), 0) << "was said before";
@@ -238,6 +238,7 @@ TEST_F(CVelumExportOptionsTest, WithoutUtf8TheyBecomeQuestionMarks) {
 TEST_F(CVelumExportOptionsTest, NothingIsSaidWhereNothingLacks) {
   OpenCsv();
   EXPECT_FALSE(Find<QLabel>(ECsvExport, u"fLacking"_s).isVisible());
+  EXPECT_FALSE(Checked(u"fUtf8"_s));
 }
 
 TEST_F(CVelumExportOptionsTest, AFailureIsShownAndTheWindowsStay) {

@@ -2,6 +2,7 @@
 #include "core/CVelumMsg.h"
 #include "runtime/CVelumGenForm.h"
 #include "shell/CVelumOptions.h"
+#include "shell/CVelumReport.h"
 #include "shell/FrameTest.h"
 #include "toolkit/CVelumReg.h"
 #include "toolkit/CVelumToolkitLib.h"
@@ -286,6 +287,9 @@ TEST_F(CVelumFrameFileTest, EmptyStackAsks) {
   Start(CopyStack(u"a.Orvelle"_s));
   Choose(u"fEmptyStack"_s);
   EXPECT_EQ(iPresenter.LastMsg(), EMsgEmptyStackOk);
+  const QString text = iPresenter.LastText();
+  EXPECT_TRUE(text.startsWith(u"Delete all cards?"_s)) << text.toStdString();
+  EXPECT_TRUE(text.endsWith(CVelumReport::CardsOf(*gStack) + u'.')) << text.toStdString();
   EXPECT_EQ(gStack->NumCards(), 13);
   iPresenter.Answer(true);
   Choose(u"fEmptyStack"_s);

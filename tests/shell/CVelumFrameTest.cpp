@@ -83,9 +83,8 @@ TEST_F(CVelumFrameTest, EveryToolbarButtonHasACommand) {
 TEST_F(CVelumFrameTest, CommandsFollowTheOpenStack) {
   const QString path = CopyStack(u"a.Orvelle"_s);
   Start();
-  const QStringList ofStack{u"fSaveStack"_s,  u"fSaveStackAs"_s, u"fCloseStack"_s,   u"fDeleteCard"_s,
-                            u"fEmptyStack"_s, u"SaveStack"_s,    u"FirstCard"_s,     u"PrevCard"_s,
-                            u"NextCard"_s,    u"LastCard"_s,     u"BackInHistory"_s, u"ForwInHistory"_s};
+  const QStringList ofStack{u"fSaveStack"_s,  u"fSaveStackAs"_s, u"fCloseStack"_s, u"fDeleteCard"_s,
+                            u"fEmptyStack"_s, u"SaveStack"_s,    u"NextCard"_s,    u"LastCard"_s};
   const auto expect = [&](bool aOpen) {
     for (const QString& name : ofStack) EXPECT_EQ(Action(name)->isEnabled(), aOpen) << name.toStdString();
     EXPECT_EQ(gFrame->FindAction(u"fCmd"_s)->isEnabled(), aOpen);

@@ -14,6 +14,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTextBlock>
@@ -138,6 +139,41 @@ TEST_F(CVelumHelpFormTest, SearchFindsWordsOfTheText) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return titles().contains(u"The wallpaper"_s); }));
   QTest::keyClicks(&text, u"qqqqqq"_s);
   EXPECT_TRUE(QTest::qWaitFor([&] { return results.count() == 0; }));
+}
+
+TEST_F(CVelumHelpFormTest, TheSearchAnswersWhatIsAskedMost) {
+  CVelumHelpForm::ShowPage({});
+  Part<QTabWidget>(u"fTabs"_s).setCurrentIndex(2);
+  auto& results = Part<QListWidget>(u"fResults"_s);
+  auto& text = Part<QLineEdit>(u"fSearchText"_s);
+  const std::pair<QString, QString> questions[] = {
+      {u"how do I undo"_s, u"Undo"_s},     {u"undo"_s, u"Undo"_s},
+      {u"print"_s, u"Printing"_s},         {u"read-only file"_s, u"ReadOnlyFile"_s},
+      {u"read-only"_s, u"ReadOnlyFile"_s}, {u"Excel"_s, u"Excel"_s},
+      {u"date format"_s, u"DateFormat"_s}, {u"password"_s, u"Password"_s},
+      {u"add a field"_s, u"AddField"_s}};
+  for (const auto& [question, page] : questions) {
+    text.clear();
+    QTest::keyClicks(&text, question);
+    const auto found = [&, wanted = page] {
+      for (int i = 0; i < std::min(3, results.count()); ++i)
+        if (CVelumHelpBook::Name(results.item(i)->data(Qt::UserRole).toUrl()) == wanted) return true;
+      return false;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(found, 20000)) << question.toStdString();
+  }
+}
+
+TEST_F(CVelumHelpFormTest, LongTitlesOfResultsAreNotCut) {
+  CVelumHelpForm::ShowPage({});
+  Part<QTabWidget>(u"fTabs"_s).setCurrentIndex(2);
+  auto& results = Part<QListWidget>(u"fResults"_s);
+  QTest::keyClicks(&Part<QLineEdit>(u"fSearchText"_s), u"Excel"_s);
+  ASSERT_TRUE(QTest::qWaitFor([&] { return results.count() > 0; }, 20000));
+  results.setFixedWidth(120);
+  QTest::qWait(50);
+  EXPECT_EQ(results.horizontalScrollBar()->maximum(), 0);
+  EXPECT_GT(results.visualItemRect(results.item(0)).height(), 2 * results.fontMetrics().height());
 }
 
 TEST_F(CVelumHelpFormTest, PagesTakeTheColoursOfTheDesktop) {

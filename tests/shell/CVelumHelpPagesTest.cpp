@@ -2,6 +2,7 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
 #include "script/CVelumCompiler.h"
+#include "shell/CVelumCommandTable.h"
 #include "shell/CVelumHelpBook.h"
 #include "shell/CVelumHelpForm.h"
 #include "shell/CVelumMsgForm.h"
@@ -26,7 +27,7 @@ constexpr double EMaxShared = 0.4;
 
 QString Plain(QString aHtml) {
   static const QRegularExpression around(
-      u"<head>.*</head>|<p class=\"way\">.*?</p>|<h1>.*?</h1>|<ul class=\"parts\">.*?</ul>"_s,
+      u"<head>.*</head>|<p class=\"(way|status)\">.*?</p>|<h1>.*?</h1>|<ul class=\"parts\">.*?</ul>"_s,
       QRegularExpression::DotMatchesEverythingOption);
   static const QRegularExpression tag(u"<[^>]*>"_s);
   return aHtml.remove(around).replace(tag, u" "_s);
@@ -96,6 +97,11 @@ protected:
         ExpectPage(aForm, action->objectName());
   }
 
+  [[nodiscard]] bool SaysItIsMissing(const QString& aPage) const {
+    const QByteArray html = iBook.Data(CVelumHelpBook::Url(aPage));
+    return html.contains("<p class=\"status\"><b>Not in this version.</b>");
+  }
+
   CVelumHelpBook iBook;
 };
 
@@ -134,6 +140,36 @@ TEST_F(CVelumHelpPagesTest, EveryRegisteredWindowHasAPage) {
   for (int i = 0; i < CVelumWinMan::FormCount(); ++i)
     // A name in the table without a window.
     if (CVelumWinMan::FormName(i) != u"CVelumSortKeyEdit"_s) ExpectPage(CVelumWinMan::FormName(i));
+}
+
+TEST_F(CVelumHelpPagesTest, PagesOfWindowsThatAreNotThereSaySo) {
+  Start();
+  QStringList missing;
+  for (int i = 0; i < CVelumWinMan::FormCount(); ++i) {
+    const QString& name = CVelumWinMan::FormName(i);
+    const QString page = PageOf(name);
+    if (page.isEmpty()) continue;
+    EXPECT_EQ(SaysItIsMissing(page), !CVelumWinMan::HasForm(name)) << page.toStdString();
+    if (!CVelumWinMan::HasForm(name)) missing.append(page);
+  }
+  EXPECT_GE(missing.size(), 5);
+  // So do the pages of their controls.
+  for (const QUrl& url : iBook.Engine().files(u"orvelles"_s, QString(), {})) {
+    const QString page = CVelumHelpBook::Name(url);
+    const auto isPart = [&](const QString& aForm) { return page.startsWith(aForm); };
+    const bool isMissing = std::any_of(missing.begin(), missing.end(), isPart);
+    EXPECT_TRUE(!isMissing || SaysItIsMissing(page)) << page.toStdString();
+  }
+}
+
+TEST_F(CVelumHelpPagesTest, PagesOfCommandsWhoseWindowIsNotThereSaySo) {
+  Start();
+  for (const TVelumCommand& command : CVelumCommandTable::Menus()) {
+    const QString page = PageOf(u"CVelumFrame"_s, command.iAction.toString());
+    const bool there = command.iForm.isEmpty() || CVelumWinMan::HasForm(command.iForm.toString());
+    EXPECT_EQ(SaysItIsMissing(page), !there) << page.toStdString();
+  }
+  EXPECT_TRUE(iBook.Data(CVelumHelpBook::Url(u"Tutorial"_s)).contains("Not in this version"));
 }
 
 TEST_F(CVelumHelpPagesTest, EveryControlOfAWindowHasAPage) {

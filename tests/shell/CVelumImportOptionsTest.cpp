@@ -8,6 +8,7 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -228,4 +229,34 @@ TEST_F(CVelumImportOptionsTest, StayingStopsAnImportOfContent) {
   EXPECT_TRUE(iAsked);
   EXPECT_EQ(iPresenter.Count(), 0) << "nothing was read";
   EXPECT_TRUE(IsOpen());
+}
+
+TEST_F(CVelumImportOptionsTest, TheWindowsOfImportAndExportStayAboveTheMainWindow) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  EXPECT_EQ(OpenForm().parentWidget(), gFrame);
+  EXPECT_TRUE(OpenForm().isWindow());
+  iFolder.Write(u"t.csv"_s, "a,b\n1,2\n");
+  iPath = iFolder.Path(u"t.csv"_s);
+  Button(u"fOkBut"_s).click();
+  for (const auto& name : {u"CVelumImportOptions"_s, u"CVelumCsvImportOptions"_s}) {
+    ASSERT_TRUE(CVelumWinMan::FormIsLoaded(name));
+    const QWidget* window = CVelumWinMan::NameToForm(name)->Widget();
+    EXPECT_TRUE(window->isVisible());
+    while (window->parentWidget()) window = window->parentWidget();
+    EXPECT_EQ(window, gFrame) << name.toStdString();
+  }
+  Choose(u"fExport"_s);
+  EXPECT_EQ(CVelumWinMan::NameToForm(u"CVelumExportOptions"_s)->Widget()->parentWidget(), gFrame);
+}
+
+TEST_F(CVelumImportOptionsTest, TheMainWindowSaysWhatWasImported) {
+  Start();
+  iFolder.Write(u"t.csv"_s, "a,b\nx,2\ny,3\n");
+  iPath = iFolder.Path(u"t.csv"_s);
+  OpenForm();
+  Button(u"fOkBut"_s).click();
+  QWidget* csv = CVelumWinMan::NameToForm(u"CVelumCsvImportOptions"_s)->Widget();
+  csv->findChild<QPushButton*>(u"fImportBut"_s)->click();
+  ASSERT_TRUE(gStack);
+  EXPECT_EQ(gFrame->findChild<QLabel*>(u"fReport"_s)->text(), u"Imported 2 cards from t.csv"_s);
 }
