@@ -28,6 +28,15 @@ QStringList TakeIndex(QString& aText) {
   return words;
 }
 
+// Takes the line "Status: not in this version" out; whether it was there.
+bool TakeMissing(QString& aText) {
+  static const QRegularExpression line(u"^Status: not in this version\\n?"_s,
+                                       QRegularExpression::MultilineOption);
+  const bool missing = aText.contains(line);
+  aText.remove(line);
+  return missing;
+}
+
 // Takes the first line "# Title" out.
 QString TakeTitle(QString& aText) {
   static const QRegularExpression line(u"\\A# (.*)\\n"_s);
@@ -62,8 +71,10 @@ bool HelpBook::ReadPage(const QString& aPath, int aLevel) {
     page.iText = sections.takeFirst();
   }
   page.iIndex = TakeIndex(page.iText);
+  page.iMissing = TakeMissing(page.iText);
   page.iTitle = TakeTitle(page.iText);
   const QString form = page.iName;
+  const bool missing = page.iMissing;
   if (!Add(page)) return false;
   for (const QString& section : sections) {
     const QString heading = section.section(u'\n', 0, 0);
@@ -72,6 +83,7 @@ bool HelpBook::ReadPage(const QString& aPath, int aLevel) {
     part.iTitle = heading.section(u": "_s, 1);
     part.iText = section.section(u'\n', 1);
     part.iIndex = TakeIndex(part.iText);
+    part.iMissing = TakeMissing(part.iText) || missing;
     part.iLevel = aLevel + 1;
     if (!Add(part)) return false;
   }

@@ -38,6 +38,13 @@ QString Link(const THelpPage& aPage) {
   return u"<a href=\"%1.htm\">%2</a>"_s.arg(aPage.iName, aPage.iTitle.toHtmlEscaped());
 }
 
+// The same words on every page that tells of something yet to come.
+QString Status(const THelpPage& aPage) {
+  if (!aPage.iMissing) return {};
+  return u"<p class=\"status\"><b>Not in this version.</b> A later one will have it; until then the command "
+         u"for it says so and does nothing.</p>\n"_s;
+}
+
 // An id may stand only once.
 void WriteKeyword(QXmlStreamWriter& aXml, const QString& aName, const QString& aId, const THelpPage& aPage) {
   aXml.writeEmptyElement(u"keyword"_s);
@@ -64,8 +71,8 @@ QString HelpWriter::Html(int aPage) const {
   const THelpPage& page = iBook.Pages()[aPage];
   const QString title = page.iTitle.toHtmlEscaped();
   return u"<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>"_s + title +
-         u"</title></head><body>\n"_s + Way(aPage) + u"<h1>"_s + title + u"</h1>\n"_s + ToHtml(page.iText) +
-         Parts(aPage) + u"</body></html>\n"_s;
+         u"</title></head><body>\n"_s + Way(aPage) + u"<h1>"_s + title + u"</h1>\n"_s + Status(page) +
+         ToHtml(page.iText) + Parts(aPage) + u"</body></html>\n"_s;
 }
 
 QString HelpWriter::Way(int aPage) const {
