@@ -168,7 +168,8 @@ TEST_F(AllWindowsTest, CombosAreCalledByWhatTheyAreFor) {
   int combos = 0;
   ForAll([&](QWidget& aWindow) {
     for (QComboBox* combo : aWindow.findChildren<QComboBox*>()) {
-      if (!combo->objectName().startsWith(u'f')) continue;
+      // Those of the card window wait for a field, and have its name then.
+      if (!combo->objectName().startsWith(u'f') || combo->objectName().startsWith(u"fGen")) continue;
       ++combos;
       if (combo->count() == 0) combo->addItem(u"shown"_s);
       combo->setCurrentIndex(0);
