@@ -5,6 +5,7 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QCoreApplication>
+#include <QDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -36,6 +37,19 @@ TEST_F(CVelumWelcomeTest, ClosesByItselfAfterSevenSeconds) {
   EXPECT_TRUE(IsOpen());
   timer.start(1);
   EXPECT_TRUE(QTest::qWaitFor([] { return !IsOpen(); }, 2000));
+}
+
+TEST_F(CVelumWelcomeTest, StaysWhileAMessageOverItWaits) {
+  QTimer& timer = WaitTimer(OpenForm());
+  QDialog message(gFrame);
+  QTimer::singleShot(50, &message, [&] {
+    EXPECT_TRUE(IsOpen());
+    EXPECT_TRUE(timer.isActive()) << "it begins anew";
+    message.accept();
+  });
+  timer.start(1);
+  message.exec();
+  EXPECT_TRUE(IsOpen());
 }
 
 TEST_F(CVelumWelcomeTest, StayBeginsTheSevenSecondsAnew) {
