@@ -109,6 +109,7 @@ TEST_F(CVelumExportOptionsTest, WritesContentInXml) {
   Click(EExport, u"fOkBut"_s);
   EXPECT_TRUE(Written().contains("<orvelle version=\"1.0\">"));
   EXPECT_EQ(Written().count("<card "), 13);
+  EXPECT_EQ(Report(), u"Exported 13 cards to out"_s);
   EXPECT_EQ(gOptions.iExportXmlDialogInitDir, iFolder.Path());
   EXPECT_FALSE(IsLoaded(EExport));
   EXPECT_EQ(CVelumDialogLib::WaitCount(), 0);
@@ -166,6 +167,8 @@ TEST_F(CVelumExportOptionsTest, WritesCsvAndGoes) {
   Click(ECsvExport, u"fExportBut"_s);
   EXPECT_TRUE(Written().startsWith('"'));
   EXPECT_TRUE(Written().contains("\",\"") || Written().count('"') > 0);
+  EXPECT_TRUE(Report().startsWith(u"Exported "_s) && Report().endsWith(u" to out"_s))
+      << Report().toStdString();
   EXPECT_FALSE(IsLoaded(ECsvExport));
   EXPECT_FALSE(IsLoaded(EExport));
   EXPECT_EQ(gOptions.iExportCsvDialogInitDir, iFolder.Path());

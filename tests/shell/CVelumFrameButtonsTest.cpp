@@ -23,7 +23,6 @@ protected:
       if (Action(key)->isEnabled()) arrows.append(name);
     return arrows.join(u' ');
   }
-  static QString Report() { return gFrame->findChild<QLabel*>(u"fReport"_s)->text(); }
   static QImage Picture(const QString& aKey) {
     return gFrame->ToolbarIcon(aKey).pixmap(QSize(48, 48), 1.0).toImage();
   }

@@ -8,7 +8,6 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QCheckBox>
-#include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -162,6 +161,7 @@ TEST_F(CVelumImportOptionsTest, ImportsATextIntoTheChosenBackground) {
   first->AddControl(MakeRef<CVelumControl>(gStack->IdGen().NextId(), u"Text"_s, EConText), ENoInt);
   Button(u"fOkBut"_s).click();
   EXPECT_EQ(gStack->NumCards(), others + 1);
+  EXPECT_EQ(Report(), u"Imported 1 card from a.txt"_s);
   EXPECT_FALSE(IsOpen());
   EXPECT_EQ(gOptions.iImportTextDialogInitDir, iFolder.Path());
 }
@@ -181,6 +181,7 @@ TEST_F(CVelumImportOptionsTest, ImportsContentAndShowsTheFirstCard) {
   Button(u"fOkBut"_s).click();
   EXPECT_EQ(iPresenter.Count(), 0) << iPresenter.LastText().toStdString();
   EXPECT_EQ(gStack->NumCards(), 14);
+  EXPECT_EQ(Report(), u"Imported 1 card from a.xml"_s);
   EXPECT_EQ(CardName(), u"card 00"_s);
   EXPECT_EQ(gOptions.iImportXmlDialogInitDir, iFolder.Path());
   EXPECT_FALSE(IsOpen());
@@ -258,5 +259,5 @@ TEST_F(CVelumImportOptionsTest, TheMainWindowSaysWhatWasImported) {
   QWidget* csv = CVelumWinMan::NameToForm(u"CVelumCsvImportOptions"_s)->Widget();
   csv->findChild<QPushButton*>(u"fImportBut"_s)->click();
   ASSERT_TRUE(gStack);
-  EXPECT_EQ(gFrame->findChild<QLabel*>(u"fReport"_s)->text(), u"Imported 2 cards from t.csv"_s);
+  EXPECT_EQ(Report(), u"Imported 2 cards from t.csv"_s);
 }

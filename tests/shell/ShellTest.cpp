@@ -9,6 +9,7 @@
 
 #include <QDialog>
 #include <QFile>
+#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QTest>
@@ -70,6 +71,10 @@ void ShellTest::Choose(const QString& aName) {
 
 QString ShellTest::CardName() {
   return gStackView && gStackView->CurCard() ? gStackView->CurCard()->Name() : QString();
+}
+
+QString ShellTest::Report() {
+  return gFrame->findChild<QLabel*>(u"fReport"_s)->text();
 }
 
 void ShellTest::Change() {

@@ -26,6 +26,8 @@ protected:
   // Chooses a menu item as a user does: opens its menu first. Fails when the item is disabled.
   static void Choose(const QString& aName);
   [[nodiscard]] static QString CardName();
+  // What the main window says that was done last.
+  [[nodiscard]] static QString Report();
   // Makes the open stack changed.
   static void Change();
   // Runs aUse on the dialog that opens next, and closes it if that did not.
