@@ -17,6 +17,8 @@ namespace {
 using TQuestion = QPair<QString, QString>; // procedure and text of an assertion
 
 int sCommandDepth = 0;
+int sStrictDepth = 0;
+bool sOverruled = false;
 QHash<TQuestion, bool> sAnswers; // of the running command
 
 const QString& AppSource() {
@@ -46,12 +48,14 @@ QString DescrOf(const CVelumObject* aObj) {
 
 // Whether the user wants to go on; asked once per command for the same procedure and text.
 bool MayGoOn(const QString& aProc, const QString& aText, const QString& aMsg) {
+  if (sStrictDepth > 0) return false;
   const TQuestion question(aProc, aText);
   if (sCommandDepth > 0) {
     const auto answer = sAnswers.constFind(question);
     if (answer != sAnswers.constEnd()) return *answer;
   }
   const bool goOn = CVelumMsg::Ask(EMsgAssertFailedOk, EMsgQuestion, aMsg, {});
+  sOverruled = sOverruled || goOn;
   if (sCommandDepth > 0) sAnswers.insert(question, goOn);
   return goOn;
 }
@@ -73,6 +77,18 @@ CVelumError::CCommand::CCommand() {
 
 CVelumError::CCommand::~CCommand() {
   if (--sCommandDepth == 0) sAnswers.clear();
+}
+
+bool CVelumError::WasOverruled() {
+  return sOverruled;
+}
+
+CVelumError::CStrict::CStrict() {
+  ++sStrictDepth;
+}
+
+CVelumError::CStrict::~CStrict() {
+  --sStrictDepth;
 }
 
 void CVelumError::Assert(bool aCond, const QString& aText) {

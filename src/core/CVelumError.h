@@ -65,6 +65,19 @@ public:
   CCommand& operator=(const CCommand&) = delete;
 };
 
+// Whether the user has gone on after an assertion that failed, since the program's start. What is in memory
+// may then be what no file can hold.
+[[nodiscard]] bool WasOverruled();
+
+// While one exists, an assertion that fails raises at once: nobody is asked, and no answer counts.
+class CStrict {
+public:
+  CStrict();
+  ~CStrict();
+  CStrict(const CStrict&) = delete;
+  CStrict& operator=(const CStrict&) = delete;
+};
+
 // AssertObj without an object, with procedure "Assert".
 void Assert(bool aCond, const QString& aText);
 // If aCond is false, asks the user whether to go on; on no, throws EMsgAssertFailed. The caller must stay

@@ -66,6 +66,9 @@ public:
   // Flush of all that have this file open.
   void FlushAll();
   qint64 Read(char* aTo, qint64 aLen);
+  // Past the buffer.
+  qint64 ReadIn(char* aTo, qint64 aLen, qint64 aPos);
+  [[nodiscard]] qint64 Size() const;
   void Write(const char* aFrom, qint64 aLen);
   void Cut(qint64 aSize);
 
@@ -74,7 +77,7 @@ public:
   const TVelumFileId iId; // only the identity counts
   std::unique_ptr<CVelumTextReader> iReader;
   std::unique_ptr<CVelumTextWriter> iWriter;
-  CVelumWriteGuard* iGuard = nullptr;
+  Ref<CVelumFilePatch> iPatch;
 
 private:
   // All open binary files. Never destroyed: a global that goes at exit may still hold a file.
@@ -132,8 +135,19 @@ void CVelumFile::CDevice::Seek(qint64 aPos) {
 
 void CVelumFile::CDevice::WriteOut(const char* aFrom, qint64 aLen, qint64 aPos) {
   if (iFd < 0) return; // only measured
-  if (iGuard) iGuard->BeforeWrite(aPos, aLen);
-  CVelumOs::WriteAt(iFd, Path(), aFrom, aLen, aPos);
+  if (iPatch)
+    iPatch->WriteAt(iFd, Path(), aFrom, aLen, aPos);
+  else
+    CVelumOs::WriteAt(iFd, Path(), aFrom, aLen, aPos);
+}
+
+qint64 CVelumFile::CDevice::ReadIn(char* aTo, qint64 aLen, qint64 aPos) {
+  return iPatch ? iPatch->ReadAt(iFd, Path(), aTo, aLen, aPos)
+                : CVelumOs::ReadAt(iFd, Path(), aTo, aLen, aPos);
+}
+
+qint64 CVelumFile::CDevice::Size() const {
+  return iPatch ? iPatch->Size() : CVelumOs::IdOf(iFd).iSize;
 }
 
 void CVelumFile::CDevice::Flush() {
@@ -162,7 +176,7 @@ bool CVelumFile::CDevice::Fill() {
   if (iAtEnd) return false;
   FlushAll();
   Drop();
-  qint64 len = CVelumOs::ReadAt(iFd, Path(), Buf(), EBufSize, iBufPos);
+  qint64 len = ReadIn(Buf(), EBufSize, iBufPos);
   iAtEnd = len == 0;
   if (iAtEnd) return false;
   iOwner.iRead = iBuf.get();
@@ -177,7 +191,7 @@ qint64 CVelumFile::CDevice::Read(char* aTo, qint64 aLen) {
     if (iOwner.iRead == iOwner.iReadEnd && aLen - done >= EBufSize) {
       FlushAll();
       Drop();
-      qint64 len = CVelumOs::ReadAt(iFd, Path(), aTo + done, aLen - done, iBufPos);
+      qint64 len = ReadIn(aTo + done, aLen - done, iBufPos);
       iBufPos += len;
       return done + len;
     }
@@ -205,10 +219,11 @@ void CVelumFile::CDevice::Write(const char* aFrom, qint64 aLen) {
 
 void CVelumFile::CDevice::Cut(qint64 aSize) {
   BeginWrite();
-  qint64 size = CVelumOs::IdOf(iFd).iSize;
   Seek(aSize);
-  if (iGuard && size > aSize) iGuard->BeforeWrite(aSize, size - aSize);
-  CVelumOs::Truncate(iFd, Path(), aSize);
+  if (iPatch)
+    iPatch->SetSize(aSize);
+  else
+    CVelumOs::Truncate(iFd, Path(), aSize);
 }
 
 CVelumFile::CVelumFile(QString aFilename, qint32 aAccess)
@@ -244,6 +259,16 @@ void CVelumFile::OpenBinary() {
   if (fd >= 0 && !CVelumOs::IsRegular(fd)) CVelumOs::Close(std::exchange(fd, -1));
   if (fd < 0) CVelumError::Throw(EMsgFileNotFound, EOpenProc, iFilename, QString::number(iAccess));
   iDevice = std::make_unique<CDevice>(*this, fd, true);
+}
+
+void CVelumFile::OpenSame(int aFd) {
+  iFirstLine = true;
+  if (iDevice) CloseFile();
+  iFileNum = ENoShort;
+  const int fd = ::fcntl(aFd, F_DUPFD_CLOEXEC, 0);
+  if (fd < 0) CVelumOs::Raise(errno, iFilename);
+  iDevice = std::make_unique<CDevice>(*this, fd, true);
+  iIsOpen = true;
 }
 
 void CVelumFile::OpenText() {
@@ -321,7 +346,8 @@ qint64 CVelumFile::CurrentPos() {
 }
 
 qint64 CVelumFile::Size() {
-  return FileId().iSize;
+  Device().FlushAll();
+  return iDevice->Size();
 }
 
 qint64 CVelumFile::BytesLeft() {
@@ -346,18 +372,33 @@ void CVelumFile::DropBuffer() {
   Device().Drop();
 }
 
-void CVelumFile::LockShared() {
-  CVelumOs::LockShared(Device().iFd);
+int CVelumFile::Fd() {
+  return Device().iFd;
 }
 
+bool CVelumFile::TryLockShared() {
+  try {
+    return CVelumOs::TryLockShared(Device().iFd, iFilename);
+  } catch (const CVelumException&) { // as on a file system without locks
+    CVelumOs::Unlock(iDevice->iFd);
+    return true;
+  }
+}
+
+// Whoever wants the file alone holds the lock of all saves of it, so nobody else can take it in between.
 bool CVelumFile::TryLockAlone() {
   if (CVelumOs::TryLock(Device().iFd, iFilename)) return true;
-  LockShared();
+  static_cast<void>(TryLockShared());
   return false;
 }
 
-void CVelumFile::SetWriteGuard(CVelumWriteGuard* aGuard) {
-  Device().iGuard = aGuard;
+void CVelumFile::SetPatch(const Ref<CVelumFilePatch>& aPatch) {
+  Device().Drop();
+  iDevice->iPatch = aPatch;
+}
+
+Ref<CVelumFilePatch> CVelumFile::Patch() {
+  return Device().iPatch;
 }
 
 QByteArray CVelumFile::PeekAt(qint64 aPos, qint64 aCount) {
@@ -365,7 +406,7 @@ QByteArray CVelumFile::PeekAt(qint64 aPos, qint64 aCount) {
   AssertRead(u"PeekAt"_s);
   Device().FlushAll();
   QByteArray bytes(aCount, Qt::Uninitialized);
-  bytes.resize(CVelumOs::ReadAt(iDevice->iFd, iFilename, bytes.data(), aCount, ToPos(aPos)));
+  bytes.resize(iDevice->ReadIn(bytes.data(), aCount, ToPos(aPos)));
   return bytes;
 }
 

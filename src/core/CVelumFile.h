@@ -2,6 +2,7 @@
 // primitives, and text files line by line.
 #pragma once
 
+#include "core/CVelumFilePatch.h"
 #include "core/CVelumOs.h"
 #include "core/CVelumTextPool.h"
 
@@ -27,14 +28,6 @@ enum ECod : qint32 {
   ECodLatin1 = 1, // the single-byte Windows code page 1252
 };
 
-// Asked before bytes of a file are overwritten or cut off, so that the old ones can be kept.
-class CVelumWriteGuard {
-public:
-  virtual ~CVelumWriteGuard() = default;
-  // aLen bytes from aPos are about to change; raises when that must not happen.
-  virtual void BeforeWrite(qint64 aPos, qint64 aLen) = 0;
-};
-
 // Buffered below the primitives (64 KB). The buffers are written or dropped before a seek, a size, a close,
 // and before another CVelumFile on the same file acts; so two of them on one file in this process see each
 // other's bytes. Every write, flush and sync is checked: a failure is a host error that carries the path.
@@ -48,6 +41,9 @@ public:
 
   [[nodiscard]] QString ObjDescr() const override;
   void OpenFile();
+  // Becomes a file that is open already (a binary mode), with a descriptor of its own for it. A lock of aFd
+  // is then that of both.
+  void OpenSame(int aFd);
   // Stays true after CloseFile: a closed file is told by its handle alone.
   [[nodiscard]] bool IsOpen() const { return iIsOpen; }
   // Writes what is buffered and closes, also when the writing fails. Closing twice is harmless.
@@ -72,13 +68,18 @@ public:
   void Flush();
   // The same, and brings the file to the disk.
   void Sync();
-  // Takes the shared lock of the file (instead of the other, when held), if it can be had at once.
-  void LockShared();
+  // The open file for calls that go past the buffer, which has to be written first.
+  [[nodiscard]] int Fd();
+  // Takes the shared lock of the file (instead of the other, when held); false when another has the file for
+  // itself alone. Where there are no locks, and when the system fails, it counts as had.
+  [[nodiscard]] bool TryLockShared();
   // Takes the lock of the file for itself alone, instead of a shared one; false when somebody else, here or
   // in another program, has the file locked. The shared lock is then held again.
   [[nodiscard]] bool TryLockAlone();
-  // aGuard (or null) is asked before bytes go to the file. The caller keeps it alive.
-  void SetWriteGuard(CVelumWriteGuard* aGuard);
+  // From now on this file is read and written through aPatch, and has its length; null: as it is on the disk.
+  // Bytes that are still buffered are forgotten. Identity and state stay those of the file below.
+  void SetPatch(const Ref<CVelumFilePatch>& aPatch);
+  [[nodiscard]] Ref<CVelumFilePatch> Patch();
   // From now on what could not be read back (the writer takes longer texts than the reader) is host error 6.
   void RefuseUnreadable() { iRefusesUnreadable = true; }
   // Forgets all that is buffered, also what was to be written. The position stays.

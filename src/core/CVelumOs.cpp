@@ -1,14 +1,17 @@
 #include "core/CVelumOs.h"
 
 #include <QFile>
-#include <QFileInfo>
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace CVelumOs {
@@ -75,12 +78,55 @@ template <class F> qint64 Loop(const QString& aPath, qint64 aLen, F aCall) {
   return done;
 }
 
-template <class F> void WriteAll(const QString& aPath, qint64 aLen, F aCall) {
-  qint64 len = aLen;
-  int error = Fault(EOsCall::Write, aPath, len);
-  qint64 todo = error ? std::min(len, aLen - 1) : aLen;
-  if (Loop(aPath, std::max<qint64>(todo, 0), aCall) < todo) Raise(EIO, aPath);
-  if (error) Raise(error, aPath);
+void Tell(const TVelumOsStep& aStep) {
+  if (gFaults) gFaults->Done(aStep);
+}
+
+// aStep tells what is to be written.
+template <class F> void WriteAll(TVelumOsStep aStep, F aCall) {
+  qint64 len = aStep.iLen;
+  int error = Fault(EOsCall::Write, aStep.iPath, len);
+  if (error) aStep.iLen = std::clamp<qint64>(len, 0, std::max<qint64>(aStep.iLen - 1, 0));
+  if (Loop(aStep.iPath, aStep.iLen, aCall) < aStep.iLen) Raise(EIO, aStep.iPath);
+  Tell(aStep);
+  if (error) Raise(error, aStep.iPath);
+}
+
+// Whether a lock was given. File systems without locks give every one.
+bool Locked(int aFd, const QString& aPath, int aKind) {
+  RaiseOnFault(EOsCall::Lock, aPath);
+  if (Retry([&] { return ::flock(aFd, aKind | LOCK_NB); }) == 0) return true;
+  if (errno == EWOULDBLOCK) return false;
+  if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS) return true;
+  Raise(errno, aPath);
+}
+
+// What a symbolic link says; empty when aPath is none.
+QByteArray LinkTarget(const QByteArray& aPath) {
+  QByteArray target(PATH_MAX, Qt::Uninitialized);
+  const ssize_t len = ::readlink(aPath.constData(), target.data(), static_cast<size_t>(target.size()));
+  return target.left(len < 0 ? 0 : len);
+}
+
+// Up to the last slash and with it; empty for a bare name.
+QByteArray FolderPart(const QByteArray& aPath) {
+  return aPath.left(aPath.lastIndexOf('/') + 1);
+}
+
+// Whether a path has a component that only the file system can resolve.
+bool GoesUp(const QByteArray& aPath) {
+  return aPath.startsWith("../") || aPath.contains("/../");
+}
+
+// With the folder resolved by the system; as it is when there is no such folder.
+QByteArray InRealFolder(const QByteArray& aPath) {
+  const QByteArray folder = FolderPart(aPath);
+  char* real = ::realpath(folder.isEmpty() ? "." : folder.constData(), nullptr);
+  if (!real) return aPath;
+  QByteArray path = real;
+  std::free(real); // as realpath asks for it
+  if (!path.endsWith('/')) path += '/';
+  return path + aPath.mid(folder.size());
 }
 
 TVelumFileId ToId(const struct stat& aStat) {
@@ -98,6 +144,10 @@ void SetFaults(CVelumFaults* aFaults) {
   gFaults = aFaults;
 }
 
+void MayFail(EOsCall aCall, const QString& aPath) {
+  RaiseOnFault(aCall, aPath);
+}
+
 void Raise(int aErrno, const QString& aPath) {
   CVelumError::RaiseHost(HostNumber(aErrno),
                          aPath + u" ("_s + QString::fromLocal8Bit(std::strerror(aErrno)) + u')');
@@ -109,7 +159,10 @@ int Open(const QString& aPath, int aFlags, unsigned aMode) {
     return -1;
   }
   QByteArray name = QFile::encodeName(aPath);
-  return Retry([&] { return ::open(name.constData(), aFlags | O_CLOEXEC, static_cast<mode_t>(aMode)); });
+  const int fd =
+      Retry([&] { return ::open(name.constData(), aFlags | O_CLOEXEC, static_cast<mode_t>(aMode)); });
+  if (fd >= 0) Tell({EOsCall::Open, aPath, fd});
+  return fd;
 }
 
 void Close(int aFd) {
@@ -130,26 +183,29 @@ qint64 Read(int aFd, const QString& aPath, char* aTo, qint64 aLen) {
 }
 
 void WriteAt(int aFd, const QString& aPath, const char* aFrom, qint64 aLen, qint64 aPos) {
-  WriteAll(aPath, aLen,
+  WriteAll({EOsCall::Write, aPath, aFd, {}, aPos, aFrom, aLen},
            [&](qint64 aDone, size_t aRest) { return ::pwrite(aFd, aFrom + aDone, aRest, aPos + aDone); });
 }
 
 void Write(int aFd, const QString& aPath, const char* aFrom, qint64 aLen) {
-  WriteAll(aPath, aLen, [&](qint64 aDone, size_t aRest) { return ::write(aFd, aFrom + aDone, aRest); });
+  WriteAll({EOsCall::Write, aPath, aFd, {}, -1, aFrom, aLen},
+           [&](qint64 aDone, size_t aRest) { return ::write(aFd, aFrom + aDone, aRest); });
 }
 
 void Truncate(int aFd, const QString& aPath, qint64 aSize) {
   RaiseOnFault(EOsCall::Truncate, aPath);
   RaiseIf(Retry([&] { return ::ftruncate(aFd, aSize); }) != 0, aPath);
+  Tell({EOsCall::Truncate, aPath, aFd, {}, -1, nullptr, aSize});
 }
 
 void Sync(int aFd, const QString& aPath) {
   RaiseOnFault(EOsCall::Sync, aPath);
   RaiseIf(Retry([&] { return ::fsync(aFd); }) != 0, aPath);
+  Tell({EOsCall::Sync, aPath, aFd});
 }
 
 void SyncFolderOf(const QString& aPath) {
-  QString folder = QFileInfo(aPath).absolutePath();
+  const QString folder = FolderOf(aPath);
   RaiseOnFault(EOsCall::SyncFolder, folder);
   QByteArray name = QFile::encodeName(folder);
   int fd = Retry([&] { return ::open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
@@ -159,17 +215,21 @@ void SyncFolderOf(const QString& aPath) {
   ::close(fd);
   // Some file systems cannot sync a folder and say so with EINVAL; there is nothing more to be done there.
   if (res != 0 && error != EINVAL) Raise(error, folder);
+  Tell({EOsCall::SyncFolder, folder});
 }
 
 void Rename(const QString& aFrom, const QString& aTo) {
   RaiseOnFault(EOsCall::Rename, aTo);
   RaiseIf(::rename(QFile::encodeName(aFrom).constData(), QFile::encodeName(aTo).constData()) != 0, aTo);
+  Tell({EOsCall::Rename, aTo, -1, aFrom});
 }
 
 bool Link(const QString& aFrom, const QString& aTo) {
   errno = Fault(EOsCall::Link, aTo);
-  if (errno == 0 && ::link(QFile::encodeName(aFrom).constData(), QFile::encodeName(aTo).constData()) == 0)
+  if (errno == 0 && ::link(QFile::encodeName(aFrom).constData(), QFile::encodeName(aTo).constData()) == 0) {
+    Tell({EOsCall::Link, aTo, -1, aFrom});
     return true;
+  }
   if (errno == EPERM || errno == EOPNOTSUPP || errno == EMLINK || errno == EACCES) return false;
   Raise(errno, aTo);
 }
@@ -177,6 +237,7 @@ bool Link(const QString& aFrom, const QString& aTo) {
 void Unlink(const QString& aPath) {
   RaiseOnFault(EOsCall::Unlink, aPath);
   RaiseIf(::unlink(QFile::encodeName(aPath).constData()) != 0 && errno != ENOENT, aPath);
+  Tell({EOsCall::Unlink, aPath});
 }
 
 void RemoveQuietly(const QString& aPath) {
@@ -187,27 +248,25 @@ void RemoveQuietly(const QString& aPath) {
 }
 
 bool TryLock(int aFd, const QString& aPath) {
-  RaiseOnFault(EOsCall::Lock, aPath);
-  if (Retry([&] { return ::flock(aFd, LOCK_EX | LOCK_NB); }) == 0) return true;
-  if (errno == EWOULDBLOCK) return false;
-  if (errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS) return true;
-  Raise(errno, aPath);
+  return Locked(aFd, aPath, LOCK_EX);
 }
 
-void LockShared(int aFd) {
-  static_cast<void>(Retry([&] { return ::flock(aFd, LOCK_SH | LOCK_NB); }));
+bool TryLockShared(int aFd, const QString& aPath) {
+  return Locked(aFd, aPath, LOCK_SH);
 }
 
-void CopyMode(int aFd, const QString& aPath, const QString& aLike) {
-  struct stat like;
-  if (::stat(QFile::encodeName(aLike).constData(), &like) != 0) return;
-  RaiseOnFault(EOsCall::Chmod, aPath);
-  // Only root may give a file away; for others the group may work alone.
-  if (::fchown(aFd, like.st_uid, like.st_gid) != 0 &&
-      ::fchown(aFd, static_cast<uid_t>(-1), like.st_gid) != 0) {
-    errno = 0;
+void Unlock(int aFd) {
+  ::flock(aFd, LOCK_UN);
+}
+
+bool WaitFor(const std::function<bool()>& aTry) {
+  using namespace std::chrono_literals;
+  const auto end = std::chrono::steady_clock::now() + 5s;
+  while (!aTry()) {
+    if (Fault(EOsCall::Wait, {}) != 0 || std::chrono::steady_clock::now() >= end) return false;
+    if (!gFaults) std::this_thread::sleep_for(20ms);
   }
-  RaiseIf(::fchmod(aFd, like.st_mode & 07777) != 0, aPath);
+  return true;
 }
 
 bool IsRegular(int aFd) {
@@ -230,15 +289,22 @@ TVelumFileId IdOf(int aFd) {
   return ::fstat(aFd, &info) == 0 ? ToId(info) : TVelumFileId();
 }
 
+// The text of a path is never shortened: only the system knows where ".." leads behind a link.
 QString RealPath(const QString& aPath) {
   constexpr int EMaxLinks = 40; // as the system's own limit
-  QString path = aPath;
+  QByteArray path = QFile::encodeName(aPath);
+  if (GoesUp(FolderPart(path))) path = InRealFolder(path);
   for (int i = 0; i < EMaxLinks; ++i) {
-    QFileInfo info(path);
-    if (!info.isSymLink()) return path;
-    path = info.symLinkTarget();
+    const QByteArray target = LinkTarget(path);
+    if (target.isEmpty()) break;
+    path = InRealFolder(target.startsWith('/') ? target : FolderPart(path) + target);
   }
-  return path;
+  return QFile::decodeName(path);
+}
+
+QString FolderOf(const QString& aPath) {
+  const qsizetype slash = aPath.lastIndexOf(u'/');
+  return slash < 0 ? u"."_s : slash == 0 ? u"/"_s : aPath.left(slash);
 }
 
 } // namespace CVelumOs

@@ -4,8 +4,21 @@
 
 #include "core/CVelumError.h"
 
+#include <functional>
+
 // Kinds of calls, as a test sees them.
-enum class EOsCall { Open, Read, Write, Truncate, Sync, SyncFolder, Rename, Link, Unlink, Lock, Chmod };
+enum class EOsCall { Open, Read, Write, Truncate, Sync, SyncFolder, Rename, Link, Unlink, Lock, Chmod, Wait };
+
+// A call that has changed something, or brought it to the disk.
+struct TVelumOsStep {
+  EOsCall iCall;
+  QString iPath;                // of a rename or link the new name; of SyncFolder the folder
+  int iFd = -1;                 // of calls on an open file
+  QString iFrom = {};           // of a rename or link the old name
+  qint64 iPos = -1;             // of a write; -1: where the descriptor stood
+  const char* iBytes = nullptr; // of a write
+  qint64 iLen = 0;              // of a write; of Truncate the size
+};
 
 // Asked before every call. Tests install one; the program has none.
 class CVelumFaults {
@@ -14,6 +27,8 @@ public:
   // 0 lets the call happen, otherwise it fails with that errno. aLen is the byte count of a Write; a
   // failing write that sets it to a smaller one has written so many bytes before it fails.
   virtual int Before(EOsCall aCall, const QString& aPath, qint64& aLen) = 0;
+  // Told of every Open, Write, Truncate, Sync, SyncFolder, Rename, Link and Unlink that was done.
+  virtual void Done(const TVelumOsStep& aStep) { static_cast<void>(aStep); }
 };
 
 // What tells one state of a file from another.
@@ -35,6 +50,8 @@ namespace CVelumOs {
 // Installs the fault source of a test; null removes it.
 void SetFaults(CVelumFaults* aFaults);
 
+// For calls that stand elsewhere: raises what a test wants of this one.
+void MayFail(EOsCall aCall, const QString& aPath);
 // Raises the host error of an errno, with aPath and the system's text behind the plain description.
 [[noreturn]] void Raise(int aErrno, const QString& aPath);
 
@@ -64,16 +81,22 @@ void RemoveQuietly(const QString& aPath);
 // Takes the lock of a file without waiting; false when another holder has it. On file systems without locks
 // it is always had.
 [[nodiscard]] bool TryLock(int aFd, const QString& aPath);
-// Takes a shared lock without waiting, instead of the other if that is held; a failure is none.
-void LockShared(int aFd);
-// Gives the file the permissions and, as far as allowed, the owner of aLike.
-void CopyMode(int aFd, const QString& aPath, const QString& aLike);
+// Takes a shared lock without waiting, instead of the other if that is held; false when another holder has
+// the file for itself alone. A lock that was held before is then gone.
+[[nodiscard]] bool TryLockShared(int aFd, const QString& aPath);
+// Gives up whatever lock there is.
+void Unlock(int aFd);
+// Asks aTry again and again until it says true, for up to five seconds; false when it never did.
+[[nodiscard]] bool WaitFor(const std::function<bool()>& aTry);
 
 [[nodiscard]] bool IsRegular(int aFd);
 [[nodiscard]] bool IsFolder(int aFd);
 [[nodiscard]] TVelumFileId IdOf(const QString& aPath);
 [[nodiscard]] TVelumFileId IdOf(int aFd);
-// aPath with all symbolic links followed, also when the last target does not exist.
+// aPath with all symbolic links followed as the system follows them, also when the last target does not
+// exist.
 [[nodiscard]] QString RealPath(const QString& aPath);
+// The folder that holds aPath, as the path names it: without an end of its own, "." for a bare name.
+[[nodiscard]] QString FolderOf(const QString& aPath);
 
 } // namespace CVelumOs

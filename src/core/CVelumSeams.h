@@ -15,6 +15,12 @@ public:
   virtual bool Message(qint32 aMsg, EMsgClass aClass, const QString& aName, const QString& aText) = 0;
   // A plain box with nothing but a text.
   virtual void Tell(const QString& aText) = 0;
+  // Asks for one of several things, each named by a text; the index of the one that was chosen, -1 for none.
+  virtual int Choose(const QString& aText, const QStringList& aChoices) {
+    static_cast<void>(aText);
+    static_cast<void>(aChoices);
+    return -1;
+  }
   // Opens a page of the help by its name (without ending).
   virtual void HelpPage(const QString& aPage) = 0;
   // Progress of a running script: a count of steps; 0 means none runs.

@@ -78,8 +78,13 @@ void CVelumBlobStore::SetFile(const QString& aFilename) {
   if (iFile) return;
   auto file = MakeRef<CVelumFile>(aFilename, EFilReadWrite);
   file->OpenFile();
-  file->LockShared();
-  iFile = file;
+  static_cast<void>(file->TryLockShared());
+  SetFile(file);
+}
+
+void CVelumBlobStore::SetFile(const Ref<CVelumFile>& aFile) {
+  if (iFile) return;
+  iFile = aFile;
   NoteFileId();
 }
 

@@ -30,11 +30,14 @@ public:
   // Opens aFilename for reading and writing when no file is open; otherwise nothing. The open file bears a
   // shared lock, so that nobody else saves into it.
   void SetFile(const QString& aFilename);
+  // The same with a file that is open already and bears that lock.
+  void SetFile(const Ref<CVelumFile>& aFile);
   void CloseFile();
   // The state of the open file when it was opened or noted last; empty when none is open.
   [[nodiscard]] const TVelumFileId& FileId() const { return iFileId; }
   void NoteFileId();
-  // For a store without an open file: the state of the document that it was read from or written to.
+  // The state of the document that it was read from or written to, for a store without an open file or when
+  // the document may have changed since.
   void SetFileId(const TVelumFileId& aId) { iFileId = aId; }
   [[nodiscard]] bool Changed() const override;
   void SetChanged(bool aChanged) override;

@@ -6,10 +6,9 @@
 
 namespace CVelumBinLoad {
 
-// Reads the stack and the state of its windows. The stack's blob store keeps the file open. Throws.
-void Load(const QString& aFilename, Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
-
-// Whether the file can be loaded and its blobs stand where its table says. Asks nobody.
-[[nodiscard]] bool IsWhole(const QString& aFilename);
+// Reads the stack and the state of its windows from aFile, which is open (EFilReadWrite) and named as the
+// stack is to be. The stack's blob store keeps the file. Throws; the out-arguments are only set when all went
+// well.
+void Load(const Ref<CVelumFile>& aFile, Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
 
 } // namespace CVelumBinLoad

@@ -6,41 +6,50 @@
 #include "persist/CVelumBinLoad.h"
 #include "persist/CVelumJournal.h"
 #include "persist/CVelumListLimit.h"
-#include "persist/CVelumNewFile.h"
-#include "persist/CVelumOtherVersion.h"
 #include "persist/CVelumSaveCheck.h"
+#include "persist/CVelumSaveTarget.h"
 
 #include <algorithm>
 
 using namespace CVelumBinFormat;
 
-CVelumBinSave::CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView)
-    : iFilename(std::move(aFilename)), iPath(CVelumOs::RealPath(iFilename)), iStack(aStack), iView(aView),
-      iStoreRef(aStack.BlobStore()), iStore(CVelumChecked::Deref(iStoreRef)) {}
+namespace {
 
-bool CVelumBinSave::Recover(const QString& aFilename) {
-  QString path = CVelumOs::RealPath(aFilename);
-  return CVelumJournal::Recover(path, [&] { return CVelumBinLoad::IsWhole(path); });
+// Where this fails too, the journal stays, and the next who opens the file puts it right; till then its old
+// bytes are laid over the file in memory.
+void RollBack(CVelumJournal& aJournal, CVelumFile& aFile) {
+  try {
+    aJournal.RollBack();
+  } catch (const CVelumException&) { // the failure of the save is the one to tell
+    try {
+      if (!aJournal.Finished()) aFile.SetPatch(aJournal.OldBytes());
+    } catch (const CVelumException&) { // neither the disk nor the journal can be read
+    }
+  }
 }
 
+} // namespace
+
+CVelumBinSave::CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView)
+    : iFilename(std::move(aFilename)), iStack(aStack), iView(aView), iStoreRef(aStack.BlobStore()),
+      iStore(CVelumChecked::Deref(iStoreRef)) {}
+
 void CVelumBinSave::Run() {
-  // A save that failed and could not be undone either may have left the file half written.
-  bool own = iStore.FileId().SameFile(CVelumOs::IdOf(iPath));
-  if (Recover(iFilename) && own) iStore.NoteFileId();
+  CVelumSaveTarget target(iFilename, iStack);
   iStack.PrepareForSave();
-  CVelumBlobStore::TState state = iStore.State();
+  const CVelumBlobStore::TState state = iStore.State();
   const QSet<qint32> damaged = iStore.Damaged();
   try {
-    WriteAll();
+    WriteAll(target);
   } catch (...) {
-    if (!iWritten) TakeBack(state);
+    if (!iWritten) iStore.Restore(state);
     if (iTouched) iStore.NoteFileId();
     throw;
   }
   iStore.NoteFileId();
   iStack.SetChanged(false);
   TellDamage(damaged);
-  CVelumOtherVersion::Tell(iFilename, iKept);
+  target.TellKept();
 }
 
 // What the save itself has found, besides what was known before.
@@ -55,45 +64,32 @@ void CVelumBinSave::TellDamage(const QSet<qint32>& aBefore) const {
           names.join(u", "_s)));
 }
 
-void CVelumBinSave::TakeBack(const CVelumBlobStore::TState& aState) {
-  iStore.Restore(aState);
-  if (!iKept.isEmpty()) CVelumOs::RemoveQuietly(iKept);
-}
-
-void CVelumBinSave::WriteAll() {
+void CVelumBinSave::WriteAll(CVelumSaveTarget& aTarget) {
   CVelumListCut cut(iStack);
   iStore.SwitchToFileBased();
   iStore.ReleaseChangedPlaces();
   CVelumSaveCheck::CheckBlobs(iStore);
-  const bool fits = FitsInPlace();
-  // A file of its own needs no measuring: it is refused while it is written, and is gone then.
-  if (fits) SetPointerPos(EHeadLen + CVelumSaveCheck::Measure(iStack, iView));
-  if (OtherVersionIsThere()) iKept = CVelumOtherVersion::Keep(iPath);
-  // The tables of others who have the file open would no longer tell where the blobs are.
-  if (fits && iStore.File()->TryLockAlone()) {
-    WriteInPlace();
-  } else {
-    WriteBeside();
-  }
+  if (TakeAlone(aTarget))
+    WriteInPlace(aTarget);
+  else
+    WriteBeside(aTarget);
+}
+
+// Whether the file may be changed in place, which nobody else may then have open: the tables of others would
+// no longer tell where the blobs are. Only a file that has blobs worth leaving where they are, and only the
+// one that has been open all the time. That is looked at last, when the locks are held.
+bool CVelumBinSave::TakeAlone(const CVelumSaveTarget& aTarget) {
+  const Ref<CVelumFile> file = iStore.File();
+  if (!file || file->Patch() || !iStore.HasBlobsOnFile() || !iStore.IsSound()) return false;
+  if (!file->TryLockAlone()) return false;
+  if (aTarget.IsKnown()) return true;
+  static_cast<void>(file->TryLockShared());
+  return false;
 }
 
 void CVelumBinSave::SetPointerPos(qint64 aPos) {
   iPointerPos = CVelumChecked::Narrow<qint32>(aPos);
   iBlobPos = CVelumChecked::Add(iPointerPos, static_cast<qint32>(EPointerLen));
-}
-
-// The file that this stack was loaded from or saved to last is no longer what it was then.
-bool CVelumBinSave::OtherVersionIsThere() const {
-  if (iStack.Filename() != iFilename || !iStore.FileId().Exists()) return false;
-  TVelumFileId there = CVelumOs::IdOf(iPath);
-  return there.Exists() && there != iStore.FileId();
-}
-
-// Only a file that is known, and that has blobs worth leaving where they are.
-bool CVelumBinSave::FitsInPlace() const {
-  bool known =
-      iStack.Filename() == iFilename && iStore.FileId().Exists() && CVelumOs::IdOf(iPath) == iStore.FileId();
-  return known && iStore.HasBlobsOnFile() && iStore.IsSound();
 }
 
 void CVelumBinSave::WriteStackData(CVelumFile& aFile) {
@@ -125,60 +121,75 @@ void CVelumBinSave::WriteTable(CVelumFile& aFile) {
   iStore.Externalize(aFile);
 }
 
-void CVelumBinSave::WriteInPlace() {
-  CVelumJournal journal(iPath);
-  Ref<CVelumFile> file = iStore.File();
-  iTouched = true;
+// The new document, over the one in aFile, before anything in the file has changed.
+Ref<CVelumFilePatch> CVelumBinSave::Collect(CVelumFile& aFile) {
+  SetPointerPos(EHeadLen + CVelumSaveCheck::Measure(iStack, iView));
+  auto patch = MakeRef<CVelumFilePatch>(aFile.Size());
+  aFile.SetPatch(patch);
+  iStore.SetNewStartPos(iBlobPos);
+  WriteStackData(aFile);
+  // Anything else would overwrite blobs.
+  if (aFile.CurrentPos() != iPointerPos) CVelumError::RaiseHost(EHostBadCall, iStack.ObjDescr());
+  iStore.Commit();
+  WriteTable(aFile);
+  aFile.Flush();
+  return patch;
+}
+
+void CVelumBinSave::RefuseUnreadable(const Ref<CVelumFile>& aFile) const {
+  CVelumSaveCheck::RefuseUnreadable([&] {
+    Ref<CVelumStack> stack;
+    Ref<CVelumViewState> view;
+    CVelumBinLoad::Load(aFile, stack, view);
+  });
+}
+
+void CVelumBinSave::WriteInPlace(const CVelumSaveTarget& aTarget) {
+  const Ref<CVelumFile> file = iStore.File();
   try {
-    // What will certainly be overwritten goes to the disk at once; the rest when its turn comes.
-    journal.Cover(0, iBlobPos);
-    journal.Cover(iStore.BehindPos(), iStore.ExtLen());
-    file->SetWriteGuard(&journal);
-    iStore.SetNewStartPos(iBlobPos);
-    WriteStackData(*file);
-    // Anything else would overwrite blobs.
-    if (file->CurrentPos() != iPointerPos) CVelumError::RaiseHost(EHostBadCall, iStack.ObjDescr());
-    iStore.Commit();
-    WriteTable(*file);
-    file->Sync();
-    journal.Finish();
+    CVelumJournal journal(aTarget.Path(), file->Fd());
+    try {
+      const Ref<CVelumFilePatch> patch = Collect(*file);
+      RefuseUnreadable(file);
+      file->SetPatch(nullptr);
+      journal.Write(*patch);
+      iTouched = true;
+      journal.Apply(*patch);
+      journal.Finish();
+    } catch (...) {
+      file->SetPatch(nullptr);
+      iWritten = journal.Finished();
+      if (!iWritten) RollBack(journal, *file);
+      throw;
+    }
   } catch (...) {
-    file->DropBuffer();
-    file->SetWriteGuard(nullptr);
-    file->LockShared();
-    iWritten = journal.Finished();
-    if (!iWritten) RollBack(journal);
+    static_cast<void>(file->TryLockShared());
     throw;
   }
-  file->SetWriteGuard(nullptr);
-  file->LockShared();
+  static_cast<void>(file->TryLockShared());
   iWritten = true;
 }
 
-// Where this fails too, the journal stays, and the next who opens the file puts it right.
-void CVelumBinSave::RollBack(CVelumJournal& aJournal) {
-  try {
-    aJournal.RollBack();
-  } catch (const CVelumException&) { // the failure of the save is the one to tell
-  }
-}
-
-void CVelumBinSave::WriteBeside() {
-  CVelumNewFile target(iPath);
+// The lock of the new file is that of the blob store's file too, so that nobody has it for himself in
+// between.
+void CVelumBinSave::WriteBeside(CVelumSaveTarget& aTarget) {
+  CVelumNewFile& target = aTarget.NewFile();
   auto file = MakeRef<CVelumFile>(target.Path(), EFilReadWrite);
-  file->OpenFile();
-  file->LockShared();
+  file->OpenSame(target.Fd());
   WriteReadableData(*file);
   iStore.WriteAllTo(file, iBlobPos);
   WriteTable(*file);
   file->Flush();
+  RefuseUnreadable(file);
   try {
-    target.TakePlace();
+    aTarget.TakePlace();
   } catch (...) {
     iWritten = iTouched = target.Placed();
     if (iWritten) file->SetFilename(iFilename);
+    if (iWritten) static_cast<void>(file->TryLockShared());
     throw;
   }
   file->SetFilename(iFilename);
+  static_cast<void>(file->TryLockShared());
   iWritten = true;
 }

@@ -4,7 +4,7 @@
 #include "model/CVelumStack.h"
 #include "persist/CVelumViewState.h"
 
-class CVelumJournal;
+class CVelumSaveTarget;
 
 // Where blobs stay at their places the document is changed in place, under a journal; otherwise it is
 // written whole beside the old one, which it then replaces. After a failure the document on the disk, the
@@ -14,25 +14,21 @@ public:
   // aFilename as the user named it; symbolic links are followed.
   CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView);
   void Run();
-  // Puts the document at aFilename right if a save of it was cut off; true if it was changed.
-  static bool Recover(const QString& aFilename);
 
 private:
-  void WriteAll();
+  void WriteAll(CVelumSaveTarget& aTarget);
   void TellDamage(const QSet<qint32>& aBefore) const;
-  void TakeBack(const CVelumBlobStore::TState& aState);
-  [[nodiscard]] bool OtherVersionIsThere() const;
-  [[nodiscard]] bool FitsInPlace() const;
-  void WriteInPlace();
-  static void RollBack(CVelumJournal& aJournal);
-  void WriteBeside();
+  [[nodiscard]] bool TakeAlone(const CVelumSaveTarget& aTarget);
+  void WriteInPlace(const CVelumSaveTarget& aTarget);
+  [[nodiscard]] Ref<CVelumFilePatch> Collect(CVelumFile& aFile);
+  void RefuseUnreadable(const Ref<CVelumFile>& aFile) const;
+  void WriteBeside(CVelumSaveTarget& aTarget);
   void SetPointerPos(qint64 aPos);
   void WriteStackData(CVelumFile& aFile);
   void WriteReadableData(CVelumFile& aFile);
   void WriteTable(CVelumFile& aFile);
 
   QString iFilename;
-  QString iPath; // of the file itself, behind all symbolic links
   CVelumStack& iStack;
   CVelumViewState& iView;
   Ref<CVelumBlobStore> iStoreRef;
@@ -41,5 +37,4 @@ private:
   qint32 iBlobPos = 0;    // of the blob area, behind that pointer
   bool iWritten = false;  // the new document is there
   bool iTouched = false;  // the file's state has changed, if only for a while
-  QString iKept;          // name under which another version was kept
 };

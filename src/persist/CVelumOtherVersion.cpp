@@ -14,13 +14,9 @@ namespace {
 
 // A name that no file has yet.
 QString FreeName(const QString& aPath) {
-  QFileInfo info(aPath);
-  QString time = info.lastModified().toString(u"yyyy-MM-dd hh.mm.ss"_s);
-  QString ending = info.suffix().isEmpty() ? QString() : u'.' + info.suffix();
+  const QDateTime time = QFileInfo(aPath).lastModified();
   for (int num = 1;; ++num) {
-    QString count = num == 1 ? QString() : u' ' + QString::number(num);
-    QString rest = u" (other version "_s + time + count + u')' + ending;
-    QString name = info.absolutePath() + u'/' + CVelumBesideName::Cut(info.completeBaseName(), rest) + rest;
+    const QString name = CVelumBesideName::Dated(aPath, u"other version"_s, time, num);
     if (!CVelumOs::IdOf(name).Exists()) return name;
   }
 }
@@ -34,13 +30,10 @@ void Copy(const QString& aFrom, const QString& aTo) {
   };
   TFd from{CVelumOs::Open(aFrom, O_RDONLY)};
   if (from.iFd < 0) CVelumOs::Raise(errno, aFrom);
-  TFd to{CVelumOs::Open(copy.Path(), O_WRONLY)};
-  if (to.iFd < 0) CVelumOs::Raise(errno, copy.Path());
   QByteArray piece(EPiece, Qt::Uninitialized);
   while (qint64 len = CVelumOs::Read(from.iFd, aFrom, piece.data(), EPiece))
-    CVelumOs::Write(to.iFd, copy.Path(), piece.constData(), len);
-  CVelumOs::CopyMode(to.iFd, copy.Path(), aFrom);
-  copy.TakePlace();
+    CVelumOs::Write(copy.Fd(), copy.Path(), piece.constData(), len);
+  copy.TakePlace(aFrom);
 }
 
 } // namespace

@@ -61,6 +61,22 @@ void CVelumSaveCheck::CheckBlobs(const CVelumBlobStore& aStore) {
     if (auto* blob = static_cast<const CVelumBlob*>(aStore.Cache().ValRef(i).Obj())) CheckBlob(*blob);
 }
 
+void CVelumSaveCheck::RefuseUnreadable(const std::function<void()>& aLoad) {
+  if (!CVelumError::WasOverruled()) return;
+  CVelumError::CStrict strict;
+  try {
+    aLoad();
+  } catch (const std::exception&) {
+    CVelumError::CatchError(u"CVelumSaveCheck.RefuseUnreadable"_s);
+    const TVelumError error = CVelumError::GetErrorRecord();
+    const QString why = error.iMsgId < EMsgAssertFailed ? error.iSysDescr
+                                                        : CVelumMsg::Text(error.iMsgId, error.iP0, error.iP1);
+    Refuse(
+        u"After the failures that were passed over, the stack holds what could not be opened again: %1"_s.arg(
+            why));
+  }
+}
+
 void CVelumSaveCheck::Refuse(const QString& aReason) {
   throw CVelumException(EMsgCouldNotSave, u"CVelumSaveCheck"_s, aReason);
 }

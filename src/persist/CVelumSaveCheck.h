@@ -4,6 +4,8 @@
 #include "model/CVelumStack.h"
 #include "persist/CVelumViewState.h"
 
+#include <functional>
+
 namespace CVelumSaveCheck {
 
 // The bytes that stack and view take on file. Refuses (message EMsgCouldNotSave, with the card or background
@@ -12,6 +14,10 @@ namespace CVelumSaveCheck {
 
 // Refuses blobs that could not be read back: over 10,000,000 bytes or of none, or with a text as above.
 void CheckBlobs(const CVelumBlobStore& aStore);
+
+// After an assertion was overruled: runs aLoad, which is to read the new document back before it becomes the
+// document, and refuses when that fails. Otherwise nothing: what passed all assertions can be read.
+void RefuseUnreadable(const std::function<void()>& aLoad);
 
 // Raises EMsgCouldNotSave with a reason.
 [[noreturn]] void Refuse(const QString& aReason);

@@ -2,10 +2,18 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
 #include "persist/CVelumBinFormat.h"
 #include "persist/CVelumBinLoad.h"
 #include "persist/CVelumBinSave.h"
+#include "persist/CVelumRecovery.h"
 #include "persist/CVelumXmlStack.h"
+
+namespace {
+
+const QByteArray EXmlStart = "<";
+
+} // namespace
 
 CVelumStackFile::CVelumStackFile(QString aFilename) : iFilename(std::move(aFilename)) {}
 
@@ -27,23 +35,86 @@ bool CVelumStackFile::IsBinStack() {
 }
 
 bool CVelumStackFile::IsXmlStack() {
-  return StartsWith("<");
+  return StartsWith(EXmlStart);
 }
 
-void CVelumStackFile::LoadStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
-  CVelumBinSave::Recover(iFilename);
-  if (IsXmlStack()) {
+// The file with the lock that keeps others from saving into it. While that was waited for, another file may
+// have taken the name.
+Ref<CVelumFile> CVelumStackFile::OpenLocked() const {
+  Ref<CVelumFile> file;
+  const bool locked = CVelumOs::WaitFor([&] {
+    file = MakeRef<CVelumFile>(iFilename, qint32{EFilReadWrite});
+    file->OpenFile();
+    return file->TryLockShared() && file->FileId().SameFile(CVelumOs::IdOf(iFilename));
+  });
+  if (!locked)
+    CVelumError::RaiseHost(EHostPermissionDenied, iFilename + u" (another program is saving it)"_s);
+  return file;
+}
+
+// Lets the user choose; the file that is not chosen stays where it is.
+void CVelumStackFile::SettleDoubt() {
+  enum { EPresent, EOld };
+  const QString path = CVelumOs::RealPath(iFilename);
+  const QString old = CVelumRecovery::BuildOld(path);
+  const QString text = CVelumRecovery::DoubtText(path, old);
+  const int choice = CVelumSeams::Presenter().Choose(text, {path, old});
+  if (choice == EPresent)
+    CVelumRecovery::Dismiss(path);
+  else if (choice == EOld)
+    iFilename = old;
+  else
+    CVelumError::RaiseHost(EHostPermissionDenied, text);
+}
+
+void CVelumStackFile::LoadAny(const Ref<CVelumFile>& aFile, Ref<CVelumStack>& aStack,
+                              Ref<CVelumViewState>& aView) {
+  const QByteArray start = aFile->PeekAt(0, CVelumBinFormat::EMagicLen);
+  if (start.startsWith(EXmlStart)) {
     LoadXmlStack(aStack, aView);
-  } else if (IsBinStack()) {
-    LoadBinStack(aStack, aView);
+  } else if (start == CVelumBinFormat::EMagic) {
+    LoadBinStack(aFile, aStack, aView);
   } else {
     CVelumError::Throw(EMsgNotAOrvelle, u"CVelumStackFile.LoadStack"_s, iFilename, {});
   }
 }
 
-void CVelumStackFile::LoadBinStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
+// False when something has written to the file, or given its name to another, while it was read.
+bool CVelumStackFile::LoadUnchanged(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
+  const bool there = CVelumOs::IdOf(iFilename).Exists(); // a journal must not make a document of nothing
+  const Ref<CVelumFile> file = OpenLocked();
+  if (there && CVelumRecovery::Run(CVelumOs::RealPath(iFilename)) == CVelumRecovery::EFound::Doubt) {
+    SettleDoubt();
+    return LoadUnchanged(aStack, aView);
+  }
+  const TVelumFileId before = file->FileId();
+  const auto unchanged = [&] { return file->FileId() == before && CVelumOs::IdOf(iFilename) == before; };
+  Ref<CVelumStack> stack;
+  Ref<CVelumViewState> view;
   try {
-    CVelumBinLoad::Load(iFilename, aStack, aView);
+    LoadAny(file, stack, view);
+  } catch (const std::exception&) {
+    if (unchanged()) throw;
+    return false;
+  }
+  if (!unchanged()) return false;
+  stack->BlobStore()->SetFileId(before);
+  aStack = stack;
+  aView = view;
+  return true;
+}
+
+void CVelumStackFile::LoadStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
+  constexpr int ETries = 3;
+  for (int i = 0; i < ETries; ++i)
+    if (LoadUnchanged(aStack, aView)) return;
+  CVelumError::RaiseHost(EHostPermissionDenied, iFilename + u" (another program is writing to it)"_s);
+}
+
+void CVelumStackFile::LoadBinStack(const Ref<CVelumFile>& aFile, Ref<CVelumStack>& aStack,
+                                   Ref<CVelumViewState>& aView) {
+  try {
+    CVelumBinLoad::Load(aFile, aStack, aView);
   } catch (...) {
     CVelumError::CatchError(u"CVelumLib.LoadBinStack"_s);
     CVelumError::Rethrow();

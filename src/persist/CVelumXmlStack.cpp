@@ -4,10 +4,8 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumXmlParser.h"
 #include "core/CVelumXmlWriter.h"
-#include "persist/CVelumBinSave.h"
-#include "persist/CVelumNewFile.h"
-#include "persist/CVelumOtherVersion.h"
 #include "persist/CVelumSaveCheck.h"
+#include "persist/CVelumSaveTarget.h"
 
 #include <algorithm>
 
@@ -43,14 +41,11 @@ void WriteOrRefuse(const QString& aPath, CVelumStack& aStack, CVelumViewState& a
     if (e.Number() != EHostBadCall && e.Number() != EHostOverflow) throw;
     CVelumSaveCheck::Refuse(e.Descr());
   }
-}
-
-// Whether the file is another than the one that the stack was loaded from or saved to last.
-bool OtherVersionIsThere(const QString& aFilename, const QString& aPath, const CVelumStack& aStack,
-                         const CVelumBlobStore& aStore) {
-  if (aStack.Filename() != aFilename || !aStore.FileId().Exists()) return false;
-  const TVelumFileId there = CVelumOs::IdOf(aPath);
-  return there.Exists() && there != aStore.FileId();
+  CVelumSaveCheck::RefuseUnreadable([&] {
+    Ref<CVelumStack> stack;
+    Ref<CVelumViewState> view;
+    CVelumXmlStack::Load(aPath, stack, view);
+  });
 }
 
 // A text cannot hold the bytes of what is no picture any more.
@@ -83,7 +78,6 @@ void TakeBlobs(CVelumBlobStore& aStore) {
 } // namespace
 
 void CVelumXmlStack::Load(const QString& aFilename, Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
-  const TVelumFileId id = CVelumOs::IdOf(CVelumOs::RealPath(aFilename));
   CVelumXmlParser parser(aFilename);
   parser.OpenFile();
   parser.ReadHeader();
@@ -97,7 +91,6 @@ void CVelumXmlStack::Load(const QString& aFilename, Ref<CVelumStack>& aStack, Re
   ReadPart(parser, *view, u"LoadXml iStackView"_s);
   parser.ReadTheNext(ERoot, true);
   parser.CloseFile();
-  stack->BlobStore()->SetFileId(id);
   stack->ResetChangeInfo();
   stack->ResetChanged();
   aStack = stack;
@@ -105,26 +98,21 @@ void CVelumXmlStack::Load(const QString& aFilename, Ref<CVelumStack>& aStack, Re
 }
 
 void CVelumXmlStack::Save(const QString& aFilename, CVelumStack& aStack, CVelumViewState& aView) {
-  static_cast<void>(CVelumBinSave::Recover(aFilename));
-  const QString path = CVelumOs::RealPath(aFilename);
+  CVelumSaveTarget target(aFilename, aStack);
   CVelumBlobStore& store = CVelumChecked::Deref(aStack.BlobStore().Get());
   aStack.PrepareForSave();
   const CVelumBlobStore::TState state = store.State();
-  QString kept;
   try {
-    CVelumNewFile target(path);
     TakeBlobs(store);
-    WriteOrRefuse(target.Path(), aStack, aView);
-    if (OtherVersionIsThere(aFilename, path, aStack, store)) kept = CVelumOtherVersion::Keep(path);
+    WriteOrRefuse(target.NewFile().Path(), aStack, aView);
     target.TakePlace();
   } catch (...) {
     store.Restore(state);
-    if (!kept.isEmpty()) CVelumOs::RemoveQuietly(kept);
     throw;
   }
   store.CloseFile();
-  store.SetFileId(CVelumOs::IdOf(path));
+  store.SetFileId(CVelumOs::IdOf(target.NewFile().Fd()));
   aStack.SetFilename(aFilename);
   aStack.SetChanged(false);
-  CVelumOtherVersion::Tell(aFilename, kept);
+  target.TellKept();
 }

@@ -8,7 +8,8 @@
 // memory, and the file does not stay open. A text that the binary form could not read back is written here.
 namespace CVelumXmlStack {
 
-// Throws; the out-arguments are only set when all went well.
+// Throws; the out-arguments are only set when all went well. The blob store does not know the state of the
+// file.
 void Load(const QString& aFilename, Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
 
 // Writes the document beside the old one, which it then replaces. After a failure the document on the disk,

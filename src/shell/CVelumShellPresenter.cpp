@@ -51,6 +51,21 @@ void CVelumShellPresenter::Tell(const QString& aText) {
   delete box;
 }
 
+// A button bears the name of a file without its folder; the text has the whole.
+int CVelumShellPresenter::Choose(const QString& aText, const QStringList& aChoices) {
+  QMessageBox box(QMessageBox::Question, u"Orvelles"_s, {}, QMessageBox::Cancel, Owner());
+  box.setTextFormat(Qt::PlainText);
+  box.setText(aText);
+  box.setInformativeText(
+      QCoreApplication::translate("CVelumShellPresenter", "Which one do you want to open?"));
+  QList<QAbstractButton*> buttons;
+  for (const QString& choice : aChoices)
+    buttons.append(box.addButton(choice.section(u'/', -1), QMessageBox::AcceptRole));
+  box.setDefaultButton(QMessageBox::Cancel);
+  box.exec();
+  return static_cast<int>(buttons.indexOf(box.clickedButton()));
+}
+
 void CVelumShellPresenter::HelpPage(const QString& aPage) {
   CVelumHelpForm::ShowPage(aPage);
 }

@@ -1,6 +1,7 @@
 // What the commands print and make.
 #include "CliRun.h"
 
+#include "persist/CVelumJournal.h"
 #include "persist/CVelumStackFile.h"
 #include "runtime/CVelumWikiTextBox.h"
 #include "support/PrintQt.h"
@@ -48,6 +49,45 @@ TEST(CVelumInfoCommand, TellsWhatAStackIsMadeOf) {
   ASSERT_EQ(fields.size(), 3);
   EXPECT_EQ(fields[2][u"name"_s].toString(), u"F2"_s);
   EXPECT_EQ(fields[2][u"type"_s].toString(), u"Real"_s);
+}
+
+// A save was cut off, and the document is another one since.
+TEST(CVelumCommands, ADocumentInDoubtIsNotOpenedAndBothAreNamed) {
+  const TempFolder folder;
+  const QString path = folder.Path(u"t.Orvelle"_s);
+  ASSERT_TRUE(QFile::copy(CliRun::Data(u"blobs.Orvelle"_s), path));
+  const QByteArray before = Bytes(path);
+  CVelumFile file(path, EFilReadWrite);
+  file.OpenFile();
+  const auto patch = MakeRef<CVelumFilePatch>(file.Size());
+  file.SetPatch(patch);
+  file.SeekPos(100);
+  file.WriteRawBytes("a save");
+  file.Flush();
+  file.SetPatch(nullptr);
+  {
+    CVelumJournal journal(path, file.Fd());
+    journal.Write(*patch);
+    ASSERT_TRUE(QFile::copy(path + u"-journal"_s, folder.Path(u"kept"_s)));
+  }
+  ASSERT_TRUE(QFile::rename(folder.Path(u"kept"_s), path + u"-journal"_s));
+  file.SeekPos(100);
+  file.WriteRawBytes("another");
+  file.CloseFile();
+  const QByteArray changed = Bytes(path);
+  for (const QString& yes : {QString(), u"--yes"_s}) {
+    QStringList arguments{u"info"_s, path};
+    if (!yes.isEmpty()) arguments.prepend(yes);
+    const TCliResult result = CliRun::Run(arguments);
+    EXPECT_EQ(result.iStatus, 1);
+    EXPECT_EQ(result.iOut, QByteArray());
+    const QStringList old = QDir(folder.Path()).entryList({u"t (before the crash *).Orvelle"_s}, QDir::Files);
+    ASSERT_EQ(old.size(), 1);
+    EXPECT_EQ(Bytes(folder.Path(old.first())), before);
+    const QString err = QString::fromUtf8(result.iErr);
+    EXPECT_TRUE(err.contains(path + u" "_s) && err.contains(old.first())) << result.iErr.constData();
+    EXPECT_EQ(Bytes(path), changed);
+  }
 }
 
 TEST(CVelumInfoCommand, TellsOfBlobsAndSortKeys) {

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fcntl.h>
 #include <functional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -298,20 +299,43 @@ TEST_F(CVelumFileTest, FailedWriteIsToldWithThePath) {
   ExpectError(EHostBadCall, [&] { file.WriteInt(2); });
 }
 
-TEST_F(CVelumFileTest, GuardIsAskedBeforeBytesChange) {
-  class CGuard : public CVelumWriteGuard {
-  public:
-    QList<std::pair<qint64, qint64>> iAsked;
-    void BeforeWrite(qint64 aPos, qint64 aLen) override { iAsked.append({aPos, aLen}); }
-  } guard;
+TEST_F(CVelumFileTest, APatchLiesOverTheFile) {
+  iFolder.Write(u"f"_s, QByteArray(2000, 'o'));
   CVelumFile file(Path(), EFilReadWrite);
   file.OpenFile();
-  file.SetWriteGuard(&guard);
-  file.WriteInt(1);
+  auto patch = MakeRef<CVelumFilePatch>(file.Size());
+  file.SetPatch(patch);
+  file.SeekPos(600);
+  file.WriteRawBytes("new");
+  file.SeekPos(1990);
   file.WriteRawBytes(QByteArray(100000, 'x'));
+  EXPECT_EQ(file.Size(), 101990);
+  EXPECT_EQ(file.PeekAt(598, 7), QByteArray("oonewoo"));
+  file.SeekPos(1988);
+  EXPECT_EQ(file.ReadRawBytes(4), QByteArray("ooxx"));
   file.Truncate(10);
-  file.Flush();
-  EXPECT_EQ(guard.iAsked, (QList<std::pair<qint64, qint64>>{{0, 4}, {4, 100000}, {10, 99994}}));
+  EXPECT_EQ(file.Size(), 10);
+  EXPECT_EQ(iFolder.Read(u"f"_s), QByteArray(2000, 'o')) << "nothing went to the file";
+  file.SetPatch(nullptr);
+  EXPECT_EQ(file.Size(), 2000);
+  EXPECT_EQ(file.PeekAt(599, 3), QByteArray("ooo"));
+}
+
+TEST_F(CVelumFileTest, TheSameOpenFileSharesItsLock) {
+  iFolder.Write(u"f"_s, "old");
+  const int fd = CVelumOs::Open(Path(), O_RDWR);
+  ASSERT_TRUE(CVelumOs::TryLock(fd, Path()));
+  CVelumFile same(Path(), EFilReadWrite);
+  same.OpenSame(fd);
+  CVelumOs::Close(fd);
+  CVelumFile other(Path(), EFilReadWrite);
+  other.OpenFile();
+  EXPECT_FALSE(other.TryLockShared());
+  EXPECT_TRUE(same.TryLockShared()) << "its own lock is no hindrance";
+  EXPECT_TRUE(other.TryLockShared());
+  EXPECT_FALSE(same.TryLockAlone());
+  other.CloseFile();
+  EXPECT_TRUE(same.TryLockAlone());
 }
 
 TEST_F(CVelumFileTest, LinesEndAtCrOrCrLf) {

@@ -47,6 +47,7 @@ TEST_F(CVelumNewFileTest, GoesAwayWhenItIsNotWanted) {
 TEST_F(CVelumNewFileTest, TwoAtOnceAreRefused) {
   CVelumNewFile first(iPath);
   Fill(first, "first");
+  FaultInjection impatient;
   EXPECT_THROW(CVelumNewFile second(iPath), CVelumException);
   first.TakePlace();
   EXPECT_EQ(iFolder.Read(u"d"_s), QByteArray("first"));

@@ -228,6 +228,24 @@ TEST_F(CVelumMsgFormTest, TellShowsPlainText) {
   CVelumSeams::Presenter().Tell(u"<b>Read-only!</b>"_s);
 }
 
+TEST_F(CVelumMsgFormTest, ChooseOffersAButtonForEachFile) {
+  const auto choose = [](const QString& aButton) {
+    WhenOpen([&aButton](QDialog& aBox) {
+      const auto* box = qobject_cast<QMessageBox*>(&aBox);
+      ASSERT_NE(box, nullptr);
+      EXPECT_EQ(box->text(), u"<b>Which?</b>"_s);
+      EXPECT_EQ(box->textFormat(), Qt::PlainText);
+      for (QAbstractButton* button : box->buttons())
+        if (button->text().remove(u'&') == aButton) return button->click();
+      ADD_FAILURE() << "no button " << aButton.toStdString();
+    });
+    return CVelumSeams::Presenter().Choose(u"<b>Which?</b>"_s, {u"/a/one.Orvelle"_s, u"/a/two.Orvelle"_s});
+  };
+  EXPECT_EQ(choose(u"one.Orvelle"_s), 0);
+  EXPECT_EQ(choose(u"two.Orvelle"_s), 1);
+  EXPECT_EQ(choose(u"Cancel"_s), -1);
+}
+
 TEST_F(CVelumMsgFormTest, ThereIsAPictureForEveryKey) {
   for (const char* key :
        {"NewStack", "OpenStack", "SaveStack", "FirstCard", "PrevCard", "NextCard", "LastCard",

@@ -14,9 +14,9 @@ public:
   // What happens at the call that was chosen.
   enum class EAct {
     None, // only count
-    Fail, // this call fails, a write after half its bytes
+    Fail, // this call fails, a write after half its blocks
     Stay, // this and all later calls fail
-    Kill  // the process ends there, a write after half its bytes
+    Kill  // the process ends there, a write after half its blocks
   };
 
   explicit FaultInjection(EAct aAct = EAct::None, int aAt = -1, int aErrno = 28 /* ENOSPC */)

@@ -43,12 +43,22 @@ public:
 
   bool Message(qint32 aMsg, EMsgClass aClass, const QString& aName, const QString& aText) override;
   void Tell(const QString& aText) override { iTold.append(aText); }
+  // What is chosen; nothing at first.
+  void SetChoice(int aChoice) { iChoice = aChoice; }
+  [[nodiscard]] const QList<QStringList>& Choices() const { return iChoices; }
+  int Choose(const QString& aText, const QStringList& aChoices) override {
+    iTold.append(aText);
+    iChoices.append(aChoices);
+    return iChoice;
+  }
   void HelpPage(const QString& aPage) override { iHelpPages.append(aPage); }
   void ScriptProgress(int aSteps) override { iProgress.append(aSteps); }
 
 private:
   QList<bool> iAnswers;
   bool iDefault = false;
+  int iChoice = -1;
+  QList<QStringList> iChoices;
   QList<TShown> iShown;
   QList<QString> iTold;
   QList<QString> iHelpPages;

@@ -1,0 +1,31 @@
+// Putting a document right after a save of it was cut off.
+#pragma once
+
+#include <QString>
+
+namespace CVelumRecovery {
+
+enum class EFound {
+  Nothing,  // the document is as its last save left it
+  Restored, // the old document was put back
+  Doubt     // something else has changed the document since: nothing was touched
+};
+
+// To be called before the document aPath (no symbolic link) is read or written. Removes what a crash has left
+// beside it, and puts the old document back where its journal says so. Where the document is gone the journal
+// is set aside. Waits for a save that runs. Raises, with a text that says what can be done: host error 70
+// when that save does not end, or when something that is no journal bears its name.
+EFound Run(const QString& aPath);
+
+// In doubt: builds the document as it was before the save that was cut off, beside the present one, as "NAME
+// (before the crash DATE).ENDING"; returns that name. Where it was built before, that file stays as it is.
+// Raises.
+[[nodiscard]] QString BuildOld(const QString& aPath);
+
+// In doubt, when the present document was chosen: removes the journal. Raises.
+void Dismiss(const QString& aPath);
+
+// What is told of a document in doubt.
+[[nodiscard]] QString DoubtText(const QString& aPath, const QString& aOld);
+
+} // namespace CVelumRecovery
