@@ -1,5 +1,6 @@
 // The part of CVelumCardView that shows and takes values.
 #include "core/CVelumChecked.h"
+#include "core/CVelumEntry.h"
 #include "core/CVelumValue.h"
 #include "runtime/CVelumCardView.h"
 #include "runtime/CVelumGenForm.h"
@@ -188,6 +189,17 @@ void CVelumCardView::ShowCombo(CVelumControl& aControl, const TVelumValue& aVal,
     // While the list is empty, the text comes with it.
     ShowComboText(*list, ComboText(aControl, aVal));
   }
+}
+
+bool CVelumCardView::EntryIsWhole(const CVelumControl& aControl, const TVelumValue& aStored) const {
+  const CVelumBaseControl* base = BaseOf(aControl);
+  const bool typed =
+      base && aControl.ConType() != EConList &&
+      (base->Kind() == EBaseTextBox || base->Kind() == EBaseRichTextBox || base->Kind() == EBaseComboBox);
+  if (!typed) return true;
+  const QString text = base->Text();
+  return CVelumEntry::IsWhole(text, aControl.FieldInfo()) ||
+         text == CVelumValue::ValToExtText(aStored, aControl.FieldInfo());
 }
 
 TVelumValue CVelumCardView::GetBaseControlVal(const CVelumControl& aControl) const {

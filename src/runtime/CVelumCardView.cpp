@@ -30,13 +30,22 @@ QAction& ControlByName(const QString& aName) {
   return CVelumChecked::Deref(action);
 }
 
-// Menus take "&" for an access key, as labels of commands are meant to have.
+// All that a layout takes from the window: the room inside and the size outside.
+std::pair<QSize, QSizeF> SizesOf(CVelumGenForm& aForm) {
+  return {aForm.size(), aForm.OuterSize()};
+}
+
+// A menu takes "&" for an access key; a label is shown there as on its button.
 void SetItem(QAction& aItem, const QString& aCaption) {
-  aItem.setText(aCaption);
+  aItem.setText(QString(aCaption).replace(u'&', u"&&"_s));
   aItem.setVisible(true);
 }
 
 } // namespace
+
+bool CVelumCardView::FitsForm() const {
+  return iCurSet && iLaidOutFor == SizesOf(ViewForm());
+}
 
 CVelumCardView::CVelumCardView(Ref<CVelumStack> aStack, QString aName)
     : iStack(std::move(aStack)), iName(std::move(aName)), iLayout(*measure) {}
@@ -86,6 +95,7 @@ void CVelumCardView::AssignControlSet(const Ref<CVelumCard>& aCard, const Ref<CV
   iLastSet = aSet;
   if (!aCard || !aSet) return;
   form.SetBackColor(CVelumCardLayout::BackColorOf(*aCard));
+  iLaidOutFor = SizesOf(form);
   iLayout.Build(form, aCard, aSet);
   SetTabOrder(form);
   AssignMenuCommands(*aSet);
@@ -239,7 +249,7 @@ void CVelumCardView::PaintWallPaper(QPainter& aPainter, const CVelumCard& aCard)
     aPainter.drawTiledPixmap(form.rect(), picture);
     return;
   }
-  const QSizeF outer = form.Place().size() / static_cast<double>(ETwipsPerPixel);
+  const QSizeF outer = form.OuterSize() / static_cast<double>(ETwipsPerPixel);
   const QSizeF size = picture.deviceIndependentSize();
   aPainter.drawPixmap(QPointF((outer.width() - size.width()) / 2, (outer.height() - size.height()) / 2),
                       picture);

@@ -5,6 +5,8 @@
 #include "runtime/CVelumCardLayout.h"
 
 #include <QSet>
+#include <QSizeF>
+#include <utility>
 
 class CVelumBasePictureBox;
 class CVelumGenForm;
@@ -53,11 +55,17 @@ public:
   // What the base control shows now; the empty string for a field that has none.
   [[nodiscard]] TVelumValue GetBaseControlVal(const CVelumControl& aControl) const;
 
+  // Whether what was typed into a field is a value of it from end to end. aStored is the card's value: what
+  // is shown for it is, whatever it looks like.
+  [[nodiscard]] bool EntryIsWhole(const CVelumControl& aControl, const TVelumValue& aStored) const;
+
   // The card form; host error 91 when there is none.
   [[nodiscard]] CVelumGenForm& ViewForm() const;
   [[nodiscard]] Ref<CVelumControlSet> CurSet() const { return iCurSet; }
   [[nodiscard]] const CVelumCardLayout& Layout() const { return iLayout; }
   [[nodiscard]] int NumFunc() const { return iNumFunc; }
+  // Whether what is laid out is so for the size that the form has.
+  [[nodiscard]] bool FitsForm() const;
 
 private:
   void RenewCard(CVelumGenForm& aForm, const CVelumCard& aCard);
@@ -80,7 +88,8 @@ private:
   std::array<Ref<CVelumControl>, CVelumCardLayout::EMaxControls> iFuncControls;
   int iNumFunc = 0;
   Ref<CVelumControlSet> iCurSet;
-  Ref<CVelumControlSet> iLastSet; // laid out last
-  QSet<qint32> iAsked;            // its fields that have failed an assertion when they were shown
-  qint32 iWallPaperId = ENoInt;   // the blob whose picture the wallpaper box holds
+  Ref<CVelumControlSet> iLastSet;       // laid out last
+  std::pair<QSize, QSizeF> iLaidOutFor; // the form's size inside and outside
+  QSet<qint32> iAsked;                  // its fields that have failed an assertion when they were shown
+  qint32 iWallPaperId = ENoInt;         // the blob whose picture the wallpaper box holds
 };

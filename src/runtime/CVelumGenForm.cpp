@@ -26,7 +26,9 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QStyleHints>
+#include <QTimer>
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -48,6 +50,8 @@ constexpr TPool gPools[] = {
 
 constexpr float EProgressWidth = 1500.0F;
 constexpr float EProgressHeight = 180.0F;
+// Until a layout that could not be made is tried again.
+constexpr int EBusyMs = 20;
 
 const TPool& PoolOf(EBase aKind) {
   return gPools[static_cast<size_t>(aKind)];
@@ -156,7 +160,7 @@ void CVelumGenForm::DropFocus() {
 }
 
 float CVelumGenForm::OuterWidth() {
-  return static_cast<float>(Place().width());
+  return static_cast<float>(OuterSize().width());
 }
 
 void CVelumGenForm::SetBackColor(qint32 aColor) {
@@ -167,6 +171,11 @@ void CVelumGenForm::SetBackColor(qint32 aColor) {
 
 void CVelumGenForm::FollowPalette() {
   setPalette(CVelumBaseColor::CardPalette(iBackColor, QGuiApplication::palette()));
+}
+
+void CVelumGenForm::FollowDesktop() {
+  FollowPalette();
+  RefreshColors();
 }
 
 void CVelumGenForm::SetCaption(const QString& aCaption) {
@@ -187,16 +196,19 @@ void CVelumGenForm::BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool&
       {EBaseTextBox, EBaseChange, &CVelumGenForm::OnChange},
       {EBaseTextBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
       {EBaseTextBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseTextBox, EBaseEscape, &CVelumGenForm::OnEscape},
       {EBaseRichTextBox, EBaseChange, &CVelumGenForm::OnChange},
       {EBaseRichTextBox, EBaseClick, &CVelumGenForm::OnClick},
       {EBaseRichTextBox, EBaseDblClick, &CVelumGenForm::OnDblClick},
       {EBaseRichTextBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
       {EBaseRichTextBox, EBasePaste, &CVelumGenForm::OnPaste},
       {EBaseRichTextBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseRichTextBox, EBaseEscape, &CVelumGenForm::OnEscape},
       {EBaseComboBox, EBaseChange, &CVelumGenForm::OnChange},
       {EBaseComboBox, EBaseClick, &CVelumGenForm::OnChange}, // a choice is a change
       {EBaseComboBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
       {EBaseComboBox, EBaseValidate, &CVelumGenForm::OnValidate},
+      {EBaseComboBox, EBaseEscape, &CVelumGenForm::OnEscape},
       {EBaseCheckBox, EBaseClick, &CVelumGenForm::OnCheckClick},
       {EBaseCheckBox, EBaseGotFocus, &CVelumGenForm::OnGotFocus},
       {EBaseCheckBox, EBaseValidate, &CVelumGenForm::OnValidate},
@@ -269,6 +281,10 @@ void CVelumGenForm::OnValidate(CVelumBaseControl& aBase, bool& ioCancel) {
   if (aBase.HasFocus() && gStackView) gStackView->BaseObjGotFocus(&aBase);
 }
 
+void CVelumGenForm::OnEscape(CVelumBaseControl& aBase, bool& ioCancel) {
+  ioCancel = gStackView->CurObj() == &aBase && gStackView->TakeBackEntry();
+}
+
 void CVelumGenForm::OnItemClick(CVelumBaseControl& aBase, bool&) {
   gStackView->BaseObjItemClick(&aBase);
 }
@@ -339,16 +355,43 @@ void CVelumGenForm::ShowLines(const CVelumBaseControl& aOver, const QString& aTe
 bool CVelumGenForm::event(QEvent* aEvent) {
   const bool done = QWidget::event(aEvent);
   if (aEvent->type() == QEvent::WindowDeactivate && gStackView) gStackView->BaseFormLostFocus();
-  if (aEvent->type() == QEvent::ApplicationPaletteChange) FollowPalette();
-  if (aEvent->type() == QEvent::PaletteChange)
-    for (CVelumBaseControl* base : std::as_const(iControls)) base->RefreshColors();
+  switch (aEvent->type()) {
+  case QEvent::ApplicationPaletteChange:
+  case QEvent::ThemeChange:
+  case QEvent::StyleChange:
+    // The toolkit goes on from here to the controls and gives them palettes of its own.
+    QMetaObject::invokeMethod(this, &CVelumGenForm::FollowDesktop, Qt::QueuedConnection);
+    FollowDesktop();
+    break;
+  case QEvent::PaletteChange:
+    RefreshColors();
+    break;
+  default:
+    break;
+  }
   return done;
+}
+
+void CVelumGenForm::RefreshColors() {
+  for (CVelumBaseControl* base : std::as_const(iControls)) base->RefreshColors();
 }
 
 void CVelumGenForm::resizeEvent(QResizeEvent* aEvent) {
   QWidget::resizeEvent(aEvent);
-  if (gStackView && IsLoaded())
-    CVelumGuard::Run(u"CVelumGenForm.Resize"_s, [] { gStackView->BaseFormResize(); });
+  if (IsLoaded()) QueueLayout(0);
+}
+
+void CVelumGenForm::QueueLayout(int aMs) {
+  if (std::exchange(iLayoutQueued, true)) return;
+  QTimer::singleShot(aMs, this, &CVelumGenForm::LayOut);
+}
+
+void CVelumGenForm::LayOut() {
+  iLayoutQueued = false;
+  if (!gStackView || !IsLoaded()) return;
+  CVelumGuard::Run(u"CVelumGenForm.Resize"_s, [] { gStackView->BaseFormResize(); });
+  // The view is in the middle of something else.
+  if (gStackView && gStackView->ResizePending()) QueueLayout(EBusyMs);
 }
 
 void CVelumGenForm::paintEvent(QPaintEvent* aEvent) {

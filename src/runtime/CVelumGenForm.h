@@ -79,6 +79,13 @@ private:
   struct TRoad;
   // Takes the colours of the desktop anew, as far as the card leaves them.
   void FollowPalette();
+  void RefreshColors();
+  // Both, for a desktop that has become another.
+  void FollowDesktop();
+  // Lays out for the size that there will be in aMs milliseconds: never while the toolkit is at a resize, for
+  // what would be painted meanwhile is painted for the size before.
+  void QueueLayout(int aMs);
+  void LayOut();
   void AddPool(EBase aKind);
   void Add(CVelumBaseControl* aBase);
   void AddOthers();
@@ -90,6 +97,7 @@ private:
   void OnGotFocus(CVelumBaseControl& aBase, bool& ioCancel);
   void OnPaste(CVelumBaseControl& aBase, bool& ioCancel);
   void OnValidate(CVelumBaseControl& aBase, bool& ioCancel);
+  void OnEscape(CVelumBaseControl& aBase, bool& ioCancel);
   void OnItemClick(CVelumBaseControl& aBase, bool& ioCancel);
   void OnEditLines(CVelumBaseControl& aBase, bool& ioCancel);
   bool LinesKey(const QKeyEvent& aKey);
@@ -102,4 +110,5 @@ private:
   QString iCaption;
   QElapsedTimer iCardClick;   // runs from a click that changed the card
   bool iDropsRelease = false; // of a double click that was dropped
+  bool iLayoutQueued = false;
 };

@@ -310,7 +310,7 @@ void CVelumListBox::SetFont(const Ref<CVelumFont>& aFont) {
 }
 
 void CVelumListBox::ApplyFont() {
-  const QFont font = CVelumLib::MakeToolkitFont(*iFont, false);
+  const QFont font = CVelumLib::MakeToolkitFont(*iFont, Flag(ELisOwnFont));
   if (auto* base = qobject_cast<CVelumBaseControl*>(iBaseObj.data())) {
     base->SetFont(font);
     base->SetForeColor(iFont->ForeColor() == ENoInt ? 0 : iFont->ForeColor());

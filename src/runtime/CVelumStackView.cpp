@@ -139,6 +139,7 @@ void CVelumStackView::LeaveCurCard() {
   if (!iCurCard) return;
   TakeLines();
   if (!iCurCard) return;
+  TakeBackEntry();
   if (iCurObj && iCurObj->Visible()) {
     bool cancel = false;
     BaseObjValidate(iCurObj, cancel);
@@ -150,6 +151,7 @@ void CVelumStackView::LeaveCurCard() {
 }
 
 void CVelumStackView::ForgetFocus() {
+  if (iCurObj) iCurObj->HideNote();
   iCurObj = nullptr;
   iCurObjChanged = false;
 }
@@ -225,27 +227,11 @@ void CVelumStackView::ShowTitle() {
       u"%1 - %2 of %3"_s.arg(iCurCard->Name(), QString::number(index + 1), QString::number(num)));
 }
 
-void CVelumStackView::Relayout() {
-  TakeLines();
-  if (iCurObjChanged) ValidateCurControl();
-  if (!iCurCard) return;
-  const Ref<CVelumControl> control = iCardView->FocusControl();
-  const int cursor = iCurObj ? iCurObj->Cursor() : 0;
-  ForgetFocus();
-  iCardView->ResetCurSet();
-  ShowCurCard();
-  FocusCurrent();
-  if (control && iCurObj && control->BaseControl() == iCurObj) iCurObj->SetCursor(cursor);
-}
-
 void CVelumStackView::BaseFormResize() {
-  if (!iCardViewOpen || !iCurCard) return;
-  iResizePending = true;
-  if (iNoChange || iValidating) return;
-  while (iResizePending && iCardViewOpen) {
-    iResizePending = false;
-    Relayout();
-  }
+  iResizePending = false;
+  if (!iCardViewOpen || !iCurCard || iCardView->FitsForm()) return;
+  iResizePending = iNoChange || iValidating;
+  if (!iResizePending) Relayout();
 }
 
 void CVelumStackView::RefreshViews(bool aCardView, bool aCardList) {
@@ -257,7 +243,7 @@ void CVelumStackView::RefreshViews(bool aCardView, bool aCardList) {
 }
 
 void CVelumStackView::GoToCard(Ref<CVelumCard> aCard) {
-  if (!Holds(aCard)) return;
+  if (!Holds(aCard) || (aCard != iCurCard && RefuseEntry())) return;
   SetCurCard(aCard);
   if (Holds(aCard)) iHistory.Add(aCard);
   FollowCard();
@@ -277,14 +263,14 @@ bool CVelumStackView::GetCurCard(Ref<CVelumCard>& aCard) const {
 }
 
 bool CVelumStackView::HistoryPrev(Ref<CVelumCard>& aCard) {
-  if (!iHistory.Prev(iCurCard, aCard)) return false;
+  if (RefuseEntry() || !iHistory.Prev(iCurCard, aCard)) return false;
   SetCurCard(aCard);
   FollowCard();
   return true;
 }
 
 bool CVelumStackView::HistoryNext(Ref<CVelumCard>& aCard) {
-  if (!iHistory.Next(iCurCard, aCard)) return false;
+  if (RefuseEntry() || !iHistory.Next(iCurCard, aCard)) return false;
   SetCurCard(aCard);
   FollowCard();
   return true;
@@ -326,7 +312,11 @@ void CVelumStackView::DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlS
   CVelumError::AssertObj(aCard->Stack() == iStack.Get(), this, u"DeleteCard"_s, u"stack"_s);
   if (!Holds(aCard)) return;
   iHistory.Remove(*aCard);
-  if (aCard == iCurCard) LeaveDeletedCard(aCard, aExclude);
+  if (aCard == iCurCard) {
+    // What was typed into it goes with the card.
+    TakeBackEntry();
+    LeaveDeletedCard(aCard, aExclude);
+  }
   if (!iCurCard && iCardViewOpen) iCardView->Clear();
   iStack->DeleteCard(aCard);
   if (iCardListOpen) OpenCardList();

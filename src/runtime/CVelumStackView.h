@@ -68,18 +68,23 @@ public:
   // Closes all and unloads the forms.
   void Release();
   // Takes what stands in the field that has the focus. The focus stays, and what is typed next is taken too.
-  void ValidateCurControl();
+  // False when the entry was refused, as RefuseEntry has it.
+  bool ValidateCurControl();
+  // Takes what stands in the field that has the focus, if it can be taken.
   void LeaveCurCard();
   // Takes the places of the open windows into the state.
   void UpdateRect();
   void RefreshViews(bool aCardView, bool aCardList);
-  // Lays out the card window anew; what is being typed is taken first.
+  // Lays out the card window anew when its size is another; what is being typed is taken first. While the
+  // view is in the middle of a change nothing is done: then ResizePending, and it is to be called again.
   void BaseFormResize();
+  [[nodiscard]] bool ResizePending() const { return iResizePending; }
   // Goes to the card that is selected in the list.
   void GoToSelectedCard();
   // Fits the list to its window.
   void ResizeCardList();
   void EmptyStack();
+  // Nothing happens while RefuseEntry refuses.
   void GoToCard(Ref<CVelumCard> aCard);
   void SetFocusToCardView();
   [[nodiscard]] bool GetCurCard(Ref<CVelumCard>& aCard) const;
@@ -121,9 +126,17 @@ public:
   // other target is the name of a card to go to.
   void BaseObjLink(CVelumBaseControl* aObj, const QString& aTarget);
   void BaseObjGotFocus(CVelumBaseControl* aObj);
-  // Stores the clipboard's text as the value of the field; the window is not told.
+  // Makes the clipboard's text the value of a field that may be changed, and shows it. Without a text in the
+  // clipboard nothing happens.
   void BaseObjPaste(CVelumBaseControl* aObj);
+  // Cancelled when the entry is refused.
   void BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel);
+  // Whether what was typed into the field that has the focus is no value of that field from end to end. Then
+  // a note at the field says so, and it gets the focus back: nothing that leaves the field, the card or the
+  // stack may go on until the entry is mended or taken back.
+  [[nodiscard]] bool RefuseEntry();
+  // Brings back the value that was there before such an entry; false when there is none.
+  bool TakeBackEntry();
   // Nothing is to be done: the focus goes next, and validates its field by an event of its own. This one
   // comes while the toolkit walks over the widgets of the window, where no other events may be let in.
   void BaseFormLostFocus() {}
@@ -140,6 +153,10 @@ private:
   void ShowTitle();
   void Relayout();
   void FocusCurrent();
+  [[nodiscard]] Ref<CVelumControl> UnreadControl() const;
+  struct TKept;
+  [[nodiscard]] TKept KeepEntry() const;
+  void RestoreEntry(const TKept& aKept);
   void ForgetFocus();
   [[nodiscard]] bool FindOtherCard(const Ref<CVelumControlSet>& aExclude, Ref<CVelumCard>& aCard) const;
   void LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);

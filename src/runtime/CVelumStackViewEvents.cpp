@@ -77,6 +77,8 @@ void CVelumStackView::ShowStored(CVelumControl& aControl) {
 
 void CVelumStackView::BaseObjChange(CVelumBaseControl* aObj) {
   if (iNoChange || iValidating || !Bound(aObj)) return;
+  // A text that is dropped elsewhere would be forgotten.
+  if (aObj != iCurObj && RefuseEntry()) return ShowStored(*iCardView->VelumControl(aObj));
   Touch(aObj);
   iCurObjChanged = true;
 }
@@ -89,7 +91,8 @@ void CVelumStackView::Touch(CVelumBaseControl* aObj) {
 }
 
 void CVelumStackView::BaseObjGotFocus(CVelumBaseControl* aObj) {
-  if (aObj == iCurObj || !Bound(aObj)) return;
+  // The field with an entry that is refused has the focus on its way back.
+  if (aObj == iCurObj || !Bound(aObj) || UnreadControl()) return;
   const Ref<CVelumControlSet> set = iCurCard ? iCurCard->Background() : nullptr;
   if (set && set->Flag(ECseKeepCardsSorted)) {
     const Ref<CVelumArray> index = set->KeyIndex();
@@ -103,23 +106,28 @@ void CVelumStackView::BaseObjGotFocus(CVelumBaseControl* aObj) {
 
 void CVelumStackView::BaseObjPaste(CVelumBaseControl* aObj) {
   const Ref<CVelumControl> control = iCurCard && Bound(aObj) ? iCardView->VelumControl(aObj) : nullptr;
-  if (!control) return;
-  const QString text = CVelumLib::ToCrLf(CVelumLib::GetClipboardText()).left(EMaxText);
-  iCurCard->SetControlVal(control->Id(), TVelumValue::OfStr(text));
+  const QString text = CVelumLib::ToCrLf(CVelumLib::GetClipboardText());
+  if (!control || text.isEmpty()) return;
+  if (control->Flag(EConReadOnly)) return CVelumSeams::Presenter().Tell(gReadOnly);
+  const TVelumValue value = CVelumValue::ExtTextToVal(text.left(EMaxText), control->FieldInfo());
+  SetCardValue(iCurCard, control->Id(), value);
+  if (text.size() > EMaxText) aObj->TellNotFitting(static_cast<int>(text.size() - EMaxText), EMaxText);
 }
 
-void CVelumStackView::ValidateCurControl() {
+bool CVelumStackView::ValidateCurControl() {
   TakeLines();
   const QPointer<CVelumBaseControl> base = iCurObj;
-  if (!base || !base->Visible()) return;
+  if (!base || !base->Visible()) return true;
   bool cancel = false;
   BaseObjValidate(base, cancel);
-  if (base && base->HasFocus()) BaseObjGotFocus(base);
+  if (!cancel && base && base->HasFocus()) BaseObjGotFocus(base);
+  return !cancel;
 }
 
 void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {
-  Q_UNUSED(ioCancel);
   if (iNoChange || iValidating || !iCurCard || !iCurObj || !iCardView) return;
+  ioCancel = RefuseEntry();
+  if (ioCancel) return;
   Ref<CVelumControl> control;
   bool changed = false;
   {
@@ -177,6 +185,7 @@ void CVelumStackView::BaseObjLink(CVelumBaseControl* aObj, const QString& aTarge
   if (!iCurCard || !Bound(aObj)) return;
   const Ref<CVelumControl> control = iCardView->VelumControl(aObj);
   if (aTarget.startsWith(gSelect)) {
+    if (RefuseEntry()) return;
     if (gScriptRunner) gScriptRunner->SetParamVal(aTarget.sliced(gSelect.size()));
     ExecScript(control, u"select"_s);
     return;
@@ -196,6 +205,7 @@ void CVelumStackView::ClickCheckBox(CVelumBaseControl& aObj) {
     ShowStored(*control);
     return;
   }
+  if (RefuseEntry()) return ShowStored(*control);
   const TVelumValue shown = iCardView->GetBaseControlVal(*control);
   Touch(&aObj);
   SetCardValue(iCurCard, control->Id(), shown);
@@ -208,6 +218,7 @@ void CVelumStackView::ClickCommand(const QObject* aObj) {
     const Ref<CVelumControl> control = set->ControlAt(i);
     if (!control || !control->InCardView()) continue;
     if (control->BaseControl() != aObj && control->BaseFunc() != aObj) continue;
+    if (RefuseEntry()) return;
     ExecScript(control, u"select"_s);
     UpdateCardInList();
     if (control->StdCmd() != ENoShort) ExecStdCmd(control->StdCmd(), *control);
@@ -261,7 +272,7 @@ void CVelumStackView::EditWikiText(const CVelumBaseControl& aObj) {
   const Ref<CVelumCard> card = iCurCard;
   const Ref<CVelumControl> control = iCardView->VelumControl(&aObj);
   // What is being typed in the field itself is to be in the editor too.
-  if (iCurObjChanged) ValidateCurControl();
+  if (iCurObjChanged && !ValidateCurControl()) return;
   if (!control || !Holds(card)) return;
   auto* form = qobject_cast<CVelumWikiTextEdit*>(gFrameHost->ShowForm(u"CVelumWikiTextEdit"_s));
   if (form) form->SetObj(card, control);

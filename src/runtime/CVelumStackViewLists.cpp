@@ -96,6 +96,7 @@ void CVelumStackView::GoToSelectedCard() {
   if (!card) return;
   const QPointer<QWidget> focus = QApplication::focusWidget();
   GoToCard(card);
+  if (UnreadControl()) return;
   // A new layout takes the focus; whoever works in the list goes on there.
   if (focus && iCardListOpen && ListForm().isAncestorOf(focus)) focus->setFocus();
 }
@@ -148,8 +149,7 @@ Ref<CVelumControl> CVelumStackView::LinesControl(CVelumBaseControl* aObj) const 
 }
 
 void CVelumStackView::EditLines(CVelumBaseControl* aObj) {
-  if (!iCurCard || !Bound(aObj)) return;
-  ValidateCurControl();
+  if (!iCurCard || !Bound(aObj) || !ValidateCurControl()) return;
   const Ref<CVelumControl> control = iCurCard && Bound(aObj) ? LinesControl(aObj) : nullptr;
   if (!control) return;
   if (control->Flag(EConReadOnly)) return CVelumSeams::Presenter().Tell(gReadOnly);

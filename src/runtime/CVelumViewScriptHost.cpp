@@ -11,6 +11,12 @@ CVelumStackView& View() {
   return CVelumChecked::Deref(gStackView);
 }
 
+// A script that could not leave the card would go on as if it had.
+void CheckEntry() {
+  if (View().RefuseEntry())
+    CVelumError::RaiseHost(EHostBadCall, u"the field that has the focus holds what is no value of it"_s);
+}
+
 } // namespace
 
 CVelumViewScriptHost::CVelumViewScriptHost() {
@@ -38,10 +44,12 @@ Ref<CVelumCard> CVelumViewScriptHost::CurCard() {
 }
 
 void CVelumViewScriptHost::GoToCard(const Ref<CVelumCard>& aCard) {
+  CheckEntry();
   View().GoToCard(aCard);
 }
 
 void CVelumViewScriptHost::GoToNextCard() {
+  CheckEntry();
   Ref<CVelumCard> card;
   static_cast<void>(View().OrderNext(card));
 }

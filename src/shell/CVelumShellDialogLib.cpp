@@ -35,7 +35,8 @@ void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
 
 bool CVelumDialogLib::LeaveStackStep() {
   if (!gStack) return true;
-  if (gStackView) gStackView->ValidateCurControl();
+  // What cannot be taken from the field is to be mended first.
+  if (gStackView && !gStackView->ValidateCurControl()) return false;
   bool proceed = false;
   bool save = false;
   CheckLeaveStack(proceed, save);

@@ -90,13 +90,14 @@ void CVelumStackCommands::SaveStack() {
     return;
   }
   RunSave([this] {
-    gStackView->ValidateCurControl();
+    if (!gStackView->ValidateCurControl()) return;
     // A script that hears of the field may have closed the stack.
     if (gStack && gStackView) SaveTo(gStack->Filename());
   });
 }
 
 void CVelumStackCommands::SaveStackAs() {
+  if (!gStack || !gStackView || !gStackView->ValidateCurControl()) return;
   if (!gStack || !gStackView || !fLoadDialog.ShowSave(&iFrame)) return;
   const QString path = fLoadDialog.FileName();
   RunSave([&] {

@@ -1,6 +1,7 @@
 #include "toolkit/CVelumBaseComboBox.h"
 
 #include "toolkit/CVelumComboWidget.h"
+#include "toolkit/CVelumLineEdit.h"
 
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -10,6 +11,8 @@ CVelumBaseComboBox::CVelumBaseComboBox(const QString& aName, QWidget* aParent, C
     : CVelumBaseControl(EBaseComboBox, aName, new CVelumComboWidget(aParent), aSink),
       iCombo(static_cast<CVelumComboWidget*>(Widget())) {
   iCombo->MakeEditable();
+  connect(static_cast<CVelumLineEdit*>(iCombo->lineEdit()), &CVelumLineEdit::NotFitting, this,
+          [this](int aNum) { TellNotFitting(aNum, iCombo->lineEdit()->maxLength()); });
   iCombo->lineEdit()->setMaxLength(iMaxChar);
   iCombo->lineEdit()->installEventFilter(this);
   connect(iCombo, &QComboBox::editTextChanged, this, [this] { Notify(EBaseChange); });
@@ -50,6 +53,10 @@ int CVelumBaseComboBox::Cursor() const {
 
 void CVelumBaseComboBox::SetCursor(int aPos) {
   iCombo->lineEdit()->setCursorPosition(aPos);
+}
+
+void CVelumBaseComboBox::OnLeft() {
+  iCombo->lineEdit()->home(false);
 }
 
 void CVelumBaseComboBox::Clear() {

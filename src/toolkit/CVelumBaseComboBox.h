@@ -21,6 +21,7 @@ public:
 
 protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
+  void OnLeft() override;
 
 private:
   CVelumComboWidget* iCombo;

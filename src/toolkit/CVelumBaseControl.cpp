@@ -1,9 +1,12 @@
 #include "toolkit/CVelumBaseControl.h"
 
+#include "core/CVelumLocale.h"
 #include "toolkit/CVelumBaseColor.h"
+#include "toolkit/CVelumFieldNote.h"
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QWidget>
 #include <algorithm>
 #include <cmath>
@@ -18,6 +21,10 @@ struct TRoles {
   QPalette::ColorRole iText;
   QPalette::ColorRole iBack;
 };
+
+bool IsEscape(const QKeyEvent& aKey) {
+  return aKey.key() == Qt::Key_Escape && aKey.modifiers() == Qt::NoModifier;
+}
 
 TRoles RolesOf(EBase aKind) {
   switch (aKind) {
@@ -95,6 +102,7 @@ bool CVelumBaseControl::Visible() const {
 }
 
 void CVelumBaseControl::SetVisible(bool aVisible) {
+  if (!aVisible) HideNote();
   if (aVisible != Visible()) iWidget->setVisible(aVisible);
 }
 
@@ -135,8 +143,11 @@ void CVelumBaseControl::RefreshColors() {
   for (const QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive})
     if (colors.iText.isValid()) palette.setColor(group, roles.iText, colors.iText);
   if (colors.iBack.isValid()) palette.setColor(roles.iBack, colors.iBack);
+  AddColors(palette, palette.resolve(around));
   iWidget->setPalette(palette);
 }
+
+void CVelumBaseControl::AddColors(QPalette&, const QPalette&) const {}
 
 bool CVelumBaseControl::HasFocus() const {
   const QWidget* focus = QApplication::focusWidget();
@@ -149,8 +160,33 @@ void CVelumBaseControl::SetFocus() {
 
 bool CVelumBaseControl::Notify(EBaseEvent aEvent) {
   bool cancel = false;
+  if (aEvent == EBaseChange) HideNote();
   if (iSink) iSink->BaseEvent(*this, aEvent, cancel);
   return cancel;
+}
+
+void CVelumBaseControl::ShowNote(const QString& aText) {
+  HideNote();
+  iNote = new CVelumFieldNote(*iWidget, aText);
+}
+
+void CVelumBaseControl::HideNote() {
+  if (!iNote) return;
+  // It may be one of its own events that leads here.
+  iNote->hide();
+  iNote->deleteLater();
+  iNote = nullptr;
+}
+
+QString CVelumBaseControl::Note() const {
+  return iNote && !iNote->isHidden() ? iNote->text() : QString();
+}
+
+void CVelumBaseControl::TellNotFitting(int aNum, int aLimit) {
+  const QLocale& locale = CVelumLocale::Locale();
+  const QString what = aNum == 1 ? tr("One character did not fit.")
+                                 : tr("%1 characters did not fit.").arg(locale.toString(aNum));
+  ShowNote(what + u' ' + tr("No more than %1 can stand here.").arg(locale.toString(aLimit)));
 }
 
 int CVelumBaseControl::EffMaxChar(qint16 aMax) {
@@ -163,6 +199,8 @@ bool CVelumBaseControl::eventFilter(QObject* aWatched, QEvent* aEvent) {
       Notify(EBaseGotFocus);
     else if (aEvent->type() == QEvent::FocusOut)
       LeaveFocus(static_cast<const QFocusEvent&>(*aEvent));
+    else if (aEvent->type() == QEvent::KeyPress && IsEscape(static_cast<const QKeyEvent&>(*aEvent)))
+      return Notify(EBaseEscape);
   }
   return QObject::eventFilter(aWatched, aEvent);
 }
@@ -170,8 +208,14 @@ bool CVelumBaseControl::eventFilter(QObject* aWatched, QEvent* aEvent) {
 void CVelumBaseControl::LeaveFocus(const QFocusEvent& aEvent) {
   if (aEvent.reason() == Qt::PopupFocusReason && PopupIsOwn()) return;
   // The focus has gone already, and can only be put back when its move is over.
-  if (Notify(EBaseValidate))
+  if (Notify(EBaseValidate)) {
     QMetaObject::invokeMethod(this, &CVelumBaseControl::SetFocus, Qt::QueuedConnection);
+    return;
+  }
+  HideNote();
+  const bool stays = aEvent.reason() == Qt::PopupFocusReason || aEvent.reason() == Qt::MenuBarFocusReason ||
+                     aEvent.reason() == Qt::ActiveWindowFocusReason;
+  if (!stays) OnLeft();
 }
 
 bool CVelumBaseControl::PopupIsOwn() const {

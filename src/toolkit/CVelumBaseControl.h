@@ -7,8 +7,11 @@
 
 #include <QFont>
 #include <QObject>
+#include <QPointer>
 
+class CVelumFieldNote;
 class QFocusEvent;
+class QPalette;
 class QWidget;
 
 // Twips are the unit of all places and sizes.
@@ -32,9 +35,10 @@ enum EBaseEvent {
   EBaseClick,     // a click, or a check box that got another value
   EBaseDblClick,  //
   EBaseGotFocus,  //
-  EBasePaste,     // Ctrl+U in a rich text box
+  EBasePaste,     // Ctrl+U in a rich text box that shows RTF
   EBaseValidate,  // the focus is being left; may be cancelled
   EBaseItemClick, // a line of a list view
+  EBaseEscape,    // the key; may be cancelled
 };
 
 class CVelumBaseControl;
@@ -43,7 +47,8 @@ class CVelumBaseControl;
 class CVelumBaseSink {
 public:
   virtual ~CVelumBaseSink() = default;
-  // ioCancel counts for EBaseValidate only: true puts the focus back.
+  // ioCancel counts for EBaseValidate, where true puts the focus back, and for EBaseEscape, where true means
+  // that the key was used.
   virtual void BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool& ioCancel) = 0;
 };
 
@@ -117,11 +122,24 @@ public:
   // Place of the cursor in the text, in characters; 0 without one. Too large a place is the end.
   [[nodiscard]] virtual int Cursor() const { return 0; }
   virtual void SetCursor(int aPos) { Q_UNUSED(aPos); }
+  // A note at the control; a new one takes the place of the old one. It goes when the text changes, the focus
+  // is left for good, or the control is hidden.
+  void ShowNote(const QString& aText);
+  void HideNote();
+  // The text of the note that is to be seen; empty without one.
+  [[nodiscard]] QString Note() const;
+  // Notes that so many characters of a text found no room, where aLimit have.
+  void TellNotFitting(int aNum, int aLimit);
   // Drops what is shown and typed, without keeping any for undo.
   virtual void Clear() {}
 
 protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
+  // Adds to the colours that the control gets of its own; aNatural is the palette that it would have with
+  // them.
+  virtual void AddColors(QPalette& ioPalette, const QPalette& aNatural) const;
+  // The focus is left for good, and what stands in the control was taken.
+  virtual void OnLeft() {}
   // Sends an event; returns whether it was cancelled.
   bool Notify(EBaseEvent aEvent);
   // The limit in force for a number as SetMaxChar gets it.
@@ -133,6 +151,7 @@ private:
   [[nodiscard]] bool PopupIsOwn() const;
 
   QWidget* iWidget;
+  QPointer<CVelumFieldNote> iNote;
   CVelumBaseSink* iSink;
   EBase iKind;
   qint16 iTabIndex = 0;

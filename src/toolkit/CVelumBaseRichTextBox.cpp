@@ -35,10 +35,12 @@ CVelumBaseRichTextBox::CVelumBaseRichTextBox(const QString& aName, QWidget* aPar
   iEdit->setTabChangesFocus(true);
   iEdit->document()->setDocumentMargin(EMargin);
   iViewport->installEventFilter(this);
+  RefreshColors();
   connect(iEdit, &QTextEdit::textChanged, this, [this] {
     if (iSetting) return;
-    HoldLimit();
+    const int surplus = HoldLimit();
     Notify(EBaseChange);
+    if (surplus > 0) TellNotFitting(surplus, iLimit);
   });
 }
 
@@ -81,12 +83,14 @@ void CVelumBaseRichTextBox::SetRtf(const QString& aRtf, TVelumLinkFinder aLinks)
 void CVelumBaseRichTextBox::ShowRtf() {
   const QScopedValueRollback setting(iSetting, true);
   const QColor back = iEdit->palette().color(QPalette::Base);
-  CVelumRtfDocument::Show(*iEdit->document(), iShown, [this, &back](qint32 aColor) {
-    if (aColor == ENoInt) return QColor();
-    // The text's own colour is shown as in every other box.
-    if (aColor == ForeColor()) return CVelumBaseColor::Resolve(aColor, BackColor(), back).iText;
-    return CVelumBaseColor::Readable(CVelumBaseColor::ToColor(aColor), back);
-  });
+  CVelumRtfDocument::Show(*iEdit->document(), iShown, iEdit->font().pointSizeF(),
+                          [this, &back](qint32 aColor) {
+                            if (aColor == ENoInt) return QColor();
+                            // The text's own colour is shown as in every other box.
+                            if (aColor == ForeColor())
+                              return CVelumBaseColor::Resolve(aColor, BackColor(), back).iText;
+                            return CVelumBaseColor::Readable(CVelumBaseColor::ToColor(aColor), back);
+                          });
 }
 
 void CVelumBaseRichTextBox::LeaveRtf() {
@@ -113,6 +117,16 @@ void CVelumBaseRichTextBox::RefreshColors() {
   ShowRtf();
   SetCursor(cursor);
   iEdit->verticalScrollBar()->setValue(scroll);
+}
+
+void CVelumBaseRichTextBox::AddColors(QPalette& ioPalette, const QPalette& aNatural) const {
+  const QColor back = aNatural.color(QPalette::Base);
+  const QColor text = aNatural.color(QPalette::Text);
+  const auto mix = [](int aBack, int aText) { return (4 * aBack + aText) / 5; };
+  ioPalette.setColor(
+      QPalette::Inactive, QPalette::Highlight,
+      QColor(mix(back.red(), text.red()), mix(back.green(), text.green()), mix(back.blue(), text.blue())));
+  ioPalette.setColor(QPalette::Inactive, QPalette::HighlightedText, text);
 }
 
 void CVelumBaseRichTextBox::SetFont(const QFont& aFont) {
@@ -186,9 +200,10 @@ int CVelumBaseRichTextBox::StoredLen() const {
   return iEdit->document()->characterCount() - 1 + iEdit->document()->blockCount() - 1;
 }
 
-void CVelumBaseRichTextBox::HoldLimit() {
-  int surplus = StoredLen() - iLimit;
-  if (surplus <= 0) return;
+int CVelumBaseRichTextBox::HoldLimit() {
+  const int over = StoredLen() - iLimit;
+  if (over <= 0) return 0;
+  int surplus = over;
   // What was typed or pasted ends at the cursor, and is at least as long as the surplus.
   const QString text = iEdit->document()->toRawText();
   QTextCursor cursor = iEdit->textCursor();
@@ -201,6 +216,7 @@ void CVelumBaseRichTextBox::HoldLimit() {
   cursor.joinPreviousEditBlock();
   cursor.removeSelectedText();
   cursor.endEditBlock();
+  return over;
 }
 
 bool CVelumBaseRichTextBox::FindLink(int aPos, QString& aTarget) const {
@@ -287,7 +303,7 @@ void CVelumBaseRichTextBox::ViewportEvent(QEvent& aEvent) {
 }
 
 bool CVelumBaseRichTextBox::KeyEvent(const QEvent& aEvent) {
-  if (IsKey(aEvent, {Qt::Key_U}, Qt::ControlModifier)) {
+  if (iIsRtf && IsKey(aEvent, {Qt::Key_U}, Qt::ControlModifier)) {
     Notify(EBasePaste);
     return true;
   }

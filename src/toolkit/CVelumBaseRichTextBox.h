@@ -46,6 +46,8 @@ public:
 
 protected:
   bool eventFilter(QObject* aWatched, QEvent* aEvent) override;
+  // A selection without the focus is paler than one with it.
+  void AddColors(QPalette& ioPalette, const QPalette& aNatural) const override;
 
 private:
   void ViewportEvent(QEvent& aEvent);
@@ -60,8 +62,8 @@ private:
   [[nodiscard]] int PosAt(const QPoint& aPoint) const;
   void ShowRtf();
   void LeaveRtf();
-  // Takes back what the last change brought beyond the limit.
-  void HoldLimit();
+  // Takes back what the last change brought beyond the limit; the number of characters of that.
+  int HoldLimit();
   // Length of the text as it is stored.
   [[nodiscard]] int StoredLen() const;
 

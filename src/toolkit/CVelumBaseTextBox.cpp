@@ -1,13 +1,16 @@
 #include "toolkit/CVelumBaseTextBox.h"
 
-#include <QLineEdit>
+#include "toolkit/CVelumLineEdit.h"
+
 #include <algorithm>
 
 CVelumBaseTextBox::CVelumBaseTextBox(const QString& aName, QWidget* aParent, CVelumBaseSink* aSink)
-    : CVelumBaseControl(EBaseTextBox, aName, new QLineEdit(aParent), aSink),
-      iEdit(static_cast<QLineEdit*>(Widget())) {
+    : CVelumBaseControl(EBaseTextBox, aName, new CVelumLineEdit(aParent), aSink),
+      iEdit(static_cast<CVelumLineEdit*>(Widget())) {
   iEdit->setMaxLength(iMaxChar);
   connect(iEdit, &QLineEdit::textChanged, this, [this] { Notify(EBaseChange); });
+  connect(iEdit, &CVelumLineEdit::NotFitting, this,
+          [this](int aNum) { TellNotFitting(aNum, iEdit->maxLength()); });
 }
 
 QString CVelumBaseTextBox::Text() const {
@@ -44,6 +47,11 @@ int CVelumBaseTextBox::Cursor() const {
 
 void CVelumBaseTextBox::SetCursor(int aPos) {
   iEdit->setCursorPosition(aPos);
+}
+
+// A long text is seen from its beginning, as those of its neighbours.
+void CVelumBaseTextBox::OnLeft() {
+  iEdit->home(false);
 }
 
 void CVelumBaseTextBox::Clear() {

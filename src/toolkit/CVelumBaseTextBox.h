@@ -3,7 +3,7 @@
 
 #include "toolkit/CVelumBaseControl.h"
 
-class QLineEdit;
+class CVelumLineEdit;
 
 class CVelumBaseTextBox final : public CVelumBaseControl {
 public:
@@ -17,7 +17,10 @@ public:
   void SetCursor(int aPos) override;
   void Clear() override;
 
+protected:
+  void OnLeft() override;
+
 private:
-  QLineEdit* iEdit;
+  CVelumLineEdit* iEdit;
   int iMaxChar = EffMaxChar(ENoShort);
 };

@@ -1,5 +1,7 @@
 #include "toolkit/CVelumComboWidget.h"
 
+#include "toolkit/CVelumLineEdit.h"
+
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
@@ -9,7 +11,7 @@ CVelumComboWidget::CVelumComboWidget(QWidget* aParent) : QComboBox(aParent) {
 }
 
 void CVelumComboWidget::MakeEditable() {
-  setEditable(true);
+  setLineEdit(new CVelumLineEdit(this));
   setInsertPolicy(NoInsert);
   // A completion would put in what nobody typed.
   setCompleter(nullptr);

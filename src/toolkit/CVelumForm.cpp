@@ -46,6 +46,12 @@ QRectF CVelumForm::Place() {
   return {twips(rect.x()), twips(rect.y()), twips(rect.width()), twips(rect.height())};
 }
 
+QSizeF CVelumForm::OuterSize() {
+  const QWidget* widget = Widget();
+  const QSize size = AreaOf(widget) ? widget->parentWidget()->size() : widget->size();
+  return {CVelumLib::PixelsToTwips(size.width()), CVelumLib::PixelsToTwips(size.height())};
+}
+
 void CVelumForm::SetPlace(const QRectF& aPlace, bool aWithSize) {
   QWidget* widget = Widget();
   CVelumMdiArea* area = AreaOf(widget);

@@ -36,6 +36,8 @@ public:
   // Left, top, width and height in twips: of the child window when the form stands in a CVelumMdiArea,
   // otherwise of the top-level window (position of its frame, size of its content).
   [[nodiscard]] QRectF Place();
+  // The size that there is at present, in twips, counted as in Place: also of a maximised child window.
+  [[nodiscard]] QSizeF OuterSize();
   // Moves; takes the size too if aWithSize.
   void SetPlace(const QRectF& aPlace, bool aWithSize);
 

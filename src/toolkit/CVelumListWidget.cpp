@@ -91,6 +91,7 @@ void CVelumListWidget::DefineColumns(const QStringList& aTitles, const QList<flo
     setColumnWidth(i, std::max(1, CVelumTwips::ToPixel(iWidths.value(i))));
   const auto isEmpty = [](const QString& aTitle) { return aTitle.isEmpty(); };
   horizontalHeader()->setVisible(!std::all_of(iTitles.begin(), iTitles.end(), isEmpty));
+  SetBar();
 }
 
 float CVelumListWidget::UsableWidth() const {
@@ -220,12 +221,42 @@ void CVelumListWidget::keyPressEvent(QKeyEvent* aEvent) {
     Q_EMIT ItemDblClick();
     return;
   }
-  QTableView::keyPressEvent(aEvent);
+  if (aEvent->key() != Qt::Key_Home && aEvent->key() != Qt::Key_End) return QTableView::keyPressEvent(aEvent);
+  // With Ctrl the toolkit would go there without selecting.
+  QKeyEvent plain(QEvent::KeyPress, aEvent->key(), aEvent->modifiers() & ~Qt::ControlModifier);
+  QTableView::keyPressEvent(&plain);
+}
+
+// A line is one thing, and has no first and last cell to go to.
+QModelIndex CVelumListWidget::moveCursor(CursorAction aAction, Qt::KeyboardModifiers aModifiers) {
+  const int rows = iModel->rowCount();
+  const int column = std::max(0, currentIndex().column());
+  if (aAction == MoveHome) return iModel->index(0, column);
+  if (aAction == MoveEnd) return iModel->index(rows - 1, column);
+  return QTableView::moveCursor(aAction, aModifiers);
+}
+
+void CVelumListWidget::focusInEvent(QFocusEvent* aEvent) {
+  QTableView::focusInEvent(aEvent);
+  const Qt::FocusReason reason = aEvent->reason();
+  const bool entered = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+                       reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
+  // The line that the keys would go on from is to be seen.
+  if (entered && SelLine() < 0 && currentIndex().isValid()) SetSelLine(iModel->LineOf(currentIndex().row()));
 }
 
 void CVelumListWidget::resizeEvent(QResizeEvent* aEvent) {
+  SetBar();
   QTableView::resizeEvent(aEvent);
   Q_EMIT Resized();
+}
+
+void CVelumListWidget::SetBar() {
+  const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
+  const int titles = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->sizeHint().height();
+  const int room = height() - 2 * frameWidth() - titles - bar;
+  const bool fits = room >= verticalHeader()->defaultSectionSize();
+  setHorizontalScrollBarPolicy(fits ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
 }
 
 void CVelumListWidget::changeEvent(QEvent* aEvent) {
@@ -236,6 +267,7 @@ void CVelumListWidget::changeEvent(QEvent* aEvent) {
 void CVelumListWidget::SetRowHeight() {
   verticalHeader()->setMinimumSectionSize(1);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + ERowPadding);
+  SetBar();
 }
 
 void CVelumListWidget::selectionChanged(const QItemSelection& aSelected, const QItemSelection& aDeselected) {

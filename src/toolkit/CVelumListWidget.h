@@ -9,8 +9,9 @@
 class CVelumListModel;
 
 // Shows the lines of a source. A click on a column's title sorts the display, a second one the other way
-// round, a third one gives the source's order back. Typing jumps to the next line that begins so. Ctrl+C
-// copies the selected lines as they are seen, columns parted by tabs.
+// round, a third one gives the source's order back. Typing jumps to the next line that begins so. Home and
+// End go to the first and last line. Who comes in by key finds a line selected. Ctrl+C copies the selected
+// lines as they are seen, columns parted by tabs.
 class CVelumListWidget : public QTableView {
   Q_OBJECT
 
@@ -66,6 +67,8 @@ Q_SIGNALS:
 
 protected:
   void keyPressEvent(QKeyEvent* aEvent) override;
+  void focusInEvent(QFocusEvent* aEvent) override;
+  QModelIndex moveCursor(CursorAction aAction, Qt::KeyboardModifiers aModifiers) override;
   void resizeEvent(QResizeEvent* aEvent) override;
   void changeEvent(QEvent* aEvent) override;
   void selectionChanged(const QItemSelection& aSelected, const QItemSelection& aDeselected) override;
@@ -73,6 +76,8 @@ protected:
 private:
   void TitleClick(int aColumn);
   void SetRowHeight();
+  // Without a scroll bar to the sides where it would lie over the only line.
+  void SetBar();
 
   CVelumListModel* iModel;
   const CVelumLineSource* iSource = nullptr;

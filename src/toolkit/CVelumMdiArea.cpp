@@ -30,6 +30,7 @@ void CVelumMdiArea::RemoveChild(QWidget* aForm) {
   QMdiSubWindow* child = ChildOf(aForm);
   if (!child) return;
   iPlaces.remove(child);
+  iHeld.remove(child);
   child->removeEventFilter(this);
   aForm->hide();
   child->setWidget(nullptr);
@@ -71,11 +72,20 @@ void CVelumMdiArea::SetChildRect(QWidget* aForm, const QRect& aRect) {
   iPlaces.insert(child, child->geometry());
 }
 
+void CVelumMdiArea::NoteState(const QMdiSubWindow& aChild) {
+  if (aChild.windowState() & (Qt::WindowMaximized | Qt::WindowMinimized))
+    iHeld.insert(&aChild);
+  else
+    iHeld.remove(&aChild);
+}
+
 bool CVelumMdiArea::eventFilter(QObject* aObject, QEvent* aEvent) {
+  const auto* child = qobject_cast<const QMdiSubWindow*>(aObject);
   const bool placed = aEvent->type() == QEvent::Move || aEvent->type() == QEvent::Resize;
-  const auto* child = placed ? qobject_cast<const QMdiSubWindow*>(aObject) : nullptr;
-  if (child && !(child->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized)))
-    iPlaces.insert(child, child->geometry());
+  if (child && aEvent->type() == QEvent::WindowStateChange) NoteState(*child);
+  // A maximised child that follows the area's size says for that moment that it is not maximised; only a
+  // change of its state tells the truth.
+  if (child && placed && !iHeld.contains(child)) iPlaces.insert(child, child->geometry());
   return QMdiArea::eventFilter(aObject, aEvent);
 }
 

@@ -3,6 +3,7 @@
 
 #include <QHash>
 #include <QMdiArea>
+#include <QSet>
 
 class QMdiSubWindow;
 
@@ -34,6 +35,9 @@ private:
   void FollowPalette();
   [[nodiscard]] QMdiSubWindow* ChildOf(const QWidget* aForm) const;
 
+  void NoteState(const QMdiSubWindow& aChild);
+
   // The place of each child while it is neither maximised nor minimised.
   QHash<const QObject*, QRect> iPlaces;
+  QSet<const QObject*> iHeld; // children that are maximised or minimised
 };

@@ -10,15 +10,15 @@ namespace {
 // Makes the formats of a text, the last one again without work.
 class CFormats {
 public:
-  CFormats(const TRtfText& aText, const std::function<QColor(qint32)>& aColorOf)
-      : iText(aText), iColorOf(aColorOf) {}
+  CFormats(const TRtfText& aText, double aPoints, const std::function<QColor(qint32)>& aColorOf)
+      : iText(aText), iScale(ScaleOf(aText, aPoints)), iColorOf(aColorOf) {}
 
   const QTextCharFormat& Of(const TRtfLook& aLook) {
     if (iMade && aLook == iLook) return iFormat;
     iMade = true;
     iLook = aLook;
     iFormat = QTextCharFormat();
-    iFormat.setFontPointSize(aLook.iHalfPoints / 2.0);
+    iFormat.setFontPointSize(aLook.iHalfPoints / 2.0 * iScale);
     iFormat.setFontWeight(aLook.iBold ? QFont::Bold : QFont::Normal);
     iFormat.setFontItalic(aLook.iItalic);
     iFormat.setFontUnderline(aLook.iUnderline);
@@ -30,7 +30,13 @@ public:
   }
 
 private:
+  static double ScaleOf(const TRtfText& aText, double aPoints) {
+    const int own = aText.iParas.isEmpty() ? 0 : aText.iParas.first().iLook.iHalfPoints;
+    return own > 0 && aPoints > 0 ? 2 * aPoints / own : 1.0;
+  }
+
   const TRtfText& iText;
+  double iScale;
   const std::function<QColor(qint32)>& iColorOf;
   TRtfLook iLook;
   QTextCharFormat iFormat;
@@ -39,9 +45,9 @@ private:
 
 } // namespace
 
-void CVelumRtfDocument::Show(QTextDocument& aDocument, const TRtfText& aText,
+void CVelumRtfDocument::Show(QTextDocument& aDocument, const TRtfText& aText, double aPoints,
                              const std::function<QColor(qint32)>& aColorOf) {
-  CFormats formats(aText, aColorOf);
+  CFormats formats(aText, aPoints, aColorOf);
   aDocument.setUndoRedoEnabled(false);
   aDocument.clear();
   QTextCursor cursor(&aDocument);

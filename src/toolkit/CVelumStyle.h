@@ -3,7 +3,8 @@
 
 #include <QProxyStyle>
 
-// Buttons of dialogs have no pictures: they stand beside the program's own, which have none.
+// Buttons of dialogs have no pictures: they stand beside the program's own, which have none. Long texts and
+// lists have a frame in the colour of selections while they have the focus, as entries of one line do.
 class CVelumStyle final : public QProxyStyle {
   Q_OBJECT
 
@@ -12,4 +13,6 @@ public:
   explicit CVelumStyle(QStyle* aBase = nullptr);
   int styleHint(StyleHint aHint, const QStyleOption* aOption = nullptr, const QWidget* aWidget = nullptr,
                 QStyleHintReturn* aReturn = nullptr) const override;
+  void drawPrimitive(PrimitiveElement aElement, const QStyleOption* aOption, QPainter* aPainter,
+                     const QWidget* aWidget = nullptr) const override;
 };

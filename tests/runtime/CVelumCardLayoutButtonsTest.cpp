@@ -33,7 +33,7 @@ TEST_F(CVelumCardLayoutButtonsTest, AButtonThatDoesNotFitStartsARow) {
   // The second one ends at 1160, and may end at the width less the gap.
   Open(1185, 3000);
   EXPECT_EQ(Base(two).Top(), Base(one).Top());
-  Form().resize(78, 200);
+  Resize(78, 200);
   EXPECT_EQ(RectOf(Base(two)), QRectF(20, 20 + 375 + 20, 560, 375));
 }
 

@@ -281,7 +281,7 @@ TEST_F(CVelumCardLayoutTest, LessThanALineOfFreeHeightIsNotSpread) {
   // Free height is the client's less 20 below and 320 above: 200 is the height of a character.
   Open(6000, 525);
   EXPECT_EQ(Base(field).Height(), 280);
-  Form().resize(400, 36);
+  Resize(400, 36);
   EXPECT_EQ(Base(field).Height(), 480);
 }
 

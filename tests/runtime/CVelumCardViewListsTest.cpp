@@ -327,7 +327,7 @@ TEST_F(CVelumCardViewListsTest, LinesAreNotLostWhenTheCardIsLeftOrTheStackSaved)
   View().ValidateCurControl();
   EXPECT_EQ(TextOf(card, list), u"21"_s);
   type(u"3"_s);
-  Form().resize(300, 300);
+  Resize(300, 300);
   EXPECT_EQ(TextOf(card, list), u"321"_s);
   type(u"4"_s);
   View().CloseCardView(true);

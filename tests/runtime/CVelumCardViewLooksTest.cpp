@@ -162,7 +162,7 @@ TEST_F(CVelumCardViewLooksTest, AResizedWindowIsLaidOutAnew) {
   AddCard(u"a"_s);
   Open();
   EXPECT_EQ(Base(field).Width(), 6000 - 140 - 20);
-  Form().resize(300, 400);
+  Resize(300, 400);
   EXPECT_EQ(Base(field).Width(), 4500 - 140 - 20);
 }
 

@@ -87,7 +87,7 @@ TEST_F(CVelumStackViewFieldsTest, TheCursorStaysWhereItWasInALongTextToo) {
   Type(text, u" and"_s);
   View().ValidateCurControl();
   QTest::keyClicks(Base(text).Widget(), u" a"_s);
-  Form().resize(300, 300);
+  Resize(300, 300);
   QTest::keyClicks(Base(text).Widget(), u" half"_s);
   View().ValidateCurControl();
   EXPECT_EQ(TextOf(card, text), u"one\r\ntwo and a half"_s);
@@ -147,7 +147,7 @@ TEST_F(CVelumStackViewFieldsTest, AnotherWindowTakesTheValue) {
 TEST_F(CVelumStackViewFieldsTest, AResizeWhileTypingLosesNothing) {
   OpenThree();
   Type(iName, u"Ada"_s);
-  Form().resize(300, 400);
+  Resize(300, 400);
   EXPECT_EQ(Base(iName).Text(), u"Ada"_s);
   EXPECT_EQ(View().CurObj(), &Base(iName));
   QTest::keyClicks(Base(iName).Widget(), u"x"_s);

@@ -127,6 +127,11 @@ void RuntimeTest::Open(float aWidth, float aHeight) {
   gStackView->OpenViews();
 }
 
+void RuntimeTest::Resize(int aWidth, int aHeight) {
+  Form().resize(aWidth, aHeight);
+  QCoreApplication::processEvents();
+}
+
 CVelumBaseControl& RuntimeTest::Base(const Ref<CVelumControl>& aControl) {
   auto* base = qobject_cast<CVelumBaseControl*>(aControl->BaseControl());
   if (!base) throw std::runtime_error("no base control: " + aControl->Name().toStdString());

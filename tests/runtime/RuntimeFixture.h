@@ -67,6 +67,8 @@ protected:
   Ref<CVelumControlSet> AddBackground(const QString& aName);
   // Opens the window on the first card, aWidth by aHeight twips of client area.
   void Open(float aWidth = 6000, float aHeight = 7500);
+  // Gives the window another size, in pixels, and lets it be laid out.
+  void Resize(int aWidth, int aHeight);
   CVelumStackView& View() { return *gStackView; }
   CVelumGenForm& Form() { return gStackView->CardView()->ViewForm(); }
   CVelumBaseControl& Base(const Ref<CVelumControl>& aControl);

@@ -112,7 +112,7 @@ TEST(CVelumRtf, TakesWhatIsNoRtf) {
 void ExpectSound(const QString& aRtf) {
   const TRtfText text = CVelumRtf::Read(aRtf);
   QTextDocument document;
-  CVelumRtfDocument::Show(document, text, [](qint32) { return QColor(); });
+  CVelumRtfDocument::Show(document, text, 0, [](qint32) { return QColor(); });
   ASSERT_EQ(document.blockCount(), text.iParas.size()) << aRtf.toStdString();
   int shown = 0;
   for (const TRtfPara& para : text.iParas) {
@@ -158,7 +158,7 @@ TEST(CVelumRtf, NestingCostsNoStack) {
 TEST(CVelumRtfDocument, CountsParagraphEndsAsTwo) {
   WidgetApp();
   QTextDocument document;
-  CVelumRtfDocument::Show(document, CVelumRtf::Read(Rtf(u"ab\\par \\par c"_s)),
+  CVelumRtfDocument::Show(document, CVelumRtf::Read(Rtf(u"ab\\par \\par c"_s)), 0,
                           [](qint32) { return QColor(); });
   EXPECT_EQ(CVelumRtfDocument::ToCount(document, 2), 2);
   EXPECT_EQ(CVelumRtfDocument::ToCount(document, 3), 4);
@@ -174,7 +174,7 @@ TEST(CVelumRtfDocument, CountsParagraphEndsAsTwo) {
 TEST(CVelumRtfDocument, GivesTheTextItsLooks) {
   WidgetApp();
   QTextDocument document;
-  CVelumRtfDocument::Show(document, CVelumRtf::Read(Rtf(u"a\\b1 \\cf2 b"_s)),
+  CVelumRtfDocument::Show(document, CVelumRtf::Read(Rtf(u"a\\b1 \\cf2 b"_s)), 0,
                           [](qint32 aColor) { return aColor == ENoInt ? QColor() : QColor(Qt::blue); });
   QTextBlock::iterator part = document.begin().begin();
   EXPECT_EQ(part.fragment().charFormat().fontPointSize(), 10.0);
