@@ -103,6 +103,19 @@ bool CVelumCardListForm::eventFilter(QObject* aObject, QEvent* aEvent) {
   return QWidget::eventFilter(aObject, aEvent);
 }
 
+bool CVelumCardListForm::event(QEvent* aEvent) {
+  const bool done = QWidget::event(aEvent);
+  const QEvent::Type type = aEvent->type();
+  if (type == QEvent::PaletteChange || type == QEvent::ThemeChange || type == QEvent::StyleChange)
+    // The list is given the desktop's colours after this, and has one of its own for its text.
+    QMetaObject::invokeMethod(this, &CVelumCardListForm::ShowListFont, Qt::QueuedConnection);
+  return done;
+}
+
+void CVelumCardListForm::ShowListFont() {
+  if (gStackView && gStackView->CardListView()) gStackView->CardListView()->ApplyListFont();
+}
+
 void CVelumCardListForm::resizeEvent(QResizeEvent* aEvent) {
   QWidget::resizeEvent(aEvent);
   if (gStackView && IsLoaded() && !iLoading) gStackView->ResizeCardList();

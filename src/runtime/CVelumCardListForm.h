@@ -33,6 +33,7 @@ public:
   bool iShowing = false;
 
 protected:
+  bool event(QEvent* aEvent) override;
   void resizeEvent(QResizeEvent* aEvent) override;
   void closeEvent(QCloseEvent* aEvent) override;
   // The right button chooses a line as the left one does.
@@ -44,6 +45,7 @@ private:
   void Move(bool aDown);
   void ShowMovable();
   [[nodiscard]] QString MoveTip(bool aDown) const;
+  void ShowListFont();
 
   std::unique_ptr<Ui::CVelumCardListForm> iUi;
   bool iLoading = false; // the window takes its place

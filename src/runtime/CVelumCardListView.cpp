@@ -21,8 +21,7 @@ CVelumCardListView::CVelumCardListView(Ref<CVelumStack> aStack, CVelumCardListFo
     : iForm(aForm), iStack(std::move(aStack)),
       iCardBox(MakeRef<CVelumListBox>(ELisSingle, aForm.CardBox(), &aForm)),
       iBackgroundCombo(MakeRef<CVelumListBox>(ELisCombo, aForm.BackgroundCombo(), &aForm)) {
-  // The font is the list's own, so that the stack's list font is seen.
-  iCardBox->SetFlags(ELisFollowHeight | ELisFollowWidth | ELisOwnFont);
+  iCardBox->SetFlags(ELisFollowHeight | ELisFollowWidth);
   ApplyListFont();
   const QScopedValueRollback showing(iForm.iShowing, true);
   FillBackgrounds(nullptr);
@@ -31,6 +30,7 @@ CVelumCardListView::CVelumCardListView(Ref<CVelumStack> aStack, CVelumCardListFo
 
 void CVelumCardListView::ApplyListFont() {
   iCardBox->SetFont(CVelumLib::EvalListFont(iStack.Get()));
+  iCardBox->ShowFont();
 }
 
 void CVelumCardListView::FillBackgrounds(const CVelumObject* aExclude) {

@@ -191,15 +191,17 @@ void CVelumCardView::ShowCombo(CVelumControl& aControl, const TVelumValue& aVal,
   }
 }
 
-bool CVelumCardView::EntryIsWhole(const CVelumControl& aControl, const TVelumValue& aStored) const {
+bool CVelumCardView::EntryIsWhole(const CVelumControl& aControl) const {
   const CVelumBaseControl* base = BaseOf(aControl);
   const bool typed =
       base && aControl.ConType() != EConList &&
       (base->Kind() == EBaseTextBox || base->Kind() == EBaseRichTextBox || base->Kind() == EBaseComboBox);
-  if (!typed) return true;
-  const QString text = base->Text();
-  return CVelumEntry::IsWhole(text, aControl.FieldInfo()) ||
-         text == CVelumValue::ValToExtText(aStored, aControl.FieldInfo());
+  return !typed || CVelumEntry::IsWhole(base->Text(), aControl.FieldInfo());
+}
+
+bool CVelumCardView::EntryIsOf(const CVelumControl& aControl, const TVelumValue& aVal) const {
+  const CVelumBaseControl* base = BaseOf(aControl);
+  return base && base->Text() == CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
 }
 
 TVelumValue CVelumCardView::GetBaseControlVal(const CVelumControl& aControl) const {

@@ -55,9 +55,10 @@ public:
   // What the base control shows now; the empty string for a field that has none.
   [[nodiscard]] TVelumValue GetBaseControlVal(const CVelumControl& aControl) const;
 
-  // Whether what was typed into a field is a value of it from end to end. aStored is the card's value: what
-  // is shown for it is, whatever it looks like.
-  [[nodiscard]] bool EntryIsWhole(const CVelumControl& aControl, const TVelumValue& aStored) const;
+  // Whether what was typed into a field is a value of it from end to end, as CVelumEntry has it.
+  [[nodiscard]] bool EntryIsWhole(const CVelumControl& aControl) const;
+  // Whether what stands in a field is what is shown for aVal.
+  [[nodiscard]] bool EntryIsOf(const CVelumControl& aControl, const TVelumValue& aVal) const;
 
   // The card form; host error 91 when there is none.
   [[nodiscard]] CVelumGenForm& ViewForm() const;

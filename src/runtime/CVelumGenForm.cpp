@@ -170,10 +170,14 @@ void CVelumGenForm::SetBackColor(qint32 aColor) {
 }
 
 void CVelumGenForm::FollowPalette() {
+  iDesktopKey = QGuiApplication::palette().cacheKey();
   setPalette(CVelumBaseColor::CardPalette(iBackColor, QGuiApplication::palette()));
 }
 
 void CVelumGenForm::FollowDesktop() {
+  // Some desktops give each widget a palette of its own, the inner ones of controls too.
+  for (QWidget* child : findChildren<QWidget*>())
+    if (!child->isWindow()) child->setPalette({});
   FollowPalette();
   RefreshColors();
 }
@@ -359,17 +363,22 @@ bool CVelumGenForm::event(QEvent* aEvent) {
   case QEvent::ApplicationPaletteChange:
   case QEvent::ThemeChange:
   case QEvent::StyleChange:
-    // The toolkit goes on from here to the controls and gives them palettes of its own.
-    QMetaObject::invokeMethod(this, &CVelumGenForm::FollowDesktop, Qt::QueuedConnection);
-    FollowDesktop();
+    QueueFollow();
     break;
   case QEvent::PaletteChange:
     RefreshColors();
+    // A window inside another one hears of the desktop only so.
+    if (QGuiApplication::palette().cacheKey() != iDesktopKey) QueueFollow();
     break;
   default:
     break;
   }
   return done;
+}
+
+// The toolkit goes on from here to the controls, so that it comes after that.
+void CVelumGenForm::QueueFollow() {
+  QMetaObject::invokeMethod(this, &CVelumGenForm::FollowDesktop, Qt::QueuedConnection);
 }
 
 void CVelumGenForm::RefreshColors() {

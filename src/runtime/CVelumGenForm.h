@@ -6,6 +6,7 @@
 #include "toolkit/CVelumForm.h"
 
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QHash>
 #include <QList>
 #include <QWidget>
@@ -82,6 +83,7 @@ private:
   void RefreshColors();
   // Both, for a desktop that has become another.
   void FollowDesktop();
+  void QueueFollow();
   // Lays out for the size that there will be in aMs milliseconds: never while the toolkit is at a resize, for
   // what would be painted meanwhile is painted for the size before.
   void QueueLayout(int aMs);
@@ -107,6 +109,7 @@ private:
   QHash<QString, CVelumBaseControl*> iByName;
   CVelumBaseControl* iLinesBox = nullptr;
   qint32 iBackColor = ENoInt;
+  qint64 iDesktopKey = QGuiApplication::palette().cacheKey(); // of the desktop's palette that is followed
   QString iCaption;
   QElapsedTimer iCardClick;   // runs from a click that changed the card
   bool iDropsRelease = false; // of a double click that was dropped

@@ -92,7 +92,7 @@ void CVelumListBox::Bind(QObject* aBase) {
     });
     ApplyColumns();
   }
-  if (Flag(ELisOwnFont) && iFont) ApplyFont();
+  if (Flag(ELisOwnFont) && iFont) ShowFont();
 }
 
 void CVelumListBox::Unbind() {
@@ -293,7 +293,7 @@ void CVelumListBox::SetSelIndexByObj(const CVelumObject* aObj) {
 void CVelumListBox::SetFlags(qint32 aFlags) {
   const bool nowOwn = (aFlags & ELisOwnFont) != 0 && !Flag(ELisOwnFont);
   iFlags = aFlags;
-  if (nowOwn && iFont) ApplyFont();
+  if (nowOwn && iFont) ShowFont();
 }
 
 void CVelumListBox::SetFlag(qint32 aBit, bool aOn) {
@@ -306,10 +306,10 @@ void CVelumListBox::SetFont(const Ref<CVelumFont>& aFont) {
     iFont = MakeRef<CVelumFont>();
     iFont->SetDefaults();
   }
-  if (Flag(ELisOwnFont)) ApplyFont();
+  if (Flag(ELisOwnFont)) ShowFont();
 }
 
-void CVelumListBox::ApplyFont() {
+void CVelumListBox::ShowFont() {
   const QFont font = CVelumLib::MakeToolkitFont(*iFont, Flag(ELisOwnFont));
   if (auto* base = qobject_cast<CVelumBaseControl*>(iBaseObj.data())) {
     base->SetFont(font);

@@ -65,6 +65,8 @@ public:
   [[nodiscard]] Ref<CVelumFont> Font() const { return iFont; }
   // Nothing stands for the default font.
   void SetFont(const Ref<CVelumFont>& aFont) override;
+  // Gives the font to the widget; without the flag for an own font the default size is that of the desktop.
+  void ShowFont();
   [[nodiscard]] QObject* BaseObj() const { return iBaseObj; }
   void SetBaseObj(QObject* aBase) override;
   // While lines are being defined AddLine does not touch the widget.
@@ -127,7 +129,6 @@ private:
   [[nodiscard]] bool Fits(const QObject* aBase) const;
   void SetColumns(const QList<QString>& aTitles, const QList<float>& aWidths, bool aFrac);
   void ApplyColumns();
-  void ApplyFont();
   void CheckLine(int aIndex, const QString& aProc, const QString& aText, int aCount) const;
 
   int iType;

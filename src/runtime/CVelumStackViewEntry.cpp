@@ -52,8 +52,10 @@ Ref<CVelumControl> CVelumStackView::UnreadControl() const {
   Ref<CVelumControl> control = iCardView->VelumControl(iCurObj);
   // The field may have been deleted meanwhile.
   if (control->Flag(EConReadOnly) || iCurCard->ControlById(control->Id()) != control) return nullptr;
-  const TVelumValue stored = iCurCard->GetControlVal(control->Id(), false);
-  return iCardView->EntryIsWhole(*control, stored) ? nullptr : control;
+  // What is shown for the stored value may be typed back, whatever it looks like.
+  const bool fine = iCardView->EntryIsWhole(*control) ||
+                    iCardView->EntryIsOf(*control, iCurCard->GetControlVal(control->Id(), false));
+  return fine ? nullptr : control;
 }
 
 bool CVelumStackView::RefuseEntry() {
@@ -63,7 +65,8 @@ bool CVelumStackView::RefuseEntry() {
   base->ShowNote(NoteText(*control, base->Text()));
   // Whatever has the focus by now may be just getting it.
   const auto takeFocus = [base] {
-    if (gStackView) gStackView->SetFocusToCardView();
+    if (!gStackView || gStackView->CurObj() != base || !gStackView->UnreadControl()) return;
+    gStackView->SetFocusToCardView();
     base->SetFocus();
   };
   QMetaObject::invokeMethod(base, takeFocus, Qt::QueuedConnection);

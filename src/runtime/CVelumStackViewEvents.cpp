@@ -155,6 +155,8 @@ bool CVelumStackView::TakeValue(CVelumControl& aControl) {
     ShowStored(aControl);
     return false;
   }
+  // What is shown for the stored value, and would be read as another one.
+  if (!iCardView->EntryIsWhole(aControl)) return false;
   const TVelumValue shown = iCardView->GetBaseControlVal(aControl);
   const TVelumValue stored = iCurCard->GetControlVal(aControl.Id(), false);
   if (aControl.ConType() != EConBoolean && CVelumValue::Equal(shown, stored)) return false;

@@ -96,7 +96,8 @@ void CVelumStackView::GoToSelectedCard() {
   if (!card) return;
   const QPointer<QWidget> focus = QApplication::focusWidget();
   GoToCard(card);
-  if (UnreadControl()) return;
+  // Refused: the line of the card on show is chosen again.
+  if (UnreadControl()) return iCardListView->FollowCard(iCurCard);
   // A new layout takes the focus; whoever works in the list goes on there.
   if (focus && iCardListOpen && ListForm().isAncestorOf(focus)) focus->setFocus();
 }

@@ -25,6 +25,14 @@ QClipboard::Mode ModeOf(const QKeyEvent& aKey) {
   return both && aKey.key() == Qt::Key_Insert ? QClipboard::Selection : QClipboard::Clipboard;
 }
 
+// The menu's entry to paste; the toolkit has no other name for it than its text, a key behind it.
+QAction* PasteOf(const QMenu& aMenu) {
+  const QString name = QLineEdit::tr("&Paste");
+  for (QAction* action : aMenu.actions())
+    if (action->text().section(u'\t', 0, 0) == name) return action;
+  return nullptr;
+}
+
 } // namespace
 
 CVelumLineEdit::CVelumLineEdit(QWidget* aParent) : QLineEdit(aParent) {
@@ -83,7 +91,7 @@ void CVelumLineEdit::contextMenuEvent(QContextMenuEvent* aEvent) {
   QMenu* menu = createStandardContextMenu();
   if (!menu) return;
   menu->setAttribute(Qt::WA_DeleteOnClose);
-  if (auto* paste = menu->findChild<QAction*>(u"edit-paste"_s)) {
+  if (QAction* paste = PasteOf(*menu)) {
     disconnect(paste, &QAction::triggered, nullptr, nullptr);
     connect(paste, &QAction::triggered, this, [this] { PasteFrom(QClipboard::Clipboard); });
   }

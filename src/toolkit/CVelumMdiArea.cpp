@@ -1,5 +1,6 @@
 #include "toolkit/CVelumMdiArea.h"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMdiSubWindow>
 #include <QMenu>
@@ -94,9 +95,20 @@ void CVelumMdiArea::FollowPalette() {
   setBackground(palette().color(QPalette::Window).darker(115));
 }
 
+void CVelumMdiArea::RenewTitles() {
+  for (QMdiSubWindow* child : subWindowList()) {
+    QEvent change(QEvent::PaletteChange);
+    QCoreApplication::sendEvent(child, &change);
+    child->update();
+  }
+}
+
 void CVelumMdiArea::changeEvent(QEvent* aEvent) {
   QMdiArea::changeEvent(aEvent);
-  if (aEvent->type() == QEvent::PaletteChange) FollowPalette();
+  if (aEvent->type() != QEvent::PaletteChange) return;
+  FollowPalette();
+  // The children get their palettes after this, and may have taken the colours of their titles before it.
+  QMetaObject::invokeMethod(this, &CVelumMdiArea::RenewTitles, Qt::QueuedConnection);
 }
 
 void CVelumMdiArea::keyPressEvent(QKeyEvent* aEvent) {

@@ -33,6 +33,7 @@ protected:
 
 private:
   void FollowPalette();
+  void RenewTitles();
   [[nodiscard]] QMdiSubWindow* ChildOf(const QWidget* aForm) const;
 
   void NoteState(const QMdiSubWindow& aChild);

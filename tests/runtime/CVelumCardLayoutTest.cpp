@@ -285,6 +285,33 @@ TEST_F(CVelumCardLayoutTest, LessThanALineOfFreeHeightIsNotSpread) {
   EXPECT_EQ(Base(field).Height(), 480);
 }
 
+TEST_F(CVelumCardLayoutTest, TabOrderFollowsTheBackgroundWhereThePoolStandsInAnother) {
+  const auto box = AddField(iSet, u"A"_s, EConBoolean);
+  const auto text = AddField(iSet, u"B"_s, EConText);
+  text->SetVisLines(2);
+  const auto line = AddField(iSet, u"C"_s, EConText);
+  AddCard(u"a"_s);
+  Open();
+  Base(box).SetFocus();
+  for (const auto& next : {text, line}) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_TRUE(Base(next).HasFocus()) << next->Name().toStdString();
+  }
+  QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backtab);
+  EXPECT_TRUE(Base(text).HasFocus());
+}
+
+TEST_F(CVelumCardLayoutTest, AfterALayoutThatFailedTheHeaderIsTheCardsOwn) {
+  iSet->SetFlags(ECseDenseLayout | ECseShowCardName);
+  for (int i = 0; i < 21; ++i) AddField(iSet, u"A"_s + QString::number(i), EConText);
+  AddCard(u"first"_s);
+  const auto second = AddCard(u"second"_s);
+  Open();
+  EXPECT_EQ(Pool(u"fGenLabel0"_s).Text(), u"first"_s);
+  View().GoToCard(second);
+  EXPECT_EQ(Pool(u"fGenLabel0"_s).Text(), u"second"_s);
+}
+
 TEST_F(CVelumCardLayoutTest, TabOrderFollowsTheBackgroundTopAndBottomMixed) {
   const auto one = AddField(iSet, u"A"_s, EConText, EConFromBottom);
   const auto two = AddField(iSet, u"B"_s, EConText);

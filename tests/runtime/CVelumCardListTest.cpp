@@ -347,6 +347,16 @@ TEST_F(CVelumCardListTest, ARefillKeepsTheSelectionAndThePlace) {
   EXPECT_EQ(Widget().TopRow(), top);
 }
 
+TEST_F(CVelumCardListTest, ARefillKeepsThePlaceWithoutASelectionToo) {
+  for (int i = 0; i < 200; ++i) AddCard(u"card "_s + QString::number(i));
+  OpenThree();
+  Box().SetSelIndex(-1);
+  Widget().SetTopRow(100);
+  ASSERT_EQ(Widget().TopRow(), 100);
+  View().RefreshViews(true, true);
+  EXPECT_EQ(Widget().TopRow(), 100);
+}
+
 TEST_F(CVelumCardListTest, TakesItsPlaceFromTheStackAndGivesItBack) {
   AddCard(u"a"_s);
   Open();
@@ -435,6 +445,7 @@ TEST_F(CVelumCardListTest, TheListFontOfTheStackIsUsed) {
   EXPECT_GT(Widget().font().pointSizeF(), 14);
 }
 
+<<<<<<< HEAD
 TEST_F(CVelumCardListTest, TheLineOfTheCardOnShowIsSelected) {
   OpenThree();
   EXPECT_EQ(Box().SelIndex(), 0) << "as soon as the list opens";
@@ -565,6 +576,48 @@ TEST_F(CVelumCardListTest, TheMainWindowHearsOfTheCardOnShow) {
   View().EmptyStack();
   EXPECT_TRUE(heard());
   EXPECT_FALSE(View().CanGoUp() || View().CanGoDown() || View().CanGoBack() || View().CanGoForw());
+=======
+TEST_F(CVelumCardListTest, TheDefaultSizeOfTheListFontIsThatOfTheDesktop) {
+  OpenThree();
+  EXPECT_EQ(Box().Flags(), ELisFollowHeight | ELisFollowWidth);
+  EXPECT_EQ(Widget().font().pointSizeF(), 8.0);
+}
+
+TEST_F(CVelumCardListTest, TheListFontKeepsItsColourWhenTheDesktopChanges) {
+  gStack->SetListFont(MakeRef<CVelumFont>(u"Arial"_s, qint16{220}, 0x0000FF));
+  OpenThree();
+  const QColor red = Widget().palette().color(QPalette::Text);
+  EXPECT_GT(red.red(), red.green() + 60);
+  Widget().setPalette(QPalette(QColor(56, 56, 60), QColor(45, 45, 48)));
+  QEvent change(QEvent::ThemeChange);
+  QCoreApplication::sendEvent(&ListForm(), &change);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(Widget().palette().color(QPalette::Text), red);
+}
+
+TEST_F(CVelumCardListTest, ADoubleClickOrEnterGoesOnInTheCardInFront) {
+  OpenThree();
+  View().GoToCard(iCards[0]);
+  const auto open = [&](auto aHow) {
+    Widget().setFocus();
+    iFrame.iCalls.clear();
+    aHow();
+    EXPECT_TRUE(Base(iName).HasFocus());
+    EXPECT_TRUE(iFrame.iCalls.contains(u"raise CVelumGenForm"_s));
+  };
+  const QPoint second = Widget().visualRect(Widget().model()->index(1, 0)).center();
+  open([&] {
+    QTest::mouseClick(Widget().viewport(), Qt::LeftButton, {}, second);
+    EXPECT_TRUE(Widget().hasFocus()) << "one click stays in the list";
+    QTest::mouseDClick(Widget().viewport(), Qt::LeftButton, {}, second);
+  });
+  EXPECT_EQ(Cur(), u"b"_s);
+  open([&] {
+    Box().SetSelIndex(2);
+    QTest::keyClick(&Widget(), Qt::Key_Return);
+  });
+  EXPECT_EQ(Cur(), u"c"_s);
+>>>>>>> 96de261 (Hold the card window's cases with tests, and follow a desktop that changes)
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTest>
 
 namespace {
@@ -51,6 +52,17 @@ protected:
   CVelumCardSelect* iForm = nullptr;
   TakingWindow iOwner;
 };
+
+TEST_F(CVelumCardSelectTest, TheCardsOfAGivenBackgroundAreFilledInOnce) {
+  iForm->SelectCard(&iOwner, nullptr, 3);
+  QSignalSpy filled(List().model(), &QAbstractItemModel::modelReset);
+  iForm->SelectCard(&iOwner, iSecond, 3);
+  EXPECT_EQ(Names(), QStringList{u"x"_s});
+  const qsizetype once = filled.size();
+  filled.clear();
+  iForm->SelectCard(&iOwner, iSecond, 3);
+  EXPECT_EQ(once, filled.size()) << "the choice that changed must not fill them too";
+}
 
 TEST_F(CVelumCardSelectTest, ListsTheCardsOfTheChosenBackground) {
   iForm->SelectCard(&iOwner, nullptr, 3);

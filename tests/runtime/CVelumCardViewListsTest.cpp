@@ -272,6 +272,33 @@ TEST_F(CVelumCardViewListsTest, ADoubleClickOnACardDoesNotReachTheNextCard) {
   EXPECT_EQ(iRunner.iSent.count(u"select x.Go"_s), 2);
 }
 
+TEST_F(CVelumCardViewListsTest, ADisabledComboCannotBeUsed) {
+  AddCombo(u"Bern\r\nBonn"_s);
+  iText->SetFlag(EConDisabled, true);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_FALSE(Base(iText).Enabled());
+  EXPECT_FALSE(Label(iText).Enabled());
+}
+
+TEST_F(CVelumCardViewListsTest, AListFieldHasItsFontExactlyAsLargeAsItSays) {
+  const auto list = AddField(iSet, u"List"_s, EConList);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(ListOf(list).font().pointSizeF(), 11.0);
+}
+
+TEST_F(CVelumCardViewListsTest, TheLinesOfANarrowListHaveRoomToBeTyped) {
+  const auto list = AddField(iSet, u"List"_s, EConList);
+  list->SetVisChar(3);
+  AddCard(u"a"_s);
+  Open();
+  View().EditLines(&Base(list));
+  ASSERT_TRUE(LinesBox().Visible());
+  EXPECT_EQ(Base(list).Width(), 3 * 100 + 50);
+  EXPECT_EQ(LinesBox().Width(), 20 * 100) << "twenty characters";
+}
+
 TEST_F(CVelumCardViewListsTest, F2OpensTheLinesOfAListInATextBox) {
   const auto list = AddField(iSet, u"List"_s, EConList);
   const auto next = AddField(iSet, u"Next"_s, EConText);

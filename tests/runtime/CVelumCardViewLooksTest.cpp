@@ -135,10 +135,11 @@ TEST_F(CVelumCardViewLooksTest, WithoutACardTheFormIsBlankAndTheSetCountsAsLaidO
   Open();
   CVelumBaseControl& box = Base(field);
   View().CardView()->ResetCurSet();
+  Form().SetCaption(u"before"_s);
   View().CardView()->AssignControlSet(nullptr, iSet);
   EXPECT_FALSE(box.Visible());
   EXPECT_EQ(View().CardView()->CurSet(), iSet);
-  EXPECT_EQ(Form().Caption(), u"(No Card)"_s);
+  EXPECT_EQ(Form().Caption(), u"(No Card)"_s) << "what was laid out before is cleared";
   Form().SetCaption(u"left alone"_s);
   View().CardView()->AssignControlSet(nullptr, iSet);
   EXPECT_EQ(Form().Caption(), u"left alone"_s);

@@ -33,6 +33,7 @@ TEST_F(CVelumGenFormTest, ALightCardStaysLightWhenTheDesktopTurnsDark) {
   Open();
   const QPalette before = QApplication::palette();
   QApplication::setPalette(QPalette(QColor(56, 56, 60), QColor(45, 45, 48)));
+  for (int i = 0; i < 3; ++i) QCoreApplication::processEvents();
   EXPECT_GT(Form().palette().color(QPalette::Button).lightness(), 200);
   EXPECT_GT(Pool(u"fGenTextBox0"_s).Widget()->palette().color(QPalette::Base).lightness(), 200);
   EXPECT_EQ(Form().palette().color(QPalette::Window), QColor(0xE0, 0xF0, 0xF0));

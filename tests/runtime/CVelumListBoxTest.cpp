@@ -201,6 +201,9 @@ TEST_F(CVelumListBoxTest, ColumnsInTwipsAndInFractions) {
   list->DefineColumnsList(u"a:1000,b:0.5"_s);
   EXPECT_FALSE(list->ColsFrac());
   EXPECT_EQ(list->ColWidths(), (QList<float>{1000, 0.5F}));
+  list->DefineColumnsList(u"a:1.0"_s);
+  EXPECT_TRUE(list->ColsFrac()) << "the whole width, not one twip";
+  EXPECT_GT(iWidget->columnWidth(0), 100);
   list->Define1Column(u"Name"_s);
   EXPECT_EQ(list->NumCols(), 1);
   EXPECT_TRUE(list->ColsFrac());
@@ -277,6 +280,8 @@ TEST_F(CVelumListBoxTest, FlagFourGivesTheFontToTheWidget) {
   list->SetFlag(ELisOwnFont, true);
   EXPECT_TRUE(list->Flag(4));
   EXPECT_EQ(iWidget->font(), CVelumLib::MakeToolkitFont(*font, false));
+  list->SetFont(MakeRef<CVelumFont>(u"Arial"_s, qint16{220}, ENoInt));
+  EXPECT_EQ(iWidget->font().pointSizeF(), 11.0) << "exactly as large as it says";
   list->SetFont(nullptr);
   EXPECT_TRUE(static_cast<bool>(list->Font())) << "nothing stands for the defaults";
 }

@@ -159,18 +159,6 @@ TEST_F(CVelumStackViewEventsTest, AStandardCommandBeyondTheLastAsserts) {
   EXPECT_TRUE(iPresenter.LastText().contains(u"ExecStdCmd"_s));
 }
 
-TEST_F(CVelumStackViewEventsTest, CtrlUStoresTheClipboardBehindTheWindowsBack) {
-  const auto text = AddField(iSet, u"Text"_s, EConText);
-  text->SetVisLines(3);
-  const auto card = AddCard(u"a"_s);
-  Open();
-  QApplication::clipboard()->setText(u"one\ntwo\u00A0"_s);
-  Base(text).SetFocus();
-  QTest::keyClick(Base(text).Widget(), Qt::Key_U, Qt::ControlModifier);
-  EXPECT_EQ(card->GetControlVal(text->Id(), false).Str(), u"one\r\ntwo\u00A0"_s);
-  EXPECT_EQ(Base(text).Text(), QString());
-}
-
 TEST_F(CVelumStackViewEventsTest, TextsAreTakenRawWithCrLf) {
   const auto text = AddField(iSet, u"Text"_s, EConText);
   text->SetVisLines(3);

@@ -51,7 +51,8 @@ TEST_F(CVelumWikiFieldTest, ShowsTheTextWithoutItsMarkup) {
   QTextCursor cursor(Edit().document());
   cursor.setPosition(6);
   EXPECT_EQ(cursor.charFormat().fontWeight(), int(QFont::Bold));
-  EXPECT_EQ(cursor.charFormat().fontPointSize(), 11.0) << "of the font, not as on the desktop";
+  EXPECT_EQ(cursor.charFormat().fontPointSize(), 8.0) << "as in every other field";
+  EXPECT_EQ(Box().Font().pointSizeF(), 8.0);
 }
 
 TEST_F(CVelumWikiFieldTest, ShowsTheFontOfTheField) {
@@ -150,6 +151,7 @@ TEST_F(CVelumWikiFieldTest, ALinkToNoCardIsReported) {
   Open();
   Click(2);
   EXPECT_EQ(Cur(), u"a"_s);
+  ASSERT_EQ(iPresenter.Count(), 1);
   EXPECT_EQ(iPresenter.LastMsg(), EMsgBadLinkTarget);
   EXPECT_EQ(iPresenter.Shown().last().iClass, EMsgCritical);
   EXPECT_TRUE(iPresenter.LastText().contains(u"nowhere"_s));

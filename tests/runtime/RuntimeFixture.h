@@ -29,7 +29,7 @@ public:
   }
 };
 
-class FakeFrame final : public CVelumFrameHost {
+class FakeFrame : public CVelumFrameHost {
 public:
   FakeFrame();
   ~FakeFrame() override { gFrameHost = nullptr; }

@@ -173,14 +173,25 @@ TEST_F(CVelumBaseControlTest, ARichTextBoxOfNLinesIsAsHighAsTheyNeed) {
   }
 }
 
-TEST_F(CVelumBaseControlTest, CtrlUIsTheOnlyKeyThatIsToldByARichTextBox) {
+TEST_F(CVelumBaseControlTest, CtrlUIsTheOnlyKeyThatIsToldByATextThatCannotBeTyped) {
   CVelumBaseRichTextBox box(u"fBox"_s, &iForm, &iSink);
   Show(box, 0);
+  box.SetRtf(u"{\\rtf1 page}"_s, {});
   box.SetFocus();
   iSink.iSeen.clear();
   QTest::keyClick(box.Widget(), Qt::Key_U, Qt::ControlModifier);
   EXPECT_EQ(iSink.iSeen, (QList<TSeen>{{u"fBox"_s, EBasePaste}}));
+}
+
+TEST_F(CVelumBaseControlTest, CtrlUIsNoKeyOfATextThatIsTyped) {
+  CVelumBaseRichTextBox box(u"fBox"_s, &iForm, &iSink);
+  Show(box, 0);
+  box.SetText(u"typed"_s);
+  box.SetFocus();
   iSink.iSeen.clear();
+  QTest::keyClick(box.Widget(), Qt::Key_U, Qt::ControlModifier);
+  EXPECT_TRUE(iSink.iSeen.isEmpty());
+  EXPECT_EQ(box.Text(), u"typed"_s);
   QTest::keyClick(box.Widget(), Qt::Key_Left);
   QTest::keyClick(box.Widget(), Qt::Key_E, Qt::ControlModifier);
   EXPECT_TRUE(iSink.iSeen.isEmpty());

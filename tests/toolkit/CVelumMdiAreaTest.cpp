@@ -107,6 +107,43 @@ TEST_F(CVelumMdiAreaTest, KeepsThePlaceOfAMaximisedChild) {
   EXPECT_EQ(iArea.ChildRect(&iForm), QRect(31, 41, 310, 210));
 }
 
+TEST_F(CVelumMdiAreaTest, AChildThatFollowsTheAreaKeepsItsFreePlace) {
+  iArea.AddChild(&iForm);
+  iArea.SetChildRect(&iForm, QRect(10, 20, 300, 200));
+  iArea.ShowChild(&iForm, true);
+  iForm.parentWidget()->showMaximized();
+  for (const QSize size : {QSize(900, 700), QSize(400, 300)}) {
+    iArea.resize(size);
+    QApplication::processEvents();
+    EXPECT_EQ(iForm.parentWidget()->size(), size);
+    EXPECT_EQ(iArea.ChildRect(&iForm), QRect(10, 20, 300, 200));
+  }
+  iForm.parentWidget()->showNormal();
+  EXPECT_EQ(iArea.ChildRect(&iForm), QRect(10, 20, 300, 200));
+  iForm.parentWidget()->resize(320, 220);
+  EXPECT_EQ(iArea.ChildRect(&iForm), QRect(10, 20, 320, 220)) << "noted again once it is free";
+}
+
+TEST_F(CVelumMdiAreaTest, TitlesFollowTheDesktop) {
+  iArea.AddChild(&iForm);
+  iArea.AddChild(&iOther);
+  iArea.SetChildRect(&iForm, QRect(10, 20, 300, 200));
+  iArea.SetChildRect(&iOther, QRect(10, 250, 300, 200));
+  iArea.ShowChild(&iForm, true);
+  iArea.ShowChild(&iOther, false);
+  const auto title = [this] {
+    QApplication::processEvents();
+    return iOther.parentWidget()->grab().toImage().pixelColor(100, 5).lightness();
+  };
+  const QPalette before = QApplication::palette();
+  const int light = title();
+  QApplication::setPalette(QPalette(QColor(56, 56, 60), QColor(45, 45, 48)));
+  const int dark = title();
+  QApplication::setPalette(before);
+  EXPECT_LT(dark, light - 60);
+  EXPECT_EQ(title(), light);
+}
+
 TEST_F(CVelumMdiAreaTest, CloseByTheUserReachesTheForm) {
   iArea.AddChild(&iForm);
   iArea.ShowChild(&iForm, true);

@@ -171,6 +171,20 @@ TEST(CVelumRtfDocument, CountsParagraphEndsAsTwo) {
   EXPECT_EQ(CVelumRtfDocument::ToCount(document, 1, {0, 1, 2}), 3);
 }
 
+TEST(CVelumRtf, ACharacterInATableIsNoText) {
+  EXPECT_EQ(Shape(CVelumRtf::Read(u"{\\rtf1{\\fonttbl {\\f0 A\\u8364 B;}}{\\colortbl ;\\u8364 ;}x}"_s)),
+            QStringList{u"<>x"_s});
+}
+
+TEST(CVelumRtfDocument, TheSizeItBeginsWithIsThatOfItsBox) {
+  WidgetApp();
+  QTextDocument document;
+  const auto noColor = [](qint32) { return QColor(); };
+  CVelumRtfDocument::Show(document, CVelumRtf::Read(Rtf(u"a\\par \\pard\\fs10 b"_s)), 8, noColor);
+  EXPECT_EQ(document.begin().begin().fragment().charFormat().fontPointSize(), 8.0);
+  EXPECT_EQ(document.lastBlock().begin().fragment().charFormat().fontPointSize(), 4.0) << "half as large";
+}
+
 TEST(CVelumRtfDocument, GivesTheTextItsLooks) {
   WidgetApp();
   QTextDocument document;

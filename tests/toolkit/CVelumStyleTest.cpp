@@ -3,8 +3,11 @@
 #include "support/WidgetTest.h"
 
 #include <QDialogButtonBox>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QStyleFactory>
+#include <QTest>
+#include <QTextEdit>
 
 namespace {
 
@@ -46,4 +49,23 @@ TEST_F(CVelumStyleTest, TheRestIsTheDesktops) {
   const CVelumStyle style(new IconStyle);
   EXPECT_EQ(style.styleHint(QStyle::SH_DialogButtonLayout), desktop.styleHint(QStyle::SH_DialogButtonLayout));
   EXPECT_EQ(style.pixelMetric(QStyle::PM_ButtonMargin), desktop.pixelMetric(QStyle::PM_ButtonMargin));
+}
+
+TEST_F(CVelumStyleTest, ALongTextHasAFrameOfTheSelectionsColourWhileItHasTheFocus) {
+  CVelumStyle style(QStyleFactory::create(u"Fusion"_s));
+  QWidget window;
+  QTextEdit text(&window);
+  QLineEdit other(&window);
+  text.setStyle(&style);
+  text.setGeometry(20, 40, 100, 60);
+  window.resize(200, 150);
+  window.show();
+  window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  const auto frame = [&] { return window.grab().toImage().pixelColor(70, 40); };
+  other.setFocus();
+  EXPECT_NE(frame(), text.palette().color(QPalette::Highlight));
+  text.setFocus();
+  EXPECT_EQ(frame(), text.palette().color(QPalette::Highlight));
+  EXPECT_EQ(window.grab().toImage().pixelColor(119, 70), text.palette().color(QPalette::Highlight));
 }
