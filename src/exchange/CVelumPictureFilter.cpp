@@ -131,10 +131,12 @@ private:
   CVelumPictureFilter::TJpeg iJpeg;
 };
 
-// Whether a chunk of a PNG says something about the picture itself.
+// Whether a chunk of a PNG says something about the picture itself. A gamma or white point is left out: the
+// library applies it to true colours but not to those of a palette, so that two pictures of the same colours
+// would be shown differently.
 bool IsWantedChunk(const char* aType) {
   if (aType[0] >= 'A' && aType[0] <= 'Z') return true;
-  static constexpr const char* EColours[] = {"tRNS", "gAMA", "sRGB", "cHRM", "sBIT"};
+  static constexpr const char* EColours[] = {"tRNS", "sRGB", "sBIT"};
   return std::any_of(std::begin(EColours), std::end(EColours),
                      [&](const char* aName) { return std::memcmp(aType, aName, 4) == 0; });
 }

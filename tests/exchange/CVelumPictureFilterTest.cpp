@@ -77,7 +77,7 @@ TEST(CVelumPictureFilter, KeepsTheChunksOfAPngThatAreSeen) {
   const QByteArray seen = chunk("IHDR", "1234567890123") + chunk("PLTE", "abc") + chunk("tRNS", "a");
   const QByteArray data = chunk("IDAT", "zzzz") + chunk("IEND", {});
   EXPECT_EQ(CVelumPictureFilter::Png(signature + seen + chunk("iTXt", "t") + chunk("iCCP", "p") +
-                                     chunk("eXIf", "e") + data),
+                                     chunk("gAMA", "gggg") + chunk("cHRM", "c") + chunk("eXIf", "e") + data),
             signature + seen + data);
   EXPECT_EQ(CVelumPictureFilter::Png(signature + seen + Hex("ffffffff") + "IDATrest"), signature + seen);
   EXPECT_EQ(CVelumPictureFilter::Png(signature), signature);

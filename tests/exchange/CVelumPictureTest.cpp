@@ -40,6 +40,17 @@ QString Refusal(const QByteArray& aBytes) {
   }
 }
 
+TEST(CVelumPicture, AGammaMakesNoDifferenceBetweenAPaletteAndTrueColours) {
+  QImage image(2, 2, QImage::Format_RGB888);
+  image.fill(QColor(156, 80, 20));
+  // Behind the head: a gamma of 1.
+  const QByteArray gamma = QByteArray::fromHex("0000000467414d41000186a031e8965f");
+  for (const auto format : {QImage::Format_RGB888, QImage::Format_Indexed8, QImage::Format_RGB32}) {
+    const CVelumPicture picture(Encoded(image.convertToFormat(format), "PNG").insert(33, gamma));
+    EXPECT_EQ(picture.ToImage().pixel(1, 1), qRgb(156, 80, 20)) << format;
+  }
+}
+
 TEST(CVelumPicture, TellsFormatsByContent) {
   EXPECT_EQ(CVelumPicture::FormatOf(TestPictures::Bmp(2, 2)), EPicBmp);
   EXPECT_EQ(CVelumPicture::FormatOf(Encoded(Quarters(4, 4), "JPG")), EPicJpeg);

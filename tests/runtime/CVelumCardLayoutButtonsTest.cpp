@@ -115,7 +115,7 @@ TEST_F(CVelumCardLayoutButtonsTest, ThePictureOfGoToCardAsserts) {
   AddField(iSet, u"Go"_s, EConCommand, EConAsButton | EConPictButton | EConStdCmd)->SetStdCmd(EStdGoToCard);
   AddCard(u"a"_s);
   Open();
-  EXPECT_TRUE(iPresenter.Shown().first().iText.contains(u"AssignBaseControl pict stdCmd"_s));
+  EXPECT_TRUE(iPresenter.FirstShown().iText.contains(u"AssignBaseControl pict stdCmd"_s));
 }
 
 TEST_F(CVelumCardLayoutButtonsTest, ACommandThatIsNeitherButtonNorMenuItemMustNotBeInTheCardView) {
@@ -165,7 +165,7 @@ TEST_F(CVelumCardLayoutButtonsTest, AnEleventhMenuCommandAsserts) {
   for (int i = 0; i < 11; ++i) AddField(iSet, QString::number(i), EConCommand, EConInMenu);
   AddCard(u"a"_s);
   Open();
-  EXPECT_TRUE(iPresenter.Shown().first().iText.contains(u"ControlByName fGenFunc10"_s));
+  EXPECT_TRUE(iPresenter.FirstShown().iText.contains(u"ControlByName fGenFunc10"_s));
   EXPECT_EQ(iFrame.iActions[u"fGenFunc9"_s]->text(), u"9"_s);
 }
 

@@ -216,7 +216,7 @@ TEST_F(CVelumCardLayoutTest, AComboWithoutItsListAsserts) {
   AddCard(u"a"_s);
   iPresenter.SetDefaultAnswer(true);
   Open();
-  EXPECT_TRUE(iPresenter.Shown().first().iText.contains(u"AssignBaseControl partner"_s));
+  EXPECT_TRUE(iPresenter.FirstShown().iText.contains(u"AssignBaseControl partner"_s));
 }
 
 TEST_F(CVelumCardLayoutTest, ATextFieldOfNoLinesAsserts) {
@@ -225,7 +225,7 @@ TEST_F(CVelumCardLayoutTest, ATextFieldOfNoLinesAsserts) {
   AddCard(u"a"_s);
   iPresenter.SetDefaultAnswer(true);
   Open();
-  EXPECT_TRUE(iPresenter.Shown().first().iText.contains(u"AssignBaseControl TextBox 1"_s));
+  EXPECT_TRUE(iPresenter.FirstShown().iText.contains(u"AssignBaseControl TextBox 1"_s));
   EXPECT_EQ(text->BaseType(), EBaseTextBox) << "and goes on when it is overruled";
 }
 
@@ -234,7 +234,7 @@ TEST_F(CVelumCardLayoutTest, AnUnknownTypeAsserts) {
   AddCard(u"a"_s);
   field->SetConType(9);
   Open();
-  EXPECT_TRUE(iPresenter.Shown().first().iText.contains(u"AssignBaseControl conType"_s));
+  EXPECT_TRUE(iPresenter.FirstShown().iText.contains(u"AssignBaseControl conType"_s));
 }
 
 TEST_F(CVelumCardLayoutTest, FreeHeightGoesToTheFieldThatWantsItAndMovesWhatLiesBelow) {

@@ -347,16 +347,6 @@ TEST_F(CVelumCardListTest, ARefillKeepsTheSelectionAndThePlace) {
   EXPECT_EQ(Widget().TopRow(), top);
 }
 
-TEST_F(CVelumCardListTest, ARefillKeepsThePlaceWithoutASelectionToo) {
-  for (int i = 0; i < 200; ++i) AddCard(u"card "_s + QString::number(i));
-  OpenThree();
-  Box().SetSelIndex(-1);
-  Widget().SetTopRow(100);
-  ASSERT_EQ(Widget().TopRow(), 100);
-  View().RefreshViews(true, true);
-  EXPECT_EQ(Widget().TopRow(), 100);
-}
-
 TEST_F(CVelumCardListTest, TakesItsPlaceFromTheStackAndGivesItBack) {
   AddCard(u"a"_s);
   Open();
@@ -445,7 +435,6 @@ TEST_F(CVelumCardListTest, TheListFontOfTheStackIsUsed) {
   EXPECT_GT(Widget().font().pointSizeF(), 14);
 }
 
-<<<<<<< HEAD
 TEST_F(CVelumCardListTest, TheLineOfTheCardOnShowIsSelected) {
   OpenThree();
   EXPECT_EQ(Box().SelIndex(), 0) << "as soon as the list opens";
@@ -576,7 +565,8 @@ TEST_F(CVelumCardListTest, TheMainWindowHearsOfTheCardOnShow) {
   View().EmptyStack();
   EXPECT_TRUE(heard());
   EXPECT_FALSE(View().CanGoUp() || View().CanGoDown() || View().CanGoBack() || View().CanGoForw());
-=======
+}
+
 TEST_F(CVelumCardListTest, TheDefaultSizeOfTheListFontIsThatOfTheDesktop) {
   OpenThree();
   EXPECT_EQ(Box().Flags(), ELisFollowHeight | ELisFollowWidth);
@@ -617,7 +607,6 @@ TEST_F(CVelumCardListTest, ADoubleClickOrEnterGoesOnInTheCardInFront) {
     QTest::keyClick(&Widget(), Qt::Key_Return);
   });
   EXPECT_EQ(Cur(), u"c"_s);
->>>>>>> 96de261 (Hold the card window's cases with tests, and follow a desktop that changes)
 }
 
 } // namespace

@@ -153,7 +153,7 @@ TEST_F(CVelumWikiFieldTest, ALinkToNoCardIsReported) {
   EXPECT_EQ(Cur(), u"a"_s);
   ASSERT_EQ(iPresenter.Count(), 1);
   EXPECT_EQ(iPresenter.LastMsg(), EMsgBadLinkTarget);
-  EXPECT_EQ(iPresenter.Shown().last().iClass, EMsgCritical);
+  EXPECT_EQ(iPresenter.LastShown().iClass, EMsgCritical);
   EXPECT_TRUE(iPresenter.LastText().contains(u"nowhere"_s));
 }
 

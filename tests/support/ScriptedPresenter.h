@@ -10,8 +10,8 @@
 class ScriptedPresenter final : public CVelumPresenter {
 public:
   struct TShown {
-    qint32 iMsg;
-    EMsgClass iClass;
+    qint32 iMsg = -1;
+    EMsgClass iClass = static_cast<EMsgClass>(-1);
     QString iName;
     QString iText;
   };
@@ -36,6 +36,12 @@ public:
   // Number and text of the last message; -1 and empty when there was none.
   [[nodiscard]] qint32 LastMsg() const { return iShown.isEmpty() ? -1 : iShown.last().iMsg; }
   [[nodiscard]] QString LastText() const { return iShown.isEmpty() ? QString() : iShown.last().iText; }
+  // The first and the last message, and what was told first and last; without any an empty one, so that a
+  // test which fails is the only one.
+  [[nodiscard]] TShown FirstShown() const { return iShown.isEmpty() ? TShown{} : iShown.first(); }
+  [[nodiscard]] TShown LastShown() const { return iShown.isEmpty() ? TShown{} : iShown.last(); }
+  [[nodiscard]] QString FirstTold() const { return iTold.value(0); }
+  [[nodiscard]] QString LastTold() const { return iTold.value(iTold.size() - 1); }
   [[nodiscard]] const QList<QString>& Told() const { return iTold; }
   [[nodiscard]] const QList<QString>& HelpPages() const { return iHelpPages; }
   [[nodiscard]] const QList<int>& Progress() const { return iProgress; }
