@@ -97,8 +97,7 @@ void CVelumStackCommands::SaveStack() {
 }
 
 void CVelumStackCommands::SaveStackAs() {
-  if (!gStack || !gStackView || !gStackView->ValidateCurControl()) return;
-  if (!gStack || !gStackView || !fLoadDialog.ShowSave(&iFrame)) return;
+  if (!gStack || !gStackView || gStackView->RefuseEntry() || !fLoadDialog.ShowSave(&iFrame)) return;
   const QString path = fLoadDialog.FileName();
   RunSave([&] {
     SaveTo(path);

@@ -7,6 +7,7 @@ folder=$(mktemp -d)
 stack=$folder/copy.Orvelle
 server=
 program=
+manager=
 
 leave_out() {
   echo "left out: $*"
@@ -21,6 +22,7 @@ fail() {
 
 finish() {
   [ -z "$program" ] || kill "$program" 2>/dev/null || true
+  [ -z "$manager" ] || kill "$manager" 2>/dev/null || true
   [ -z "$server" ] || kill "$server" 2>/dev/null || true
   wait
   rm -rf "$folder"
@@ -42,7 +44,9 @@ start_server() {
   for tool in Xvfb xdotool; do
     command -v "$tool" >/dev/null || leave_out "there is no $tool"
   done
-  Xvfb -noreset -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 3>"$folder/display" 2>"$folder/server.log" &
+  mkdir "$folder/screen"
+  Xvfb -noreset -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp -fbdir "$folder/screen" \
+    3>"$folder/display" 2>"$folder/server.log" &
   server=$!
   until_true 20 "Xvfb does not start" test -s "$folder/display"
   export DISPLAY=:$(cat "$folder/display")

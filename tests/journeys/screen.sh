@@ -49,5 +49,12 @@ drag() {
   xdotool mouseup 1
 }
 
-# geometry NAME: sets X, Y, WIDTH and HEIGHT to the place of a window on the screen.
-geometry() { eval "$(xdotool getwindowgeometry --shell "$(xdotool search --onlyvisible --name "$1" | tail -n 1)")"; }
+# geometry NAME: sets X, Y, WIDTH and HEIGHT to the place of a window's inside on the screen. Asked for a window
+# in a frame, xdotool counts the frame twice, but it moves the pointer to the right place.
+geometry() {
+  local id
+  id=$(xdotool search --onlyvisible --name "$1" | tail -n 1)
+  eval "$(xdotool getwindowgeometry --shell "$id" | grep -E '^(WIDTH|HEIGHT)=')"
+  xdotool mousemove --window "$id" 0 0
+  eval "$(xdotool getmouselocation --shell | grep -E '^(X|Y)=')"
+}

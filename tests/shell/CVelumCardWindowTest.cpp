@@ -40,6 +40,7 @@ protected:
   QString Stored() {
     return CVelumValue::ValToExtText(iCard->GetControlVal(iField->Id(), false), iField->FieldInfo());
   }
+  static QWidget& Child() { return *CVelumWinMan::NameToForm(u"CVelumGenForm"_s)->Widget()->parentWidget(); }
   static CVelumCardListForm& ListForm() {
     return *dynamic_cast<CVelumCardListForm*>(CVelumWinMan::NameToForm(u"CVelumCardListForm"_s));
   }
@@ -113,6 +114,50 @@ TEST_F(CVelumCardWindowTest, ClosingTheCardWindowWithAnUnfinishedFieldAsksToSave
   EXPECT_FALSE(child->close());
   EXPECT_TRUE(iAsked);
   EXPECT_EQ(Stored(), u"box"_s);
+}
+
+TEST_F(CVelumCardWindowTest, AnEntryThatIsNoValueIsNeitherSavedNorLeftBehind) {
+  OpenCopy();
+  const QString path = gStack->Filename();
+  iField = MakeRef<CVelumControl>(gStack->IdGen().NextId(), u"Num"_s, EConInteger);
+  iField->SetVisChar(10);
+  iCard->Background()->AddControl(iField, ENoInt);
+  iCard->SetControlVal(iField->Id(), TVelumValue::OfInt(7));
+  gStackView->RefreshViews(true, true);
+  gStackView->OpenCardList();
+  Type(u"12x"_s);
+  auto* base = qobject_cast<CVelumBaseControl*>(iField->BaseControl());
+  const auto expectRefused = [&] {
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(base->Note().isEmpty());
+    EXPECT_TRUE(base->HasFocus());
+    EXPECT_EQ(base->Text(), u"12x"_s);
+    EXPECT_EQ(Stored(), u"7"_s);
+    EXPECT_EQ(gStackView->CurCard(), iCard);
+    base->HideNote();
+  };
+  Choose(u"fSaveStack"_s);
+  expectRefused();
+  EXPECT_TRUE(gStack->Changed()) << "nothing was saved";
+  iPath = path;
+  Choose(u"fSaveStackAs"_s);
+  expectRefused();
+  EXPECT_EQ(iDialogs, 0);
+  EXPECT_FALSE(gFrame->close());
+  expectRefused();
+  EXPECT_FALSE(iAsked) << "not asked to save what cannot be";
+  EXPECT_FALSE(Child().close());
+  expectRefused();
+  Action(u"NextCard"_s)->trigger();
+  expectRefused();
+  CVelumListWidget& list = *ListForm().CardBox();
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualRect(list.model()->index(2, 0)).center());
+  expectRefused();
+  EXPECT_EQ(gStackView->CardListView()->SelCard(), iCard) << "the line of the card on show is chosen again";
+  QTest::keyClick(base->Widget(), Qt::Key_Escape);
+  EXPECT_EQ(base->Text(), u"7"_s);
+  Action(u"NextCard"_s)->trigger();
+  EXPECT_NE(gStackView->CurCard(), iCard);
 }
 
 TEST_F(CVelumCardWindowTest, TheStatusBarOpensTheCardList) {
