@@ -9,6 +9,7 @@
 #include <chrono>
 #include <cstdio>
 #include <malloc.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -37,7 +38,29 @@ double Median(std::vector<double> aFigures) {
   _exit(status);
 }
 
+double SecondsOf(const timeval& aTime) {
+  return static_cast<double>(aTime.tv_sec) + static_cast<double>(aTime.tv_usec) / 1e6;
+}
+
+Bench::TCost Used() {
+  Bench::TCost used;
+  for (const int who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+    rusage usage{};
+    getrusage(who, &usage);
+    used.iUser += SecondsOf(usage.ru_utime);
+    used.iSystem += SecondsOf(usage.ru_stime);
+  }
+  return used;
+}
+
 } // namespace
+
+Bench::TCost Bench::Cost(const std::function<void()>& aRun) {
+  const TCost before = Used();
+  const double wall = Seconds(1, aRun);
+  const TCost after = Used();
+  return {wall, after.iUser - before.iUser, after.iSystem - before.iSystem};
+}
 
 QList<double> Bench::InChild(const std::function<QList<double>()>& aRun) {
   int ends[2];

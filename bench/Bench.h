@@ -13,6 +13,16 @@ void Init();
 // Seconds that aRun takes; the median of aTimes runs. aPrepare runs before each, untimed.
 [[nodiscard]] double Seconds(int aTimes, const std::function<void()>& aRun,
                              const std::function<void()>& aPrepare = {});
+// What a run takes: seconds on the clock, and of the processors for the program and the system (with those of
+// programs that it starts and waits for).
+struct TCost {
+  double iWall = 0;
+  double iUser = 0;
+  double iSystem = 0;
+
+  [[nodiscard]] double Cpu() const { return iUser + iSystem; }
+};
+[[nodiscard]] TCost Cost(const std::function<void()>& aRun);
 // Runs aRun in a process of its own, so that it finds and leaves no used heap, and gives back the figures
 // that it returns. Ends the program when that process fails.
 [[nodiscard]] QList<double> InChild(const std::function<QList<double>()>& aRun);

@@ -8,6 +8,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <cstdio>
 #include <sys/resource.h>
 
 namespace {
@@ -89,21 +90,23 @@ double ExportSeconds(const CVelumStack& aStack) {
   return seconds;
 }
 
-// Seconds of the import, and of the save behind it, the peak, and seconds of the export.
+// Seconds of the import, and of the save behind it, the peak, seconds of the export, and processor time of
+// import and save.
 QList<double> Import(const QString& aCsv) {
   const double before = PeakBytes();
   CVelumImportWatch watch;
   TNewStack made;
-  const double import =
-      Bench::Seconds(1, [&] { static_cast<void>(CVelumImports::ImportCsv1(aCsv, {}, watch, made)); });
+  const Bench::TCost import =
+      Bench::Cost([&] { static_cast<void>(CVelumImports::ImportCsv1(aCsv, {}, watch, made)); });
   const double peak = PeakBytes() - before;
-  const double save = Bench::Seconds(1, [&] {
+  const Bench::TCost save = Bench::Cost([&] {
     CVelumStackFile(Bench::TempPath(QStringLiteral("csv.Orvelle"))).SaveStack(made.iStack, made.iView);
   });
-  return {import, save, peak, ExportSeconds(*made.iStack)};
+  return {import.iWall, save.iWall, peak, ExportSeconds(*made.iStack), import.Cpu() + save.Cpu()};
 }
 
-void Measure(qint32 aRows) {
+// Returns the processor time of import and save.
+double Measure(qint32 aRows) {
   const QString csv = Bench::TempPath(QStringLiteral("bench.csv"));
   WriteCsv(csv, aRows);
   double sqlite = 1e9;
@@ -115,9 +118,10 @@ void Measure(qint32 aRows) {
   const QList<double> ours = Bench::MedianInChildren(ERuns, [&] { return Import(csv); });
   Bench::Row({QString::number(aRows), Bench::Ms(sqlite), Bench::Ms(ours[0]), Bench::Ratio(ours[0], sqlite),
               Bench::Ms(ours[1]), QString::number(qRound(ours[2] / aRows)), Bench::Ms(sqliteExport),
-              Bench::Ms(ours[3]), Bench::Ratio(ours[3], sqliteExport)});
+              Bench::Ms(ours[3]), Bench::Ratio(ours[3], sqliteExport), Bench::Ms(ours[4])});
   QFile::remove(Database());
   QFile::remove(csv);
+  return ours[4];
 }
 
 } // namespace
@@ -127,7 +131,13 @@ int main(int aArgc, char** aArgv) {
   CVelumExports::InitExports();
   Bench::Head({QStringLiteral("rows"), QStringLiteral("sqlite3"), QStringLiteral("import"),
                QStringLiteral("to sqlite3"), QStringLiteral("save"), QStringLiteral("peak bytes a row"),
-               QStringLiteral("sqlite3 -csv"), QStringLiteral("export"), QStringLiteral("to sqlite3")});
-  for (const qint32 rows : Bench::Counts(aArgc, aArgv)) Measure(rows);
+               QStringLiteral("sqlite3 -csv"), QStringLiteral("export"), QStringLiteral("to sqlite3"),
+               QStringLiteral("import and save, CPU")});
+  double before = 0;
+  for (const qint32 rows : Bench::Counts(aArgc, aArgv)) {
+    const double cpu = Measure(rows);
+    if (before > 0) std::printf("CPU of the line before to this one: %.3f\n", before / cpu);
+    before = cpu;
+  }
   return 0;
 }

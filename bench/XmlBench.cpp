@@ -2,6 +2,7 @@
 #include "Bench.h"
 #include "BenchStack.h"
 
+#include "core/CVelumXmlParser.h"
 #include "persist/CVelumStackFile.h"
 
 #include <QFile>
@@ -25,12 +26,12 @@ TPair Load(const QString& aPath) {
   return pair;
 }
 
-// Seconds of a load, and of a save over the same file.
+// Of a load, and of a save over the same file: seconds on the clock, and of processor time.
 QList<double> Measure(const QString& aPath, bool aBinary) {
   TPair pair;
-  const double load = Bench::Seconds(1, [&] { pair = Load(aPath); });
-  const double save = Bench::Seconds(1, [&] { Save(pair, aBinary, aPath); });
-  return {load, save};
+  const Bench::TCost load = Bench::Cost([&] { pair = Load(aPath); });
+  const Bench::TCost save = Bench::Cost([&] { Save(pair, aBinary, aPath); });
+  return {load.iWall, load.Cpu(), save.iWall, save.Cpu()};
 }
 
 // A row of both formats of what aMake makes.
@@ -49,10 +50,32 @@ void Compare(const QString& aWhat, int aTimes, const std::function<TPair()>& aMa
   const auto size = [](const QString& aPath) {
     return QString::number(static_cast<double>(QFileInfo(aPath).size()) / 1e6, 'f', 1);
   };
-  Bench::Row({aWhat, size(binary), size(xml), Bench::Ms(bin[0]), Bench::Ms(text[0]),
-              Bench::Ratio(text[0], bin[0]), Bench::Ms(bin[1]), Bench::Ms(text[1]),
-              Bench::Ratio(text[1], bin[1])});
+  QList<QString> row{aWhat, size(binary), size(xml)};
+  for (qsizetype i = 0; i < bin.size(); ++i)
+    row += {Bench::Ms(bin[i]), Bench::Ms(text[i]), Bench::Ratio(text[i], bin[i])};
+  Bench::Row(row);
   for (const QString& path : {binary, xml}) QFile::remove(path);
+}
+
+// Processor time of reading a tag with so many attributes, a line for each.
+void Attributes(int aCount) {
+  const QString path = Bench::TempPath(u"attributes.xml"_s);
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) qFatal("open");
+  file.write("<?xml version=\"1.0\" encoding=\"UTF-8\" ?>\r\n<a\r\n");
+  for (int i = 0; i < aCount; ++i) file.write("a" + QByteArray::number(i) + "=\"1\"\r\n");
+  file.write("/>\r\n");
+  file.close();
+  const Bench::TCost cost = Bench::Cost([&] {
+    CVelumXmlParser parser(path);
+    parser.OpenFile();
+    parser.ReadHeader();
+    parser.ReadTheNext(u"a", false);
+    bool term = false;
+    parser.ReadAttr(term);
+  });
+  Bench::Row({QString::number(aCount), Bench::Ms(cost.Cpu()), Bench::Each(cost.Cpu(), aCount)});
+  QFile::remove(path);
 }
 
 TPair Cards(qint32 aCount) {
@@ -77,11 +100,14 @@ TPair Blobs(qint32 aMegabytes) {
 
 int main(int aArgc, char** aArgv) {
   Bench::Init();
-  Bench::Head({u"stack"_s, u"binary MB"_s, u"XML MB"_s, u"load"_s, u"load XML"_s, u"ratio"_s, u"save"_s,
-               u"save XML"_s, u"ratio"_s});
+  Bench::Head({u"stack"_s, u"binary MB"_s, u"XML MB"_s, u"load"_s, u"load XML"_s, u"ratio"_s, u"load, CPU"_s,
+               u"load XML, CPU"_s, u"ratio"_s, u"save"_s, u"save XML"_s, u"ratio"_s, u"save, CPU"_s,
+               u"save XML, CPU"_s, u"ratio"_s});
   for (const qint32 count : Bench::Counts(aArgc, aArgv))
-    Compare(u"%1 cards"_s.arg(count), count > 200000 ? 1 : 5, [&] { return Cards(count); });
+    Compare(u"%1 cards"_s.arg(count), count > 200000 ? 1 : 7, [&] { return Cards(count); });
   for (const qint32 megabytes : {5, 50})
     Compare(u"blobs of %1 MB"_s.arg(megabytes), 3, [&] { return Blobs(megabytes); });
+  Bench::Head({u"attributes of a tag"_s, u"CPU"_s, u"each"_s});
+  for (const int count : {10000, 40000, 160000}) Attributes(count);
   return 0;
 }

@@ -533,8 +533,12 @@ bool CVelumFile::ReadLine(QString& aLine) {
 }
 
 void CVelumFile::WriteLine(const QString& aLine) {
+  WriteRawLines(iCoding == ECodUtf8 ? aLine.toUtf8() : CVelumLib::ToCodePage(aLine));
+}
+
+void CVelumFile::WriteRawLines(QByteArrayView aLines) {
   if (iAccess != EFilSeqWrite)
     CVelumError::AssertObj(false, this, u"WriteLine"_s, u"Access EFilSeqWrite "_s + QString::number(iAccess));
   if (!Device().iWriter) CVelumError::RaiseHost(EHostBadCall, iFilename);
-  iDevice->iWriter->WriteLine(iCoding == ECodUtf8 ? aLine.toUtf8() : CVelumLib::ToCodePage(aLine));
+  iDevice->iWriter->WriteLine(aLines);
 }

@@ -107,6 +107,8 @@ public:
   // CR or CR LF, or at LF alone if the first line of the file does.
   [[nodiscard]] bool ReadLine(QString& aLine);
   void WriteLine(const QString& aLine);
+  // The same for text that is encoded already; it may hold line ends.
+  void WriteRawLines(QByteArrayView aLines);
 
   void WriteShort(qint16 aValue) { WriteNum(aValue); }
   [[nodiscard]] qint16 ReadShort() { return ReadNum<qint16>(); }

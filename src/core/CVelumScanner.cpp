@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstring>
 
 using namespace CVelumError;
 
@@ -94,6 +95,18 @@ void AppendChunks(QStringView aMore, QString& aStr, QString& aChunk) {
     aStr += aChunk;
     aChunk.resize(0);
   }
+}
+
+// Where the blanks end that stand in aLine from aPos on, four of them at a time; the end marker is none.
+qsizetype BlanksEnd(QStringView aLine, qsizetype aPos) {
+  constexpr quint64 fourBlanks = 0x0020002000200020;
+  constexpr qsizetype four = 4;
+  for (quint64 next = fourBlanks; aPos + four <= aLine.size(); aPos += four) {
+    std::memcpy(&next, aLine.utf16() + aPos, sizeof next);
+    if (next != fourBlanks) break;
+  }
+  while (aLine[aPos] == u' ') ++aPos;
+  return aPos;
 }
 
 } // namespace
@@ -267,10 +280,7 @@ qint32 CVelumScanner::GetSymView(QStringView& aStr) {
       if (iLineMode) return ESymEol;
       ReadFileLine();
     } else if (iCh == ' ') {
-      const QChar* line = iLine.constData();
-      qsizetype pos = iPos;
-      while (line[pos] == u' ') ++pos; // the end marker stops it
-      MoveTo(pos);
+      MoveTo(BlanksEnd(iLine, iPos));
     } else if ((iCh == '<' || iCh == '>') && iLine.at(iPos) != u'>' && iLine.at(iPos) != u'=') {
       const qint32 sym = iCh == '<' ? ESymLess : ESymGreater;
       aStr = LineView(iPos - 1, iPos);

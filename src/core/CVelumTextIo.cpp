@@ -2,6 +2,8 @@
 
 #include "core/CVelumOs.h"
 
+#include <QScopeGuard>
+
 #include <cstring>
 #include <fcntl.h>
 #include <utility>
@@ -68,20 +70,17 @@ bool CVelumTextReader::ReadLine(QByteArrayView& aLine) {
   return true;
 }
 
-void CVelumTextWriter::WriteLine(QByteArray aLine) {
-  if (iBuf.isEmpty())
-    iBuf = std::move(aLine);
-  else
-    iBuf += aLine;
+void CVelumTextWriter::WriteLine(QByteArrayView aLine) {
+  iBuf += aLine;
   iBuf += "\r\n";
   if (iBuf.size() >= EBufSize) Flush();
 }
 
 void CVelumTextWriter::Flush() {
-  QByteArray bytes = std::exchange(iBuf, {});
-  if (bytes.isEmpty()) return;
-  CVelumOs::Write(iFd, iPath, bytes.constData(), bytes.size());
-  iAhead += bytes.size();
+  if (iBuf.isEmpty()) return;
+  const auto clear = qScopeGuard([this] { iBuf.resize(0); }); // which keeps the memory
+  CVelumOs::Write(iFd, iPath, iBuf.constData(), iBuf.size());
+  iAhead += iBuf.size();
   if (iAhead < EMaxAhead) return;
   iAhead = 0;
   // Only a hint: whoever makes the file safe asks for all of it, and is told of any failure then.

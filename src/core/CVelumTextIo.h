@@ -37,7 +37,7 @@ class CVelumTextWriter {
 public:
   CVelumTextWriter(int aFd, QString aPath) : iFd(aFd), iPath(std::move(aPath)) {}
   // Adds aLine and CR LF.
-  void WriteLine(QByteArray aLine);
+  void WriteLine(QByteArrayView aLine);
   // Hands all collected bytes to the system; they are gone from here also when that fails.
   void Flush();
 

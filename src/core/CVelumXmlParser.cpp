@@ -125,13 +125,32 @@ QStringView CVelumXmlParser::AttrView(QStringView aName) const {
   return {iAttrText.data() + attr.iValue, attr.iEnd - attr.iValue};
 }
 
+// Elements of stacks have few attributes, which are looked through faster than a table is made.
+bool CVelumXmlParser::IsKnown(QStringView aName, qsizetype aLook) {
+  constexpr size_t few = 64;
+  if (iAttrs.size() > few) return IsKnownOfMany(aName);
+  return std::any_of(iAttrs.begin(), iAttrs.end(), [&](const TAttr& aAttr) {
+    return aAttr.iLook == aLook && SameIdent(NameOf(aAttr), aName);
+  });
+}
+
+bool CVelumXmlParser::IsKnownOfMany(QStringView aName) {
+  const auto small = [](QStringView aText) {
+    QString text = aText.toString();
+    for (QChar& ch : text) ch = Lower(ch);
+    return text;
+  };
+  for (; iIndexed < iAttrs.size(); ++iIndexed)
+    iIndex.insert(small(NameOf(iAttrs[iIndexed])), static_cast<qsizetype>(iIndexed));
+  const auto [first, end] = std::as_const(iIndex).equal_range(small(aName));
+  return std::any_of(first, end, [&](qsizetype aPlace) {
+    return SameIdent(NameOf(iAttrs[static_cast<size_t>(aPlace)]), aName);
+  });
+}
+
 void CVelumXmlParser::AddAttr(QStringView aName, QStringView aValue) {
   const qsizetype look = LookOf(aName);
-  const auto same = [&](const TAttr& aAttr) {
-    return aAttr.iLook == look && SameIdent(NameOf(aAttr), aName);
-  };
-  if (std::any_of(iAttrs.begin(), iAttrs.end(), same))
-    AssertObj(false, this, u"AddAttr"_s, u"Create duplicate"_s);
+  if (IsKnown(aName, look)) AssertObj(false, this, u"AddAttr"_s, u"Create duplicate"_s);
   const qsizetype name = iAttrUsed;
   const qsizetype value = name + aName.size();
   iAttrUsed = value + aValue.size();
@@ -183,6 +202,8 @@ qint32 CVelumXmlParser::CountAttr(QStringView aName) const {
 void CVelumXmlParser::ReadAttr(bool& aTerm) {
   iAttrs.clear();
   iAttrUsed = 0;
+  if (iIndexed > 0) iIndex.clear();
+  iIndexed = 0;
   iNextAttr = 0;
   for (;;) {
     if (iSym == ESymGreater || iSym == ESymGreaterEqual) {

@@ -4,6 +4,7 @@
 #include "core/CVelumScanner.h"
 #include "core/CVelumTextPool.h"
 
+#include <QMultiHash>
 #include <vector>
 
 // Not a general XML processor: a header on its own line, elements with attributes in double quotes, children
@@ -87,7 +88,12 @@ private:
     qsizetype iLook; // of the name; see LookOf in the source
   };
   [[nodiscard]] QStringView NameOf(const TAttr& aAttr) const;
+  [[nodiscard]] bool IsKnown(QStringView aName, qsizetype aLook);
+  [[nodiscard]] bool IsKnownOfMany(QStringView aName);
   std::vector<TAttr> iAttrs;
+  // Places in iAttrs by the names in small letters, where there are many; of the first iIndexed ones.
+  QMultiHash<QString, qsizetype> iIndex;
+  size_t iIndexed = 0;
   std::vector<char16_t> iAttrText;
   qsizetype iAttrUsed = 0;
   // Behind the attribute that was asked for last: attributes are mostly asked for in the order of the file.

@@ -41,49 +41,45 @@ void CheckText(const QString& aText) {
                                                aText.first(std::min(aText.size(), EShownLen)) + u"'"_s);
 }
 
-// Whether a text is written as it is, as nearly all are.
-bool IsPlain(QStringView aText) {
+// Whether a character of ASCII stands in the document as it is.
+constexpr bool IsPlain(char16_t aCh) {
   constexpr quint64 ESpecial =
       1ULL << '&' | 1ULL << '<' | 1ULL << '>' | 1ULL << '"' | 1ULL << '\'' | 1ULL << '\r' | 1ULL << 1;
-  return std::none_of(aText.begin(), aText.end(), [](QChar aCh) {
-    const char16_t ch = aCh.unicode();
-    return ch < 64 ? (ESpecial >> ch & 1) != 0 : QChar::isSurrogate(ch);
-  });
+  return aCh < 64 ? (ESpecial >> aCh & 1) == 0 : aCh < 128;
 }
 
-// Returns where the copy ends.
-char16_t* Copy(QStringView aText, char16_t* aTo) {
-  return std::copy(aText.utf16(), aText.utf16() + aText.size(), aTo);
-}
-
-// The digits of aValue; aTo has room for EIntLen characters. Returns where they end.
-char16_t* CopyInt(qint32 aValue, char16_t* aTo) {
-  quint32 left = aValue < 0 ? 0 - static_cast<quint32>(aValue) : static_cast<quint32>(aValue);
-  if (aValue < 0) *aTo++ = u'-';
-  ++aTo;
-  for (quint64 limit = 10; left >= limit; limit *= 10) ++aTo;
-  for (char16_t* to = aTo;; left /= 10) {
-    *--to = static_cast<char16_t>(u'0' + left % 10);
-    if (left < 10) return aTo;
+// Copies a text of such characters, as nearly all are; returns where the copy ends, or null for any other
+// text.
+char* CopyPlain(QStringView aText, char* aTo) {
+  for (const QChar ch : aText) {
+    if (!IsPlain(ch.unicode())) return nullptr;
+    *aTo++ = static_cast<char>(ch.unicode());
   }
-}
-
-// ` name="`; returns where it ends.
-char16_t* CopyAttrName(QStringView aName, char16_t* aTo) {
-  *aTo++ = u' ';
-  aTo = Copy(aName, aTo);
-  *aTo++ = u'=';
-  *aTo++ = u'"';
   return aTo;
 }
 
-// aText as it stands in the document; aEscaped holds it where it is another one.
-QStringView Escaped(const QString& aText, QString& aEscaped) {
-  if (IsPlain(aText)) return aText;
+// The same for a name, or for digits.
+char* Copy(QStringView aText, char* aTo) {
+  for (const QChar ch : aText) *aTo++ = static_cast<char>(ch.unicode());
+  return aTo;
+}
+
+// ` name="`; returns where it ends.
+char* CopyAttrName(QStringView aName, char* aTo) {
+  *aTo++ = ' ';
+  aTo = Copy(aName, aTo);
+  *aTo++ = '=';
+  *aTo++ = '"';
+  return aTo;
+}
+
+// aText as it stands in the document.
+QString Escaped(const QString& aText) {
+  if (std::all_of(aText.begin(), aText.end(), [](QChar aCh) { return IsPlain(aCh.unicode()); })) return aText;
   CheckText(aText);
-  aEscaped = aText;
-  CVelumLib::EscapeXml(aEscaped);
-  return aEscaped;
+  QString escaped = aText;
+  CVelumLib::EscapeXml(escaped);
+  return escaped;
 }
 
 } // namespace
@@ -95,7 +91,7 @@ CVelumXmlWriter::CVelumXmlWriter(const QString& aFilename)
 
 void CVelumXmlWriter::OpenFile() {
   iFile->OpenFile();
-  iUsed = iLineStart = 0;
+  iUsed = iLineStart = iLineExtra = 0;
   iDepth = 0;
   iFile->WriteLine(u"<?xml version=\"1.0\" encoding=\"UTF-8\" ?>"_s);
 }
@@ -108,34 +104,31 @@ void CVelumXmlWriter::CloseFile() {
 
 // The document is built here.
 
-// Where aCount more characters are to be put.
-char16_t* CVelumXmlWriter::Room(qsizetype aCount) {
-  const auto need = static_cast<size_t>(iUsed + aCount);
-  if (need > iBuf.size()) iBuf.resize(std::max({need, 2 * iBuf.size(), size_t{EBufSize}}));
-  char16_t* room = iBuf.data() + iUsed;
-  iUsed += aCount;
-  return room;
+void CVelumXmlWriter::Grow(qsizetype aCount) {
+  iBuf.resize(std::max({static_cast<size_t>(iUsed + aCount), 2 * iBuf.size(), size_t{EBufSize}}));
 }
 
-// The same behind the indentation where a line begins. The root element stands in column 0.
-char16_t* CVelumXmlWriter::LineRoom(qsizetype aCount) {
+// The same as Room behind the indentation where a line begins. The root element stands in column 0.
+char* CVelumXmlWriter::LineRoom(qsizetype aCount) {
   if (!AtLineStart()) return Room(aCount);
   const qsizetype blanks = std::max<qsizetype>((iDepth - 1) * 2, 0);
-  return std::fill_n(Room(blanks + aCount), blanks, u' ');
+  return std::fill_n(Room(blanks + aCount), blanks, ' ');
 }
 
 QString CVelumXmlWriter::LineBeginning() const {
-  const QStringView line(iBuf.data() + iLineStart, std::min(iUsed - iLineStart, EShownLen));
-  return line.toString().trimmed();
+  constexpr qsizetype most = 3; // bytes that a character takes in UTF-8
+  const QByteArrayView line(iBuf.data() + iLineStart, std::min(iUsed - iLineStart, most * EShownLen));
+  return QString::fromUtf8(line).left(EShownLen).trimmed();
 }
 
 void CVelumXmlWriter::EndLine() {
-  if (iUsed - iLineStart > EMaxLine)
+  if (iUsed - iLineStart - iLineExtra > EMaxLine)
     CVelumError::RaiseHost(EHostOverflow, u"too long for a line of XML: "_s + LineBeginning());
-  char16_t* to = Room(EEolLen);
-  to[0] = u'\r';
-  to[1] = u'\n';
+  char* to = Room(EEolLen);
+  to[0] = '\r';
+  to[1] = '\n';
   iLineStart = iUsed;
+  iLineExtra = 0;
   if (iUsed >= EBufSize) WriteOut();
 }
 
@@ -143,31 +136,47 @@ void CVelumXmlWriter::EndLine() {
 void CVelumXmlWriter::WriteOut() {
   const qsizetype count = iLineStart - EEolLen;
   iUsed = iLineStart = 0;
-  if (count >= 0) iFile->WriteLine(QString::fromRawData(reinterpret_cast<const QChar*>(iBuf.data()), count));
+  if (count >= 0) iFile->WriteRawLines(QByteArrayView(iBuf.data(), count));
+}
+
+// Text as it stands in the document.
+void CVelumXmlWriter::AddText(QStringView aText) {
+  if (CopyPlain(aText, Room(aText.size()))) return;
+  iUsed -= aText.size();
+  const QByteArray text = aText.toUtf8();
+  std::copy(text.begin(), text.end(), Room(text.size()));
+  iLineExtra += text.size() - aText.size();
 }
 
 // Elements.
 
 void CVelumXmlWriter::BeginElem(QStringView aName) {
   iDepth = CVelumChecked::Add(iDepth, qint16{1});
-  char16_t* to = LineRoom(aName.size() + 1);
-  *to++ = u'<';
+  char* to = LineRoom(aName.size() + 1);
+  *to++ = '<';
   Copy(aName, to);
 }
 
 void CVelumXmlWriter::AddPlainAttr(QStringView aName, QStringView aValue) {
-  char16_t* to = CopyAttrName(aName, Room(aName.size() + aValue.size() + 4));
-  *Copy(aValue, to) = u'"';
+  char* to = CopyAttrName(aName, Room(aName.size() + aValue.size() + 4));
+  *Copy(aValue, to) = '"';
 }
 
 void CVelumXmlWriter::AddAttr(QStringView aName, const QString& aValue) {
-  QString escaped;
-  AddPlainAttr(aName, Escaped(aValue, escaped));
+  char* to = CopyAttrName(aName, Room(aName.size() + aValue.size() + 4));
+  if (char* end = CopyPlain(aValue, to)) {
+    *end = '"';
+    return;
+  }
+  iUsed -= aValue.size() + 1;
+  AddText(Escaped(aValue));
+  *Room(1) = '"';
 }
 
 void CVelumXmlWriter::AddIntAttr(QStringView aName, qint32 aValue) {
-  char16_t* end = CopyInt(aValue, CopyAttrName(aName, Room(aName.size() + EIntLen + 4)));
-  *end++ = u'"';
+  char* to = CopyAttrName(aName, Room(aName.size() + EIntLen + 4));
+  char* end = std::to_chars(to, to + EIntLen, aValue).ptr;
+  *end++ = '"';
   iUsed = end - iBuf.data();
 }
 
@@ -194,26 +203,29 @@ void CVelumXmlWriter::EndEmptyElem() {
 }
 
 void CVelumXmlWriter::AddLongElemText(const QString& aText) {
-  QString escaped;
-  const QStringView text = Escaped(aText, escaped);
-  *Room(1) = u'>';
+  *Room(1) = '>';
+  if (aText.size() <= EPieceLen) {
+    if (CopyPlain(aText, Room(aText.size()))) return;
+    iUsed -= aText.size();
+  }
+  const QString text = Escaped(aText);
   for (qsizetype from = 0; from < text.size();) {
     const qsizetype end = PieceEnd(text, from);
     if (from > 0) EndLine();
-    Copy(text.sliced(from, end - from), Room(end - from));
+    AddText(QStringView(text).sliced(from, end - from));
     from = end;
   }
 }
 
 void CVelumXmlWriter::EndElem(QStringView aName) {
-  char16_t* to = Copy(u"</", LineRoom(aName.size() + 3));
-  *Copy(aName, to) = u'>';
+  char* to = Copy(u"</", LineRoom(aName.size() + 3));
+  *Copy(aName, to) = '>';
   EndLine();
   --iDepth;
 }
 
 void CVelumXmlWriter::BeginStruct() {
-  *Room(1) = u'>';
+  *Room(1) = '>';
   EndLine();
 }
 

@@ -39,17 +39,26 @@ public:
 
 private:
   [[nodiscard]] bool AtLineStart() const { return iUsed == iLineStart; }
-  char16_t* Room(qsizetype aCount);
-  char16_t* LineRoom(qsizetype aCount);
+  // Where aCount more bytes are to be put.
+  char* Room(qsizetype aCount) {
+    if (iUsed + aCount > static_cast<qsizetype>(iBuf.size())) Grow(aCount);
+    char* room = iBuf.data() + iUsed;
+    iUsed += aCount;
+    return room;
+  }
+  void Grow(qsizetype aCount);
+  char* LineRoom(qsizetype aCount);
   void AddPlainAttr(QStringView aName, QStringView aValue);
+  void AddText(QStringView aText);
   void EndLine();
   void WriteOut();
   [[nodiscard]] QString LineBeginning() const;
 
   Ref<CVelumFile> iFile;
-  // The characters that were not written yet: whole lines, and from iLineStart on one under construction.
-  std::vector<char16_t> iBuf;
+  // What was not written yet, in UTF-8: whole lines, and from iLineStart on one under construction.
+  std::vector<char> iBuf;
   qsizetype iUsed = 0;
   qsizetype iLineStart = 0;
+  qsizetype iLineExtra = 0; // bytes of that line beyond its characters
   qint16 iDepth = 0;
 };
