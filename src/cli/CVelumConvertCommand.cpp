@@ -1,4 +1,5 @@
 // convert: loads a stack and saves it under another name.
+#include "cli/CVelumCliFiles.h"
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "persist/CVelumStackFile.h"
@@ -9,6 +10,7 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal&) {
   const QString format = aArgs.Value(u"format"_s);
   if (aArgs.Has(u"format"_s) && format != u"binary"_s && format != u"xml"_s)
     throw TVelumUsage{u"There is no format '%1': binary or xml."_s.arg(format)};
+  CVelumCliFiles::CheckFolder(aArgs.Operand(1));
   const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
   if (!format.isEmpty()) open.iStack->SetFlag(EStaBinary, format == u"binary"_s);
   CVelumStackFile(aArgs.iOperands.at(1)).SaveStack(open.iStack, open.iView);

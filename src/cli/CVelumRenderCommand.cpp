@@ -1,4 +1,5 @@
 // render: the picture of a card as its window shows it. The one command that needs widgets, on no screen.
+#include "cli/CVelumCliFiles.h"
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "core/CVelumMsg.h"
@@ -64,6 +65,7 @@ void Save(const QImage& aImage, const QString& aPath) {
 
 int Run(const TVelumArgs& aArgs, CVelumTerminal&) {
   const QSize wanted = SizeOf(aArgs);
+  CVelumCliFiles::CheckFolder(aArgs.Operand(1));
   const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
   const COpenView view(open);
   CVelumGenForm& form = gStackView->CardView()->ViewForm();

@@ -1,4 +1,5 @@
 // run: sends a message to a card or a field, and prints what the scripts answer.
+#include "cli/CVelumCliFiles.h"
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
@@ -37,6 +38,7 @@ Ref<CVelumControl> TargetField(const TVelumArgs& aArgs, const CVelumCard& aCard)
 
 int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   const qint64 limit = Limit(aArgs);
+  if (aArgs.Has(u"save"_s)) CVelumCliFiles::CheckFolder(aArgs.Value(u"save"_s));
   const TVelumOpenStack open = CVelumCliStack::Open(aArgs.iOperands.at(0));
   const QString message = aArgs.iOperands.at(1);
   const auto interpreter = MakeRef<CVelumInterpreter>();

@@ -25,6 +25,22 @@ QByteArray ReadText(const QString& aPath) {
   return file.readAll();
 }
 
+TEST(CVelumCli, AFolderThatIsMissingIsNamed) {
+  const TempFolder folder;
+  const QString stack = CliRun::Data(u"one_card.Orvelle"_s);
+  const QString out = folder.Path(u"none/x"_s);
+  const QList<QStringList> calls{{u"convert"_s, stack, out},
+                                 {u"run"_s, stack, u"Click"_s, u"--save"_s, out},
+                                 {u"render"_s, stack, out},
+                                 {u"export-xml"_s, stack, out}};
+  for (const QStringList& call : calls) {
+    const TCliResult result = CliRun::Run(call);
+    EXPECT_EQ(result.iStatus, 1) << call.first().toStdString();
+    EXPECT_TRUE(result.iErr.contains("there is no folder " + folder.Path(u"none"_s).toUtf8()))
+        << result.iErr.toStdString();
+  }
+}
+
 // The commands that read a stack, with what else they need.
 QList<QStringList> CallsOn(const QString& aStack, const QString& aOut) {
   return {{u"info"_s, aStack},

@@ -6,6 +6,8 @@
 #include "support/TempFolder.h"
 #include "support/TestPictures.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <gtest/gtest.h>
 
 namespace {
@@ -52,12 +54,33 @@ protected:
   const QStringList iTarget{u"--card"_s, u"Home"_s, u"--field"_s, u"Photo"_s};
 };
 
+TEST_F(CVelumImportPictureCommand, TellsWhatItDidAsJson) {
+  const QString picture = iFolder.Write(u"photo.bmp"_s, TestPictures::Bmp(20, 20));
+  const TCliResult result = Run(QStringList{picture, iStack, u"--json"_s} + iTarget);
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+  const QJsonObject facts = QJsonDocument::fromJson(result.iOut).object();
+  EXPECT_EQ(facts, (QJsonObject{{u"file"_s, picture},
+                                {u"stack"_s, iStack},
+                                {u"card"_s, u"Home"_s},
+                                {u"field"_s, u"Photo"_s},
+                                {u"picture"_s, PictureIn(iStack)->Id()}}));
+}
+
+TEST_F(CVelumImportPictureCommand, DoesNotSaveOverThePicture) {
+  const QString picture = iFolder.Write(u"photo.bmp"_s, TestPictures::Bmp(20, 20));
+  const TCliResult result = Run(QStringList{picture, iStack, u"--out"_s, picture} + iTarget);
+  EXPECT_EQ(result.iStatus, 1);
+  EXPECT_TRUE(result.iErr.contains("is the file that is read")) << result.iErr.toStdString();
+  EXPECT_EQ(iFolder.Read(u"photo.bmp"_s), TestPictures::Bmp(20, 20));
+}
+
 TEST_F(CVelumImportPictureCommand, PutsAPictureIntoTheStack) {
   const QByteArray bytes = TestPictures::Bmp(300, 200);
   const QString picture = iFolder.Write(u"photo.bmp"_s, bytes);
   const TCliResult result = Run(QStringList{picture, iStack} + iTarget);
   EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
-  EXPECT_EQ(result.iOut, QByteArray());
+  EXPECT_EQ(result.iOut, iStack.toUtf8() + ": " + picture.toUtf8() +
+                             " in field 'Photo' of card 'Home', shown by a sample\n");
   const Ref<CVelumBlob> blob = PictureIn(iStack);
   ASSERT_TRUE(blob);
   EXPECT_EQ(blob->Bytes(), bytes);

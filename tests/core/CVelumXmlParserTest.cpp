@@ -192,6 +192,24 @@ TEST_F(XmlParser, ARepeatedAttributeAsserts) {
   ExpectAssertion("<A a=\"1\" A=\"2\"/>\r\n", u"Create duplicate"_s);
 }
 
+TEST_F(XmlParser, ManyAttributesAreFoundAndRepeatedOnesAssert) {
+  constexpr int count = 5000;
+  QByteArray attrs;
+  for (int i = 0; i < count; ++i) attrs += "a" + QByteArray::number(i) + "=\"" + QByteArray::number(i) + "\"\r\n";
+  OpenElem(attrs);
+  for (const int i : {0, 63, 64, 65, 4999, 128}) EXPECT_EQ(iParser->IntAttr(u"a"_s + QString::number(i)), i);
+  EXPECT_FALSE(iParser->HasAttr(u"a5000"_s));
+  for (const char* repeated : {"a3=\"1\"", "A4998=\"1\"", "x=\"1\" X=\"2\""})
+    ExpectAssertion("<A " + attrs + repeated + "/>\r\n", u"Create duplicate"_s);
+  // The table is that of one element.
+  Open("<A " + attrs + "/>\r\n<A a1=\"7\"/>\r\n<A " + attrs + "/>\r\n");
+  for (const int expected : {1, 7, 1}) {
+    iParser->ReadTheNext(u"A"_s, false);
+    EXPECT_EQ(Assertion([&] { iParser->ReadAttrTerm(); }), u"nothing"_s);
+    EXPECT_EQ(iParser->IntAttr(u"a1"_s), expected);
+  }
+}
+
 TEST_F(XmlParser, AttributesComeBackUnescaped) {
   OpenElem("a=\"x&eol;&quot;y&quot; &amp;eol;\"");
   EXPECT_EQ(iParser->Attr(u"a"_s), u"x\r\n\"y\" &eol;"_s);
