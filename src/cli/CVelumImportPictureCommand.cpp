@@ -31,8 +31,11 @@ void Print(const TVelumArgs& aArgs, const CVelumBlob& aBlob, CVelumTerminal& aTe
   const QString out = aArgs.Value(u"out"_s, aArgs.Operand(1));
   const QString card = aArgs.Value(u"card"_s);
   const QString field = aArgs.Value(u"field"_s);
-  QJsonObject facts{{u"file"_s, aArgs.Operand(0)}, {u"stack"_s, out},        {u"card"_s, card},
-                    {u"field"_s, field},           {u"picture"_s, aBlob.Id()}};
+  QJsonObject facts{{u"file"_s, aArgs.Operand(0)},
+                    {u"stack"_s, out},
+                    {u"card"_s, card},
+                    {u"field"_s, field},
+                    {u"picture"_s, aBlob.Id()}};
   if (aBlob.SampleId() != ENoInt) facts.insert(u"sample"_s, aBlob.SampleId());
   if (aArgs.iJson) return aTerminal.Json(facts);
   const QString sample = aBlob.SampleId() == ENoInt ? QString() : u", shown by a sample"_s;

@@ -134,12 +134,15 @@ void CVelumImportOptions::Import() {
     ImportTextFile();
 }
 
-QString CVelumImportOptions::AskFile(CVelumFileDialog& aDialog, QString& aInitDir) {
+QString CVelumImportOptions::AskFile(CVelumFileDialog& aDialog, const QString& aInitDir) {
   if (!aInitDir.isEmpty()) aDialog.SetInitDir(aInitDir);
-  if (!aDialog.ShowOpen(this)) return {};
+  return aDialog.ShowOpen(this) ? aDialog.FileName() : QString();
+}
+
+// For the next time; of a file that could be imported.
+void CVelumImportOptions::KeepFolder(const QString& aPath, QString& aInitDir) {
   QString name;
-  CVelumLib::SplitPath(aDialog.FileName(), aInitDir, name);
-  return aDialog.FileName();
+  CVelumLib::SplitPath(aPath, aInitDir, name);
 }
 
 void CVelumImportOptions::Report(const QString& aPath, qint64 aNumCards) {
@@ -168,6 +171,7 @@ void CVelumImportOptions::ImportCsvFile() {
     if (!form) return;
     CVelumWinMan::LoadForm(*form);
     form->SetImportFile(path);
+    KeepFolder(path, gOptions.iImportCsvDialogInitDir);
     CVelumWinMan::ShowDialog(*form, false, this);
   });
 }
@@ -182,6 +186,7 @@ void CVelumImportOptions::ImportXmlFile() {
   // What was read before a failure stays, and is to be seen.
   CVelumCsvImportOptions::ShowCards();
   if (Ref<CVelumCard> card; done && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
+  if (done) KeepFolder(path, gOptions.iImportXmlDialogInitDir);
   if (done) Report(path, gStack->NumCards() - before);
   CVelumSeams::ChangeNotify(EStructure);
   if (done) CVelumWinMan::UnloadForm(*this);
@@ -199,6 +204,7 @@ void CVelumImportOptions::ImportTextFile() {
     return CVelumImports::ImportTextFile(path, background, *gStackView, aStep);
   });
   if (!done) return;
+  KeepFolder(path, gOptions.iImportTextDialogInitDir);
   Report(path, background->NumCards());
   CVelumCsvImportOptions::ShowCards();
   CVelumSeams::ChangeNotify(EStructure);

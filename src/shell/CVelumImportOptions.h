@@ -43,7 +43,8 @@ private:
   void SetTarget(bool aEnabled, bool aInto, bool aBackgroundEnabled);
   void Import();
   // The file of a format, or an empty text; keeps the folder in the option.
-  [[nodiscard]] QString AskFile(CVelumFileDialog& aDialog, QString& aInitDir);
+  [[nodiscard]] QString AskFile(CVelumFileDialog& aDialog, const QString& aInitDir);
+  static void KeepFolder(const QString& aPath, QString& aInitDir);
   void ImportCsvFile();
   void ImportXmlFile();
   void ImportHandBaseFile();

@@ -195,7 +195,8 @@ TEST_F(XmlParser, ARepeatedAttributeAsserts) {
 TEST_F(XmlParser, ManyAttributesAreFoundAndRepeatedOnesAssert) {
   constexpr int count = 5000;
   QByteArray attrs;
-  for (int i = 0; i < count; ++i) attrs += "a" + QByteArray::number(i) + "=\"" + QByteArray::number(i) + "\"\r\n";
+  for (int i = 0; i < count; ++i)
+    attrs += "a" + QByteArray::number(i) + "=\"" + QByteArray::number(i) + "\"\r\n";
   OpenElem(attrs);
   for (const int i : {0, 63, 64, 65, 4999, 128}) EXPECT_EQ(iParser->IntAttr(u"a"_s + QString::number(i)), i);
   EXPECT_FALSE(iParser->HasAttr(u"a5000"_s));

@@ -170,6 +170,35 @@ TEST_F(XmlWriter, RefusesALineThatIsTooLongToBeRead) {
   EXPECT_THROW(iWriter.EndEmptyElem(), CVelumException);
 }
 
+TEST_F(XmlWriter, TheLimitOfALineCountsCharactersNotBytes) {
+  for (const QString& character : {u"\u00E9"_s, u"\u20AC"_s}) {
+    iWriter.BeginElem(u"A"_s);
+    iWriter.AddAttr(u"a"_s, character.repeated(32766 - 9));
+    iWriter.EndEmptyElem();
+  }
+  iWriter.BeginElem(u"A"_s);
+  iWriter.AddAttr(u"a"_s, u"\u20AC"_s.repeated(32766 - 8));
+  const QString beginning = u"<A a=\""_s + u"\u20AC"_s.repeated(54);
+  try {
+    iWriter.EndEmptyElem();
+    ADD_FAILURE() << "no refusal";
+  } catch (const CVelumException& e) {
+    EXPECT_TRUE(e.Descr().endsWith(beginning)) << e.Descr().toStdString();
+  }
+}
+
+TEST_F(XmlWriter, TextsOfEveryKindStandBesideEachOther) {
+  iWriter.BeginElem(u"A"_s);
+  iWriter.AddAttr(u"a"_s, u"x<\u00E9"_s);
+  iWriter.AddAttr(u"b"_s, u"plain"_s);
+  iWriter.AddAttr(u"c"_s, u"\U0001F600"_s);
+  iWriter.AddIntAttr(u"d"_s, -5);
+  iWriter.AddElemText(u"\u20AC "_s + QString(79, u'x') + u"&"_s);
+  iWriter.EndElem(u"A"_s);
+  EXPECT_EQ(Written(), "<A a=\"x&lt;\xC3\xA9\" b=\"plain\" c=\"\xF0\x9F\x98\x80\" d=\"-5\">\xE2\x82\xAC " +
+                           QByteArray(78, 'x') + "\r\nx&amp;</A>\r\n");
+}
+
 TEST_F(XmlWriter, ClosingInTheMiddleOfALineAsserts) {
   iWriter.BeginElem(u"A"_s);
   EXPECT_THROW(iWriter.CloseFile(), CVelumException);

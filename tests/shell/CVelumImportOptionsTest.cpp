@@ -158,6 +158,7 @@ TEST_F(CVelumImportOptionsTest, ImportsATextIntoTheChosenBackground) {
   EXPECT_EQ(iPresenter.LastMsg(), EMsgControlMissing) << "no field Text yet";
   EXPECT_EQ(gStack->NumCards(), 13);
   EXPECT_TRUE(IsOpen());
+  EXPECT_EQ(gOptions.iImportTextDialogInitDir, QString()) << "of a file that came in";
   first->AddControl(MakeRef<CVelumControl>(gStack->IdGen().NextId(), u"Text"_s, EConText), ENoInt);
   Button(u"fOkBut"_s).click();
   EXPECT_EQ(gStack->NumCards(), others + 1);
