@@ -54,7 +54,9 @@ int RunXml(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   QJsonArray made;
   ForBackgrounds(*open.iStack, [&](CVelumControlSet& aSet) {
     const qint32 added = aSet.NumCards() - before.value(aSet.Id());
-    if (added > 0) made.append(CVelumImportFacts::Of(aSet, added));
+    QJsonObject facts = CVelumImportFacts::Of(aSet, added);
+    facts.insert(u"added"_s, true); // to what was there
+    if (added > 0) made.append(facts);
   });
   Finish(aArgs, open, input, made, aTerminal);
   return EExitDone;

@@ -51,8 +51,10 @@ QString FieldsText(const QJsonArray& aFields) {
 }
 
 QString LineOf(const QJsonObject& aBackground) {
+  const bool added = aBackground.value(u"added"_s).toBool();
   QString line = CountOf(aBackground.value(u"cards"_s).toInt(), u"card"_s, u"cards"_s) +
-                 u" in background '%1'"_s.arg(aBackground.value(u"name"_s).toString());
+                 (added ? u" added to background '%1'"_s : u" in background '%1'"_s)
+                     .arg(aBackground.value(u"name"_s).toString());
   const QString fields = FieldsText(aBackground.value(u"fields"_s).toArray());
   if (!fields.isEmpty()) line += u": "_s + fields;
   if (aBackground.contains(u"cardName"_s))

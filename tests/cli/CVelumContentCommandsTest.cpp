@@ -82,8 +82,8 @@ TEST_F(CVelumContentCommands, ExportsCsv) {
 TEST_F(CVelumContentCommands, ContentGoesOutAndIn) {
   EXPECT_EQ(Do({u"export-xml"_s, iStack, iOut}), QByteArray());
   const QByteArray name = iEmpty.toUtf8();
-  EXPECT_EQ(Do({u"import-xml"_s, iOut, iEmpty}),
-            name + ": 1 card in background 'People'\n" + name + ": 1 card in background 'Notes'\n");
+  EXPECT_EQ(Do({u"import-xml"_s, iOut, iEmpty}), name + ": 1 card added to background 'People'\n" + name +
+                                                     ": 1 card added to background 'Notes'\n");
   EXPECT_EQ(CardsOf(iEmpty), CardsOf(iStack));
   const QByteArray first = iFolder.Read(u"out"_s);
   Do({u"export-xml"_s, iEmpty, iOut});
