@@ -18,7 +18,8 @@ struct TCsvOptions {
   qint32 iMaxRows = CVelumCsvRows::EAllRows; // further rows are left out
 };
 
-enum class ECsvOutcome { Done, Empty, Cancelled };
+// Faulty: something in the file cannot come in whole, and nothing has come in.
+enum class ECsvOutcome { Done, Empty, Cancelled, Faulty };
 
 // A stack that an import has made, with the persistent part of its view; both nothing where it has not.
 struct TNewStack {

@@ -130,7 +130,7 @@ void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
   for (qint32 i = 0; i < background.NumControls(); ++i)
     if (const CVelumControl* control = background.ControlAt(i)) card->DeleteControlVal(control->Id());
   CVelumRecord::Removed(*this, "Card", *card, card->Id());
-  if (!InBulk(*card)) iNameIndex->DeleteStrKey(card->Name());
+  if (!InBulk(*card)) RemoveName(*card);
   RemoveCardOrder(*card);
   background.SetNumCards(background.NumCards() - 1);
   iCard->SetObj(card->Id(), nullptr);

@@ -11,6 +11,11 @@ public:
   [[nodiscard]] virtual Ref<CVelumStack> Stack() const = 0;
   // Deletes the cards of a background, and the background too unless aOnlyCards.
   virtual void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) = 0;
+  // Deletes the cards of a background whose ids are below aEnd: those that were there before others came.
+  virtual void DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) = 0;
+
+protected:
+  static void DeleteOldCardsOf(CVelumStack& aStack, qint32 aBackgroundId, qint32 aEnd);
 };
 
 // A stack without a window.
@@ -20,6 +25,9 @@ public:
   [[nodiscard]] Ref<CVelumStack> Stack() const override { return iStack; }
   void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) override {
     iStack->DeleteBackground(aBackground, aOnlyCards);
+  }
+  void DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) override {
+    DeleteOldCardsOf(*iStack, aBackground->Id(), aEnd);
   }
 
 private:

@@ -349,12 +349,23 @@ bool CVelumStackView::FindOtherCard(const Ref<CVelumControlSet>& aExclude, Ref<C
 }
 
 void CVelumStackView::DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) {
-  if (iCurCard && iCurCard->BackgroundId() == aBackground->Id()) DeleteCard(iCurCard, aBackground);
-  // The other cards go without a word from here, and no way may lead back to them.
-  iHistory.RemoveBackground(aBackground->Id());
+  LeaveBackground(aBackground);
   iStack->DeleteBackground(aBackground, aOnlyCards);
   ShowTitle();
   FollowCard();
+  RefreshViews(false, true);
+}
+
+// Its cards are about to go without a word from here, and no way may lead back to them.
+void CVelumStackView::LeaveBackground(const Ref<CVelumControlSet>& aBackground) {
+  if (iCurCard && iCurCard->BackgroundId() == aBackground->Id()) DeleteCard(iCurCard, aBackground);
+  iHistory.RemoveBackground(aBackground->Id());
+}
+
+void CVelumStackView::DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) {
+  LeaveBackground(aBackground);
+  DeleteOldCardsOf(*iStack, aBackground->Id(), aEnd);
+  ShowTitle();
   RefreshViews(false, true);
 }
 

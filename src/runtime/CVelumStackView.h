@@ -105,6 +105,7 @@ public:
   // When the current card goes, another one is shown, if possible not of aExclude (or nothing).
   void DeleteCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
   void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) override;
+  void DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) override;
   void UpdateAfterControlChange();
   // Sets a value for a script or a dialog, and shows it.
   void SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue);
@@ -159,6 +160,7 @@ private:
   void RestoreEntry(const TKept& aKept);
   void ForgetFocus();
   [[nodiscard]] bool FindOtherCard(const Ref<CVelumControlSet>& aExclude, Ref<CVelumCard>& aCard) const;
+  void LeaveBackground(const Ref<CVelumControlSet>& aBackground);
   void LeaveDeletedCard(Ref<CVelumCard> aCard, const Ref<CVelumControlSet>& aExclude);
   [[nodiscard]] bool Bound(const CVelumBaseControl* aObj) const;
   void Touch(CVelumBaseControl* aObj);
