@@ -1,5 +1,7 @@
 #include "exchange/CVelumCsvCheck.h"
 
+#include "exchange/CVelumCsvText.h"
+
 namespace {
 
 constexpr int ERecordsAStep = 8192;
@@ -45,6 +47,6 @@ void CVelumCsvCheck::TakeCell(int aColumn, std::string_view aText) {
     ++iAllChanged;
   }
   if (iCells.size() >= TCsvReport::EMaxCells) return;
-  iCells.push_back({line, aColumn, QString::fromUtf8(aText.data(), static_cast<qsizetype>(aText.size())),
+  iCells.push_back({line, aColumn, CVelumCsvText::Wide(aText),
                     fit == ECsvFit::Refused ? QString() : CVelumCsvForms::PlainText(value)});
 }

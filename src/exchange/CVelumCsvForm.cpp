@@ -5,6 +5,7 @@
 #include "core/CVelumLocale.h"
 #include "exchange/CVelumCsvCells.h"
 #include "exchange/CVelumCsvShapes.h"
+#include "exchange/CVelumCsvText.h"
 
 #include <array>
 #include <charconv>
@@ -13,16 +14,13 @@
 namespace {
 
 using namespace CVelumCsvShapes;
+using namespace CVelumCsvText;
 
 // So many digits come back from any real.
 constexpr int ESureDigits = 15;
 // Reals between these are written without an exponent.
 constexpr double ELeastFixed = 1e-15;
 constexpr double EMostFixed = 1e15;
-
-QString Utf16(std::string_view aText) {
-  return QString::fromUtf8(aText.data(), static_cast<qsizetype>(aText.size()));
-}
 
 std::string_view Trimmed(std::string_view aText) {
   while (aText.starts_with(' ')) aText.remove_prefix(1);
@@ -112,7 +110,7 @@ ECsvFit ReadDateForm(std::string_view aText, const TCsvForm& aForm, TVelumValue&
   if (part != std::string_view::npos && ReadTime(aText.substr(part + 1), second) &&
       ReadDateForm(aText.substr(0, part), aForm, aValue) != ECsvFit::Refused)
     return ECsvFit::Changed;
-  const QString text = Utf16(aText);
+  const QString text = Wide(aText);
   double moment = 0.0;
   if (!CVelumLocale::MayBeDateTime(text) || !CVelumLocale::ToDateTime(text, moment) || moment < 1.0)
     return ECsvFit::Refused;
@@ -126,7 +124,7 @@ ECsvFit ReadTimeForm(std::string_view aText, TVelumValue& aValue) {
     aValue = TVelumValue::OfTime(CVelumDays::Join(0, second));
     return ECsvFit::Same;
   }
-  const QString text = Utf16(aText);
+  const QString text = Wide(aText);
   double moment = 0.0;
   if (!CVelumLocale::MayBeDateTime(text) || !CVelumLocale::ToDateTime(text, moment) || moment >= 1.0)
     return ECsvFit::Refused;
@@ -137,7 +135,7 @@ ECsvFit ReadTimeForm(std::string_view aText, TVelumValue& aValue) {
 ECsvFit ReadBoolean(std::string_view aText, TVelumValue& aValue) {
   const bool isTrue = aText == "true";
   bool value = false;
-  const bool word = CVelumImports::CsvToBoolean(Utf16(aText), value);
+  const bool word = CVelumImports::CsvToBoolean(Wide(aText), value);
   if (!word) return ECsvFit::Refused;
   aValue = TVelumValue::OfBoolean(value);
   return isTrue || aText == "false" ? ECsvFit::Same : ECsvFit::Changed;
@@ -160,11 +158,6 @@ ECsvFit ReadTyped(std::string_view aText, const TCsvForm& aForm, TVelumValue& aV
   }
 }
 
-void AppendText(const QString& aText, std::string& aTo) {
-  const QByteArray bytes = aText.toUtf8();
-  aTo.append(bytes.constData(), static_cast<size_t>(bytes.size()));
-}
-
 void AppendReal(double aReal, std::string& aTo) {
   const double size = std::fabs(aReal);
   std::array<char, 64> text;
@@ -174,7 +167,7 @@ void AppendReal(double aReal, std::string& aTo) {
   else if (size >= ELeastFixed && size < EMostFixed)
     end = std::to_chars(end, end + text.size(), aReal, std::chars_format::fixed).ptr;
   else
-    return AppendText(CVelumDecimal::TextOf(aReal), aTo);
+    return AppendUtf8(CVelumDecimal::TextOf(aReal), aTo);
   aTo.append(text.data(), end);
 }
 
@@ -213,7 +206,7 @@ void AppendTime(double aTime, std::string& aTo) {
 
 ECsvFit CVelumCsvForms::Read(std::string_view aText, const TCsvForm& aForm, TVelumValue& aValue) {
   if (aForm.iType == EConText || aForm.iType == EConList) {
-    aValue = TVelumValue::OfStr(Utf16(aText));
+    aValue = TVelumValue::OfStr(Wide(aText));
     return ECsvFit::Same;
   }
   const ECsvFit fit = ReadTyped(aText, aForm, aValue);
@@ -230,7 +223,7 @@ ECsvOrder CVelumCsvForms::LocaleOrder() {
 void CVelumCsvForms::AppendPlain(const TVelumValue& aValue, std::string& aTo) {
   switch (aValue.Type()) {
   case EValStr:
-    return AppendText(aValue.Str(), aTo);
+    return AppendUtf8(aValue.Str(), aTo);
   case EValInt:
     return AppendInt(aValue.Int(), aTo);
   case EValReal:
@@ -250,5 +243,5 @@ void CVelumCsvForms::AppendPlain(const TVelumValue& aValue, std::string& aTo) {
 QString CVelumCsvForms::PlainText(const TVelumValue& aValue) {
   std::string text;
   AppendPlain(aValue, text);
-  return Utf16(text);
+  return Wide(text);
 }

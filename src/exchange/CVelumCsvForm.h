@@ -33,7 +33,7 @@ namespace CVelumCsvForms {
 
 // Appends the text of a value for other programs, in UTF-8: numbers with a point, ungrouped and with as few
 // digits as read back; dates as yyyy-mm-dd, times as hh:mm:ss; true and false; nothing for no value, and for
-// pictures. A lone half of a surrogate pair becomes U+FFFD.
+// pictures.
 void AppendPlain(const TVelumValue& aValue, std::string& aTo);
 [[nodiscard]] QString PlainText(const TVelumValue& aValue);
 

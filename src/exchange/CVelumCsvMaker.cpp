@@ -3,6 +3,7 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumCollation.h"
 #include "core/CVelumValue.h"
+#include "exchange/CVelumCsvText.h"
 
 #include <algorithm>
 #include <functional>
@@ -48,7 +49,9 @@ CVelumCsvMaker::CVelumCsvMaker(TInput aInput, const Ref<CVelumControlSet>& aBack
     // What names the cards of a background goes on doing so.
     if (column.iField && column.iField->Flag(EConCardName)) iNaming = i;
   }
-  if (!iNaming && iInput.iNameColumn) iNaming = static_cast<size_t>(*iInput.iNameColumn);
+  Ref<CVelumControl> naming;
+  if (!background.GetControlByFlag(EConCardName, naming) && iInput.iNameColumn)
+    iNaming = static_cast<size_t>(*iInput.iNameColumn);
 }
 
 QString CVelumCsvMaker::NewText(std::string_view aText) {
@@ -59,7 +62,7 @@ QString CVelumCsvMaker::NewText(std::string_view aText) {
     std::copy(aText.begin(), aText.end(), chars);
     return text;
   }
-  const QString wide = QString::fromUtf8(aText.data(), static_cast<qsizetype>(aText.size()));
+  const QString wide = CVelumCsvText::Wide(aText);
   QString text = iTexts.Take(wide.size(), chars);
   std::copy(wide.utf16(), wide.utf16() + wide.size(), chars);
   return text;
@@ -103,7 +106,7 @@ bool CVelumCsvMaker::IsAscending(int aColumn) const {
 QString CVelumCsvMaker::NameOf(CVelumCsvTable& aTable, qint64 aNumber) {
   if (iNaming && static_cast<int>(*iNaming) < aTable.NumCells())
     if (const std::string_view text = aTable.Cell(static_cast<int>(*iNaming)); !text.empty())
-      return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+      return CVelumCsvText::Wide(text);
   return QString::number(aNumber);
 }
 

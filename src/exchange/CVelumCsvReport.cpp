@@ -75,7 +75,7 @@ void TCsvReport::NoteCell(TCsvReportCell aCell) {
 }
 
 QString CVelumCsvReports::TypeName(qint32 aType) {
-  static const QStringList names = {u"Text"_s,    u"Integer"_s, u"Float"_s,   u"Date"_s,   u"Time"_s,
+  static const QStringList names = {u"Text"_s,    u"Integer"_s, u"Real"_s,    u"Date"_s,   u"Time"_s,
                                     u"Boolean"_s, u"List"_s,    u"Command"_s, u"Picture"_s};
   return names.value(aType);
 }

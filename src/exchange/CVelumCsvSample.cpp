@@ -1,5 +1,7 @@
 #include "exchange/CVelumCsvSample.h"
 
+#include "exchange/CVelumCsvText.h"
+
 #include <QHash>
 #include <algorithm>
 
@@ -61,7 +63,7 @@ QChar CVelumCsvSamples::ProposeDelim(std::string_view aText, qint64 aSkipLines) 
 TCsvSample CVelumCsvSamples::Take(std::string_view aText, const TCsvLayout& aLayout, bool aHasZero) {
   TCsvSample sample;
   CVelumCsvTable table(aText, aLayout, aHasZero);
-  for (const std::string& name : table.Header()) sample.iHeader.append(QString::fromStdString(name));
+  for (const std::string& name : table.Header()) sample.iHeader.append(CVelumCsvText::Wide(name));
   if (table.NumColumns() > 0) sample.iColumns.resize(static_cast<size_t>(table.NumColumns()));
   while (sample.iRecords.size() < TCsvSample::ERecords && table.Next()) {
     QStringList record;
@@ -70,7 +72,7 @@ TCsvSample CVelumCsvSamples::Take(std::string_view aText, const TCsvLayout& aLay
     for (size_t i = 0; i < cells; ++i) {
       const std::string_view text = table.Cell(static_cast<int>(i));
       sample.iColumns[i].Take(text);
-      record.append(QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size())));
+      record.append(CVelumCsvText::Wide(text));
     }
     sample.iRecords.append(record);
   }

@@ -1,5 +1,7 @@
 #include "exchange/CVelumCsvScan.h"
 
+#include "exchange/CVelumCsvText.h"
+
 #include <algorithm>
 
 namespace {
@@ -26,8 +28,7 @@ bool CVelumCsvNameTest::Passed(qint64 aRecords) {
 
 CVelumCsvScan::CVelumCsvScan(std::string_view aText, const TCsvLayout& aLayout, bool aHasZero, qint64 aMost)
     : iText(aText), iMost(aMost), iTable(aText, aLayout, aHasZero, CVelumCsvTable::EUnknown, &iFaults) {
-  for (const std::string& name : iTable.Header())
-    iHeader.append(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  for (const std::string& name : iTable.Header()) iHeader.append(CVelumCsvText::Wide(name));
   if (iTable.NumColumns() > 0) iColumns.resize(static_cast<size_t>(iTable.NumColumns()));
   iHeaderLine = iTable.Line();
 }

@@ -4,7 +4,7 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "core/CVelumXmlWriter.h"
-#include "persist/CVelumNewFile.h"
+#include "exchange/CVelumExportFile.h"
 
 #include <vector>
 
@@ -15,20 +15,6 @@ namespace {
 
 constexpr qint64 EStepCards = 500; // cards from one question to aStep to the next
 const QString EByteOrderMark(QChar(0xFEFF));
-
-// Writes a file beside aPath by aWrite, which is given its name and tells whether to put it in place.
-template <class TWrite>
-bool WriteBeside(const QString& aPath, const CVelumStack& aStack, const TWrite& aWrite) {
-  const QString path = CVelumOs::RealPath(aPath);
-  const TVelumFileId there = CVelumOs::IdOf(path);
-  const QString own = aStack.Filename();
-  if (there.Exists() && !own.isEmpty() && there.SameFile(CVelumOs::IdOf(CVelumOs::RealPath(own))))
-    CVelumError::RaiseHost(EHostPermissionDenied, aPath + u" is the stack itself."_s);
-  CVelumNewFile target(path);
-  if (!aWrite(target.Path())) return false;
-  target.TakePlace();
-  return true;
-}
 
 // Calls aVisit with each control of a background, in their order.
 template <class TVisit> void ForControls(const CVelumControlSet& aBackground, const TVisit& aVisit) {
@@ -206,7 +192,7 @@ bool CVelumExports::ExportCsv(const QString& aPath, const CVelumControlSet& aBac
     file.CloseFile();
     return whole;
   };
-  const bool whole = WriteBeside(aPath, CVelumChecked::Deref(aBackground.Stack()), write);
+  const bool whole = CVelumExportFile::WriteBeside(aPath, CVelumChecked::Deref(aBackground.Stack()), write);
   if (aLacking) *aLacking = lacking;
   return whole;
 }
@@ -218,5 +204,5 @@ qint64 CVelumExports::CountLacking(const CVelumControlSet& aBackground, const TV
 }
 
 bool CVelumExports::ExportXml(CVelumStack& aStack, const QString& aPath, const TVelumStep& aStep) {
-  return WriteBeside(aPath, aStack, [&](const QString& aNew) { return WriteContent(aNew, aStack, aStep); });
+  return CVelumExportFile::WriteBeside(aPath, aStack, [&](const QString& aNew) { return WriteContent(aNew, aStack, aStep); });
 }
