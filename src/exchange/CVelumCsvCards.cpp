@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumValue.h"
+#include "exchange/CVelumCsvLoss.h"
 
 #include <cstring>
 
@@ -19,6 +20,8 @@ CVelumCsvCards::CVelumCsvCards(const CVelumCsvRows& aRows, const TCsvColumns* aC
   const CVelumControlSet& background = CVelumChecked::Deref(aBackground);
   for (qint32 i = 0; i < background.NumControls(); ++i)
     if (CVelumControl* control = background.ControlAt(i)) iControls.push_back(control);
+  iChangedIn.resize(iControls.size());
+  iFilledIn.resize(iControls.size());
 }
 
 QString CVelumCsvCards::PooledText(QStringView aText) {
@@ -69,6 +72,17 @@ void CVelumCsvCards::TakeName(CVelumCard& aCard, const CVelumControl& aControl, 
   }
 }
 
+void CVelumCsvCards::CheckText(qint32 aRow, int aColumn, QStringView aItem, const TVelumValue& aVal) {
+  if (!aItem.isEmpty()) ++iFilledIn[static_cast<size_t>(aColumn)];
+  if (CVelumCsvLoss::GivesBack(aItem, aVal)) return;
+  ++iChanged;
+  ++iChangedIn[static_cast<size_t>(aColumn)];
+  if (iChangedCells.size() >= TCsvReport::EMaxCells) return;
+  iChangedCells.push_back(
+      {iRows.Line(aRow), aColumn, aItem.toString(),
+       CVelumValue::ValToExtText(aVal, iControls[static_cast<size_t>(aColumn)]->FieldInfo())});
+}
+
 Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
   auto card = MakeRef<CVelumCard>(QString::number(aNum), iBackground);
   const int items = iRows.NumItems(aRow);
@@ -83,6 +97,7 @@ Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
     elem.iVal = ValueOf(iRows.Item(aRow, i), control, iColumns ? &(*iColumns)[index] : nullptr);
     CheckType(*card, control, elem.iVal);
     if (control.Flag(EConCardName) || (iFirstNames && i == 0)) TakeName(*card, control, elem.iVal);
+    CheckText(aRow, i, iRows.Item(aRow, i), elem.iVal);
     card->Value().AppendBulk(elem);
   }
   card->Value().EndBulk();
@@ -91,29 +106,12 @@ Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
 }
 
 bool CVelumCsvCards::Make(qint32 aFirstRow, int aFrom, int aTo, CVelumImportWatch& aWatch) {
-  iCards.reserve(static_cast<size_t>(std::max(iRows.NumRows() - aFirstRow, 0)));
+  iCards.Reserve(std::max(iRows.NumRows() - aFirstRow, 0));
   for (qint32 row = aFirstRow; row < iRows.NumRows(); ++row) {
-    iCards.push_back(CardOf(row, row - aFirstRow + 1));
+    iCards.Append(CardOf(row, row - aFirstRow + 1));
     if (row % ERowsAStep != 0) continue;
     const qint64 done = aFrom + qint64{row} * (aTo - aFrom) / iRows.NumRows();
     if (!aWatch.Progress(static_cast<int>(done))) return false;
   }
   return true;
-}
-
-void CVelumCsvCards::TakeBack(CVelumStack& aStack) const {
-  for (auto card = iCards.rbegin(); card != iCards.rend(); ++card)
-    if ((*card)->Stack() == &aStack) aStack.DeleteCard(*card);
-  aStack.EndBulk();
-}
-
-void CVelumCsvCards::Add(CVelumStack& aStack, const Ref<CVelumCard>& aNextCard) const {
-  aStack.BeginBulk(static_cast<qint32>(iCards.size()));
-  try {
-    for (const Ref<CVelumCard>& card : iCards) aStack.AddCard(card, aNextCard, false);
-    aStack.EndBulk();
-  } catch (...) {
-    TakeBack(aStack);
-    throw;
-  }
 }

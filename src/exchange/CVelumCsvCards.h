@@ -3,6 +3,8 @@
 
 #include "core/CVelumTextPool.h"
 #include "exchange/CVelumCsvColumns.h"
+#include "exchange/CVelumCsvReport.h"
+#include "exchange/CVelumNewCards.h"
 #include "model/CVelumStack.h"
 
 // Everything that can be wrong with a row comes out here, before a stack is touched.
@@ -17,9 +19,14 @@ public:
   // Makes a card of each row from aFirstRow on. The progress runs from aFrom to aTo. A value that does not
   // have the type of its field is an assertion. False if cancelled.
   [[nodiscard]] bool Make(qint32 aFirstRow, int aFrom, int aTo, CVelumImportWatch& aWatch);
-  // Adds the cards to the stack of the background, in front of aNextCard (nothing: at the end): all, or none
-  // when that fails.
-  void Add(CVelumStack& aStack, const Ref<CVelumCard>& aNextCard) const;
+  [[nodiscard]] const CVelumNewCards& Cards() const { return iCards; }
+  // Cells that show another text than the file, and the first of them.
+  [[nodiscard]] qint64 NumChanged() const { return iChanged; }
+  [[nodiscard]] qint64 NumChangedIn(qint32 aField) const { return iChangedIn[static_cast<size_t>(aField)]; }
+  [[nodiscard]] qint64 NumEmptyIn(qint32 aField) const {
+    return iCards.Count() - iFilledIn[static_cast<size_t>(aField)];
+  }
+  [[nodiscard]] const std::vector<TCsvReportCell>& ChangedCells() const { return iChangedCells; }
   // Rows that had more items than the background has fields.
   [[nodiscard]] qint32 NumSurplus() const { return iSurplus; }
 
@@ -30,7 +37,7 @@ private:
   [[nodiscard]] TVelumValue GeneralValue(QStringView aText, const CVelumControl& aControl);
   [[nodiscard]] QString PooledText(QStringView aText);
   void CheckType(const CVelumCard& aCard, const CVelumControl& aControl, const TVelumValue& aVal) const;
-  void TakeBack(CVelumStack& aStack) const;
+  void CheckText(qint32 aRow, int aColumn, QStringView aItem, const TVelumValue& aVal);
   static void TakeName(CVelumCard& aCard, const CVelumControl& aControl, TVelumValue& aVal);
 
   const CVelumCsvRows& iRows;
@@ -38,7 +45,11 @@ private:
   Ref<CVelumControlSet> iBackground;
   bool iFirstNames;
   std::vector<CVelumControl*> iControls;
-  std::vector<Ref<CVelumCard>> iCards;
+  CVelumNewCards iCards;
   qint32 iSurplus = 0;
+  qint64 iChanged = 0;
+  std::vector<qint64> iChangedIn; // by field
+  std::vector<qint64> iFilledIn;  // cells with a text, by field
+  std::vector<TCsvReportCell> iChangedCells;
   CVelumTextPool iTexts;
 };

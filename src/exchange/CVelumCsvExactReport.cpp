@@ -19,14 +19,6 @@ QString EncodingName(ECsvEncoding aEncoding) {
   return {};
 }
 
-QString DelimName(QChar aDelim) {
-  if (aDelim == u',') return u"comma"_s;
-  if (aDelim == u';') return u"semicolon"_s;
-  if (aDelim == u'\t') return u"tab"_s;
-  if (aDelim == u'|') return u"bar"_s;
-  return u"delimiter "_s + aDelim;
-}
-
 QString SeparatorName(char aSeparator) {
   return aSeparator == ',' ? u"commas"_s : u"points"_s;
 }

@@ -80,6 +80,14 @@ QString CVelumCsvReports::TypeName(qint32 aType) {
   return names.value(aType);
 }
 
+QString CVelumCsvReports::DelimName(QChar aDelim) {
+  if (aDelim == u',') return u"comma"_s;
+  if (aDelim == u';') return u"semicolon"_s;
+  if (aDelim == u'\t') return u"tab"_s;
+  if (aDelim == u'|') return u"bar"_s;
+  return u"delimiter "_s + aDelim;
+}
+
 QString CVelumCsvReports::Number(qint64 aCount, const QString& aOne, const QString& aMany) {
   return QLocale(QLocale::English).toString(aCount) + u' ' + (aCount == 1 ? aOne : aMany);
 }

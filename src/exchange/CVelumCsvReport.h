@@ -49,6 +49,8 @@ namespace CVelumCsvReports {
 [[nodiscard]] QStringList FaultLines(const CVelumCsvFaults& aFaults);
 // "Text", "Integer" ... as windows call them.
 [[nodiscard]] QString TypeName(qint32 aType);
+// "comma", "tab" ...
+[[nodiscard]] QString DelimName(QChar aDelim);
 // "1 card", "2,000 cards".
 [[nodiscard]] QString Number(qint64 aCount, const QString& aOne, const QString& aMany);
 

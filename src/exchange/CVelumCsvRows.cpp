@@ -119,7 +119,8 @@ bool CVelumCsvRows::ReadRow(CVelumImportWatch& aWatch) {
     const ESym sym = NextItem(cell);
     if (sym == ESym::Eol) return true;
     if (sym == ESym::Eof) {
-      aWatch.Unclosed(line);
+      iUnclosedLine = line;
+      iUnclosedItem = static_cast<int>(iItems.size()) + 1;
       return false;
     }
     if (iItems.size() == EMaxItems) {
@@ -155,6 +156,7 @@ const char16_t* CVelumCsvRows::StoreText() {
 void CVelumCsvRows::StoreRow() {
   CheckItems();
   iRows.push_back({StoreText(), iCells.size()});
+  iLines.push_back(iRowLine);
   iCells.insert(iCells.end(), iItems.begin(), iItems.end());
 }
 
@@ -164,6 +166,7 @@ void CVelumCsvRows::Reserve(qint64 aBytes) {
   const double factor =
       slack * static_cast<double>(aBytes) / static_cast<double>(std::max<qint64>(iCharsRead, 1));
   iRows.reserve(static_cast<size_t>(factor * static_cast<double>(iRows.size())));
+  iLines.reserve(iRows.capacity());
   iCells.reserve(static_cast<size_t>(factor * static_cast<double>(iCells.size())));
 }
 

@@ -35,6 +35,12 @@ public:
   [[nodiscard]] int NumItems(qint32 aRow) const;
   // aIndex lies below NumItems(aRow); the text lives as long as this object.
   [[nodiscard]] QStringView Item(qint32 aRow, int aIndex) const;
+  // The line, from 1, and the item of its row, from 1, of a quoted cell that nothing closes; it and what
+  // follows is left out then. A line of 0: there is none.
+  [[nodiscard]] qint32 UnclosedLine() const { return iUnclosedLine; }
+  [[nodiscard]] int UnclosedItem() const { return iUnclosedItem; }
+  // The line, from 1, in which a row begins.
+  [[nodiscard]] qint32 Line(qint32 aRow) const { return iLines[static_cast<size_t>(aRow)]; }
   // Gives all memory back.
   void Clear();
 
@@ -64,6 +70,8 @@ private:
   CVelumFile* iFile = nullptr; // while reading
   qint32 iLineNum = 0;
   qint32 iRowLine = 0; // line in which the present row begins
+  qint32 iUnclosedLine = 0;
+  int iUnclosedItem = 0;
   qint64 iCharsRead = 0;
   // The row that is being cut.
   QString iText;
@@ -71,6 +79,7 @@ private:
   std::vector<TCell> iItems;
 
   std::vector<TRow> iRows;
+  std::vector<qint32> iLines; // in which the rows begin
   std::vector<TCell> iCells;
   std::vector<std::unique_ptr<char16_t[]>> iBlocks;
   char16_t* iFree = nullptr; // room left in the last block

@@ -23,14 +23,15 @@ constexpr int ECardsEnd = 800;
 // One run of the import.
 class CImport {
 public:
-  CImport(const QString& aFilename, const TCsvOptions& aOptions, CVelumImportWatch& aWatch)
-      : iFilename(aFilename), iOptions(aOptions), iWatch(aWatch), iRows(aOptions.iDelim) {}
+  CImport(const QString& aFilename, const TCsvOptions& aOptions, CVelumImportWatch& aWatch,
+          TCsvReport* aReport)
+      : iFilename(aFilename), iOptions(aOptions), iWatch(aWatch), iGiven(aReport), iRows(aOptions.iDelim) {}
 
   [[nodiscard]] ECsvOutcome IntoNew(TNewStack& aNew);
   [[nodiscard]] ECsvOutcome IntoBackground(const Ref<CVelumControlSet>& aBackground, CVelumStackHost& aHost);
 
 private:
-  [[nodiscard]] ECsvOutcome Read();
+  [[nodiscard]] ECsvOutcome Read(bool aReplaces);
   [[nodiscard]] bool FindTypes();
   void MakeFields(CVelumStack& aStack, CVelumControlSet& aBackground) const;
   [[nodiscard]] bool FindsNames(const CVelumControlSet& aBackground) const;
@@ -38,16 +39,22 @@ private:
                                      CVelumStackHost* aHost);
   [[nodiscard]] const TCsvColumns* Columns() const { return iOptions.iDetectTypes ? &iColumns : nullptr; }
   [[nodiscard]] qint32 TypeOf(int aColumn) const;
+  void ReportRows();
+  void ReportCards(const CVelumCsvCards& aCards, const CVelumControlSet& aBackground);
+  [[nodiscard]] ECsvOutcome Finished(ECsvOutcome aOutcome);
 
   QString iFilename;
   const TCsvOptions& iOptions;
   CVelumImportWatch& iWatch;
+  TCsvReport* iGiven; // to be filled, if there is one
+  TCsvReport iReport;
   CVelumCsvRows iRows;
   TCsvColumns iColumns;
   qint32 iSurplus = 0;
 };
 
-ECsvOutcome CImport::Read() {
+// aReplaces: the rows come in place of cards.
+ECsvOutcome CImport::Read(bool aReplaces) {
   CVelumImportLimits::CheckIsFile(iFilename);
   CVelumFile file(iFilename, EFilSeqRead);
   file.SetCoding(iOptions.iCoding);
@@ -56,6 +63,9 @@ ECsvOutcome CImport::Read() {
   const bool done = iRows.Read(file, size, EReadEnd, iWatch, iOptions.iMaxRows);
   file.CloseFile();
   if (!done) return ECsvOutcome::Cancelled;
+  ReportRows();
+  if (aReplaces && iRows.UnclosedLine() > 0 && !iOptions.iDrop) return ECsvOutcome::Faulty;
+  if (iRows.UnclosedLine() > 0) iWatch.Unclosed(iRows.UnclosedLine());
   if (!iRows.IsEmpty()) return FindTypes() ? ECsvOutcome::Done : ECsvOutcome::Cancelled;
   iWatch.Message(EMsgEmptyFile, CVelumMsg::EUndefParam);
   return ECsvOutcome::Empty;
@@ -101,10 +111,12 @@ ECsvOutcome CImport::PutCards(CVelumStack& aStack, const Ref<CVelumControlSet>& 
     if (!cards.Make(iOptions.iHeaderLine ? 1 : 0, ETypesEnd, ECardsEnd, iWatch))
       return ECsvOutcome::Cancelled;
     iSurplus = cards.NumSurplus();
+    ReportCards(cards, *aBackground);
     iRows.Clear();
-    const Ref<CVelumCard> next = aHost ? FindNextCard(aStack, aBackground->Id()) : nullptr;
-    if (aHost) aHost->DeleteBackground(aBackground, true);
-    cards.Add(aStack, next);
+    if (aHost)
+      cards.Cards().Replace(*aHost, aBackground);
+    else
+      cards.Cards().Add(aStack, nullptr);
   }
   if (firstNames) aBackground->ControlAt(0)->SetFlag(EConCardName, true);
   if (iOptions.iGuessKey) GuessKey(aStack, aBackground->Id());
@@ -113,8 +125,39 @@ ECsvOutcome CImport::PutCards(CVelumStack& aStack, const Ref<CVelumControlSet>& 
   return ECsvOutcome::Done;
 }
 
+void CImport::ReportRows() {
+  iReport.iClassic = true;
+  iReport.iRecords = qMax(iRows.NumRows() - (iOptions.iHeaderLine ? 1 : 0), 0);
+  iReport.iLayout = iOptions.iCoding == ECodUtf8 ? u"UTF-8"_s : u"Windows 1252"_s;
+  iReport.iLayout += u", "_s + CVelumCsvReports::DelimName(iOptions.iDelim);
+  iReport.iLayout += iOptions.iHeaderLine ? u", with a header line"_s : u", without a header line"_s;
+  if (iRows.UnclosedLine() > 0)
+    iReport.iFaults.Note(ECsvFault::Unclosed, iRows.UnclosedLine(), iRows.UnclosedItem());
+}
+
+void CImport::ReportCards(const CVelumCsvCards& aCards, const CVelumControlSet& aBackground) {
+  for (qint32 i = 0; i < aBackground.NumControls(); ++i) {
+    const CVelumControl& field = CVelumChecked::Deref(aBackground.ControlAt(i));
+    TCsvReportColumn column;
+    column.iName = field.Name();
+    column.iType = field.ConType();
+    column.iChanged = aCards.NumChangedIn(i);
+    column.iEmpty = aCards.NumEmptyIn(i);
+    iReport.iColumns.append(column);
+  }
+  iReport.iChanged = aCards.NumChanged();
+  iReport.iCells = aCards.ChangedCells();
+}
+
+ECsvOutcome CImport::Finished(ECsvOutcome aOutcome) {
+  if (aOutcome == ECsvOutcome::Done && iSurplus > 0)
+    iWatch.Message(EMsgSurplusItems, QString::number(iSurplus));
+  if (iGiven) *iGiven = std::move(iReport);
+  return aOutcome;
+}
+
 ECsvOutcome CImport::IntoNew(TNewStack& aNew) {
-  if (const ECsvOutcome outcome = Read(); outcome != ECsvOutcome::Done) return outcome;
+  if (const ECsvOutcome outcome = Read(false); outcome != ECsvOutcome::Done) return Finished(outcome);
   const auto stack = MakeRef<CVelumStack>(iFilename);
   stack->SetFlag(EStaBinary, true);
   Ref<CVelumControlSet> background;
@@ -122,24 +165,22 @@ ECsvOutcome CImport::IntoNew(TNewStack& aNew) {
   static_cast<void>(stack->GetFirstBackground(background, index));
   MakeFields(*stack, CVelumChecked::Deref(background));
   if (const ECsvOutcome outcome = PutCards(*stack, background, nullptr); outcome != ECsvOutcome::Done)
-    return outcome;
+    return Finished(outcome);
   stack->AdjustVisChar();
   aNew = {stack, MakeRef<CVelumViewState>(stack->Name())};
-  if (iSurplus > 0) iWatch.Message(EMsgSurplusItems, QString::number(iSurplus));
-  return ECsvOutcome::Done;
+  return Finished(ECsvOutcome::Done);
 }
 
 ECsvOutcome CImport::IntoBackground(const Ref<CVelumControlSet>& aBackground, CVelumStackHost& aHost) {
   const Ref<CVelumStack> stack = aHost.Stack();
-  if (const ECsvOutcome outcome = Read(); outcome != ECsvOutcome::Done) return outcome;
+  if (const ECsvOutcome outcome = Read(true); outcome != ECsvOutcome::Done) return Finished(outcome);
   // A field that no key can have says so while all is as it was.
   if (iOptions.iGuessKey && !CVelumChecked::Deref(aBackground).Flag(ECseKeepCardsSorted) &&
       aBackground->NumControls() > 0)
     static_cast<void>(CVelumLib::SortKeyLen(CVelumChecked::Deref(aBackground->ControlAt(0))));
-  const ECsvOutcome outcome = PutCards(CVelumChecked::Deref(stack), aBackground, &aHost);
-  if (outcome == ECsvOutcome::Done && iSurplus > 0)
-    iWatch.Message(EMsgSurplusItems, QString::number(iSurplus));
-  return outcome;
+  iReport.iBackground = aBackground->Name();
+  iReport.iReplaced = aBackground->NumCards();
+  return Finished(PutCards(CVelumChecked::Deref(stack), aBackground, &aHost));
 }
 
 template <class TRun> ECsvOutcome Guarded(const TRun& aRun) {
@@ -154,14 +195,15 @@ template <class TRun> ECsvOutcome Guarded(const TRun& aRun) {
 } // namespace
 
 ECsvOutcome CVelumImports::ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
-                                      CVelumImportWatch& aWatch, TNewStack& aNew) {
-  return Guarded([&] { return CImport(aFilename, aOptions, aWatch).IntoNew(aNew); });
+                                      CVelumImportWatch& aWatch, TNewStack& aNew, TCsvReport* aReport) {
+  return Guarded([&] { return CImport(aFilename, aOptions, aWatch, aReport).IntoNew(aNew); });
 }
 
 ECsvOutcome CVelumImports::ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
                                       CVelumImportWatch& aWatch, const Ref<CVelumControlSet>& aBackground,
-                                      CVelumStackHost& aHost) {
-  return Guarded([&] { return CImport(aFilename, aOptions, aWatch).IntoBackground(aBackground, aHost); });
+                                      CVelumStackHost& aHost, TCsvReport* aReport) {
+  return Guarded(
+      [&] { return CImport(aFilename, aOptions, aWatch, aReport).IntoBackground(aBackground, aHost); });
 }
 
 Ref<CVelumCard> CVelumImports::FindNextCard(const CVelumStack& aStack, qint32 aBackgroundId) {

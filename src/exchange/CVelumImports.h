@@ -2,6 +2,7 @@
 #pragma once
 
 #include "exchange/CVelumCsvColumns.h"
+#include "exchange/CVelumCsvReport.h"
 #include "model/CVelumStackHost.h"
 #include "persist/CVelumViewState.h"
 
@@ -16,6 +17,7 @@ struct TCsvOptions {
   // Types that the user wants for columns, in place of those that are detected.
   std::array<std::optional<qint32>, CVelumCsvRows::EMaxItems> iTypes = {};
   qint32 iMaxRows = CVelumCsvRows::EAllRows; // further rows are left out
+  bool iDrop = false; // a quote that is never closed does not keep cards from being replaced
 };
 
 // Faulty: something in the file cannot come in whole, and nothing has come in.
@@ -32,15 +34,17 @@ namespace CVelumImports {
 // Makes a stack of a CSV file: a background with a field for each item of the first row, at most 20, of which
 // equal ones get a number, and a card for each further row. Its name is the path of the file. Nothing else is
 // touched: whatever goes wrong, aNew stays as it is. Host errors carry the line; the other failures are those
-// of CVelumFile.
+// of CVelumFile. aReport gets what was found and done.
 [[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
-                                     CVelumImportWatch& aWatch, TNewStack& aNew);
+                                     CVelumImportWatch& aWatch, TNewStack& aNew,
+                                     TCsvReport* aReport = nullptr);
 
 // Replaces the cards of a background of aHost's stack by those of a CSV file. No card goes before the whole
 // file has been read and made into cards: up to then a failure, or a cancel, leaves the stack as it was.
+// Faulty for a quote that is never closed.
 [[nodiscard]] ECsvOutcome ImportCsv1(const QString& aFilename, const TCsvOptions& aOptions,
                                      CVelumImportWatch& aWatch, const Ref<CVelumControlSet>& aBackground,
-                                     CVelumStackHost& aHost);
+                                     CVelumStackHost& aHost, TCsvReport* aReport = nullptr);
 // The card that follows the last one of a background in the order of its stack; nothing when there is none.
 [[nodiscard]] Ref<CVelumCard> FindNextCard(const CVelumStack& aStack, qint32 aBackgroundId);
 

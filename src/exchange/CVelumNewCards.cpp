@@ -26,4 +26,5 @@ void CVelumNewCards::Replace(CVelumStackHost& aHost, const Ref<CVelumControlSet>
   const qint32 firstNew = stack.Cards().Count();
   Add(stack, CVelumImports::FindNextCard(stack, CVelumChecked::Deref(aBackground).Id()));
   aHost.DeleteOldCards(aBackground, firstNew);
+  stack.CloseGap(firstNew);
 }

@@ -131,6 +131,10 @@ public:
   // of a fresh numbering if a kept-sorted background got cards.
   void BeginBulk(qint32 aExpected);
   void EndBulk();
+  // Cards that were added, from the id aFirst on, take over the free ids in front of them, so that cards that
+  // replace others again and again do not make the stack grow. Nobody may know them by their ids yet. Nothing
+  // happens where one of them has a key of its own.
+  void CloseGap(qint32 aFirst);
 
   // What the last load found wrong with the indexes, a line each (at most 100); it does not keep a stack from
   // being used, as every lookup is safe.
@@ -168,6 +172,7 @@ private:
   void MakeContainers();
   [[nodiscard]] CVelumSortKey* SortKeyAt(qint32 aIndex) const;
   [[nodiscard]] CVelumArray* KeyIndexAt(qint32 aIndex) const;
+  [[nodiscard]] bool HasKeysFrom(qint32 aFirst) const;
   [[nodiscard]] bool InBulk(const CVelumCard& aCard) const { return aCard.Id() >= iBulkStart; }
 
   [[nodiscard]] qint32 PlaceCard(const Ref<CVelumCard>& aCard);

@@ -17,14 +17,12 @@ class CNotingWatch final : public CVelumImportWatch {
 public:
   explicit CNotingWatch(int aCancelAt = 0) : iCancelAt(aCancelAt) {}
   void Message(qint32 aMsg, const QString&) override { iMessages.append(aMsg); }
-  void Unclosed(qint32 aLineNum) override { iUnclosed.append(aLineNum); }
   [[nodiscard]] bool Progress(int aDone) override {
     iDone.append(aDone);
     return iDone.size() != iCancelAt;
   }
 
   QList<qint32> iMessages;
-  QList<qint32> iUnclosed;
   QList<int> iDone;
 
 private:
@@ -146,7 +144,10 @@ TEST_F(CVelumCsvRowsTest, TenThousandColumnsGiveOneMessage) {
 
 TEST_F(CVelumCsvRowsTest, AnUnclosedCellEndsTheTable) {
   EXPECT_EQ(Table("a\nb,\"c\nd\ne\n"), TTable({{u"a"_s}}));
-  EXPECT_EQ(iWatch.iUnclosed, QList<qint32>({2}));
+  CVelumCsvRows rows(u',');
+  EXPECT_TRUE(Read(rows, iWatch));
+  EXPECT_EQ(rows.UnclosedLine(), 2);
+  EXPECT_EQ(rows.UnclosedItem(), 2);
   EXPECT_EQ(Table("\"" + QByteArray("line\n").repeated(50000)), TTable());
 }
 

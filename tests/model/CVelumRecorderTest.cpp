@@ -260,6 +260,12 @@ const std::vector<TMutator>& Mutators() {
          b.iStack->AddCard(b.iLoose, nullptr, false);
          b.iStack->EndBulk();
        }},
+      {"CVelumStack::CloseGap", "+Card,-Card",
+       [](TBed& b) {
+         b.iStack->AddCard(b.iLoose, nullptr, false);
+         b.iStack->DeleteCard(b.iStack->GetCardById(b.iLoose->Id() - 1));
+         b.iStack->CloseGap(b.iLoose->Id());
+       }},
   };
   return mutators;
 }
