@@ -1,13 +1,11 @@
 #include "runtime/CVelumGenForm.h"
 
 #include "core/CVelumSeams.h"
-#include "runtime/CVelumFrameHost.h"
 #include "runtime/CVelumPictureLib.h"
 #include "runtime/CVelumScriptRunner.h"
 #include "runtime/CVelumStackView.h"
 #include "toolkit/CVelumBaseButton.h"
 #include "toolkit/CVelumBaseCheckBox.h"
-#include "toolkit/CVelumBaseColor.h"
 #include "toolkit/CVelumBaseComboBox.h"
 #include "toolkit/CVelumBaseLabel.h"
 #include "toolkit/CVelumBaseLine.h"
@@ -18,17 +16,11 @@
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumWinMan.h"
 
-#include <QAction>
 #include <QApplication>
-#include <QCloseEvent>
 #include <QGuiApplication>
-#include <QMenu>
-#include <QMouseEvent>
-#include <QPainter>
+#include <QKeyEvent>
 #include <QStyleHints>
-#include <QTimer>
 #include <algorithm>
-#include <utility>
 
 namespace {
 
@@ -50,8 +42,6 @@ constexpr TPool gPools[] = {
 
 constexpr float EProgressWidth = 1500.0F;
 constexpr float EProgressHeight = 180.0F;
-// Until a layout that could not be made is tried again.
-constexpr int EBusyMs = 20;
 
 const TPool& PoolOf(EBase aKind) {
   return gPools[static_cast<size_t>(aKind)];
@@ -161,25 +151,6 @@ void CVelumGenForm::DropFocus() {
 
 float CVelumGenForm::OuterWidth() {
   return static_cast<float>(OuterSize().width());
-}
-
-void CVelumGenForm::SetBackColor(qint32 aColor) {
-  if (aColor == iBackColor) return;
-  iBackColor = aColor;
-  FollowPalette();
-}
-
-void CVelumGenForm::FollowPalette() {
-  iDesktopKey = QGuiApplication::palette().cacheKey();
-  setPalette(CVelumBaseColor::CardPalette(iBackColor, QGuiApplication::palette()));
-}
-
-void CVelumGenForm::FollowDesktop() {
-  // Some desktops give each widget a palette of its own, the inner ones of controls too.
-  for (QWidget* child : findChildren<QWidget*>())
-    if (!child->isWindow()) child->setPalette({});
-  FollowPalette();
-  RefreshColors();
 }
 
 void CVelumGenForm::SetCaption(const QString& aCaption) {
@@ -354,77 +325,4 @@ void CVelumGenForm::ShowLines(const CVelumBaseControl& aOver, const QString& aTe
   iLinesBox->SetVisible(true);
   iLinesBox->Widget()->raise();
   iLinesBox->SetFocus();
-}
-
-bool CVelumGenForm::event(QEvent* aEvent) {
-  const bool done = QWidget::event(aEvent);
-  if (aEvent->type() == QEvent::WindowDeactivate && gStackView) gStackView->BaseFormLostFocus();
-  switch (aEvent->type()) {
-  case QEvent::ApplicationPaletteChange:
-  case QEvent::ThemeChange:
-  case QEvent::StyleChange:
-    QueueFollow();
-    break;
-  case QEvent::PaletteChange:
-    RefreshColors();
-    // A window inside another one hears of the desktop only so.
-    if (QGuiApplication::palette().cacheKey() != iDesktopKey) QueueFollow();
-    break;
-  default:
-    break;
-  }
-  return done;
-}
-
-// The toolkit goes on from here to the controls, so that it comes after that.
-void CVelumGenForm::QueueFollow() {
-  QMetaObject::invokeMethod(this, &CVelumGenForm::FollowDesktop, Qt::QueuedConnection);
-}
-
-void CVelumGenForm::RefreshColors() {
-  for (CVelumBaseControl* base : std::as_const(iControls)) base->RefreshColors();
-}
-
-void CVelumGenForm::resizeEvent(QResizeEvent* aEvent) {
-  QWidget::resizeEvent(aEvent);
-  if (IsLoaded()) QueueLayout(0);
-}
-
-void CVelumGenForm::QueueLayout(int aMs) {
-  if (std::exchange(iLayoutQueued, true)) return;
-  QTimer::singleShot(aMs, this, &CVelumGenForm::LayOut);
-}
-
-void CVelumGenForm::LayOut() {
-  iLayoutQueued = false;
-  if (!gStackView || !IsLoaded()) return;
-  CVelumGuard::Run(u"CVelumGenForm.Resize"_s, [] { gStackView->BaseFormResize(); });
-  // The view is in the middle of something else.
-  if (gStackView && gStackView->ResizePending()) QueueLayout(EBusyMs);
-}
-
-void CVelumGenForm::paintEvent(QPaintEvent* aEvent) {
-  QWidget::paintEvent(aEvent);
-  if (!gStackView || !gStackView->CurCard() || !gStackView->CardView()) return;
-  QPainter painter(this);
-  gStackView->CardView()->PaintWallPaper(painter, *gStackView->CurCard());
-}
-
-void CVelumGenForm::mouseReleaseEvent(QMouseEvent* aEvent) {
-  QWidget::mouseReleaseEvent(aEvent);
-  if (aEvent->button() != Qt::RightButton || !gFrameHost) return;
-  const QAction* cmd = gFrameHost->FindAction(u"fCmd"_s);
-  if (QMenu* menu = gFrameHost->CmdMenu(); menu && cmd && cmd->isEnabled())
-    menu->popup(aEvent->globalPosition().toPoint());
-}
-
-void CVelumGenForm::mouseDoubleClickEvent(QMouseEvent* aEvent) {
-  QWidget::mouseDoubleClickEvent(aEvent);
-  // A passive control hands its events on; they are not the form's own.
-  if (!childAt(aEvent->position().toPoint())) CVelumSeams::Presenter().Tell(u"DblClick"_s);
-}
-
-void CVelumGenForm::closeEvent(QCloseEvent* aEvent) {
-  // The program itself never closes this window, it hides and unloads it: so this is the user's wish.
-  aEvent->setAccepted(!gFrameHost || !IsLoaded() || gFrameHost->CloseStack());
 }

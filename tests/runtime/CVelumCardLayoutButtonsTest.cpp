@@ -3,6 +3,8 @@
 #include "runtime/RuntimeFixture.h"
 #include "toolkit/CVelumBaseButton.h"
 
+#include <QPushButton>
+
 namespace {
 
 using CVelumCardLayoutButtonsTest = RuntimeTest;
@@ -35,6 +37,14 @@ TEST_F(CVelumCardLayoutButtonsTest, AButtonThatDoesNotFitStartsARow) {
   EXPECT_EQ(Base(two).Top(), Base(one).Top());
   Resize(78, 200);
   EXPECT_EQ(RectOf(Base(two)), QRectF(20, 20 + 375 + 20, 560, 375));
+}
+
+TEST_F(CVelumCardLayoutButtonsTest, ALabelIsShownInTheMenuAsOnItsButton) {
+  const auto go = AddField(iSet, u"Fish & Chips &co"_s, EConCommand, EConAsButton | EConInMenu);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(static_cast<QPushButton*>(Base(go).Widget())->text(), u"Fish && Chips &&co"_s);
+  EXPECT_EQ(iFrame.iActions[u"fGenFunc0"_s]->text(), u"Fish && Chips &&co"_s) << "no key is taken out of it";
 }
 
 TEST_F(CVelumCardLayoutButtonsTest, RowsFromTheBottomAreTheirOwn) {
