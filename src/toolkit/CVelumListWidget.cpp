@@ -253,7 +253,7 @@ void CVelumListWidget::resizeEvent(QResizeEvent* aEvent) {
 
 void CVelumListWidget::SetBar() {
   const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
-  const int titles = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->sizeHint().height();
+  const int titles = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->height();
   const int room = height() - 2 * frameWidth() - titles - bar;
   const bool fits = room >= verticalHeader()->defaultSectionSize();
   setHorizontalScrollBarPolicy(fits ? Qt::ScrollBarAsNeeded : Qt::ScrollBarAlwaysOff);
@@ -267,6 +267,7 @@ void CVelumListWidget::changeEvent(QEvent* aEvent) {
 void CVelumListWidget::SetRowHeight() {
   verticalHeader()->setMinimumSectionSize(1);
   verticalHeader()->setDefaultSectionSize(fontMetrics().height() + ERowPadding);
+  horizontalHeader()->setFixedHeight(horizontalHeader()->fontMetrics().height() + ERowPadding);
   SetBar();
 }
 

@@ -4,7 +4,9 @@
 #include "toolkit/CVelumListWidget.h"
 
 #include <QComboBox>
+#include <QHeaderView>
 #include <QMouseEvent>
+#include <QScrollBar>
 #include <QTest>
 
 namespace {
@@ -286,6 +288,24 @@ TEST_F(CVelumCardViewListsTest, AListFieldHasItsFontExactlyAsLargeAsItSays) {
   AddCard(u"a"_s);
   Open();
   EXPECT_EQ(ListOf(list).font().pointSizeF(), 11.0);
+}
+
+TEST_F(CVelumCardViewListsTest, AListOfOneLineShowsItsLineBelowTheTitles) {
+  const auto name = AddField(iSet, u"Name"_s, EConText);
+  name->SetFlag(EConInCardList, true);
+  name->SetListColTitle(u"Name"_s);
+  name->SetListVisChar(90);
+  const auto list = AddField(iSet, u"List"_s, EConList, EConCardList);
+  list->SetSelBackgroundId(iSet->Id());
+  list->SetVisLines(1);
+  AddCard(u"a"_s);
+  gStack->SetCardListsDirty(nullptr);
+  Open();
+  CVelumListWidget& widget = ListOf(list);
+  ASSERT_GT(widget.model()->rowCount(), 0);
+  EXPECT_FALSE(widget.horizontalHeader()->isHidden());
+  EXPECT_FALSE(widget.horizontalScrollBar()->isVisible());
+  EXPECT_GE(widget.viewport()->height(), widget.fontMetrics().height());
 }
 
 TEST_F(CVelumCardViewListsTest, TheLinesOfANarrowListHaveRoomToBeTyped) {

@@ -200,6 +200,8 @@ TEST_F(CVelumStackViewEntryTest, AViewThatIsReleasedKeepsTheValueOfBefore) {
   Replace(u"12x"_s);
   View().CloseCardView(true);
   EXPECT_EQ(iCards[0]->GetControlVal(iNum->Id(), false).Int(), 7);
+  EXPECT_EQ(Base(iNum).Note(), QString());
+  EXPECT_EQ(iRunner.iSent, QStringList{u"exitField a.Num"_s});
 }
 
 TEST_F(CVelumStackViewEntryTest, AFieldThatIsReadOnlySaysThatAndNoMore) {
