@@ -1,6 +1,7 @@
 // orvelles: the desktop program.
 #include "app/CVelumApplication.h"
 
+#include "persist/CVelumAccess.h"
 #include "runtime/CVelumIcons.h"
 #include "shell/CVelumMain.h"
 #include "shell/CVelumPictures.h"
@@ -87,6 +88,7 @@ int RunDesktop(int& aArgc, char** aArgv) {
     return 1;
   }
   CVelumApplication app(aArgc, aArgv);
+  CVelumAccess::SetInstalledFolder(CVelumAccess::FolderOfProgram());
   // What the toolkit has left of the arguments. The end of the main window is the end of the process,
   // whatever else is open or under way, and already while the program starts.
   CVelumMain::Main(CVelumMain::CommandLine(QCoreApplication::arguments().mid(1)), nullptr,

@@ -6,7 +6,7 @@
 #include "persist/CVelumStackFile.h"
 
 TVelumOpenStack CVelumCliStack::Open(const QString& aPath) {
-  if (!CVelumLib::FileExists(aPath)) CVelumError::Throw(EMsgFileNotFound, u"HandleLoadStack"_s, aPath, {});
+  CVelumLib::CheckFile(aPath, u"HandleLoadStack"_s);
   TVelumOpenStack open;
   CVelumStackFile(aPath).LoadStack(open.iStack, open.iView);
   gStack = open.iStack;

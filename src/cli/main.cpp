@@ -1,5 +1,6 @@
 // The command-line program.
 #include "cli/CVelumCli.h"
+#include "persist/CVelumAccess.h"
 
 #include <QApplication>
 #include <clocale>
@@ -41,5 +42,6 @@ std::unique_ptr<QCoreApplication> MakeApp(int& aArgc, char** aArgv) {
 int main(int aArgc, char** aArgv) {
   PreferUtf8();
   const std::unique_ptr<QCoreApplication> app = MakeApp(aArgc, aArgv);
+  CVelumAccess::SetInstalledFolder(CVelumAccess::FolderOfProgram());
   return CVelumCli::Run(QCoreApplication::arguments().mid(1));
 }

@@ -255,9 +255,14 @@ void CVelumFile::OpenFile() {
 
 void CVelumFile::OpenBinary() {
   iFileNum = ENoShort;
-  int fd = CVelumOs::Open(iFilename, O_RDWR | O_CREAT);
-  if (fd >= 0 && !CVelumOs::IsRegular(fd)) CVelumOs::Close(std::exchange(fd, -1));
-  if (fd < 0) CVelumError::Throw(EMsgFileNotFound, EOpenProc, iFilename, QString::number(iAccess));
+  const int fd = OpenDescriptor();
+  if (fd < 0 && (errno == ENOENT || errno == ENOTDIR)) RaiseOpen(EMsgFileNotFound);
+  if (fd < 0 && CVelumOs::IsDenied(errno)) RaiseOpen(EMsgNoFileAccess);
+  if (fd < 0) CVelumOs::Raise(errno, iFilename);
+  if (!CVelumOs::IsRegular(fd)) {
+    CVelumOs::Close(fd);
+    RaiseOpen(EMsgNoFileAccess);
+  }
   iDevice = std::make_unique<CDevice>(*this, fd, true);
 }
 
@@ -269,6 +274,22 @@ void CVelumFile::OpenSame(int aFd) {
   if (fd < 0) CVelumOs::Raise(errno, iFilename);
   iDevice = std::make_unique<CDevice>(*this, fd, true);
   iIsOpen = true;
+}
+
+int CVelumFile::OpenDescriptor() {
+  iReadOnly = false;
+  int fd = CVelumOs::Open(iFilename, O_RDWR);
+  // Some folders refuse the wish to make a file even where it is there already, so it comes last.
+  if (fd < 0 && errno == ENOENT) fd = CVelumOs::Open(iFilename, O_RDWR | O_CREAT);
+  if (fd >= 0 || iAccess == EFilWrite || !CVelumOs::IsDenied(errno)) return fd;
+  // A pipe must not keep the program waiting.
+  fd = CVelumOs::Open(iFilename, O_RDONLY | O_NONBLOCK);
+  iReadOnly = fd >= 0;
+  return fd;
+}
+
+void CVelumFile::RaiseOpen(qint32 aMsgId) const {
+  CVelumError::Throw(aMsgId, EOpenProc, iFilename, QString::number(iAccess));
 }
 
 void CVelumFile::OpenText() {

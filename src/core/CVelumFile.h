@@ -13,11 +13,11 @@
 
 // Access modes.
 enum EFil : qint32 {
-  EFilRead = 0,      // binary, read
+  EFilRead = 0,      // binary, read; the file may be one that only can be read
   EFilSeqRead = 1,   // text, read
   EFilWrite = 2,     // binary, write
   EFilSeqWrite = 3,  // text, write; truncates
-  EFilReadWrite = 4, // binary, read and write
+  EFilReadWrite = 4, // binary, read and write; only read where the file may not be written, see ReadOnly
   EFilMeasure = 5,   // binary, write; the bytes go nowhere. CurrentPos is what they would take. Refuses what
                      // could not be read back
 };
@@ -40,10 +40,14 @@ public:
   ~CVelumFile() override;
 
   [[nodiscard]] QString ObjDescr() const override;
+  // A binary file that is not there is made. Messages EMsgFileNotFound where that cannot be, EMsgNoFileAccess
+  // for what is there but is no file or may not be used; host errors for other failures.
   void OpenFile();
   // Becomes a file that is open already (a binary mode), with a descriptor of its own for it. A lock of aFd
   // is then that of both.
   void OpenSame(int aFd);
+  // Whether the open file can only be read, for want of rights or on a medium that cannot be written.
+  [[nodiscard]] bool ReadOnly() const { return iReadOnly; }
   // Stays true after CloseFile: a closed file is told by its handle alone.
   [[nodiscard]] bool IsOpen() const { return iIsOpen; }
   // Writes what is buffered and closes, also when the writing fails. Closing twice is harmless.
@@ -155,6 +159,8 @@ private:
   void WriteSlow(const char* aFrom, qint64 aLen);
   void OpenText();
   void OpenBinary();
+  [[nodiscard]] int OpenDescriptor();
+  [[noreturn]] void RaiseOpen(qint32 aMsgId) const;
   void RaiseIfTooLong(qint64 aLen, qint64 aMax) const;
   void AssertHandle(const QString& aProc) const;
   void AssertRead(const QString& aProc) const;
@@ -169,6 +175,7 @@ private:
   bool iFirstLine = false;
   bool iIsOpen = false;
   bool iPastEnd = false;
+  bool iReadOnly = false;
   bool iRefusesUnreadable;
   qint16 iFileNum = ENoShort;
   // Unread bytes, or free room, of the buffer of iDevice; at most one of the two is not empty.

@@ -2,6 +2,8 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumDays.h"
+#include "core/CVelumMsg.h"
+#include "core/CVelumOs.h"
 
 #include <QDir>
 #include <QFile>
@@ -254,6 +256,12 @@ QByteArray CVelumLib::ToCodePage(const QString& aText, int* aLacking) {
 bool CVelumLib::FileExists(const QString& aPath) {
   const QFileInfo info(aPath);
   return info.exists() && !info.isDir();
+}
+
+void CVelumLib::CheckFile(const QString& aPath, const QString& aProc) {
+  const int error = CVelumOs::WhyNoFile(aPath);
+  if (error == 0) return;
+  CVelumError::Throw(CVelumOs::IsDenied(error) ? EMsgNoFileAccess : EMsgFileNotFound, aProc, aPath, {});
 }
 
 void CVelumLib::KillFile(const QString& aPath) {

@@ -61,6 +61,9 @@ void Dec(qint16& aNum);
 [[nodiscard]] QByteArray ToCodePage(const QString& aText, int* aLacking = nullptr);
 
 [[nodiscard]] bool FileExists(const QString& aPath);
+// Throws EMsgFileNotFound, with the path, where there is nothing; EMsgNoFileAccess for a folder, and for what
+// lies where the user may not look.
+void CheckFile(const QString& aPath, const QString& aProc);
 // Deletes; every failure is ignored.
 void KillFile(const QString& aPath);
 // Splits at the last "/"; without one aDir is empty. aDir has no "/" at its end, but for the root.

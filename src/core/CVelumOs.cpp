@@ -269,6 +269,21 @@ bool WaitFor(const std::function<bool()>& aTry) {
   return true;
 }
 
+bool IsDenied(int aErrno) {
+  return HostNumber(aErrno) == EHostPermissionDenied;
+}
+
+bool MayWrite(const QString& aPath) {
+  const QByteArray name = QFile::encodeName(aPath);
+  return ::faccessat(AT_FDCWD, name.constData(), W_OK, AT_EACCESS) == 0 || !IsDenied(errno);
+}
+
+int WhyNoFile(const QString& aPath) {
+  struct stat info {};
+  if (::stat(QFile::encodeName(aPath).constData(), &info) != 0) return errno;
+  return S_ISDIR(info.st_mode) ? EISDIR : 0;
+}
+
 bool IsRegular(int aFd) {
   struct stat info;
   return ::fstat(aFd, &info) == 0 && S_ISREG(info.st_mode);

@@ -55,6 +55,9 @@ void MayFail(EOsCall aCall, const QString& aPath);
 // Raises the host error of an errno, with aPath and the system's text behind the plain description.
 [[noreturn]] void Raise(int aErrno, const QString& aPath);
 
+// Whether an errno says that something is there but must not be used that way.
+[[nodiscard]] bool IsDenied(int aErrno);
+
 // A descriptor (flags of open(2), close-on-exec added), or -1 with errno set. A new file gets aMode.
 [[nodiscard]] int Open(const QString& aPath, int aFlags, unsigned aMode = 0666);
 void Close(int aFd);
@@ -88,7 +91,13 @@ void RemoveQuietly(const QString& aPath);
 void Unlock(int aFd);
 // Asks aTry again and again until it says true, for up to five seconds; false when it never did.
 [[nodiscard]] bool WaitFor(const std::function<bool()>& aTry);
+// Whether the file system and the rights of this process let the file, or the entries of the folder, at aPath
+// be changed. What is not there, or cannot be looked at, counts as changeable: whoever tries hears of it.
+[[nodiscard]] bool MayWrite(const QString& aPath);
 
+// 0 where there is a file at aPath (or a pipe, or a device), EISDIR for a folder, otherwise the errno of
+// looking.
+[[nodiscard]] int WhyNoFile(const QString& aPath);
 [[nodiscard]] bool IsRegular(int aFd);
 [[nodiscard]] bool IsFolder(int aFd);
 [[nodiscard]] TVelumFileId IdOf(const QString& aPath);

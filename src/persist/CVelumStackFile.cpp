@@ -3,10 +3,12 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
+#include "persist/CVelumAccess.h"
 #include "persist/CVelumBinFormat.h"
 #include "persist/CVelumBinLoad.h"
 #include "persist/CVelumBinSave.h"
 #include "persist/CVelumRecovery.h"
+#include "persist/CVelumSaveCheck.h"
 #include "persist/CVelumXmlStack.h"
 
 namespace {
@@ -140,8 +142,15 @@ void CVelumStackFile::SaveStack(const Ref<CVelumStack>& aStack, const Ref<CVelum
   }
 }
 
+void CVelumStackFile::RefuseReadOnly() const {
+  const QString reason = CVelumAccess::WhyReadOnly(iFilename);
+  if (!reason.isEmpty())
+    CVelumSaveCheck::Refuse(reason + u" Save the stack under another name, in a folder of your own."_s);
+}
+
 void CVelumStackFile::SaveBinStack() {
   try {
+    RefuseReadOnly();
     CVelumBinSave(iFilename, *iStack, CVelumChecked::Deref(iView)).Run();
   } catch (...) {
     CVelumError::CatchError(u"CVelumStackFile.SaveBinStack"_s);
@@ -151,6 +160,7 @@ void CVelumStackFile::SaveBinStack() {
 
 void CVelumStackFile::SaveXmlStack() {
   try {
+    RefuseReadOnly();
     CVelumXmlStack::Save(iFilename, *iStack, CVelumChecked::Deref(iView));
   } catch (...) {
     CVelumError::CatchError(u"CVelumStackFile.SaveXmlStack"_s);

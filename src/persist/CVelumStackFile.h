@@ -17,7 +17,8 @@ public:
   // since, the user chooses (see CVelumRecovery), and host error 70 follows when nobody does. Waits for a
   // save by another program. Throws; the out-arguments are only set when all went well.
   void LoadStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
-  // Throws; message EMsgCouldNotSave with a reason when the stack holds what could not be read back.
+  // Throws; message EMsgCouldNotSave with a reason when the document can only be read, or the stack holds
+  // what could not be read back.
   void SaveStack(const Ref<CVelumStack>& aStack, const Ref<CVelumViewState>& aView);
 
 private:
@@ -28,6 +29,7 @@ private:
   [[nodiscard]] bool LoadUnchanged(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
   void LoadXmlStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
   void SaveXmlStack();
+  void RefuseReadOnly() const;
   void LoadBinStack(const Ref<CVelumFile>& aFile, Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
   void SaveBinStack();
 

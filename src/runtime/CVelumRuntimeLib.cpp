@@ -20,7 +20,7 @@ namespace {
 
 // Loads before anything of the open stack is touched: a failure leaves stack and windows as they are.
 void LoadStack(const QString& aPath) {
-  if (!CVelumLib::FileExists(aPath)) CVelumError::Throw(EMsgFileNotFound, u"HandleLoadStack"_s, aPath, {});
+  CVelumLib::CheckFile(aPath, u"HandleLoadStack"_s);
   Ref<CVelumStack> stack;
   Ref<CVelumViewState> state;
   CVelumStackFile(aPath).LoadStack(stack, state);

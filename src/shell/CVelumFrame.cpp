@@ -8,9 +8,11 @@
 #include "script/CVelumInterpreter.h"
 #include "shell/CVelumCommandTable.h"
 #include "shell/CVelumFormCommands.h"
+#include "shell/CVelumImportOptions.h"
 #include "shell/CVelumNotBuilt.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumShellDialogLib.h"
+#include "shell/CVelumStackName.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
@@ -32,16 +34,18 @@ constexpr int ENumGenFunc = 10;
 // The screen of a phone, at 20 units a pixel.
 constexpr QSizeF EPhoneSize(208 * 20, 255 * 20);
 
-// The toolkit takes "[*]" for the mark of a changed document; doubled, it is the text.
+// Where the toolkit puts the mark of a changed document; doubled, it is the text.
+const QString EChangeMark = u"[*]"_s;
+
 QString Literal(QString aCaption) {
-  return aCaption.replace(u"[*]"_s, u"[*][*]"_s);
+  return aCaption.replace(EChangeMark, EChangeMark + EChangeMark);
 }
 
 } // namespace
 
 CVelumFrame::CVelumFrame()
-    : CVelumForm(u"CVelumFrame"_s, true), iUi(new Ui::CVelumFrame), iCommands(*this), iPictureCommands(*this),
-      iEndProcess([] { QCoreApplication::exit(0); }) {
+    : CVelumForm(u"CVelumFrame"_s, true), iUi(new Ui::CVelumFrame), iChangeMark(*this), iCommands(*this),
+      iPictureCommands(*this), iEndProcess([] { QCoreApplication::exit(0); }) {
   iUi->setupUi(this);
   setAnimated(false);
   // All windows of the program have it.
@@ -51,6 +55,7 @@ CVelumFrame::CVelumFrame()
   ConnectKeys();
   ConnectChildKeys();
   AddReport();
+  TakeDrops();
   iScriptBar = new CVelumScriptBar(this);
   iUi->fStatusBar->addPermanentWidget(iScriptBar);
   iScriptBar->hide();
@@ -180,6 +185,19 @@ void CVelumFrame::ConnectChildKeys() {
   on(Qt::ControlModifier, Qt::Key_F4, &QMdiArea::closeActiveSubWindow);
 }
 
+// Both may close or replace the stack: a running script ends first.
+void CVelumFrame::TakeDrops() {
+  const auto onIdle = [](auto aUse) {
+    return [aUse](const QString& aPath) {
+      CVelumGuard::Run(u"CVelumFrame.Drop"_s,
+                       [&] { CVelumDialogLib::WhenNoScriptRuns([aUse, aPath] { aUse(aPath); }); });
+    };
+  };
+  iFileDrop = std::make_unique<CVelumFileDrop>(
+      *this, onIdle([this](const QString& aPath) { iCommands.OpenRecent(aPath); }),
+      onIdle([](const QString& aPath) { CVelumImportOptions::ShowCsvImport(aPath); }));
+}
+
 void CVelumFrame::ButtonClick(const QString& aKey) {
   using TMove = bool (CVelumStackView::*)(Ref<CVelumCard>&);
   static const QHash<QString, TMove> moves{{u"FirstCard"_s, &CVelumStackView::OrderFirst},
@@ -243,6 +261,7 @@ void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
     if (gStackView) gStackView->RefreshViews(true, true);
     break;
   case 8:
+    iChangeMark.Check();
     setWindowTitle(iTitle);
     UpdateToolbar();
     Report({});
@@ -252,9 +271,10 @@ void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
   }
 }
 
-// A new stack has no name yet; what follows the name stands there all the same.
 void CVelumFrame::ShowStackName() {
-  if (gStack) setWindowTitle(Literal(gStack->Filename()) + u" - "_s + iTitle);
+  if (!gStack) return;
+  setWindowTitle(Literal(CVelumStackName::Caption(*gStack)) + EChangeMark + u" - "_s + iTitle);
+  iChangeMark.Check();
 }
 
 void CVelumFrame::CardShown() {

@@ -3,6 +3,8 @@
 
 #include "runtime/CVelumFrameHost.h"
 #include "shell/CVelumCommandTable.h"
+#include "shell/CVelumChangeMark.h"
+#include "shell/CVelumFileDrop.h"
 #include "shell/CVelumPictureCommands.h"
 #include "shell/CVelumScriptBar.h"
 #include "shell/CVelumStackCommands.h"
@@ -78,6 +80,7 @@ private:
   void ConnectKeys();
   // Ctrl+F6 goes to the next window in the area, Ctrl+F4 closes it.
   void ConnectChildKeys();
+  void TakeDrops();
   void UpdateMenus();
   void FillHistory();
   [[nodiscard]] static QString HistoryCaption(const QString& aPath);
@@ -86,6 +89,7 @@ private:
 
   std::unique_ptr<Ui::CVelumFrame> iUi;
   QString iTitle; // the caption as designed
+  CVelumChangeMark iChangeMark;
   CVelumStackCommands iCommands;
   CVelumPictureCommands iPictureCommands;
   std::function<void()> iEndProcess;
@@ -93,6 +97,7 @@ private:
   QAction* iShowCardList = nullptr;
   QLabel* iReport = nullptr;
   QList<std::pair<QAction*, EVelumNeed>> iButtons; // of the toolbar
+  std::unique_ptr<CVelumFileDrop> iFileDrop;
 };
 
 // The main window; null before it is made.

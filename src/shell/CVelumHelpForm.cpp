@@ -10,6 +10,7 @@
 #include <QHelpIndexWidget>
 #include <QHelpLink>
 #include <QPointer>
+#include <QTabBar>
 
 namespace {
 
@@ -27,6 +28,7 @@ CVelumHelpForm::CVelumHelpForm() : iUi(new Ui::CVelumHelpForm) {
   iUi->fSplitter->setSizes({EContentsWidth, EPageWidth});
   iUi->fPage->SetBook(&iBook);
   ConnectButtons();
+  ConnectTabs();
   if (iBook.IsOpen()) AddBook();
 }
 
@@ -41,6 +43,22 @@ void CVelumHelpForm::ConnectButtons() {
   connect(page, &QTextBrowser::backwardAvailable, iUi->fBackBut, &QWidget::setEnabled);
   connect(page, &QTextBrowser::forwardAvailable, iUi->fForwBut, &QWidget::setEnabled);
   connect(page, &QTextBrowser::sourceChanged, this, &CVelumHelpForm::FollowPage);
+}
+
+void CVelumHelpForm::ConnectTabs() {
+  // Not while the arrow keys go from tab to tab.
+  connect(iUi->fTabs, &QTabWidget::currentChanged, this, [this] {
+    if (!iUi->fTabs->tabBar()->hasFocus()) FocusTab();
+  });
+  // The press that chooses the tab is still to be handled.
+  connect(iUi->fTabs, &QTabWidget::tabBarClicked, this, &CVelumHelpForm::FocusTab, Qt::QueuedConnection);
+}
+
+void CVelumHelpForm::FocusTab() {
+  const QWidget* tab = iUi->fTabs->currentWidget();
+  if (tab == iUi->fIndexTab) return iUi->fIndexText->setFocus();
+  if (tab == iUi->fSearchTab) return iUi->fSearchText->setFocus();
+  if (iContents) iContents->setFocus();
 }
 
 void CVelumHelpForm::AddBook() {

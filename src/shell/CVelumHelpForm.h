@@ -34,6 +34,9 @@ public:
 private:
   CVelumHelpForm();
   void ConnectButtons();
+  // Whoever opens a tab can type at once.
+  void ConnectTabs();
+  void FocusTab();
   // Puts contents, index and search on their tabs.
   void AddBook();
   void AddContents(QHelpContentWidget* aContents);

@@ -165,13 +165,25 @@ bool CVelumImportOptions::Run(const QString& aProc, const QString& aPath, const 
 
 void CVelumImportOptions::ImportCsvFile() {
   const QString path = AskFile(fImportCsvDialog, gOptions.iImportCsvDialogInitDir);
-  if (path.isEmpty()) return;
+  if (!path.isEmpty()) ImportCsvFrom(path);
+}
+
+void CVelumImportOptions::ShowCsvImport(const QString& aPath) {
+  auto* form = dynamic_cast<CVelumImportOptions*>(CVelumWinMan::NameToForm(u"CVelumImportOptions"_s));
+  if (!form || form->iBusy) return;
+  CVelumWinMan::ShowDialog(*form);
+  form->iUi->fCsv->setChecked(true);
+  form->HandleDisables();
+  form->ImportCsvFrom(aPath);
+}
+
+void CVelumImportOptions::ImportCsvFrom(const QString& aPath) {
   CVelumGuard::Run(u"CVelumImportOptions.ImportCsvFile"_s, [&] {
     auto* form = dynamic_cast<CVelumCsvImportOptions*>(CVelumWinMan::NameToForm(ECsvForm));
     if (!form) return;
     CVelumWinMan::LoadForm(*form);
-    form->SetImportFile(path);
-    KeepFolder(path, gOptions.iImportCsvDialogInitDir);
+    form->SetImportFile(aPath);
+    KeepFolder(aPath, gOptions.iImportCsvDialogInitDir);
     CVelumWinMan::ShowDialog(*form, false, this);
   });
 }

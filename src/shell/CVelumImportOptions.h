@@ -30,6 +30,8 @@ public:
 
   // What the user chose; the window of the CSV settings reads them.
   [[nodiscard]] bool IntoCurStack() const;
+  // Opens the window, with CSV chosen, and goes on as if the user had picked the file.
+  static void ShowCsvImport(const QString& aPath);
   // Tells all other windows that the stack is about to close, before an import takes its place.
   void CloseOthers();
   // Says in the main window what was imported.
@@ -46,6 +48,7 @@ private:
   [[nodiscard]] QString AskFile(CVelumFileDialog& aDialog, const QString& aInitDir);
   static void KeepFolder(const QString& aPath, QString& aInitDir);
   void ImportCsvFile();
+  void ImportCsvFrom(const QString& aPath);
   void ImportXmlFile();
   void ImportHandBaseFile();
   void ImportOrvelle();

@@ -3,17 +3,7 @@
 #include "runtime/CVelumStackView.h"
 #include "shell/CVelumFrame.h"
 #include "shell/CVelumSave.h"
-
-#include <QFileInfo>
-
-namespace {
-
-QString StackTitle() {
-  const QString name = QFileInfo(gStack->Filename()).fileName();
-  return name.isEmpty() ? gStack->Name() : name;
-}
-
-} // namespace
+#include "shell/CVelumStackName.h"
 
 void CVelumDialogLib::StayAboveFrame(QDialog& aDialog) {
   if (gFrame && !aDialog.parentWidget()) aDialog.setParent(gFrame, aDialog.windowFlags());
@@ -23,7 +13,7 @@ void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
   aProceed = true;
   aSave = false;
   if (gStack && gStack->Changed()) {
-    CVelumSave(StackTitle(), gFrame).exec();
+    CVelumSave(CVelumStackName::Title(*gStack), gFrame).exec();
     CVelumError::Assert(iDialogRes >= ESaveResSave && iDialogRes <= ESaveResBack,
                         u"CheckLeaveStack iDialogRes "_s + QString::number(iDialogRes));
     aSave = iDialogRes == ESaveResSave;

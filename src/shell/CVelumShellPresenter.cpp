@@ -44,7 +44,7 @@ bool CVelumShellPresenter::Message(qint32, EMsgClass aClass, const QString& aNam
 
 void CVelumShellPresenter::Tell(const QString& aText) {
   const QPointer<QMessageBox> box =
-      new QMessageBox(QMessageBox::NoIcon, u"Orvelles"_s, {}, QMessageBox::Ok, Owner());
+      new QMessageBox(QMessageBox::Information, u"Orvelles"_s, {}, QMessageBox::Ok, Owner());
   box->setTextFormat(Qt::PlainText);
   box->setText(aText);
   box->exec();

@@ -3,12 +3,14 @@
 #include "core/CVelumDialogLib.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "persist/CVelumAccess.h"
 #include "persist/CVelumStackFile.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/CVelumStackView.h"
 #include "shell/CVelumOptions.h"
 #include "shell/CVelumReport.h"
 #include "shell/CVelumShellDialogLib.h"
+#include "shell/CVelumStackName.h"
 #include "toolkit/CVelumGuard.h"
 
 #include <QFileInfo>
@@ -35,6 +37,8 @@ template <class T> bool RunSave(T aSave) {
   return false;
 }
 
+const QString EFilter = u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s;
+
 // The message, and below it what it is about.
 bool AskEmpty(const QString& aCards) {
   const QString text = CVelumMsg::Text(EMsgEmptyStackOk, CVelumMsg::EUndefParam) + u"\n\n"_s + aCards + u'.';
@@ -52,8 +56,8 @@ QString FolderOf(const QString& aPath) {
 } // namespace
 
 CVelumStackCommands::CVelumStackCommands(QWidget& aFrame)
-    : iFrame(aFrame),
-      fLoadDialog(u"Open Stack"_s, u"orv"_s, u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s) {}
+    : iFrame(aFrame), fLoadDialog(u"Open Stack"_s, u"Orvelle"_s, EFilter),
+      fSaveDialog(u"Save Stack As"_s, u"Orvelle"_s, EFilter) {}
 
 void CVelumStackCommands::OpenStack() {
   if (fLoadDialog.InitDir().isEmpty())
@@ -89,16 +93,27 @@ void CVelumStackCommands::SaveStack() {
     SaveStackAs();
     return;
   }
-  RunSave([this] {
+  const bool done = RunSave([this] {
     if (!gStackView->ValidateCurControl()) return;
     // A script that hears of the field may have closed the stack.
     if (gStack && gStackView) SaveTo(gStack->Filename());
   });
+  // The message has said that it can only be read: what was changed can still be kept elsewhere.
+  if (!done && gStack && !CVelumAccess::WhyReadOnly(gStack->Filename()).isEmpty()) SaveStackAs();
+}
+
+void CVelumStackCommands::PrepareSaveDialog() {
+  const QString path = gStack->Filename();
+  const bool own = !path.isEmpty() && CVelumAccess::WhyReadOnly(path).isEmpty();
+  fSaveDialog.SetInitDir(CVelumOptions::StartFolder(own ? FolderOf(path) : QString()));
+  fSaveDialog.SetProposedName(CVelumStackName::FileName(*gStack));
 }
 
 void CVelumStackCommands::SaveStackAs() {
-  if (!gStack || !gStackView || gStackView->RefuseEntry() || !fLoadDialog.ShowSave(&iFrame)) return;
-  const QString path = fLoadDialog.FileName();
+  if (!gStack || !gStackView || gStackView->RefuseEntry()) return;
+  PrepareSaveDialog();
+  if (!fSaveDialog.ShowSave(&iFrame)) return;
+  const QString path = fSaveDialog.FileName();
   RunSave([&] {
     SaveTo(path);
     gStack->SetFilename(path);

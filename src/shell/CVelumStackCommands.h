@@ -16,7 +16,8 @@ public:
   void OpenStack();
   // The same for a file of the recent list.
   void OpenRecent(const QString& aPath);
-  // Takes what was typed last, and saves; asks for a name when there is none yet.
+  // Takes what was typed last, and saves; asks for a name when there is none yet, and where the stack can
+  // only be read, after saying why.
   void SaveStack();
   // Asks for a name and saves under it. What was typed last and not yet taken is left out.
   void SaveStackAs();
@@ -29,8 +30,11 @@ public:
 
 private:
   void SaveTo(const QString& aPath);
+  // The folder and the name that the next save dialog begins with.
+  void PrepareSaveDialog();
   void ReleaseStack();
 
   QWidget& iFrame;
   CVelumFileDialog fLoadDialog;
+  CVelumFileDialog fSaveDialog;
 };

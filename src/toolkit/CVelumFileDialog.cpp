@@ -27,7 +27,10 @@ QString AskFile(const CVelumFileDialog& aSettings, const QString& aTitle, QWidge
     dialog.setDefaultSuffix(aSettings.ExtensionFor(aFilter));
   };
   QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, follow);
-  if (aSave) follow(dialog.selectedNameFilter());
+  if (aSave) {
+    follow(dialog.selectedNameFilter());
+    dialog.selectFile(aSettings.ProposedName());
+  }
   if (dialog.exec() != QDialog::Accepted) return {};
   return dialog.selectedFiles().value(0);
 }

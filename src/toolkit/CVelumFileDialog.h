@@ -18,6 +18,9 @@ public:
   [[nodiscard]] const QString& InitDir() const { return iInitDir; }
   void SetInitDir(const QString& aDir) { iInitDir = aDir; }
   [[nodiscard]] const QString& FileName() const { return iFileName; }
+  // The name that the next save dialog begins with; empty for none.
+  [[nodiscard]] const QString& ProposedName() const { return iProposedName; }
+  void SetProposedName(const QString& aName) { iProposedName = aName; }
 
   // Asks for a file that exists. False when the user cancels; otherwise FileName is the whole path, and the
   // next dialog starts in its folder.
@@ -43,4 +46,5 @@ private:
   QString iFilter;
   QString iInitDir;
   QString iFileName;
+  QString iProposedName;
 };

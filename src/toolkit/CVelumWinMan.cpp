@@ -4,6 +4,7 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumSeams.h"
 #include "toolkit/CVelumReg.h"
+#include "toolkit/CVelumScreenFit.h"
 #include "toolkit/CVelumToolkitLib.h"
 
 #include <QDialog>
@@ -266,6 +267,9 @@ void RestoreWindow(CVelumForm& aForm) {
     SetFormRect(aForm, rect);
   else if (IsFrame(aForm))
     SetFormRect(aForm, DefaultFrameRect());
+  else
+    return;
+  CVelumScreenFit::KeepOnScreen(*aForm.Widget(), IsFrame(aForm) || aForm.Sizable());
 }
 
 void SetFormRect(CVelumForm& aForm, const QRectF& aRect) {

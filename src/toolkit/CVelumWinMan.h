@@ -62,7 +62,8 @@ void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2);
 
 // Keeps the form's place under its name in the section "Windows".
 void SaveWindow(CVelumForm& aForm);
-// Puts the form where it was. Without a sound stored place only the frame is moved, to a default place.
+// Puts the form where it was, and back onto the screen if that has become smaller. Without a sound stored
+// place only the frame is moved, to a default place.
 void RestoreWindow(CVelumForm& aForm);
 // Moves the form to aRect (twips); only the frame and sizable forms take the size. A left or top edge beyond
 // the screen (for other forms: beyond the size of the frame) becomes 0.

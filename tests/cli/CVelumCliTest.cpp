@@ -2,6 +2,7 @@
 #include "CliRun.h"
 
 #include "core/CVelumObject.h"
+#include "support/DropRights.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
 #include "support/TestTree.h"
@@ -215,21 +216,55 @@ TEST(CVelumCli, CutStacksAreToldAndDoNoHarm) {
   }
 }
 
-// Stacks are opened for reading and writing at once, and every failure of that has the same message.
-TEST(CVelumCli, AFileThatMayNotBeOpenedIsRefused) {
+TEST(CVelumCli, AFileThatMayNotBeReadIsNoMissingFile) {
   if (!CliRun::CanDropRights()) GTEST_SKIP() << "left out: the rights of root cannot be given up here";
   const TempFolder folder;
-  const QFile::Permissions readable = QFile::ReadUser | QFile::ReadGroup | QFile::ReadOther;
-  QFile::setPermissions(folder.Path(),
-                        readable | QFile::WriteUser | QFile::ExeUser | QFile::ExeGroup | QFile::ExeOther);
-  const QByteArray bytes = ReadText(u"/tests/data/stacks/good/one_card.Orvelle"_s);
-  for (const QFile::Permissions& permissions : {QFile::Permissions(), readable}) {
-    const QString path = folder.Write(u"secret%1.Orvelle"_s.arg(permissions.toInt()), bytes);
-    EXPECT_TRUE(QFile::setPermissions(path, permissions));
+  DropRights::SetMode(folder.Path(), 0755);
+  const QString path =
+      folder.Write(u"secret.Orvelle"_s, ReadText(u"/tests/data/stacks/good/one_card.Orvelle"_s));
+  DropRights::SetMode(path, 0);
+  for (const bool hidden : {false, true}) {
+    if (hidden) DropRights::SetMode(folder.Path(), 0700);
     const TCliResult result = CliRun::RunWithoutRights({u"info"_s, path});
+    if (hidden && geteuid() != 0) continue;
     EXPECT_EQ(result.iStatus, 1);
-    EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: EMsgFileNotFound: ")) << result.iErr.toStdString();
+    EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: EMsgNoFileAccess: ")) << result.iErr.toStdString();
     EXPECT_TRUE(result.iErr.contains(path.toUtf8()));
+  }
+}
+
+// On a medium that cannot be written, or in somebody else's folder.
+TEST(CVelumCli, AStackThatMayOnlyBeReadIsRead) {
+  if (!CliRun::CanDropRights()) GTEST_SKIP() << "left out: the rights of root cannot be given up here";
+  const TempFolder folder;
+  const TempFolder own;
+  DropRights::SetMode(own.Path(), 0777);
+  for (const QString& name : {u"all_controls.Orvelle"_s, u"a.xml"_s}) {
+    const QString path = folder.Path(name);
+    ASSERT_EQ(CliRun::Run({u"convert"_s, CliRun::Data(u"all_controls.Orvelle"_s), path}).iStatus, 0);
+    DropRights::SetMode(path, 0444);
+    DropRights::SetMode(folder.Path(), 0555);
+    const QByteArray before = folder.Read(name);
+    for (const QStringList& call : {QStringList{u"info"_s, path},
+                                    {u"check"_s, path},
+                                    {u"search"_s, path, u"a"_s},
+                                    {u"cards"_s, path},
+                                    {u"convert"_s, path, own.Path(name)},
+                                    {u"convert"_s, path, own.Path(u"x.xml"_s)},
+                                    {u"export-xml"_s, path, own.Path(u"content.xml"_s)},
+                                    {u"run"_s, path, u"openStack"_s}}) {
+      const TCliResult read = CliRun::RunWithoutRights(call);
+      EXPECT_EQ(read.iStatus, CliRun::Run(call).iStatus) << call.join(u' ').toStdString();
+      EXPECT_EQ(read.iErr, QByteArray()) << call.join(u' ').toStdString();
+    }
+    EXPECT_EQ(CliRun::Run({u"info"_s, u"--json"_s, own.Path(name)}).iStatus, 0);
+    // What would change it says why not.
+    const TCliResult save = CliRun::RunWithoutRights({u"convert"_s, CliRun::Sample(), path});
+    EXPECT_EQ(save.iStatus, 1);
+    EXPECT_TRUE(save.iErr.contains("EMsgCouldNotSave: ")) << save.iErr.toStdString();
+    EXPECT_TRUE(save.iErr.contains("may only be read")) << save.iErr.toStdString();
+    EXPECT_EQ(folder.Read(name), before);
+    DropRights::SetMode(folder.Path(), 0755);
   }
 }
 

@@ -2,11 +2,13 @@
 
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "support/DropRights.h"
 #include "support/FaultInjection.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
 
+#include <QDir>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -255,7 +257,7 @@ TEST_F(CVelumFileTest, OpeningCreates) {
 }
 
 TEST_F(CVelumFileTest, OpeningFails) {
-  ExpectError(EMsgFileNotFound, [this] { CVelumFile(iFolder.Path(), EFilRead).OpenFile(); });
+  ExpectError(EMsgNoFileAccess, [this] { CVelumFile(iFolder.Path(), EFilRead).OpenFile(); });
   EXPECT_EQ(gLastError.iP0, iFolder.Path());
   EXPECT_EQ(gLastError.iP1, u"0"_s);
   ExpectError(EMsgFileNotFound, [this] { CVelumFile(Path(u"no/f"_s), EFilReadWrite).OpenFile(); });
@@ -265,17 +267,51 @@ TEST_F(CVelumFileTest, OpeningFails) {
   ExpectError(EHostDeviceIo, [this] { CVelumFile(Path(), EFilSeqRead).OpenFile(); });
 }
 
-TEST_F(CVelumFileTest, PermissionsCount) {
+TEST_F(CVelumFileTest, AFileThatMayNotBeWrittenIsOnlyRead) {
   iFolder.Write(u"f"_s, "abc");
-  ::chmod(Path().toLocal8Bit().constData(), 0444);
-  ::chmod(iFolder.Path().toLocal8Bit().constData(), 0755);
-  bool root = ::geteuid() == 0;
-  if (root && ::seteuid(65534) != 0) GTEST_SKIP() << "root cannot be given up here";
-  ExpectError(EMsgFileNotFound, [this] { CVelumFile(Path(), EFilRead).OpenFile(); });
-  ExpectError(EMsgNoFileAccess, [this] { CVelumFile(Path(), EFilSeqWrite).OpenFile(); });
-  if (root) {
-    EXPECT_EQ(::seteuid(0), 0);
+  DropRights::SetMode(Path(), 0444);
+  DropRights::SetMode(iFolder.Path(), 0755);
+  const DropRights nobody;
+  if (!nobody.Works()) GTEST_SKIP() << "root cannot be given up here";
+  for (const EFil access : {EFilRead, EFilReadWrite}) {
+    CVelumFile file(Path(), access);
+    file.OpenFile();
+    EXPECT_TRUE(file.ReadOnly());
+    EXPECT_EQ(file.ReadRawBytes(3), "abc");
+    file.LockShared();
+    EXPECT_TRUE(file.TryLockAlone());
   }
+  ExpectError(EMsgNoFileAccess, [this] { CVelumFile(Path(), EFilWrite).OpenFile(); });
+  ExpectError(EMsgNoFileAccess, [this] { CVelumFile(Path(), EFilSeqWrite).OpenFile(); });
+}
+
+TEST_F(CVelumFileTest, OnlyWhatIsNotThereIsNotFound) {
+  iFolder.Write(u"f"_s, "abc");
+  DropRights::SetMode(Path(), 0);
+  DropRights::SetMode(iFolder.Path(), 0755);
+  const QString inside = Path(u"shut"_s) + u"/f"_s;
+  QDir(iFolder.Path()).mkdir(u"shut"_s);
+  DropRights::SetMode(Path(u"shut"_s), 0);
+  const DropRights nobody;
+  if (!nobody.Works()) GTEST_SKIP() << "root cannot be given up here";
+  for (const EFil access : {EFilRead, EFilReadWrite, EFilWrite}) {
+    ExpectError(EMsgNoFileAccess, [&] { CVelumFile(Path(), access).OpenFile(); });
+    ExpectError(EMsgNoFileAccess, [&] { CVelumFile(inside, access).OpenFile(); });
+  }
+  ExpectError(EMsgFileNotFound, [&] { CVelumFile(Path(u"none"_s), EFilReadWrite).OpenFile(); });
+}
+
+TEST_F(CVelumFileTest, PipesAreRefusedWithoutWaiting) {
+  ASSERT_EQ(::mkfifo(QFile::encodeName(Path()).constData(), 0444), 0);
+  DropRights::SetMode(iFolder.Path(), 0755);
+  ExpectError(EMsgNoFileAccess, [this] { CVelumFile(Path(), EFilRead).OpenFile(); });
+  const DropRights nobody;
+  ExpectError(EMsgNoFileAccess, [this] { CVelumFile(Path(), EFilRead).OpenFile(); });
+}
+
+TEST_F(CVelumFileTest, ABrokenDiskIsNoMissingFile) {
+  FaultInjection faults(FaultInjection::EAct::Stay, 0, 5 /* EIO */);
+  ExpectError(EHostDeviceIo, [this] { CVelumFile(Path(), EFilRead).OpenFile(); });
 }
 
 TEST_F(CVelumFileTest, FailedWriteIsToldWithThePath) {

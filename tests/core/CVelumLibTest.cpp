@@ -4,6 +4,7 @@
 #include "support/TempFolder.h"
 
 #include "core/CVelumDays.h"
+#include "core/CVelumMsg.h"
 #include "support/Raised.h"
 
 #include <QDir>
@@ -215,6 +216,11 @@ TEST(CVelumLib, FilesAndFolders) {
   EXPECT_FALSE(FileExists(folder.Path()));
   EXPECT_FALSE(FileExists(folder.Path(u"none"_s)));
   EXPECT_FALSE(FileExists({}));
+  CheckFile(path, u"p"_s);
+  EXPECT_EQ(Raised([&] { CheckFile(folder.Path(u"none"_s), u"p"_s); }), EMsgFileNotFound);
+  EXPECT_EQ(gLastError.iP0, folder.Path(u"none"_s));
+  EXPECT_EQ(Raised([&] { CheckFile(path + u"/none"_s, u"p"_s); }), EMsgFileNotFound);
+  EXPECT_EQ(Raised([&] { CheckFile(folder.Path(), u"p"_s); }), EMsgNoFileAccess);
   KillFile(path);
   EXPECT_FALSE(FileExists(path));
   KillFile(path);

@@ -156,7 +156,7 @@ TEST_F(CVelumBinSaveTest, FolderThatCannotBeWrittenRefusesBeforeAnything) {
   bool root = ::geteuid() == 0;
   if (root && ::seteuid(65534) != 0) GTEST_SKIP() << "root cannot be given up here";
   doc.iStack->BlobStore()->NoteFileId(); // the change of permissions is not what this is about
-  ExpectFailure(EHostPermissionDenied, doc, iPath);
+  ExpectFailure(EMsgCouldNotSave, doc, iPath);
   if (root) {
     ASSERT_EQ(::seteuid(0), 0);
   }

@@ -25,7 +25,7 @@ TEST_F(CVelumFrameFileTest, OpenFollowsTheDialog) {
   iPath = path;
   Choose(u"fOpenStack"_s);
   ASSERT_TRUE(gStack);
-  EXPECT_EQ(gFrame->windowTitle(), path + u" - Orvelles"_s);
+  EXPECT_EQ(gFrame->windowTitle(), path + u"[*] - Orvelles"_s);
   EXPECT_EQ(CardName(), u"card 00"_s);
   EXPECT_EQ(iRunner.CountOf(u"openStack"_s), 1);
   EXPECT_EQ(gOptions.iLoadDialogInitDir, iFolder.Path());
@@ -149,7 +149,7 @@ TEST_F(CVelumFrameFileTest, SaveAsShowsTheNewNameAtOnceAndOpensAgain) {
   iRunner.iSent.clear();
   iPath = iFolder.Path(u"b.Orvelle"_s);
   Choose(u"fSaveStackAs"_s);
-  EXPECT_EQ(gFrame->windowTitle(), iPath + u" - Orvelles"_s);
+  EXPECT_EQ(gFrame->windowTitle(), iPath + u"[*] - Orvelles"_s);
   EXPECT_EQ(gFileHistory[0], iPath);
   EXPECT_EQ(gFileHistory[1], old);
   EXPECT_FALSE(gStack->Changed());
@@ -164,7 +164,7 @@ TEST_F(CVelumFrameFileTest, FailedSaveAsKeepsTheName) {
   Choose(u"fSaveStackAs"_s);
   EXPECT_EQ(iPresenter.Count(), 1);
   EXPECT_EQ(gStack->Filename(), path);
-  EXPECT_EQ(gFrame->windowTitle(), path + u" - Orvelles"_s);
+  EXPECT_EQ(gFrame->windowTitle(), path + u"[*] - Orvelles"_s);
   EXPECT_EQ(gFileHistory[0], path);
 }
 

@@ -9,7 +9,10 @@
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
 
+#include <QAbstractEventDispatcher>
 #include <QContextMenuEvent>
+#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPushButton>
@@ -19,6 +22,20 @@
 namespace {
 
 class CVelumFrameTest : public FrameTest {};
+
+// Lets the program run until the caption has the mark of changes, or has it no more; not for ever.
+bool RunUntilMarked(bool aMarked) {
+  QEventLoop loop;
+  QTimer poll;
+  QElapsedTimer clock;
+  clock.start();
+  QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+    if (gFrame->isWindowModified() == aMarked || clock.elapsed() > 5000) loop.quit();
+  });
+  poll.start(10);
+  loop.exec();
+  return gFrame->isWindowModified() == aMarked;
+}
 
 } // namespace
 
@@ -102,7 +119,7 @@ TEST_F(CVelumFrameTest, CommandsFollowTheOpenStack) {
 TEST_F(CVelumFrameTest, CaptionTakesTheNameLiterally) {
   const QString path = CopyStack(u"a[*]b & c.Orvelle"_s);
   Start(path);
-  EXPECT_EQ(gFrame->windowTitle(), QString(path + u" - Orvelles"_s).replace(u"[*]"_s, u"[*][*]"_s));
+  EXPECT_EQ(gFrame->windowTitle(), QString(path).replace(u"[*]"_s, u"[*][*]"_s) + u"[*] - Orvelles"_s);
 }
 
 TEST_F(CVelumFrameTest, ToolbarLeafsThroughCardsAndHistory) {
@@ -385,10 +402,10 @@ TEST_F(CVelumFrameTest, PhoneSizeGivesTheClientAreaOfAPhone) {
 
 TEST_F(CVelumFrameTest, NotificationsReachTheFrame) {
   Start(CopyStack(u"a.Orvelle"_s));
-  const QString other = u"/other.Orvelle"_s;
+  const QString other = iFolder.Path(u"other.Orvelle"_s);
   gStack->SetFilename(other);
   CVelumSeams::ChangeNotify(0);
-  EXPECT_EQ(gFrame->windowTitle(), other + u" - Orvelles"_s);
+  EXPECT_EQ(gFrame->windowTitle(), other + u"[*] - Orvelles"_s);
   for (const int kind : {1, 2, 3, 4, 5, 6, 9}) CVelumSeams::ChangeNotify(kind);
   EXPECT_EQ(CardName(), u"card 00"_s);
   EXPECT_EQ(iPresenter.Count(), 0);
@@ -412,11 +429,42 @@ TEST_F(CVelumFrameTest, ViewsAreRefreshedByTheKindsThatConcernThem) {
   }
 }
 
-TEST_F(CVelumFrameTest, CaptionOfAStackWithoutNameKeepsItsDash) {
+TEST_F(CVelumFrameTest, CaptionOfAStackWithoutFileIsItsDescription) {
   Start(CopyStack(u"a.Orvelle"_s));
   gStack->SetFilename({});
   CVelumSeams::ChangeNotify(0);
-  EXPECT_EQ(gFrame->windowTitle(), u" - Orvelles"_s);
+  EXPECT_EQ(gFrame->windowTitle(), u"Four backgrounds[*] - Orvelles"_s);
+}
+
+// Nobody looks for changes while nothing happens.
+TEST_F(CVelumFrameTest, TheMarkOfChangesCostsNothingWhileTheProgramRests) {
+  Start(CopyStack(u"a.Orvelle"_s));
+  static_cast<void>(RunUntilMarked(false));
+  QEventLoop loop;
+  QTimer::singleShot(1000, &loop, &QEventLoop::quit);
+  int woken = 0;
+  const auto count = QObject::connect(QAbstractEventDispatcher::instance(),
+                                      &QAbstractEventDispatcher::aboutToBlock, [&] { ++woken; });
+  loop.exec();
+  QObject::disconnect(count);
+  EXPECT_LT(woken, 20);
+}
+
+TEST_F(CVelumFrameTest, CaptionMarksChangesThatAreNotSaved) {
+  const QString path = CopyStack(u"a.Orvelle"_s);
+  Start(path);
+  EXPECT_FALSE(gFrame->isWindowModified());
+  for (int i = 0; i < 2; ++i) {
+    Change();
+    EXPECT_TRUE(RunUntilMarked(true));
+    Choose(u"fSaveStack"_s);
+    EXPECT_TRUE(RunUntilMarked(false));
+  }
+  Change();
+  AnswerSave(u"fDiscardBut"_s);
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(gFrame->isWindowModified());
+  EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
 }
 
 TEST_F(CVelumFrameTest, AKeyWithoutAButtonAsserts) {

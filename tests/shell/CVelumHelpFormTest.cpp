@@ -15,6 +15,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QTextBlock>
@@ -174,6 +175,33 @@ TEST_F(CVelumHelpFormTest, LongTitlesOfResultsAreNotCut) {
   QTest::qWait(50);
   EXPECT_EQ(results.horizontalScrollBar()->maximum(), 0);
   EXPECT_GT(results.visualItemRect(results.item(0)).height(), 2 * results.fontMetrics().height());
+}
+
+TEST_F(CVelumHelpFormTest, ATabThatIsOpenedCanBeTypedInto) {
+  CVelumHelpForm::ShowPage({});
+  CVelumHelpForm::Instance()->activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(CVelumHelpForm::Instance()));
+  auto& tabs = Part<QTabWidget>(u"fTabs"_s);
+  auto& page = Page();
+  const auto hasFocus = [](const QString& aName) {
+    const QWidget* widget = QApplication::focusWidget();
+    return widget && widget->objectName() == aName;
+  };
+  const QStringList entries{u"fContents"_s, u"fIndexText"_s, u"fSearchText"_s};
+  for (int i : {2, 1, 0, 2}) {
+    for (int again = 0; again < 2; ++again) { // the second time it is open already
+      page.setFocus();
+      QTest::mouseClick(tabs.tabBar(), Qt::LeftButton, {}, tabs.tabBar()->tabRect(i).center());
+      EXPECT_EQ(tabs.currentIndex(), i);
+      EXPECT_TRUE(QTest::qWaitFor([&] { return hasFocus(entries.at(i)); })) << i;
+    }
+  }
+  // The arrow keys go on from tab to tab.
+  tabs.tabBar()->setFocus(Qt::TabFocusReason);
+  QTest::keyClick(tabs.tabBar(), Qt::Key_Left);
+  QTest::keyClick(tabs.tabBar(), Qt::Key_Left);
+  EXPECT_EQ(tabs.currentIndex(), 0);
+  EXPECT_TRUE(tabs.tabBar()->hasFocus());
 }
 
 TEST_F(CVelumHelpFormTest, PagesTakeTheColoursOfTheDesktop) {

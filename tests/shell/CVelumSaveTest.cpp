@@ -3,6 +3,7 @@
 #include "shell/CVelumShellDialogLib.h"
 #include "shell/ShellTest.h"
 
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 
@@ -78,4 +79,20 @@ TEST_F(CVelumSaveTest, BackLeavesTheStackOpenWithNothingSaved) {
   EXPECT_TRUE(stillOpen);
   EXPECT_TRUE(gStack && gStack->Changed());
   EXPECT_EQ(iFolder.Read(u"a.Orvelle"_s), before);
+}
+
+TEST_F(CVelumSaveTest, TheQuestionCallsTheStackByItsName) {
+  Change();
+  const auto question = [] {
+    QString text;
+    WhenOpen([&text](QWidget& aBox) { text = aBox.findChild<QLabel*>(u"fQuestion"_s)->text(); });
+    bool proceed = false;
+    bool save = false;
+    CVelumDialogLib::CheckLeaveStack(proceed, save);
+    return text;
+  };
+  EXPECT_TRUE(question().contains(u"\u201ca.Orvelle\u201d"_s));
+  gStack->SetFilename({});
+  gStack->SetDescr(u"My books"_s);
+  EXPECT_TRUE(question().contains(u"\u201cMy books\u201d"_s));
 }

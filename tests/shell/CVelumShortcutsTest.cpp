@@ -148,7 +148,20 @@ TEST_F(CVelumShortcutsTest, CommandsHaveTheUsualKeys) {
   EXPECT_EQ(keyOf("fOpenStack"), u"Ctrl+O"_s);
   EXPECT_EQ(keyOf("fSaveStack"), u"Ctrl+S"_s);
   EXPECT_EQ(keyOf("fSearch"), u"Ctrl+F"_s);
+  EXPECT_EQ(keyOf("fCloseStack"), u"Ctrl+W"_s);
+  EXPECT_EQ(keyOf("fClose"), u"Ctrl+Q"_s);
   EXPECT_FALSE(Action(u"fSearch"_s)->isEnabled()) << "there is nothing to search";
+}
+
+TEST_F(CVelumShortcutsTest, StackAndProgramAreClosedFromWithinAText) {
+  Open();
+  gStack->SetChanged(false);
+  LineBox()->setFocus();
+  QTest::keyClick(LineBox(), Qt::Key_W, Qt::ControlModifier);
+  EXPECT_FALSE(gStack);
+  EXPECT_FALSE(iEnded);
+  QTest::keyClick(gFrame, Qt::Key_Q, Qt::ControlModifier);
+  EXPECT_TRUE(iEnded);
 }
 
 TEST_F(CVelumShortcutsTest, TheHelpListsEveryKey) {

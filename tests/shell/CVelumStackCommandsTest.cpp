@@ -202,3 +202,33 @@ TEST_F(CVelumStackCommandsTest, EmptyingEndsTheWaitCursor) {
   EXPECT_EQ(gStack->NumCards(), 0);
   EXPECT_EQ(CVelumDialogLib::WaitCount(), 0);
 }
+
+TEST_F(CVelumStackCommandsTest, OpeningAndSavingHaveDialogsOfTheirOwn) {
+  Open();
+  gOptions.iStackFolder = iFolder.Path();
+  gOptions.iLoadDialogInitDir = u"/"_s;
+  QStringList seen;
+  CVelumFileDialog::SetAnswer([&](const CVelumFileDialog& aDialog, bool aSave) {
+    seen = {aDialog.Title(), aDialog.ProposedName(), aDialog.InitDir(),
+            aDialog.ExtensionFor(u"All Files (*)"_s), aSave ? u"save"_s : u"open"_s};
+    return QString();
+  });
+  Choose(u"fOpenStack"_s);
+  EXPECT_EQ(seen, (QStringList{u"Open Stack"_s, QString(), u"/"_s, u"Orvelle"_s, u"open"_s}));
+  Choose(u"fSaveStackAs"_s);
+  EXPECT_EQ(seen, (QStringList{u"Save Stack As"_s, u"a.Orvelle"_s, iFolder.Path(), u"Orvelle"_s, u"save"_s}));
+  gStack->SetFilename({});
+  gStack->SetDescr(u"My books"_s);
+  Choose(u"fSaveStack"_s);
+  EXPECT_EQ(seen.mid(0, 3), (QStringList{u"Save Stack As"_s, u"My books.Orvelle"_s, iFolder.Path()}));
+  // In the stack folder, wherever the last stack was opened from.
+  EXPECT_EQ(gOptions.iLoadDialogInitDir, u"/"_s);
+}
+
+TEST_F(CVelumStackCommandsTest, ClosingLetsGoOfTheFile) {
+  Open();
+  const Ref<CVelumStack> kept = gStack;
+  ASSERT_TRUE(kept->BlobStore()->File());
+  Choose(u"fCloseStack"_s);
+  EXPECT_FALSE(kept->BlobStore()->File());
+}

@@ -27,6 +27,16 @@ protected:
     });
   }
 
+  // Looks at the dialog that opens next, and cancels it.
+  template <class T> static void Look(T aLook) {
+    QTimer::singleShot(0, qApp, [aLook] {
+      auto* dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+      ASSERT_NE(dialog, nullptr);
+      aLook(*dialog);
+      dialog->reject();
+    });
+  }
+
   CVelumFileDialog iDialog{u"Open Stack"_s, u"orv"_s, u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s};
 };
 
@@ -84,4 +94,17 @@ TEST_F(CVelumFileDialogTest, FolderIsAskedForAndKept) {
   EXPECT_EQ(iDialog.InitDir(), iFolder.Path());
   Type(u"x"_s, false);
   EXPECT_FALSE(iDialog.ShowFolder(nullptr));
+}
+
+TEST_F(CVelumFileDialogTest, SaveBeginsWithTheProposedNameAndOpenWithNone) {
+  iDialog.SetInitDir(iFolder.Path());
+  iDialog.SetProposedName(u"My books.Orvelle"_s);
+  QString name;
+  const auto look = [&name](const QFileDialog& aDialog) { name = aDialog.findChild<QLineEdit*>()->text(); };
+  Look(look);
+  EXPECT_FALSE(iDialog.ShowSave(nullptr));
+  EXPECT_EQ(name, u"My books.Orvelle"_s);
+  Look(look);
+  EXPECT_FALSE(iDialog.ShowOpen(nullptr));
+  EXPECT_EQ(name, QString());
 }

@@ -6,6 +6,7 @@
 #include "toolkit/CVelumDialogForm.h"
 #include "toolkit/CVelumMdiArea.h"
 #include "toolkit/CVelumReg.h"
+#include "toolkit/CVelumScreenFit.h"
 #include "toolkit/CVelumToolkitPump.h"
 
 #include <QKeyEvent>
@@ -330,7 +331,7 @@ TEST_F(CVelumWinManTest, WindowThatStillShowsIsRestoredAsItWas) {
   TestForm form(u"CVelumWelcome"_s);
   Put(form.Name(), u"-3985,-1485,4500,3000"_s);
   CVelumWinMan::RestoreWindow(form);
-  EXPECT_EQ(form.pos(), QPoint(-266, -99));
+  EXPECT_EQ(form.pos(), QPoint(-266, 0)); // nobody could reach a title bar above the screen
   Put(form.Name(), u" 150, 300 ,4500,3000,and more"_s);
   CVelumWinMan::RestoreWindow(form);
   EXPECT_EQ(form.pos(), QPoint(10, 20));
@@ -361,8 +362,42 @@ TEST_F(CVelumWinManTest, EdgesOfTheFrameBeyondTheScreenBecomeZero) {
   const QSize screen = QGuiApplication::primaryScreen()->virtualSize();
   Put(frame.Name(), u"%1,%2,3000,4500"_s.arg(Twips(screen.width() + 1)).arg(Twips(screen.height())));
   CVelumWinMan::RestoreWindow(frame);
-  EXPECT_EQ(frame.pos(), QPoint(0, screen.height()));
+  EXPECT_EQ(frame.x(), 0);
   EXPECT_EQ(frame.size(), QSize(200, 300));
+  CVelumWinMan::SetFormRect(frame, QRectF(0, Twips(screen.height()), 3000, 4500));
+  EXPECT_EQ(frame.pos(), QPoint(0, screen.height()));
+}
+
+TEST_F(CVelumWinManTest, PlacesOfALargerScreenComeBackOntoThisOne) {
+  const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+  const auto inside = [&screen](const QWidget& aWindow) {
+    return screen.contains(QRect(aWindow.pos(), aWindow.size())) &&
+           aWindow.y() + aWindow.height() < screen.bottom() - 10; // room for the title bar
+  };
+  TestFrame frame;
+  CVelumWinMan::LoadForm(frame);
+  Put(frame.Name(), u"960,600,15000,18000"_s);
+  CVelumWinMan::RestoreWindow(frame);
+  EXPECT_TRUE(inside(frame)) << frame.x() << ' ' << frame.y() << ' ' << frame.width() << ' '
+                             << frame.height();
+  for (const bool sizable : {true, false}) {
+    TestForm form(u"CVelumWelcome"_s, sizable);
+    Put(form.Name(), u"%1,%2,6000,4500"_s.arg(Twips(screen.width() - 20)).arg(Twips(screen.height() - 30)));
+    CVelumWinMan::RestoreWindow(form);
+    EXPECT_TRUE(inside(form)) << form.x() << ' ' << form.y();
+    EXPECT_EQ(form.size(), sizable ? QSize(400, 300) : QSize(300, 200));
+  }
+}
+
+TEST_F(CVelumWinManTest, ScreensAreFittedByMovingAndOnlyThenByCutting) {
+  const QRect screen(100, 50, 1000, 600);
+  const auto fit = [&](const QRect& aPlace) { return CVelumScreenFit::Fit(aPlace, screen, 30); };
+  EXPECT_EQ(fit({200, 100, 300, 200}), QRect(200, 100, 300, 200));
+  EXPECT_EQ(fit({900, 100, 300, 200}), QRect(800, 100, 300, 200));
+  EXPECT_EQ(fit({200, 500, 300, 200}), QRect(200, 420, 300, 200));
+  EXPECT_EQ(fit({200, 20, 300, 200}), QRect(200, 50, 300, 200));
+  EXPECT_EQ(fit({-50, 60, 300, 200}), QRect(-50, 60, 300, 200));
+  EXPECT_EQ(fit({200, 100, 2000, 2000}), QRect(100, 50, 1000, 570));
 }
 
 TEST_F(CVelumWinManTest, EndlessSizesAreCut) {
