@@ -2,8 +2,8 @@
 #pragma once
 
 #include "runtime/CVelumFrameHost.h"
-#include "shell/CVelumCommandTable.h"
 #include "shell/CVelumChangeMark.h"
+#include "shell/CVelumCommandTable.h"
 #include "shell/CVelumFileDrop.h"
 #include "shell/CVelumPictureCommands.h"
 #include "shell/CVelumScriptBar.h"
