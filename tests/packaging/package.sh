@@ -33,6 +33,8 @@ depends=$(dpkg-deb -f "$package" Depends)
 for needed in libqt6widgets6 libqt6help6 libqt6sql6-sqlite libqt6svg6; do
   [[ "$depends" == *"$needed"* ]] || fail "not among what the package depends on: $needed ($depends)"
 done
+twice=$(tr ',' '\n' <<<"$depends" | awk '{ print $1 }' | sort | uniq -d)
+[ -z "$twice" ] || fail "twice among what the package depends on: $twice ($depends)"
 grep -qx 'Exec=orvelles %f' "$work/root/usr/share/applications/orvelles.desktop" || fail "no command to open a file"
 icon=$(sed -n 's/^Icon=//p' "$work/root/usr/share/applications/orvelles.desktop")
 [ -f "$work/root/usr/share/icons/hicolor/scalable/apps/$icon.svg" ] || fail "no icon of the name $icon"

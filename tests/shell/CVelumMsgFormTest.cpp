@@ -222,6 +222,7 @@ TEST_F(CVelumMsgFormTest, TellShowsPlainText) {
   WhenOpen([](QDialog& aBox) {
     const auto* box = qobject_cast<QMessageBox*>(&aBox);
     ASSERT_NE(box, nullptr);
+    EXPECT_EQ(box->icon(), QMessageBox::Information);
     EXPECT_EQ(box->text(), u"<b>Read-only!</b>"_s);
     EXPECT_EQ(box->textFormat(), Qt::PlainText);
   });

@@ -3,10 +3,13 @@
 #include "shell/CVelumHelpBook.h"
 #include "shell/CVelumNotBuilt.h"
 #include "shell/ShellTest.h"
+#include "support/TestTree.h"
 #include "toolkit/CVelumWinMan.h"
 
 #include <QComboBox>
+#include <QFile>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTest>
 #include <QTextEdit>
@@ -162,6 +165,19 @@ TEST_F(CVelumShortcutsTest, StackAndProgramAreClosedFromWithinAText) {
   EXPECT_FALSE(iEnded);
   QTest::keyClick(gFrame, Qt::Key_Q, Qt::ControlModifier);
   EXPECT_TRUE(iEnded);
+}
+
+TEST_F(CVelumShortcutsTest, TheManualListsEveryKey) {
+  Start();
+  QFile file(TestTree::Source() + u"/docs/man/orvelles.1"_s);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QString manual = QString::fromUtf8(file.readAll());
+  for (const QAction* action : gFrame->findChildren<QAction*>()) {
+    QString key = action->shortcut().toString();
+    key.replace(u"PgUp"_s, u"Page Up"_s).replace(u"PgDown"_s, u"Page Down"_s).replace(u"Del"_s, u"Delete"_s);
+    const QRegularExpression word(QRegularExpression::escape(key) + u"\\b"_s);
+    EXPECT_TRUE(key.isEmpty() || manual.contains(word)) << key.toStdString();
+  }
 }
 
 TEST_F(CVelumShortcutsTest, TheHelpListsEveryKey) {
