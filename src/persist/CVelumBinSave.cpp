@@ -80,7 +80,8 @@ void CVelumBinSave::WriteAll(CVelumSaveTarget& aTarget) {
 // one that has been open all the time. That is looked at last, when the locks are held.
 bool CVelumBinSave::TakeAlone(const CVelumSaveTarget& aTarget) {
   const Ref<CVelumFile> file = iStore.File();
-  if (!file || file->Patch() || !iStore.HasBlobsOnFile() || !iStore.IsSound()) return false;
+  if (!file || file->ReadOnly() || file->Patch() || !iStore.HasBlobsOnFile() || !iStore.IsSound())
+    return false;
   if (!file->TryLockAlone()) return false;
   if (aTarget.IsKnown()) return true;
   static_cast<void>(file->TryLockShared());

@@ -72,6 +72,7 @@ Ref<CVelumBlob> CVelumBlobCheck::ReadFrom(qint32 aId, qint32 aPlace) {
   if (!iFile) {
     iFile = MakeRef<CVelumFile>(iStack.Filename(), EFilRead);
     iFile->OpenFile();
+    if (iStore->File()) iFile->SetPatch(iStore->File()->Patch());
   }
   iFile->SeekPos(iStore->PosTab().ValRef(aPlace).Int0());
   Ref<CVelumBlob> blob = MakeRef<CVelumBlob>();

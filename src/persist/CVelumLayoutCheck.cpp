@@ -23,6 +23,7 @@ QStringList CVelumLayoutCheck::Run(const CVelumStack& aStack) {
   if (!store || !store->Flag(EBstFileBased) || aStack.Filename().isEmpty()) return {};
   CVelumFile file(aStack.Filename(), EFilRead);
   file.OpenFile();
+  if (store->File()) file.SetPatch(store->File()->Patch());
   QStringList problems;
   const qint64 pointerPos = PointerPos(file);
   const qint64 behindPointer = pointerPos + 4;

@@ -37,7 +37,9 @@ private:
 // The journal of a document, open, locked and written to its end. There is none when Fd is negative.
 class CHeldJournal {
 public:
-  explicit CHeldJournal(const QString& aPath) : iPath(aPath), iName(CVelumJournal::NameFor(aPath)) {
+  // Only to be read with O_RDONLY: then nothing is removed, and a journal that is not whole is none.
+  explicit CHeldJournal(const QString& aPath, int aAccess = O_RDWR)
+      : iPath(aPath), iName(CVelumJournal::NameFor(aPath)), iAccess(aAccess) {
     while (!Hold()) {
     }
   }
@@ -64,12 +66,18 @@ private:
 
   QString iPath;
   QString iName;
+  int iAccess;
   int iFd = -1;
 };
 
 void CHeldJournal::Open() {
-  iFd = CVelumOs::Open(iName, O_RDWR | O_NOFOLLOW | O_NONBLOCK);
+  iFd = CVelumOs::Open(iName, iAccess | O_NOFOLLOW | O_NONBLOCK);
   if (iFd < 0 && errno == ENOENT) return;
+  if (iFd < 0 && iAccess == O_RDONLY)
+    CVelumError::RaiseHost(
+        EHostPermissionDenied,
+        u"%1 (%2). A save of the document was cut off, and it can only be read here; somebody "
+        u"who may write to it has to open it first"_s.arg(iName, QString::fromLocal8Bit(strerror(errno))));
   if (iFd < 0) RaiseInTheWay(iName, QString::fromLocal8Bit(strerror(errno)));
   if (!CVelumOs::IsRegular(iFd)) RaiseInTheWay(iName, u"no file"_s);
 }
@@ -89,8 +97,9 @@ bool CHeldJournal::Hold() {
   if (!IsMine()) return false;
   if (CVelumJournalReader(iFd, iName).IsWhole()) return true;
   // Its save had not begun to touch the document.
-  Remove();
-  return false;
+  if (iAccess == O_RDWR) Remove();
+  if (iAccess == O_RDONLY) CVelumOs::Close(std::exchange(iFd, -1));
+  return iAccess == O_RDONLY;
 }
 
 int OpenDocument(const QString& aPath) {
@@ -142,6 +151,20 @@ CVelumRecovery::EFound CVelumRecovery::Run(const QString& aPath) {
     CVelumOs::Sync(doc, aPath);
   journal.Remove();
   return fit == EFit::CutOff ? EFound::Restored : EFound::Nothing;
+}
+
+Ref<CVelumFilePatch> CVelumRecovery::OldBytes(const QString& aPath, int aDoc) {
+  const CHeldJournal journal(aPath, O_RDONLY);
+  if (journal.Fd() < 0) return nullptr;
+  CVelumJournalReader reader(journal.Fd(), journal.Name());
+  const EFit fit = Fit(reader, aDoc, aPath);
+  if (fit == EFit::Doubt)
+    CVelumError::RaiseHost(
+        EHostPermissionDenied,
+        u"%1 (a save of it was cut off, and it has been changed since by something else). It "
+        u"can only be read here: copy it with %2 to a folder of your own, and open it there"_s.arg(
+            aPath, journal.Name()));
+  return fit == EFit::CutOff ? reader.OldBytes(aDoc, aPath) : nullptr;
 }
 
 QString CVelumRecovery::BuildOld(const QString& aPath) {

@@ -1,6 +1,7 @@
 #include "persist/CVelumSaveTarget.h"
 
 #include "core/CVelumChecked.h"
+#include "persist/CVelumAccess.h"
 #include "persist/CVelumOtherVersion.h"
 #include "persist/CVelumRecovery.h"
 
@@ -28,6 +29,7 @@ void CVelumSaveTarget::BringBackLoaded() {
   try {
     const QString loaded = CVelumOs::RealPath(iStack.Filename());
     if (!CVelumOs::IdOf(loaded).SameFile(CVelumOs::IdOf(file->Fd()))) return;
+    if (!CVelumAccess::WhyReadOnly(loaded).isEmpty()) return;
     const EFound found = CVelumRecovery::Run(loaded);
     if (found == EFound::Doubt || (found == EFound::Nothing && !file->Patch())) return;
     file->SetPatch(nullptr);

@@ -85,12 +85,15 @@ void CVelumStackFile::LoadAny(const Ref<CVelumFile>& aFile, Ref<CVelumStack>& aS
 bool CVelumStackFile::LoadUnchanged(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
   const bool there = CVelumOs::IdOf(iFilename).Exists(); // a journal must not make a document of nothing
   const Ref<CVelumFile> file = OpenLocked();
-  if (there && CVelumRecovery::Run(CVelumOs::RealPath(iFilename)) == CVelumRecovery::EFound::Doubt) {
+  const bool readOnly = !CVelumAccess::WhyReadOnly(iFilename).isEmpty();
+  if (there && !readOnly &&
+      CVelumRecovery::Run(CVelumOs::RealPath(iFilename)) == CVelumRecovery::EFound::Doubt) {
     SettleDoubt();
     return LoadUnchanged(aStack, aView);
   }
   const TVelumFileId before = file->FileId();
   const auto unchanged = [&] { return file->FileId() == before && CVelumOs::IdOf(iFilename) == before; };
+  if (readOnly) file->SetPatch(CVelumRecovery::OldBytes(CVelumOs::RealPath(iFilename), file->Fd()));
   Ref<CVelumStack> stack;
   Ref<CVelumViewState> view;
   try {

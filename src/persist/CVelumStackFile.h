@@ -14,8 +14,9 @@ public:
   [[nodiscard]] bool IsBinStack();
   [[nodiscard]] bool IsXmlStack();
   // Puts the old document back first if a save was cut off; where something else has changed the document
-  // since, the user chooses (see CVelumRecovery), and host error 70 follows when nobody does. Waits for a
-  // save by another program. Throws; the out-arguments are only set when all went well.
+  // since, the user chooses (see CVelumRecovery), and host error 70 follows when nobody does. Where the
+  // document can only be read, the old one is shown and nothing is touched. Waits for a save by another
+  // program. Throws; the out-arguments are only set when all went well.
   void LoadStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView);
   // Throws; message EMsgCouldNotSave with a reason when the document can only be read, or the stack holds
   // what could not be read back.

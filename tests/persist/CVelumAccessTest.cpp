@@ -1,7 +1,10 @@
 #include "persist/CVelumAccess.h"
 
 #include "core/CVelumMsg.h"
+#include "persist/CVelumJournal.h"
+#include "persist/CVelumStackCheck.h"
 #include "persist/CVelumStackFile.h"
+#include "persist/CutSave.h"
 #include "persist/StackMaker.h"
 #include "persist/StackTeller.h"
 #include "support/DropRights.h"
@@ -139,4 +142,88 @@ TEST_F(CVelumAccessTest, WhatBelongsToTheProgramIsNobodysToWrite) {
   const QString copy = iOther.Path(u"copy.Orvelle"_s);
   CVelumStackFile(copy).SaveStack(doc.iStack, doc.iView);
   EXPECT_TRUE(QFile::exists(copy));
+}
+
+// A save by the owner was cut off; whoever can only read the document sees it as it was before.
+TEST_F(CVelumAccessTest, AHalfWrittenDocumentIsShownAsItWas) {
+  StackMaker whole = StackMaker::Load(iPath);
+  const QJsonObject told = whole.Tell();
+  whole = {};
+  CutSave::Run(iPath);
+  const QString journal = CVelumJournal::NameFor(iPath);
+  ASSERT_TRUE(QFile::exists(journal));
+  ASSERT_NE(Bytes(), iBefore);
+  iBefore = Bytes();
+  const QByteArray kept = iFolder.Read(u"t.Orvelle-journal"_s);
+  DropRights::SetMode(iPath, 0444);
+  DropRights::SetMode(journal, 0444);
+  DropRights::SetMode(iOther.Path(), 0777);
+  {
+    const DropRights nobody;
+    if (!nobody.Works()) GTEST_SKIP() << "root cannot be given up here";
+    StackMaker doc = StackMaker::Load(iPath);
+    EXPECT_EQ(StackTeller::Difference(told, doc.Tell(), {}), u""_s);
+    EXPECT_EQ(CVelumStackCheck(*doc.iStack).Run(), QStringList());
+    ExpectRefused(doc, iPath, iPath);
+    const QString copy = iOther.Path(u"copy.Orvelle"_s);
+    CVelumStackFile(copy).SaveStack(doc.iStack, doc.iView);
+    EXPECT_EQ(StackTeller::Difference(told, StackMaker::Load(copy).Tell(), {}), u""_s);
+  }
+  EXPECT_EQ(Bytes(), iBefore);
+  EXPECT_EQ(iFolder.Read(u"t.Orvelle-journal"_s), kept);
+  // Its owner gets it put right as ever.
+  EXPECT_EQ(StackTeller::Difference(told, StackMaker::Load(iPath).Tell(), {}), u""_s);
+  EXPECT_FALSE(QFile::exists(journal));
+}
+
+TEST_F(CVelumAccessTest, WhatTheProgramOwnsIsShownAsItWasToo) {
+  const QJsonObject told = StackMaker::Load(iPath).Tell();
+  CutSave::Run(iPath);
+  iBefore = Bytes();
+  CVelumAccess::SetInstalledFolder(iFolder.Path());
+  EXPECT_EQ(StackTeller::Difference(told, StackMaker::Load(iPath).Tell(), {}), u""_s);
+  EXPECT_EQ(Bytes(), iBefore);
+  EXPECT_TRUE(iFolder.Has(u"t.Orvelle-journal"_s));
+}
+
+TEST_F(CVelumAccessTest, AJournalWhoseSaveHadNotBegunOrWasCompleteChangesNothing) {
+  const QJsonObject told = StackMaker::Load(iPath).Tell();
+  CVelumAccess::SetInstalledFolder(iFolder.Path());
+  iFolder.Write(u"t.Orvelle-journal"_s, "no end");
+  EXPECT_EQ(StackTeller::Difference(told, StackMaker::Load(iPath).Tell(), {}), u""_s);
+  EXPECT_EQ(iFolder.Read(u"t.Orvelle-journal"_s), "no end");
+}
+
+TEST_F(CVelumAccessTest, ADocumentInDoubtIsNotShown) {
+  CutSave::Run(iPath);
+  QByteArray bytes = Bytes();
+  bytes[700] = static_cast<char>(bytes[700] ^ 1);
+  bytes.append("more");
+  iFolder.Write(u"t.Orvelle"_s, bytes);
+  CVelumAccess::SetInstalledFolder(iFolder.Path());
+  try {
+    static_cast<void>(StackMaker::Load(iPath));
+    ADD_FAILURE() << "no failure";
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EHostPermissionDenied);
+    EXPECT_TRUE(e.Descr().contains(CVelumJournal::NameFor(iPath))) << e.what();
+    EXPECT_TRUE(e.Descr().contains(u"of your own"_s)) << e.what();
+  }
+  EXPECT_EQ(Bytes(), bytes);
+  EXPECT_EQ(QDir(iFolder.Path()).entryList(QDir::Files).size(), 2);
+}
+
+TEST_F(CVelumAccessTest, AJournalThatMayNotBeReadIsInTheWay) {
+  CutSave::Run(iPath);
+  DropRights::SetMode(iPath, 0444);
+  DropRights::SetMode(CVelumJournal::NameFor(iPath), 0);
+  const DropRights nobody;
+  if (!nobody.Works()) GTEST_SKIP() << "root cannot be given up here";
+  try {
+    static_cast<void>(StackMaker::Load(iPath));
+    ADD_FAILURE() << "no failure";
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EHostPermissionDenied);
+    EXPECT_TRUE(e.Descr().contains(u"has to open it first"_s)) << e.what();
+  }
 }
