@@ -278,7 +278,7 @@ TEST_F(CVelumFileTest, AFileThatMayNotBeWrittenIsOnlyRead) {
     file.OpenFile();
     EXPECT_TRUE(file.ReadOnly());
     EXPECT_EQ(file.ReadRawBytes(3), "abc");
-    file.LockShared();
+    EXPECT_TRUE(file.TryLockShared());
     EXPECT_TRUE(file.TryLockAlone());
   }
   ExpectError(EMsgNoFileAccess, [this] { CVelumFile(Path(), EFilWrite).OpenFile(); });
