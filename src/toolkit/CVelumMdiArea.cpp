@@ -23,8 +23,6 @@ void CVelumMdiArea::AddChild(QWidget* aForm) {
   QMdiSubWindow* child = addSubWindow(aForm);
   child->setAttribute(Qt::WA_DeleteOnClose, false);
   child->setWindowIcon(aForm->windowIcon());
-  // The keys of closing belong to the commands of the main window.
-  for (QAction* item : child->systemMenu()->actions()) item->setShortcuts(QList<QKeySequence>());
   child->installEventFilter(this);
   // Each child would take the same keys for its own menu, and so none of them would get them.
   for (QAction* item : child->systemMenu()->actions()) item->setShortcuts(QList<QKeySequence>());
