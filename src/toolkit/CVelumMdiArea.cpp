@@ -1,10 +1,8 @@
 #include "toolkit/CVelumMdiArea.h"
 
-#include <QAction>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMdiSubWindow>
-#include <QMenu>
 #include <QMenu>
 
 CVelumMdiArea::CVelumMdiArea(QWidget* aParent) : QMdiArea(aParent) {
