@@ -254,8 +254,9 @@ TEST(CVelumCli, AStackThatMayOnlyBeReadIsRead) {
                                     {u"export-xml"_s, path, own.Path(u"content.xml"_s)},
                                     {u"run"_s, path, u"openStack"_s}}) {
       const TCliResult read = CliRun::RunWithoutRights(call);
-      EXPECT_EQ(read.iStatus, CliRun::Run(call).iStatus) << call.join(u' ').toStdString();
-      EXPECT_EQ(read.iErr, QByteArray()) << call.join(u' ').toStdString();
+      const TCliResult owner = CliRun::Run(call);
+      EXPECT_EQ(read.iStatus, owner.iStatus) << call.join(u' ').toStdString();
+      EXPECT_EQ(read.iErr, owner.iErr) << call.join(u' ').toStdString();
     }
     EXPECT_EQ(CliRun::Run({u"info"_s, u"--json"_s, own.Path(name)}).iStatus, 0);
     // What would change it says why not.
