@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
 
 namespace {
 
@@ -60,7 +61,17 @@ char* CopyPlain(QStringView aText, char* aTo) {
 
 // The same for a name, or for digits.
 char* Copy(QStringView aText, char* aTo) {
-  for (const QChar ch : aText) *aTo++ = static_cast<char>(ch.unicode());
+  constexpr qsizetype four = 4; // characters at a time, as names are short
+  const char16_t* from = aText.utf16();
+  const char16_t* const end = from + aText.size();
+  for (; end - from >= four; from += four, aTo += four) {
+    quint64 chars = 0;
+    std::memcpy(&chars, from, sizeof chars);
+    chars = (chars | chars >> 8) & 0x0000FFFF0000FFFFU;
+    const auto bytes = static_cast<quint32>(chars | chars >> 16);
+    std::memcpy(aTo, &bytes, sizeof bytes);
+  }
+  while (from != end) *aTo++ = static_cast<char>(*from++);
   return aTo;
 }
 
