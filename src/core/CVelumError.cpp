@@ -20,6 +20,7 @@ int sCommandDepth = 0;
 int sStrictDepth = 0;
 bool sOverruled = false;
 QHash<TQuestion, bool> sAnswers; // of the running command
+const CVelumError::CPlace* sPlace = nullptr;
 
 const QString& AppSource() {
   static const QString source = u"CVelumErrors.Throw"_s;
@@ -54,7 +55,9 @@ bool MayGoOn(const QString& aProc, const QString& aText, const QString& aMsg) {
     const auto answer = sAnswers.constFind(question);
     if (answer != sAnswers.constEnd()) return *answer;
   }
-  const bool goOn = CVelumMsg::Ask(EMsgAssertFailedOk, EMsgQuestion, aMsg, {});
+  const QString place = CVelumError::CPlace::Text();
+  const QString msg = place.isEmpty() ? aMsg : aMsg + (aMsg.endsWith(u'\n') ? u""_s : u"\r\n"_s) + place;
+  const bool goOn = CVelumMsg::Ask(EMsgAssertFailedOk, EMsgQuestion, msg, {});
   sOverruled = sOverruled || goOn;
   if (sCommandDepth > 0) sAnswers.insert(question, goOn);
   return goOn;
@@ -89,6 +92,17 @@ CVelumError::CStrict::CStrict() {
 
 CVelumError::CStrict::~CStrict() {
   --sStrictDepth;
+}
+
+CVelumError::CPlace::CPlace(std::function<QString()> aText)
+    : iText(std::move(aText)), iOuter(std::exchange(sPlace, this)) {}
+
+CVelumError::CPlace::~CPlace() {
+  sPlace = iOuter;
+}
+
+QString CVelumError::CPlace::Text() {
+  return sPlace ? sPlace->iText() : QString();
 }
 
 void CVelumError::Assert(bool aCond, const QString& aText) {

@@ -6,6 +6,7 @@
 #include "core/CVelumObject.h"
 
 #include <exception>
+#include <functional>
 
 // The one error record. Failures are carried by CVelumException; the record tells what the last one was.
 struct TVelumError {
@@ -76,6 +77,22 @@ public:
   ~CStrict();
   CStrict(const CStrict&) = delete;
   CStrict& operator=(const CStrict&) = delete;
+};
+
+// What the user wrote and the program is at work on, such as a line of a script. While it lives, the question
+// of a failed assertion ends with aText(). The innermost one counts.
+class CPlace {
+public:
+  explicit CPlace(std::function<QString()> aText);
+  ~CPlace();
+  CPlace(const CPlace&) = delete;
+  CPlace& operator=(const CPlace&) = delete;
+  // What assertions say; empty for nothing.
+  [[nodiscard]] static QString Text();
+
+private:
+  std::function<QString()> iText;
+  const CPlace* iOuter;
 };
 
 // AssertObj without an object, with procedure "Assert".

@@ -147,6 +147,20 @@ EMsgClass CheckedClass(qint32 aClass) {
   return known ? static_cast<EMsgClass>(aClass) : EMsgCritical;
 }
 
+bool ShowText(qint32 aMsg, EMsgClass aClass, const QString& aText) {
+  const QString name = CVelumMsg::Name(aMsg);
+  gLastMsgName = name;
+  gLastMsgText = aText;
+  return CVelumSeams::Presenter().Message(aMsg, aClass, name, aText) && aClass == EMsgQuestion;
+}
+
+// The message that stands for the failure in the error record.
+qint32 LastErrorMsg() {
+  if (gLastError.iMsgId >= 1000) return gLastError.iMsgId;
+  const bool refused = gLastError.iMsgId == EMsgCouldNotSave && gLastError.iSysSource == ERefusedSave;
+  return refused ? EMsgCouldNotSave : EMsgSystemError;
+}
+
 } // namespace
 
 void CVelumMsg::InitMessages() {
@@ -174,28 +188,23 @@ QString CVelumMsg::Text(qint32 aMsg, const QString& aP0, const QString& aP1, con
 }
 
 bool CVelumMsg::Show(qint32 aMsg, qint32 aClass, const QString& aP0, const QString& aP1, const QString& aP2) {
-  const EMsgClass cls = CheckedClass(aClass);
-  gLastMsgName = Name(aMsg);
-  gLastMsgText = Text(aMsg, aP0, aP1, aP2);
-  // Copies: a message box lets events run, and those may show further messages.
-  const QString name = gLastMsgName;
-  const QString text = gLastMsgText;
-  return CVelumSeams::Presenter().Message(aMsg, cls, name, text) && cls == EMsgQuestion;
+  return ShowText(aMsg, CheckedClass(aClass), Text(aMsg, aP0, aP1, aP2));
 }
 
 bool CVelumMsg::Ask(qint32 aMsg, qint32 aClass, const QString& aP0, const QString& aP1) {
   return Show(aMsg, aClass, aP0, aP1, EUndefParam);
 }
 
-void CVelumMsg::ShowLastError() {
+void CVelumMsg::ShowLastError(const QString& aPlace) {
   CVelumDialogLib::EndWait();
-  const TVelumError error = gLastError;
-  if (error.iMsgId >= 1000)
-    Show(error.iMsgId, EMsgCritical, error.iP0, error.iP1, EUndefParam);
-  else if (error.iMsgId == EMsgCouldNotSave && error.iSysSource == ERefusedSave)
-    Show(EMsgCouldNotSave, EMsgCritical, error.iSysDescr, {}, EUndefParam);
-  else
-    Show(EMsgSystemError, EMsgCritical, error.iSysDescr, {}, EUndefParam);
+  const QString text = LastErrorText();
+  ShowText(LastErrorMsg(), EMsgCritical, aPlace.isEmpty() ? text : text + u"\r\n\r\n"_s + aPlace);
+}
+
+QString CVelumMsg::LastErrorText() {
+  const TVelumError& error = gLastError;
+  if (error.iMsgId >= 1000) return Text(error.iMsgId, error.iP0, error.iP1);
+  return Text(LastErrorMsg(), error.iSysDescr, {});
 }
 
 QString CVelumMsg::LastMsgText() {

@@ -78,8 +78,10 @@ void InitMessages();
 bool Show(qint32 aMsg, qint32 aClass, const QString& aP0, const QString& aP1 = EUndefParam,
           const QString& aP2 = EUndefParam);
 [[nodiscard]] bool Ask(qint32 aMsg, qint32 aClass, const QString& aP0, const QString& aP1 = EUndefParam);
-// Shows the failure that stands in the error record.
-void ShowLastError();
+// Shows the failure that stands in the error record; aPlace, when given, follows it after an empty line.
+void ShowLastError(const QString& aPlace = {});
+// What it shows, without a place.
+[[nodiscard]] QString LastErrorText();
 // The text last shown, and its constant's name.
 [[nodiscard]] QString LastMsgText();
 [[nodiscard]] QString LastMsgName();

@@ -90,6 +90,30 @@ TEST(CVelumError, WithinACommandAQuestionIsAskedOnce) {
   EXPECT_EQ(presenter.Count(), 3);
 }
 
+TEST(CVelumError, AssertionsNameThePlaceInWork) {
+  ScriptedPresenter presenter;
+  const auto ask = [&](const CVelumObject* aObj) {
+    EXPECT_EQ(Raised([&] { CVelumError::AssertObj(false, aObj, u"Proc"_s, u"text"_s); }), EMsgAssertFailed);
+    return presenter.LastText().section(u'<', 1).section(u'>', 0, 0);
+  };
+  const CNamed obj(u"thing"_s);
+  QString line = u"line 1"_s;
+  EXPECT_EQ(ask(nullptr), u" text "_s);
+  {
+    const CVelumError::CPlace outer([&] { return line; });
+    line = u"line 2"_s;
+    EXPECT_EQ(ask(nullptr), u" text\r\nline 2 "_s) << "as it is when it fails";
+    EXPECT_EQ(ask(&obj), u" textthing\r\nline 2 "_s);
+    EXPECT_EQ(gLastError.iP1, u"textthing\r\n"_s) << "the record is about the program";
+    {
+      const CVelumError::CPlace inner([] { return QString(); });
+      EXPECT_EQ(ask(nullptr), u" text "_s);
+    }
+    EXPECT_EQ(CVelumError::CPlace::Text(), u"line 2"_s);
+  }
+  EXPECT_EQ(CVelumError::CPlace::Text(), QString());
+}
+
 TEST(CVelumError, ThrowFillsTheRecord) {
   gLastError = {5, u"a"_s, u"b"_s, u"c"_s, 6, u"d"_s, u"e"_s};
   try {

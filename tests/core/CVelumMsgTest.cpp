@@ -216,6 +216,16 @@ TEST(CVelumMsg, ShowLastErrorShowsAHostErrorByItsDescription) {
   EXPECT_EQ(CVelumDialogLib::WaitCount(), 0);
 }
 
+TEST(CVelumMsg, ShowLastErrorEndsWithAPlace) {
+  ScriptedPresenter presenter;
+  CVelumError::SetErrorRecord(EMsgCardNotFound, u"Proc"_s, u"Ada"_s, {});
+  EXPECT_EQ(CVelumMsg::LastErrorText(), u"The card 'Ada' cannot be found."_s);
+  CVelumMsg::ShowLastError(u"line 3"_s);
+  EXPECT_EQ(presenter.LastMsg(), EMsgCardNotFound);
+  EXPECT_EQ(presenter.LastText(), u"The card 'Ada' cannot be found.\r\n\r\nline 3"_s);
+  EXPECT_EQ(CVelumMsg::LastMsgText(), presenter.LastText());
+}
+
 // Message 18 and the host error of that number.
 TEST(CVelumMsg, ShowLastErrorTellsARefusedSaveFromAnInterrupt) {
   ScriptedPresenter presenter;
