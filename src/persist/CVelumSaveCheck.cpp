@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr qsizetype EMaxText = 15000;
 constexpr qsizetype EMaxBlock = 10000000;
 
 qint64 Length(CVelumStored& aObj) {
@@ -25,6 +24,53 @@ bool Fits(CVelumStored& aObj, QString& aReason) {
   }
 }
 
+// Names the text in a script that is too long; nothing where none is.
+QString LongScript(const CVelumScripted& aObj) {
+  const QString tooLong = u"%1 has %2 characters, at most %3 can be stored"_s;
+  const auto told = [&](const QString& aWhat, qsizetype aSize) {
+    return tooLong.arg(aWhat).arg(aSize).arg(EMaxStoredText);
+  };
+  if (aObj.ScriptSource().size() > EMaxStoredText) return told(u"its script"_s, aObj.ScriptSource().size());
+  const Ref<CVelumArray> script = aObj.Script();
+  TVelumElem elem;
+  for (qint32 next = 0; script && script->ReadNext(elem, next);)
+    if (elem.iVal.Str().size() > EMaxStoredText)
+      return told(u"the code of its handler '%1'"_s.arg(elem.iStrKey), elem.iVal.Str().size());
+  return {};
+}
+
+// The same of the values of a card.
+QString LongValue(const CVelumCard& aCard) {
+  const CVelumArray& values = aCard.Value();
+  for (qint32 i = 0; i < values.Count(); ++i) {
+    const qsizetype size = values.ValRef(i).Str().size();
+    if (size <= EMaxStoredText) continue;
+    const Ref<CVelumControl> control = aCard.ControlById(values.IntKeyAt(i));
+    // Card lists are cut when they are written.
+    if (control && control->Flag(EConCardList)) continue;
+    return u"the text of its field '%1' has %2 characters, at most %3 can be stored"_s
+        .arg(control ? control->Name() : QString::number(values.IntKeyAt(i)))
+        .arg(size)
+        .arg(EMaxStoredText);
+  }
+  return LongScript(aCard);
+}
+
+// And of the fields of a background.
+QString LongPart(const CVelumControlSet& aBackground) {
+  for (qint32 i = 0; i < aBackground.NumControls(); ++i) {
+    const Ref<CVelumControl> control = aBackground.ControlAt(i);
+    const QString part = control ? LongScript(*control) : QString();
+    if (!part.isEmpty()) return u"field '%1': "_s.arg(control->Name()) + part;
+  }
+  return LongScript(aBackground);
+}
+
+// aPart where it is known, else the reason that writing gave.
+QString PartOr(const QString& aPart, const QString& aReason) {
+  return aPart.isEmpty() ? aReason : aPart;
+}
+
 // Names the part of the stack that cannot be written.
 [[noreturn]] void RefuseCulprit(CVelumStack& aStack) {
   QString reason;
@@ -32,15 +78,17 @@ bool Fits(CVelumStored& aObj, QString& aReason) {
   qint32 at = 0;
   for (bool more = aStack.GetFirstCard(card, at); more; more = aStack.GetNextCard(card, at))
     if (!Fits(*card, reason))
-      CVelumSaveCheck::Refuse(u"Card '%1' holds a text that is too long: %2"_s.arg(card->Name(), reason));
+      CVelumSaveCheck::Refuse(u"Card '%1' holds a text that is too long: %2"_s.arg(
+          card->Name(), PartOr(LongValue(*card), reason)));
   Ref<CVelumControlSet> background;
   for (bool more = aStack.GetFirstBackground(background, at); more;
        more = aStack.GetNextBackground(background, at))
     if (!Fits(*background, reason))
-      CVelumSaveCheck::Refuse(
-          u"Background '%1' holds a text that is too long: %2"_s.arg(background->Name(), reason));
+      CVelumSaveCheck::Refuse(u"Background '%1' holds a text that is too long: %2"_s.arg(
+          background->Name(), PartOr(LongPart(*background), reason)));
   static_cast<void>(Fits(aStack, reason));
-  CVelumSaveCheck::Refuse(u"The stack holds a text that is too long: %1"_s.arg(reason));
+  CVelumSaveCheck::Refuse(
+      u"The stack holds a text that is too long: %1"_s.arg(PartOr(LongScript(aStack), reason)));
 }
 
 void CheckBlob(const CVelumBlob& aBlob) {
@@ -50,7 +98,7 @@ void CheckBlob(const CVelumBlob& aBlob) {
                                 .arg(size)
                                 .arg(EMaxBlock));
   for (const QString* text : {&aBlob.Name(), &aBlob.Filename(), &aBlob.MimeType()})
-    if (text->size() > EMaxText)
+    if (text->size() > EMaxStoredText)
       CVelumSaveCheck::Refuse(u"The description of picture %1 is too long."_s.arg(aBlob.Id()));
 }
 

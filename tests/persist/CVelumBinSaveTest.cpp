@@ -239,6 +239,52 @@ TEST_F(CVelumBinSaveTest, TextThatCouldNotBeReadBackIsRefused) {
   ExpectOnDisk(doc);
 }
 
+// The message leads to the place.
+TEST_F(CVelumBinSaveTest, ARefusalNamesTheFieldOrTheHandler) {
+  const auto reason = [this](const std::function<void(StackMaker&)>& aSpoil) {
+    StackMaker doc = StackMaker::New(2, 100);
+    aSpoil(doc);
+    ExpectFailure(EMsgCouldNotSave, doc, iPath);
+    CVelumMsg::ShowLastError();
+    return iPresenter.LastText().section(u"\r\n"_s, 1);
+  };
+  const auto script = [](CVelumScripted& aObj) {
+    const auto handlers = MakeRef<CVelumArray>(qint32{EArrStrKey}, qint32{EValStr});
+    TVelumElem elem;
+    handlers->InitElem(elem);
+    elem.iStrKey = u"select"_s;
+    elem.iVal = TVelumValue::OfStr(QString(15002, u'0'));
+    handlers->CreateStrKey(elem);
+    aObj.SetScript(handlers);
+  };
+  const auto field = [](StackMaker& aDoc) { return aDoc.Card(1)->Background()->FindControl(aDoc.TextId()); };
+  EXPECT_EQ(reason([&](StackMaker& d) {
+              d.Card(1)->SetControlVal(d.TextId(), TVelumValue::OfStr(QString(16000, u'x')));
+              field(d)->SetName(u"Report"_s);
+            }),
+            u"Card 'Card 1' holds a text that is too long: the text of its field 'Report' has 16000 "
+            u"characters, at most "
+            u"15000 can be stored"_s);
+  EXPECT_EQ(
+      reason([&](StackMaker& d) { d.Card(1)->SetScriptSource(QString(15001, u'x')); }),
+      u"Card 'Card 1' holds a text that is too long: its script has 15001 characters, at most 15000 can be stored"_s);
+  EXPECT_EQ(reason([&](StackMaker& d) { script(*d.Card(1)); }),
+            u"Card 'Card 1' holds a text that is too long: the code of its handler 'select' has 15002 "
+            u"characters, at most "
+            u"15000 can be stored"_s);
+  EXPECT_TRUE(
+      reason([&](StackMaker& d) { script(*field(d)); })
+          .contains(
+              u"holds a text that is too long: field 'Text': the code of its handler 'select' has 15002"_s));
+  EXPECT_TRUE(reason([&](StackMaker& d) {
+                script(*d.Card(1)->Background());
+              }).contains(u"holds a text that is too long: the code of its handler 'select' has 15002"_s));
+  EXPECT_EQ(reason([&](StackMaker& d) { script(*d.iStack); }),
+            u"The stack holds a text that is too long: the code of its handler 'select' has 15002 "
+            u"characters, at most "
+            u"15000 can be stored"_s);
+}
+
 TEST_F(CVelumBinSaveTest, EveryKindOfTextIsChecked) {
   const QString text(15001, u'x');
   const std::pair<const char*, std::function<void(StackMaker&)>> places[] = {
