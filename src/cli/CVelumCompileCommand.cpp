@@ -8,6 +8,7 @@
 
 #include <QFileInfo>
 #include <QJsonObject>
+#include <algorithm>
 
 namespace {
 
@@ -18,7 +19,15 @@ qint32 Coding(const TVelumArgs& aArgs) {
   throw TVelumUsage{u"There is no coding '%1': latin1 or utf8."_s.arg(coding)};
 }
 
-// The source as an editor would hand it over: its lines end at CR LF, and nothing comes behind a final end.
+// Whether the last line has an end.
+bool EndsLine(const QString& aPath) {
+  QFile file(aPath);
+  char last = '\0';
+  return file.open(QIODevice::ReadOnly) && file.size() > 0 && file.seek(file.size() - 1) &&
+         file.getChar(&last) && (last == '\n' || last == '\r');
+}
+
+// The source as an editor would hand it over: its lines end at CR LF.
 QString ReadSource(const QString& aPath, qint32 aCoding) {
   if (!QFileInfo(aPath).isFile()) CVelumError::Throw(EMsgFileNotFound, u"Compile"_s, aPath, {});
   CVelumFile file(aPath, EFilSeqRead);
@@ -28,14 +37,41 @@ QString ReadSource(const QString& aPath, qint32 aCoding) {
   QString line;
   while (file.ReadLine(line)) lines.append(line);
   file.CloseFile();
-  return lines.join(u"\r\n"_s);
+  return lines.join(u"\r\n"_s) + (EndsLine(aPath) ? u"\r\n"_s : QString());
 }
 
-// FILE:LINE:COLUMN, both from 1. The compiler counts in the line without its indentation.
+qsizetype Indent(const QString& aLine) {
+  const auto first = std::find_if(aLine.begin(), aLine.end(), [](QChar aChar) { return aChar != u' '; });
+  return first - aLine.begin();
+}
+
+// FILE:LINE:COLUMN, both from 1; the compiler counts in the line without its indentation. Without a column
+// where it stopped at no sign of that line.
 QString Place(const QString& aPath, const TCompError& aError) {
-  qsizetype indent = 0;
-  while (indent < aError.iLine.size() && aError.iLine.at(indent) == u' ') ++indent;
-  return u"%1:%2:%3: "_s.arg(aPath).arg(aError.iLineIndex + 1).arg(indent + qMax(1, aError.iPos));
+  const QString line = u"%1:%2"_s.arg(aPath).arg(aError.iLineIndex + 1);
+  if (aError.iMsg == 0 || aError.iMsg == EMsgSourceEnd) return line;
+  return u"%1:%2"_s.arg(line).arg(Indent(aError.iLine) + qMax(1, aError.iPos));
+}
+
+// The failure of any kind that stands in the error record.
+QString FailureText(const TCompError& aError) {
+  if (CVelumError::GetErrorCode() == EMsgCompileError)
+    return CVelumMsg::Name(aError.iMsg) + u": "_s +
+           CVelumMsg::Text(aError.iMsg, aError.iParam0, aError.iParam1);
+  const qint32 code = CVelumError::GetErrorCode();
+  return CVelumMsg::Name(code < EMsgAssertFailed ? EMsgSystemError : code) + u": "_s +
+         CVelumMsg::LastErrorText();
+}
+
+void PrintNotes(const QString& aPath, const QString& aSource, const CVelumCompiler& aCompiler,
+                CVelumTerminal& aTerminal) {
+  QStringList lines;
+  CVelumLib::SplitLines(aSource, lines);
+  for (const TCompNote& note : aCompiler.Notes()) {
+    QString place = u"%1:%2"_s.arg(aPath).arg(note.iLineIndex + 1);
+    if (note.iPos > 0) place += u":%1"_s.arg(Indent(lines.value(note.iLineIndex)) + note.iPos);
+    aTerminal.Complain(place + u": note: "_s + note.iText);
+  }
 }
 
 void PrintHandlers(const CVelumArray& aHandlers, bool aJson, CVelumTerminal& aTerminal) {
@@ -58,13 +94,13 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   CVelumArray handlers(EArrStrKey, EValStr);
   try {
     compiler.Compile(source, handlers);
-  } catch (const CVelumException& e) {
-    if (e.Number() != EMsgCompileError) throw;
-    const TCompError& error = compiler.GetError();
-    const QString text = CVelumMsg::Text(error.iMsg, error.iParam0, error.iParam1);
-    aTerminal.Complain(Place(path, error) + CVelumMsg::Name(error.iMsg) + u": "_s + text);
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumCompileCommand.Run"_s);
+    PrintNotes(path, source, compiler, aTerminal);
+    aTerminal.Complain(Place(path, compiler.GetError()) + u": "_s + FailureText(compiler.GetError()));
     return EExitFailed;
   }
+  PrintNotes(path, source, compiler, aTerminal);
   PrintHandlers(handlers, aArgs.iJson, aTerminal);
   return EExitDone;
 }
@@ -77,7 +113,8 @@ const TVelumCommand& CVelumCommands::Compile() {
       {u"FILE"_s},
       u"compile a script and print a line per handler"_s,
       u"A line has the name, a blank and the code in hexadecimal. An error is told as\n"
-      "FILE:LINE:COLUMN: EMsgName: text."_s,
+      "FILE:LINE:COLUMN: EMsgName: text (without a column where there is none), and\n"
+      "what compiles but is hardly meant as FILE:LINE:COLUMN: note: text."_s,
       {{u"coding"_s, u"NAME"_s, u"latin1 (the default: the Windows code page) or utf8"_s}},
       true,
       Run,

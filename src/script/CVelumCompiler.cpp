@@ -5,48 +5,13 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
 #include "script/CVelumByteCode.h"
+#include "script/CVelumKeywords.h"
 
 using namespace CVelumError;
 
 Ref<CVelumCompiler> gCompiler;
 
 namespace {
-
-// Ids of the keywords: their place in the table below.
-enum EKw : qint16 {
-  EKwPut,
-  EKwInto,
-  EKwField,
-  EKwOf,
-  EKwCard,
-  EKwOn,
-  EKwEnd,
-  EKwGo,
-  EKwTo,
-  EKwNext,
-  EKwIf,
-  EKwThen,
-  EKwIs,
-  EKwAnswer,
-  EKwNot,
-  EKwAnd,
-  EKwOr,
-  EKwRepeat,
-  EKwWhile,
-  EKwFor,
-  EKwEach,
-  EKwRandom,
-  EKwExit,
-  EKwElse,
-  EKwNumber,
-  EKwCards,
-  EKwBackground,
-  EKwReturn,
-  EKwTab,
-  EKwThe,
-  EKwDate,
-  EKwSend,
-};
 
 const char16_t* const EKeywords[] = {
     u"Put",    u"Into",   u"Field",      u"Of",     u"Card", u"On",     u"End",  u"Go",
@@ -55,22 +20,16 @@ const char16_t* const EKeywords[] = {
     u"Number", u"Cards",  u"Background", u"Return", u"Tab",  u"The",    u"Date", u"Send",
 };
 
+// Blanks only: tabs are symbols of no rule.
+QString TrimBlanks(const QString& aText) {
+  qsizetype from = 0;
+  qsizetype to = aText.size();
+  while (from < to && aText.at(from) == u' ') ++from;
+  while (to > from && aText.at(to - 1) == u' ') --to;
+  return aText.mid(from, to - from);
+}
+
 } // namespace
-
-// Counts the nesting while it lives.
-class CVelumCompiler::CDepth {
-public:
-  explicit CDepth(int& aDepth) : iDepth(aDepth) {
-    if (iDepth >= EMaxDepth) RaiseHost(EHostOutOfMemory);
-    ++iDepth;
-  }
-  ~CDepth() { --iDepth; }
-  CDepth(const CDepth&) = delete;
-  CDepth& operator=(const CDepth&) = delete;
-
-private:
-  int& iDepth;
-};
 
 CVelumCompiler::CVelumCompiler() : iVarNames(MakeRef<CVelumArray>(EArrStrKey, EValInt)) {
   iScanner.SetStripComments(true);
@@ -93,6 +52,7 @@ void CVelumCompiler::CodeInt(qint16 aInt) {
 void CVelumCompiler::CodeStr() {
   const QByteArray bytes = CVelumLib::ToCodePage(iSymStr);
   if (iSymStr.size() > EMaxStrLen || bytes.size() > EMaxStrLen) RaiseHost(EHostBadCall);
+  NoteCoding(bytes);
   CodeByte(EValStr);
   CodeByte(static_cast<int>(bytes.size()));
   iCode += bytes;
@@ -116,6 +76,7 @@ void CVelumCompiler::CodePatch(qint16 aValue, qint16 aPos) {
 
 void CVelumCompiler::CodeSlot(const QString& aName) {
   const qint16 slot = VarSlot(aName);
+  NoteSlot(aName, slot);
   CodeByte(EOpPushInt);
   CodeInt(slot);
 }
@@ -132,6 +93,9 @@ void CVelumCompiler::ResolveExits(int aMark, qint16 aTarget) {
 // ---- Symbols and lines
 
 void CVelumCompiler::NextSym() {
+  iSymStart = qMax(0, iScanner.LinePos() - 1);
+  while (iSymStart < iTrimmed.size() && iTrimmed.at(iSymStart) == u' ') ++iSymStart;
+  iSymDone = false;
   iScanner.GetSym(iSym, iSymStr, iSymKw);
 }
 
@@ -151,15 +115,6 @@ void CVelumCompiler::AddLineLen() {
   if (iCurLine > 0) iCharPos += static_cast<qint32>(iLines.at(iCurLine - 1).size()) + 2;
 }
 
-// Blanks only: tabs are symbols of no rule.
-static QString TrimBlanks(const QString& aText) {
-  qsizetype from = 0;
-  qsizetype to = aText.size();
-  while (from < to && aText.at(from) == u' ') ++from;
-  while (to > from && aText.at(to - 1) == u' ') --to;
-  return aText.mid(from, to - from);
-}
-
 // Walks on to the next line with a symbol on it. Lines with nothing but a comment get a line mark too.
 bool CVelumCompiler::NextLine() {
   while (iCurLine < iLines.size()) {
@@ -167,6 +122,7 @@ bool CVelumCompiler::NextLine() {
     if (!line.isEmpty()) {
       CodeByte(EOpLine);
       CodeInt(static_cast<qint16>(iCurLine - 1));
+      iTrimmed = line;
       iScanner.SetLine(line);
       NextSym();
       if (iSym != ESymEol) return true;
@@ -177,6 +133,7 @@ bool CVelumCompiler::NextLine() {
 }
 
 void CVelumCompiler::GetNextLine() {
+  NoteRest();
   AddLineLen();
   if (!NextLine()) Error(u"GetNextLine"_s, EMsgSourceEnd, QString(), QString());
 }
@@ -207,24 +164,49 @@ void CVelumCompiler::Error(const QString& aProc, qint32 aMsg, const QString& aPa
   iError.iMsg = aMsg;
   iError.iParam0 = aParam0;
   iError.iParam1 = aParam1;
+  iError.iPos = iScanner.LinePos();
+  Throw(EMsgCompileError, u"CVelumCompiler."_s + aProc, QString(), QString());
+}
+
+// The line in work, for the record of a failure.
+void CVelumCompiler::NoteLine() {
   iError.iLineIndex = qMax(iCurLine - 1, 0);
   iError.iLine = iLines.value(iError.iLineIndex);
   iError.iStart = iCharPos;
   iError.iEnd = iCharPos + static_cast<qint32>(iError.iLine.size());
-  iError.iPos = iScanner.LinePos();
-  Throw(EMsgCompileError, u"CVelumCompiler."_s + aProc, QString(), QString());
+}
+
+QString CVelumCompiler::Place() const {
+  return u"Line %1: "_s.arg(qMax(iCurLine, 1)) + TrimBlanks(iLines.value(iCurLine - 1));
 }
 
 // ---- The grammar
 
 void CVelumCompiler::Compile(const QString& aSource, CVelumArray& aHandlers) {
+  const CVelumError::CPlace place([this] { return Place(); });
+  iError = {};
+  iNotes.clear();
   iLines.clear();
-  CVelumLib::SplitLines(aSource, iLines);
-  if (iLines.size() > EMaxLines) RaiseHost(EHostIndex);
   iCurLine = 0;
+  iCharPos = 0;
   iVarNames->Clear();
   iSlots.clear();
   iDepth = 0;
+  try {
+    CVelumLib::SplitLines(aSource, iLines);
+    NoteSize(u"The source has %1 characters"_s, aSource.size(), 0);
+    CompLines(aHandlers);
+  } catch (...) {
+    NoteLine();
+    throw;
+  }
+}
+
+void CVelumCompiler::CompLines(CVelumArray& aHandlers) {
+  if (iLines.size() > EMaxLines) {
+    iCurLine = EMaxLines + 1;
+    RaiseHost(EHostIndex);
+  }
   while (iCurLine < iLines.size()) CompHandler(aHandlers);
 }
 
@@ -238,11 +220,14 @@ void CVelumCompiler::CompHandler(CVelumArray& aHandlers) {
   NextSym();
   AssertObj(iSym == ESymIdent, this, u"Compile"_s, u"Compile Ident"_s);
   const QString name = iSymStr;
+  const qint32 line = iCurLine - 1;
   NextSym();
   const QString param = iSym == ESymIdent ? iSymStr : QString();
+  iSymDone = iSym == ESymIdent;
   qint16 patch = 0;
   CodeJump(EOpEnter, patch);
   iNumVars = 0;
+  iNamesOfSlots.clear();
   if (!param.isEmpty()) {
     CodeByte(EOpPushParam);
     CodeSlot(param);
@@ -250,6 +235,8 @@ void CVelumCompiler::CompHandler(CVelumArray& aHandlers) {
   }
   GetNextLine();
   CompStatementsUntil(EKwEnd, EKwEnd);
+  iSymDone = true;
+  NoteRest();
   CodeByte(EOpLeave);
   CodeInt(iNumVars);
   CodePatch(iNumVars, patch);
@@ -258,6 +245,7 @@ void CVelumCompiler::CompHandler(CVelumArray& aHandlers) {
   aHandlers.InitElem(elem);
   elem.iStrKey = name;
   elem.iVal = TVelumValue::OfStr(CVelumLib::BytesToHex(iCode, false));
+  NoteSize(u"The code of '"_s + name + u"' takes %1 characters"_s, elem.iVal.Str().size(), line);
   aHandlers.CreateStrKey(elem);
 }
 
@@ -338,6 +326,7 @@ void CVelumCompiler::CompGo() {
   if (IsKw(EKwNext)) {
     NextSym();
     CheckSymIsKw(EKwCard);
+    iSymDone = true;
     CodeByte(EOpGoNextCard);
     return;
   }
@@ -356,6 +345,7 @@ void CVelumCompiler::CompAnswer() {
 void CVelumCompiler::CompEnd(qint16 aKw) {
   NextSym();
   CheckSymIsKw(aKw);
+  iSymDone = true;
 }
 
 // What stands behind Then on its line is dropped with that line.
@@ -363,11 +353,13 @@ void CVelumCompiler::CompIf() {
   NextSym();
   CompExpr();
   CheckSymIsKw(EKwThen);
+  iSymDone = true;
   qint16 patch = 0;
   CodeJump(EOpJumpIfFalse, patch);
   GetNextLine();
   CompStatementsUntil(EKwElse, EKwEnd);
   if (IsKw(EKwElse)) {
+    iSymDone = true;
     const qint16 elsePatch = patch;
     CodeJump(EOpJump, patch);
     CodePatch(CodePos(), elsePatch);
@@ -454,162 +446,4 @@ void CVelumCompiler::CompSend() {
   NextSym();
   CompFieldRef();
   CodeByte(EOpSend);
-}
-
-void CVelumCompiler::CompExpr() {
-  CompSimple();
-  int op = 0;
-  if (iSym == ESymEqual || IsKw(EKwIs)) op = EOpEqual;
-  if (iSym == ESymGreater) op = EOpGreater;
-  if (iSym == ESymGreaterEqual) op = EOpGreaterEqual;
-  if (iSym == ESymLess) op = EOpLess;
-  if (iSym == ESymLessEqual) op = EOpLessEqual;
-  if (iSym == ESymNotEqual) op = EOpNotEqual;
-  if (op == 0) return;
-  NextSym();
-  CompSimple();
-  CodeByte(op);
-}
-
-// A leading sign is skipped and has no effect.
-void CVelumCompiler::CompSimple() {
-  if (iSym == ESymPlus || iSym == ESymMinus) NextSym();
-  CompTerm();
-  for (;;) {
-    int op = 0;
-    if (iSym == ESymPlus) op = EOpAdd;
-    if (iSym == ESymMinus) op = EOpSub;
-    if (IsKw(EKwOr)) op = EOpOr;
-    if (iSym == ESymAmpersand) op = EOpConcat;
-    if (op == 0) return;
-    NextSym();
-    CompTerm();
-    CodeByte(op);
-  }
-}
-
-void CVelumCompiler::CompTerm() {
-  CompFactor();
-  for (;;) {
-    int op = 0;
-    if (iSym == ESymStar) op = EOpMul;
-    if (iSym == ESymSlash) op = EOpDiv;
-    if (IsKw(EKwAnd)) op = EOpAnd;
-    if (op == 0) return;
-    NextSym();
-    CompFactor();
-    CodeByte(op);
-  }
-}
-
-void CVelumCompiler::CompFactor() {
-  const CDepth depth(iDepth);
-  switch (iSym) {
-  case ESymIdent:
-    CodeSlot(iSymStr);
-    CodeByte(EOpPushVarVal);
-    return NextSym();
-  case ESymNumber:
-    return CompNumber();
-  case ESymString:
-    CodeByte(EOpPushStr);
-    CodeStr();
-    return NextSym();
-  case ESymLParen:
-    return CompParens();
-  case ESymKeyword:
-    return CompKeywordFactor();
-  default:
-    Error(u"CompFactor"_s, EMsgBadExpression, iSymStr, QString());
-  }
-}
-
-void CVelumCompiler::CompKeywordFactor() {
-  switch (iSymKw) {
-  case EKwNot:
-    NextSym();
-    CompFactor();
-    return CodeByte(EOpNot);
-  case EKwField:
-    return CompField();
-  case EKwRandom:
-    return CompRandom();
-  case EKwNumber:
-    return CompNumberOfCards();
-  case EKwReturn:
-    CodeByte(EOpPushReturn);
-    return NextSym();
-  case EKwTab:
-    CodeByte(EOpPushTab);
-    return NextSym();
-  case EKwThe:
-    return CompTheDate();
-  default:
-    Error(u"CompFactor"_s, EMsgBadExpression, iSymStr, QString());
-  }
-}
-
-void CVelumCompiler::CompNumber() {
-  bool ok = false;
-  const qint16 num = iSymStr.toShort(&ok);
-  if (!ok) RaiseHost(EHostOverflow);
-  CodeByte(EOpPushInt);
-  CodeInt(num);
-  NextSym();
-}
-
-void CVelumCompiler::CompParens() {
-  NextSym();
-  CompExpr();
-  CheckSymIsSym(ESymRParen);
-  NextSym();
-}
-
-void CVelumCompiler::CompField() {
-  NextSym();
-  CompFieldRef();
-  CodeByte(EOpGetField);
-}
-
-void CVelumCompiler::CompRandom() {
-  NextSym();
-  const qint16 count = iSym == ESymLParen ? CompFunctionCall() : qint16(0);
-  CodeByte(EOpPushInt);
-  CodeInt(count);
-  CodeByte(EOpRandom);
-}
-
-// Arguments up to the closing parenthesis, which stays the current symbol. Returns their number.
-qint16 CVelumCompiler::CompFunctionCall() {
-  qint16 count = 0;
-  do {
-    NextSym();
-    CompExpr();
-    CVelumLib::Inc(count);
-    if (iSym != ESymComma && iSym != ESymRParen)
-      Error(u"CompFunctionCall"_s, EMsgBadParamList, QString(), QString());
-  } while (iSym == ESymComma);
-  return count;
-}
-
-void CVelumCompiler::CompNumberOfCards() {
-  NextSym();
-  CheckSymIsKw(EKwOf);
-  NextSym();
-  CheckSymIsKw(EKwCards);
-  NextSym();
-  if (!IsKw(EKwOf)) return CodeByte(EOpNumCards);
-  NextSym();
-  CheckSymIsKw(EKwBackground);
-  NextSym();
-  CompFactor();
-  CodeByte(EOpValToBackground);
-  CodeByte(EOpNumCardsOfBackground);
-}
-
-void CVelumCompiler::CompTheDate() {
-  NextSym();
-  if (!IsKw(EKwDate)) Error(u"CompFactor"_s, EMsgBadExpression, iSymStr, QString());
-  CodeByte(EOpPushDate);
-  NextSym();
 }

@@ -7,11 +7,12 @@
 #include <QByteArray>
 #include <QHash>
 #include <QList>
+#include <QStringList>
 #include <array>
 
-// Where and why the last compile failed.
+// Where and why the last compile failed. Of a host error or a failed assertion only the line is told.
 struct TCompError {
-  qint32 iMsg = 0; // EMsg...
+  qint32 iMsg = 0; // EMsg..., 0 for other failures
   QString iParam0;
   QString iParam1;
   QString iLine;         // the source line in work, untrimmed
@@ -19,6 +20,13 @@ struct TCompError {
   qint32 iStart = 0;     // its offset in the source, counting two characters per line end
   qint32 iEnd = 0;       // iStart plus the length of iLine
   qint32 iPos = 0;       // position of the scanner in the trimmed line
+};
+
+// Something in a source that compiles, but hardly does what was meant.
+struct TCompNote {
+  qint32 iLineIndex = 0; // from 0
+  qint32 iPos = 0;       // column in the trimmed line, from 1; 0 for the whole line
+  QString iText;
 };
 
 // One-pass recursive descent, line by line: a statement begins on a line of its own, and what stands behind
@@ -36,11 +44,13 @@ public:
   [[nodiscard]] QString ObjDescr() const override { return u"CVelumCompiler"_s; }
   // Fills aHandlers (type 11, flags EArrStrKey) with a name and the code in hexadecimal per handler. The
   // source's lines end at CR LF. A fault in the source throws EMsgCompileError with the place in GetError;
-  // the handlers finished so far stay in aHandlers.
+  // the handlers finished so far stay in aHandlers. Host errors and assertions leave the line there.
   void Compile(const QString& aSource, CVelumArray& aHandlers);
   // The code of the handler in work, or of the last one.
   [[nodiscard]] const QByteArray& Code() const { return iCode; }
   [[nodiscard]] const TCompError& GetError() const { return iError; }
+  // What came up in the last compile, in the order of the source.
+  [[nodiscard]] const QList<TCompNote>& Notes() const { return iNotes; }
 
 private:
   // Nesting of expressions: deeper ones would exhaust the program's own stack (host error 7).
@@ -68,6 +78,14 @@ private:
   void AddLineLen();
   [[nodiscard]] qint16 VarSlot(const QString& aName);
   [[nodiscard]] qint16 FindSlot(const QString& aName);
+  void CompLines(CVelumArray& aHandlers);
+  void NoteLine();
+  [[nodiscard]] QString Place() const;
+  void AddNote(const QString& aText, qint32 aPos);
+  void NoteRest();
+  void NoteSlot(const QString& aName, qint16 aSlot);
+  void NoteCoding(const QByteArray& aBytes);
+  void NoteSize(const QString& aWhat, qsizetype aSize, qint32 aLineIndex);
   [[noreturn]] void Error(const QString& aProc, qint32 aMsg, const QString& aParam0, const QString& aParam1);
 
   // The grammar.
@@ -104,14 +122,19 @@ private:
   qint32 iSym = ESymEol;
   QString iSymStr;
   qint16 iSymKw = 0;
+  qint32 iSymStart = 0;  // where it begins in the trimmed line
+  bool iSymDone = false; // it belongs to the statement, though nothing was read behind it
+  QString iTrimmed;
   QList<QString> iLines;
   qint32 iCurLine = 0;
   Ref<CVelumArray> iVarNames;
-  QHash<QString, qint16> iSlots; // the same, for the spellings met so far
+  QHash<QString, qint16> iSlots;        // the same, for the spellings met so far
+  QHash<qint16, QStringList> iNamesOfSlots; // of the handler in work
   qint16 iNumVars = 0;
   std::array<qint16, EMaxExits> iExits{};
   int iNumExits = 0;
   TCompError iError;
+  QList<TCompNote> iNotes;
   qint32 iCharPos = 0;
   int iDepth = 0;
 };

@@ -313,6 +313,92 @@ TEST_F(CVelumCompilerTest, TellsThePlaceOfAnError) {
   EXPECT_EQ(iHandlers->Count(), 1) << "what was finished";
 }
 
+// Of failures that are no errors of the language, too.
+TEST_F(CVelumCompilerTest, KnowsTheLineOfEveryFailure) {
+  const auto line = [this](const QString& aSource) {
+    EXPECT_NE(Failure(aSource), "nothing failed");
+    EXPECT_EQ(iCompiler.GetError().iMsg, 0);
+    return iCompiler.GetError().iLineIndex;
+  };
+  EXPECT_EQ(line(u"On a\nAnswer 40000\nEnd"_s), 1);
+  EXPECT_EQ(iCompiler.GetError().iLine, u"Answer 40000"_s);
+  EXPECT_EQ(line(u"On a\nx = 1\n\tx = 2\nEnd"_s), 2);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"Line 3: \tx = 2"_s)) << "the question says it as well";
+  EXPECT_EQ(line(u"On a\nEnd\n\nx = 1"_s), 3);
+  EXPECT_EQ(line(u"On a\nAnswer \""_s + QString(256, u'x') + u"\"\nEnd"_s), 1);
+  EXPECT_EQ(line(u"On a\n"_s + QString(32767, u'x') + u"\nEnd"_s), 1);
+  EXPECT_EQ(line(Lines(u"# note"_s, 102)), 101);
+  Code(u"On a\nEnd"_s);
+  EXPECT_EQ(iCompiler.GetError().iLine, QString()) << "nothing failed";
+}
+
+TEST_F(CVelumCompilerTest, NotesWhatIsNotRead) {
+  const auto notes = [this](const char16_t* aStatements) {
+    Code(u"On a\n"_s + QString::fromUtf16(aStatements) + u"\nEnd\n"_s);
+    QList<QString> all;
+    for (const TCompNote& note : iCompiler.Notes())
+      all.append(QString::number(note.iLineIndex) + u':' + QString::number(note.iPos) + u' ' + note.iText);
+    return all;
+  };
+  const auto rest = [](const char16_t* aRest) {
+    return QList<QString>{u"1:"_s + QString::fromUtf16(aRest).section(u' ', 0, 0) +
+                          u" The rest of the line is not read: "_s +
+                          QString::fromUtf16(aRest).section(u' ', 1)};
+  };
+  EXPECT_EQ(notes(u"  x = Field \"Amount\" * 0.19"), rest(u"23 .19"));
+  EXPECT_EQ(notes(u"Answer 1 2"), rest(u"10 2"));
+  EXPECT_EQ(notes(u"Answer 1  2  # note"), rest(u"11 2  # note"));
+  EXPECT_EQ(notes(u"If 1 = 1 Then Answer 1\nEnd If"), rest(u"15 Answer 1"));
+  EXPECT_EQ(notes(u"Go Next Card now"), rest(u"14 now"));
+  EXPECT_EQ(notes(u"x = Random(6) + 1"), rest(u"15 + 1"));
+  EXPECT_EQ(notes(u"If 1 = 1 Then\nElse If 2 = 2 Then\nEnd If now"),
+            (QList<QString>{u"2:6 The rest of the line is not read: If 2 = 2 Then"_s,
+                            u"3:8 The rest of the line is not read: now"_s}));
+  EXPECT_EQ(notes(u"x = -1"), QList<QString>{u"1:5 The sign has no effect: write 0 - ... instead."_s});
+  EXPECT_EQ(notes(u"Answer \"\u65e5\""),
+            QList<QString>{u"1:8 The text holds letters that scripts do not know; they become '?'."_s});
+  for (const char16_t* plain :
+       {u"Answer 1 # note", u"x = (Random(6) + 1", u"x = Random(6)", u"x = Random(6)   # note",
+        u"Go Next Card", u"If 1 = 1 Then # note\nElse # note\nEnd If # note",
+        u"Repeat While 1 = 1\nExit Repeat\nEnd Repeat", u"x = +1", u"Send \"a\" To Field 1 Of Card 2",
+        u"Answer \"\u20ac\"", u"x = Random"})
+    EXPECT_EQ(notes(plain), QList<QString>()) << QString::fromUtf16(plain).toStdString();
+  Code(u"On a p q\nEnd it\n"_s);
+  EXPECT_EQ(iCompiler.Notes().size(), 2);
+  Code(u"On a p # q\nEnd # it\n"_s);
+  EXPECT_EQ(iCompiler.Notes().size(), 0);
+}
+
+TEST_F(CVelumCompilerTest, NotesNamesThatAreOneVariable) {
+  Code(u"On a\nx = 1\ny = 2\nEnd\nOn b\nY = 1\nX = y\nEnd\nOn c\nz = 1\nEnd\n"_s);
+  EXPECT_EQ(iCompiler.Notes().size(), 0);
+  Code(u"On a\nx = 1\nEnd\nOn b\nz = 1\nz = z + x\nEnd\n"_s);
+  ASSERT_EQ(iCompiler.Notes().size(), 1);
+  EXPECT_EQ(iCompiler.Notes().first().iLineIndex, 5);
+  EXPECT_EQ(iCompiler.Notes().first().iPos, 9);
+  EXPECT_EQ(iCompiler.Notes().first().iText, u"'x' is the same variable as 'z' here."_s);
+}
+
+// A line mark, the sum, its slot and the store are 10 bytes more than the handler's own 14.
+TEST_F(CVelumCompilerTest, NotesCodeThatABinaryDocumentCannotHold) {
+  Code(u"On b\nEnd\n\nOn a\nx = 1"_s + QString(u"+1"_s).repeated(1869) + u"\nEnd\n"_s);
+  EXPECT_EQ(Code(u"On b\nEnd\n\nOn a\nx = 1"_s + QString(u"+1"_s).repeated(1869) + u"\nEnd\n"_s).size(),
+            15000);
+  EXPECT_EQ(iCompiler.Notes().size(), 0);
+  EXPECT_EQ(Code(u"On b\nEnd\n\nOn a\nx = 1"_s + QString(u"+1"_s).repeated(1870) + u"\nEnd\n"_s).size(),
+            15008);
+  ASSERT_EQ(iCompiler.Notes().size(), 1);
+  EXPECT_EQ(iCompiler.Notes().first().iLineIndex, 3);
+  EXPECT_EQ(iCompiler.Notes().first().iPos, 0);
+  EXPECT_EQ(iCompiler.Notes().first().iText,
+            u"The code of 'a' takes 15008 characters; a document in the binary form holds at most 15000."_s);
+  Code(u"On a\nEnd\n#"_s + QString(15000 - 12, u'x'));
+  EXPECT_EQ(iCompiler.Notes().size(), 0);
+  Code(u"On a\nEnd\n#"_s + QString(15001 - 12, u'x'));
+  ASSERT_EQ(iCompiler.Notes().size(), 1);
+  EXPECT_TRUE(iCompiler.Notes().first().iText.startsWith(u"The source has 15001 characters"_s));
+}
+
 TEST_F(CVelumCompilerTest, AssertsThatHandlersBegin) {
   EXPECT_EQ(Failure(u"Off a\nEnd"_s), "Compile|Compile On");
   EXPECT_EQ(Failure(u"On a\nEnd\nAnswer 1"_s), "Compile|Compile On");
