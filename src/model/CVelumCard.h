@@ -56,6 +56,8 @@ public:
   // The change hub: blob counts, key indexes, order, name, dependent lists, dates. An undefined value for a
   // field without a value of its own changes nothing.
   void SetControlVal(qint32 aId, const TVelumValue& aVal);
+  // The same for a control that is known to be one of the card's background.
+  void SetControlVal(const CVelumControl& aControl, const TVelumValue& aVal);
 
   void Internalize(CVelumFile& aFile) override;
   void Externalize(CVelumFile& aFile) override;

@@ -48,24 +48,30 @@ TVelumValue CVelumCard::DefaultVal(qint32 aId, bool aWithZero) const {
 }
 
 void CVelumCard::SetControlVal(qint32 aId, const TVelumValue& aVal) {
-  const QString proc = u"SetControlVal"_s;
+  // Values come in hundreds of thousands: nothing is made for a check that holds.
   const Ref<CVelumControlSet> background = Background();
-  CVelumError::AssertObj(static_cast<bool>(background), this, proc, u"Background def"_s);
+  if (!background) CVelumError::AssertObj(false, this, u"SetControlVal"_s, u"Background def"_s);
   const Ref<CVelumControl> control = CVelumChecked::Deref(background).FindControl(aId);
-  CVelumError::AssertObj(static_cast<bool>(control), this, proc, u"Control found"_s);
-  const qint32 conType = CVelumChecked::Deref(control).ConType();
-  if (aVal.Type() != EValUndef)
-    CVelumError::AssertObj(aVal.Type() == CVelumValue::ConToValType(conType), this, proc, u"type"_s);
+  if (!control) CVelumError::AssertObj(false, this, u"SetControlVal"_s, u"Control found"_s);
+  SetControlVal(CVelumChecked::Deref(control), aVal);
+}
 
-  if (control->DynFlag(EDynKeyPart)) iStack->StoreKeys(*this, aId);
-  if (!StoreVal(aId, aVal)) return;
-  iStack->iCardFinder.Note(*this, aId);
-  if (control->DynFlag(EDynRefControl)) SetDirty(true);
-  if (control->DynFlag(EDynSelControl)) iStack->SetCardListsDirty(nullptr);
-  if (control->DynFlag(EDynListCol)) iStack->SetCardListsDirty(nullptr);
-  if (control->DynFlag(EDynKeyPart)) iStack->ReplaceKeys(*this, aId, *background);
-  if (control->Flag(EConCardName))
-    iStack->TakeName(*this, CVelumValue::ValToExtText(aVal, control->FieldInfo()));
+void CVelumCard::SetControlVal(const CVelumControl& aControl, const TVelumValue& aVal) {
+  if (!iStack) CVelumError::AssertObj(false, this, u"SetControlVal"_s, u"Background def"_s);
+  static_cast<void>(CVelumChecked::Deref(iStack));
+  const qint32 id = aControl.Id();
+  if (aVal.Type() != EValUndef && aVal.Type() != CVelumValue::ConToValType(aControl.ConType()))
+    CVelumError::AssertObj(false, this, u"SetControlVal"_s, u"type"_s);
+
+  if (aControl.DynFlag(EDynKeyPart)) iStack->StoreKeys(*this, id);
+  if (!StoreVal(id, aVal)) return;
+  iStack->iCardFinder.Note(*this, id);
+  if (aControl.DynFlag(EDynRefControl)) SetDirty(true);
+  if (aControl.DynFlag(EDynSelControl)) iStack->SetCardListsDirty(nullptr);
+  if (aControl.DynFlag(EDynListCol)) iStack->SetCardListsDirty(nullptr);
+  if (aControl.DynFlag(EDynKeyPart)) iStack->ReplaceKeys(*this, id, *Background());
+  if (aControl.Flag(EConCardName))
+    iStack->TakeName(*this, CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
   Touch();
 }
 
@@ -73,9 +79,9 @@ void CVelumCard::SetControlVal(qint32 aId, const TVelumValue& aVal) {
 bool CVelumCard::StoreVal(qint32 aId, const TVelumValue& aVal) {
   const qint32 index = iValue.FindIntKey(aId);
   if (index < 0 && aVal.Type() == EValUndef) return false;
-  TVelumElem elem;
-  iValue.InitElem(elem);
   if (index < 0) {
+    TVelumElem elem;
+    iValue.InitElem(elem);
     elem.iIntKey = aId;
     elem.iVal = aVal;
     CountBlob(aVal, true);
