@@ -1,6 +1,7 @@
 #include "script/CVelumVar.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumDecimal.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
@@ -32,8 +33,14 @@ QString GeneralDate(double aDateTime) {
   return CVelumLocale::ShortDate(date) + u' ' + CVelumLocale::LongTime(time);
 }
 
+// What a sum of decimal fractions is off by lies behind these digits.
+constexpr int EShownDigits = 15;
+
 QString GeneralReal(double aReal) {
-  return CVelumValue::ShortestReal(aReal).replace(u'.', CVelumLocale::Locale().decimalPoint());
+  if (!std::isfinite(aReal)) return CVelumDecimal::TextOf(aReal);
+  CVelumDecimal decimal(aReal);
+  decimal.RoundTo(EShownDigits - decimal.Point());
+  return decimal.ToText().replace(u'.', CVelumLocale::Locale().decimalPoint());
 }
 
 void CheckByte(const QByteArray& aCode, qint32 aIp, const CVelumObject* aObj, const QString& aProc) {
@@ -198,6 +205,10 @@ void CVelumVar::AppendStr(const QString& aStr) {
   if (iType != EValStr) return;
   if (iValue.Str().size() + aStr.size() > EMaxTextLen) RaiseHost(EHostOutOfMemory);
   iValue.AppendStr(aStr);
+}
+
+Ref<CVelumVar> CVelumVar::MoveStr() {
+  return MakeRef<CVelumVar>(std::exchange(iValue, TVelumValue::OfStr(QString())));
 }
 
 QString CVelumVar::ToStr() const {

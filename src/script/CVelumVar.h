@@ -52,6 +52,9 @@ public:
   void Assign(const CVelumVar& aVar);
   // Appends to the text in place when nobody else holds it. For String cells.
   void AppendStr(const QString& aStr);
+  // A new cell with the text of this one, which is left with the empty text. For String cells.
+  [[nodiscard]] Ref<CVelumVar> MoveStr();
+  // As a user reads it, in the locale; a Float with at most 15 digits that count, whatever else it holds.
   [[nodiscard]] QString ToStr() const;
   [[nodiscard]] qint32 ToInt() const;
   [[nodiscard]] double ToReal() const;

@@ -244,6 +244,26 @@ TEST_F(CVelumVarTest, GivesText) {
   EXPECT_EQ(HostError([] { static_cast<void>(CVelumVar(EValCard).ToStr()); }), EHostObjectNotSet);
 }
 
+TEST_F(CVelumVarTest, ShowsFifteenDigits) {
+  EXPECT_EQ(Real(0.1 + 0.2 + 0.3 + 4.35).ToStr(), u"4.95"_s);
+  EXPECT_EQ(Real(4.35 * 19 / 100).ToStr(), u"0.8265"_s);
+  EXPECT_EQ(Real(-1.0 / 3).ToStr(), u"-0.333333333333333"_s);
+  EXPECT_EQ(Real(2.0 / 3).ToStr(), u"0.666666666666667"_s);
+  EXPECT_EQ(Real(123456789012345.0).ToStr(), u"123456789012345"_s);
+  EXPECT_EQ(Real(999999999999999.9).ToStr(), u"1E+15"_s);
+  EXPECT_EQ(Real(1234567890123456789.0).ToStr(), u"1.23456789012346E+18"_s);
+  EXPECT_EQ(Real(0.1 + 0.2).ToReal(), 0.1 + 0.2) << "the value keeps all";
+}
+
+TEST_F(CVelumVarTest, HandsItsTextOver) {
+  CVelumVar var = Str(u"text"_s);
+  const Ref<CVelumVar> other = var.MoveStr();
+  EXPECT_EQ(other->StrVal(), u"text"_s);
+  EXPECT_EQ(other->ValType(), EValStr);
+  EXPECT_EQ(var.StrVal(), QString());
+  EXPECT_EQ(var.ValType(), EValStr);
+}
+
 TEST_F(CVelumVarTest, GivesDatesAndTimesInTheirGeneralForm) {
   const double day = CVelumValue::IntToDate(20200131);
   EXPECT_EQ(Date(day).ToStr(), u"1/31/2020"_s);
