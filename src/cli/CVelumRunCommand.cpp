@@ -36,6 +36,16 @@ Ref<CVelumControl> TargetField(const TVelumArgs& aArgs, const CVelumCard& aCard)
   return control;
 }
 
+// The failure in the error record, and where in which script it was.
+void ShowFailure(const TRunError& aError, CVelumTerminal& aTerminal) {
+  if (CVelumError::GetErrorCode() == EMsgRunError)
+    CVelumMsg::Show(aError.iMsg, EMsgCritical, aError.iParam0, aError.iParam1);
+  else
+    CVelumMsg::ShowLastError();
+  const QString place = CVelumRunError::Place(aError);
+  if (!place.isEmpty()) aTerminal.Complain(place);
+}
+
 int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   const qint64 limit = Limit(aArgs);
   if (aArgs.Has(u"save"_s)) CVelumCliFiles::CheckFolder(aArgs.Value(u"save"_s));
@@ -50,11 +60,9 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   Ref<CVelumScripted> owner;
   try {
     owner = host.Send(card, TargetField(aArgs, *card), message);
-  } catch (const CVelumException& e) {
-    if (e.Number() != EMsgRunError) throw;
-    const TRunError& error = interpreter->GetError();
-    CVelumMsg::Show(error.iMsg, EMsgCritical, error.iParam0, error.iParam1);
-    aTerminal.Complain(CVelumRunError::Place(error));
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumRunCommand.Run"_s);
+    ShowFailure(interpreter->GetError(), aTerminal);
     return EExitFailed;
   }
   if (!owner) {

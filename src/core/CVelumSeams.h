@@ -21,6 +21,11 @@ public:
     static_cast<void>(aChoices);
     return -1;
   }
+  // The same for what a running script answers; true when the user wants the script to stop.
+  [[nodiscard]] virtual bool Answer(const QString& aText) {
+    Tell(aText);
+    return false;
+  }
   // Opens a page of the help by its name (without ending).
   virtual void HelpPage(const QString& aPage) = 0;
   // Progress of a running script: a count of steps; 0 means none runs.

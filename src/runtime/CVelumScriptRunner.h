@@ -20,7 +20,7 @@ public:
   virtual void Break() = 0;
   // To be called when a script has failed.
   virtual void Reset() = 0;
-  // What it failed with, when that was EMsgRunError.
+  // Where the last one failed, and with what when that was EMsgRunError; without an owner when none did.
   [[nodiscard]] virtual TRunError RunError() const { return {}; }
 };
 

@@ -20,7 +20,7 @@ const QString gSelect = u"select:"_s;
 // The longest text that a document can hold.
 constexpr qsizetype EMaxText = 15000;
 
-// Until there is an editor to mark the line in, the message names owner and line.
+// Until there is an editor to mark the line in, the message names owner, line and its text.
 void ShowRunError(const TRunError& aError) {
   const QString text = CVelumMsg::Text(aError.iMsg, aError.iParam0, aError.iParam1);
   CVelumSeams::Presenter().Message(aError.iMsg, EMsgCritical, CVelumMsg::Name(aError.iMsg),
@@ -293,7 +293,7 @@ void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& a
     if (inScript)
       ShowRunError(error);
     else
-      CVelumMsg::ShowLastError();
+      CVelumMsg::ShowLastError(CVelumRunError::Place(error));
   }
 }
 

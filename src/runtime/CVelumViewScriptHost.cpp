@@ -54,13 +54,13 @@ void CVelumViewScriptHost::GoToNextCard() {
   static_cast<void>(View().OrderNext(card));
 }
 
-void CVelumViewScriptHost::SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId,
+void CVelumViewScriptHost::SetCardValue(const Ref<CVelumCard>& aCard, CVelumControl& aControl,
                                         const TVelumValue& aVal) {
-  View().SetCardValue(aCard, aControlId, aVal);
+  View().SetCardValue(aCard, aControl.Id(), aVal);
 }
 
 void CVelumViewScriptHost::Answer(const QString& aText) {
-  CVelumSeams::Presenter().Tell(aText);
+  if (CVelumSeams::Presenter().Answer(aText)) gInterpreter->Break();
 }
 
 void CVelumViewScriptHost::ShowProgress(int aPercent) {

@@ -18,7 +18,7 @@ public:
   [[nodiscard]] Ref<CVelumCard> CurCard() override;
   void GoToCard(const Ref<CVelumCard>& aCard) override;
   void GoToNextCard() override;
-  void SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId, const TVelumValue& aVal) override;
+  void SetCardValue(const Ref<CVelumCard>& aCard, CVelumControl& aControl, const TVelumValue& aVal) override;
   void Answer(const QString& aText) override;
   // On the card window's bar, and in the main window.
   void ShowProgress(int aPercent) override;

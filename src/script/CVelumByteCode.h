@@ -53,6 +53,9 @@ enum EOp : quint8 {
   EOpSend = 47,
 };
 
+// Bytes ahead of the first instruction.
+constexpr qint32 EGenerationLen = 2;
+
 // Whether a byte is one of the operators with two operands.
 [[nodiscard]] constexpr bool IsBinaryOp(int aOp) {
   return aOp == EOpEqual || (aOp >= EOpMul && aOp <= EOpNotEqual && aOp != EOpNegate) || aOp == EOpConcat;

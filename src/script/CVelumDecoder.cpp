@@ -2,6 +2,7 @@
 
 #include "core/CVelumConst.h"
 #include "core/CVelumLib.h"
+#include "script/CVelumCodeScan.h"
 
 namespace {
 
@@ -46,7 +47,8 @@ constexpr int EMaxMarks = 100;
 
 CVelumDecodedCode::CVelumDecodedCode(const QString& aHex)
     : iBytes(CVelumLib::HexToBytes(aHex)), iHexLen(static_cast<qint32>(aHex.size())),
-      iInstrs(static_cast<size_t>(iBytes.size())) {}
+      iNumSlots(CVelumCodeScan::NumSlots(iBytes)),
+      iInstrs(static_cast<size_t>(qMin<qsizetype>(iBytes.size(), EMostDecoded))) {}
 
 int CVelumDecodedCode::ByteAt(qint32 aPos) const {
   return aPos < iBytes.size() ? static_cast<quint8>(iBytes.at(aPos)) : -1;
@@ -74,7 +76,8 @@ bool CVelumDecodedCode::ReadText(qint32& aPos, QString& aText) const {
   return true;
 }
 
-bool CVelumDecodedCode::ReadField(qint32& aPos, TOperand& aOperand) {
+// aEnd: what is done with the field, EOpGetField or EOpPutField.
+bool CVelumDecodedCode::ReadField(qint32& aPos, quint8 aEnd, TOperand& aOperand) {
   qint32 pos = aPos;
   TFieldOperand field;
   quint8 count = 4;
@@ -94,22 +97,29 @@ bool CVelumDecodedCode::ReadField(qint32& aPos, TOperand& aOperand) {
     pos += ENumLen;
   }
   field.iNum = num - 1;
-  if (ByteAt(pos) != EOpValToControl || ByteAt(pos + 1) != EOpGetField || iFields.size() > EMaxKept)
-    return false;
+  if (ByteAt(pos) != EOpValToControl || ByteAt(pos + 1) != aEnd || iFields.size() > EMaxKept) return false;
   aPos = pos + 2;
   aOperand = {TOperand::EField, count, static_cast<qint16>(iFields.size())};
   iFields.push_back(field);
   return true;
 }
 
-bool CVelumDecodedCode::ReadOperand(qint32& aPos, TOperand& aOperand) {
-  if (ReadField(aPos, aOperand)) return true;
+bool CVelumDecodedCode::ReadTextOperand(qint32& aPos, TOperand& aOperand) {
+  if (iTexts.size() > EMaxKept) return false;
   QString text;
-  if (iTexts.size() <= EMaxKept && ReadText(aPos, text)) {
-    aOperand = {TOperand::EText, 1, static_cast<qint16>(iTexts.size())};
-    iTexts.push_back(text);
-    return true;
+  if (!ReadText(aPos, text)) {
+    const int op = ByteAt(aPos);
+    if (op != EOpPushReturn && op != EOpPushTab) return false;
+    text = op == EOpPushReturn ? u"\r\n"_s : u"\t"_s;
+    ++aPos;
   }
+  aOperand = {TOperand::EText, 1, static_cast<qint16>(iTexts.size())};
+  iTexts.push_back(text);
+  return true;
+}
+
+bool CVelumDecodedCode::ReadOperand(qint32& aPos, TOperand& aOperand) {
+  if (ReadField(aPos, EOpGetField, aOperand) || ReadTextOperand(aPos, aOperand)) return true;
   qint16 num = 0;
   if (!ReadNum(aPos, EOpPushInt, num)) return false;
   aPos += ENumLen;
@@ -156,6 +166,16 @@ bool CVelumDecodedCode::DecodeJump(qint32 aPos, TInstr& aInstr) const {
   return true;
 }
 
+bool CVelumDecodedCode::DecodePut(qint32 aPos, TInstr& aInstr) {
+  qint32 pos = aPos;
+  if (!ReadField(pos, EOpPutField, aInstr.iLeft)) return false;
+  aInstr.iKind = EFusedPut;
+  aInstr.iArg = aInstr.iLeft.iNum;
+  aInstr.iCount = aInstr.iLeft.iCount;
+  aInstr.iNext = pos;
+  return true;
+}
+
 // Two operands and a binary operator, or what can be made of one operand alone.
 bool CVelumDecodedCode::DecodeOperands(qint32 aPos, TInstr& aInstr) {
   qint32 pos = aPos;
@@ -167,16 +187,28 @@ bool CVelumDecodedCode::DecodeOperands(qint32 aPos, TInstr& aInstr) {
   }
   aInstr.iCount = aInstr.iLeft.iCount;
   aInstr.iNext = behindLeft;
-  if (ReadSlotStore(behindLeft, aInstr.iArg)) {
+  DecodeOperand(behindLeft, aInstr);
+  return aInstr.iKind != EFusedNone;
+}
+
+// One operand, behind which the code goes on at aPos.
+void CVelumDecodedCode::DecodeOperand(qint32 aPos, TInstr& aInstr) const {
+  if (ReadSlotStore(aPos, aInstr.iArg)) {
     aInstr.iKind = EFusedStoreOperand;
     aInstr.iCount = static_cast<quint8>(aInstr.iCount + 2);
-    aInstr.iNext = behindLeft + ENumLen + 1;
-    return true;
+    aInstr.iNext = aPos + ENumLen + 1;
+    return;
+  }
+  if (IsBinaryOp(ByteAt(aPos))) {
+    aInstr.iKind = EFusedTopBin;
+    aInstr.iOp = static_cast<quint8>(ByteAt(aPos));
+    aInstr.iCount = static_cast<quint8>(aInstr.iCount + 1);
+    aInstr.iNext = aPos + 1;
+    return;
   }
   static constexpr EFused kinds[] = {EFusedNone, EFusedPushVar, EFusedPushStr, EFusedPushField};
   aInstr.iKind = kinds[aInstr.iLeft.iKind];
   aInstr.iArg = aInstr.iLeft.iNum;
-  return aInstr.iKind != EFusedNone;
 }
 
 // The operator at aPos, and what takes its result.
@@ -200,11 +232,19 @@ void CVelumDecodedCode::DecodeBinary(qint32 aPos, TInstr& aInstr) const {
 
 bool CVelumDecodedCode::DecodeAny(qint32 aPos, TInstr& aInstr) {
   TInstr fused;
-  if (!DecodeStore(aPos, fused) && !DecodeOperands(aPos, fused) && !DecodeJump(aPos, fused) &&
-      !DecodeWalk(aPos, fused))
+  if (!DecodeStore(aPos, fused) && !DecodePut(aPos, fused) && !DecodeOperands(aPos, fused) &&
+      !DecodeJump(aPos, fused) && !DecodeWalk(aPos, fused))
     return false;
   aInstr = fused;
   return true;
+}
+
+// aPos is where the instruction begins behind its line marks.
+void CVelumDecodedCode::MarkAppend(qint32 aPos, TInstr& aInstr) const {
+  if (aInstr.iKind == EFusedBinPush && aInstr.iOp == EOpConcat)
+    aInstr.iEndsIn = CVelumCodeScan::AppendsTo(iBytes, aInstr.iNext);
+  else if (aInstr.iKind == EFusedNone && ByteAt(aPos) == EOpConcat)
+    aInstr.iEndsIn = CVelumCodeScan::AppendsTo(iBytes, aPos + 1);
 }
 
 void CVelumDecodedCode::MarkHot(TInstr& aInstr) {
@@ -215,6 +255,53 @@ void CVelumDecodedCode::MarkHot(TInstr& aInstr) {
   if (aInstr.iKind != EFusedCmpJump) return;
   aInstr.iHolds = HoldsOf(aInstr.iOp);
   if (operands) aInstr.iHot = EHotCompare;
+}
+
+// The next number or operator of an expression, and how many numbers wait then.
+bool CVelumDecodedCode::ReadStep(qint32& aPos, int& aDepth, TExpr& aExpr) {
+  if (aExpr.iNumSteps >= TExpr::EMaxSteps) return false;
+  TExpr::TStep& step = aExpr.iSteps[aExpr.iNumSteps++];
+  const int op = ByteAt(aPos);
+  if (aDepth >= 2 && (op == EOpAdd || op == EOpSub || op == EOpMul || op == EOpDiv)) {
+    step.iOp = static_cast<quint8>(op);
+    ++aExpr.iCount;
+    ++aPos;
+    --aDepth;
+    return true;
+  }
+  if (aDepth >= TExpr::EMaxDepth || !ReadOperand(aPos, step.iOperand)) return false;
+  aExpr.iCount = static_cast<quint8>(aExpr.iCount + step.iOperand.iCount);
+  aExpr.iDepth = qMax(aExpr.iDepth, static_cast<quint8>(++aDepth));
+  return step.iOperand.iKind != TOperand::EText;
+}
+
+// Of one operator there is another fused instruction.
+bool CVelumDecodedCode::ReadExpr(qint32 aPos, TExpr& aExpr) {
+  constexpr int leastSteps = 5;
+  qint32 pos = aPos;
+  for (int depth = 0; depth != 1 || !ReadSlotStore(pos, aExpr.iSlot);)
+    if (!ReadStep(pos, depth, aExpr)) return false;
+  aExpr.iCount = static_cast<quint8>(aExpr.iCount + 2);
+  aExpr.iNext = pos + ENumLen + 1;
+  return aExpr.iNumSteps >= leastSteps;
+}
+
+// Whether an expression begins at aPos; where it cannot be done as a whole, the instruction runs as it is.
+void CVelumDecodedCode::DecodeExpr(qint32 aPos, TInstr& aInstr) {
+  const bool mayBegin = ByteAt(aPos) == EOpPushInt || ByteAt(aPos) == EOpPushCurCard;
+  if (!mayBegin || aInstr.iKind == EFusedBinStore || aInstr.iKind == EFusedCmpJump ||
+      iExprs.size() > EMaxKept)
+    return;
+  const size_t numTexts = iTexts.size();
+  const size_t numFields = iFields.size();
+  TExpr expr;
+  if (ReadExpr(aPos, expr)) {
+    aInstr.iExpr = static_cast<qint16>(iExprs.size());
+    iExprs.push_back(expr);
+    return;
+  }
+  iTexts.resize(numTexts);
+  iFields.resize(numFields);
 }
 
 // Line marks ahead of an instruction join it; of several the last one counts.
@@ -234,5 +321,11 @@ void CVelumDecodedCode::Decode(qint32 aPos, TInstr& aInstr) {
     aInstr.iKind = EFusedNone;
   }
   aInstr.iLine = line;
+  DecodeExpr(pos, aInstr);
+  if (aInstr.iExpr >= 0) {
+    quint8& count = iExprs.back().iCount;
+    count = static_cast<quint8>(count + marks);
+  }
+  MarkAppend(pos, aInstr);
   MarkHot(aInstr);
 }

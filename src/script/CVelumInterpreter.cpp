@@ -22,8 +22,6 @@ constexpr qint64 ENearLimit = 2 * EClockSteps;
 // The progress bar moves on every 100 instructions, but is drawn at most this often (milliseconds).
 constexpr int EProgressSteps = 100;
 constexpr qint64 EProgressMs = 50;
-// Handlers that stay decoded.
-constexpr qsizetype EMaxDecoded = 200;
 // iFrame of a handler that has not entered its frame: any slot is out of bounds.
 constexpr qint32 ENoFrame = ENoShort;
 
@@ -39,6 +37,18 @@ public:
 
 private:
   int& iLoops;
+};
+
+// Takes the progress away when a script is over, however it ends.
+class CVelumInterpreter::CShown {
+public:
+  explicit CShown(CVelumInterpreter& aOwner) : iOwner(aOwner) {}
+  ~CShown() { iOwner.HideProgress(); }
+  CShown(const CShown&) = delete;
+  CShown& operator=(const CShown&) = delete;
+
+private:
+  CVelumInterpreter& iOwner;
 };
 
 CVelumInterpreter::CVelumInterpreter() {
@@ -90,6 +100,7 @@ QString CVelumInterpreter::Code() const {
 Ref<CVelumScripted> CVelumInterpreter::LocateAndExecScript(const Ref<CVelumCard>& aCard,
                                                            const Ref<CVelumControl>& aControl,
                                                            const QString& aMsg) {
+  if (!iRunning) iError = {};
   if (aControl && TryScript(aControl, aMsg)) return aControl;
   if (!aCard) return nullptr;
   // A script may delete the card, or let go of the stack.
@@ -114,8 +125,16 @@ bool CVelumInterpreter::TryScript(const Ref<CVelumScripted>& aObj, const QString
 Ref<CVelumDecodedCode> CVelumInterpreter::Decoded(const QString& aHex) {
   const auto known = iDecoded.constFind(aHex);
   if (known != iDecoded.constEnd()) return *known;
-  if (iDecoded.size() >= EMaxDecoded) iDecoded.clear();
-  return *iDecoded.insert(aHex, MakeRef<CVelumDecodedCode>(aHex));
+  const auto code = MakeRef<CVelumDecodedCode>(aHex);
+  const qsizetype size = code->Bytes().size();
+  if (size > EMaxDecodedBytes) return code;
+  if (iDecodedBytes + size > EMaxDecodedBytes) {
+    iDecoded.clear();
+    iDecodedBytes = 0;
+  }
+  iDecodedBytes += size;
+  iDecoded.insert(aHex, code);
+  return code;
 }
 
 void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& aCode) {
@@ -126,20 +145,48 @@ void CVelumInterpreter::Execute(const Ref<CVelumScripted>& aObj, const QString& 
     iPendingCard = card;
     return;
   }
+  RunFirst(aObj, aCode, card);
+  if (iLoops == 0) RunDeferred();
+}
+
+void CVelumInterpreter::RunFirst(const Ref<CVelumScripted>& aObj, const QString& aCode,
+                                 const Ref<CVelumCard>& aCard) {
   // A check that fails at each turn of a loop is asked about once.
   const CVelumError::CCommand command;
+  const CVelumError::CPlace place([this] { return Place(); });
+  const CLoop loop(iLoops);
+  const CShown shown(*this);
   iTaken = 0;
   iBudget = 0;
   iGranted = 0;
   iClock.start();
   iNextPump = EPumpMs;
   iNextProgress = EProgressMs;
-  {
-    const CLoop loop(iLoops);
-    StartCode(aObj, Decoded(aCode), card);
+  try {
+    StartCode(aObj, Decoded(aCode), aCard);
     Run();
+  } catch (...) {
+    iError.iObj = iObj;
+    iError.iLine = iLine;
+    throw;
   }
-  if (iLoops == 0) RunDeferred();
+}
+
+// The bar must not be what hides a failure.
+void CVelumInterpreter::HideProgress() {
+  try {
+    if (iHost) iHost->ShowProgress(100);
+  } catch (...) {
+    CVelumError::CatchError(u"CVelumInterpreter.HideProgress"_s);
+  }
+}
+
+QString CVelumInterpreter::Place() const {
+  if (!iRunning || iInEvents) return {};
+  TRunError error;
+  error.iObj = iObj;
+  error.iLine = iLine;
+  return CVelumRunError::Place(error);
 }
 
 void CVelumInterpreter::StartCode(const Ref<CVelumScripted>& aObj, const Ref<CVelumDecodedCode>& aCode,
@@ -178,6 +225,7 @@ void CVelumInterpreter::PopFrame() {
 // What came in while events ran: a break, or another handler. False when the script is over.
 bool CVelumInterpreter::Attend() {
   if (iBreak) {
+    HideProgress();
     CVelumSeams::Presenter().Tell(u"Script breaked"_s);
     ResetState();
     return false;
@@ -204,15 +252,17 @@ void CVelumInterpreter::Tick() {
     iHost->ShowProgress(static_cast<int>(iTaken / EProgressSteps % 100));
   }
   if (!iPumpAlways && now < iNextPump) return;
-  ++iStamp;
-  CVelumSeams::EventPump().Pump();
+  {
+    const CEvents events(*this);
+    CVelumSeams::EventPump().Pump();
+  }
   iNextPump = iClock.elapsed() + EPumpMs;
 }
 
-void CVelumInterpreter::PumpSoon() {
-  ++iStamp;
-  iGranted -= iBudget;
-  iBudget = 0;
+void CVelumInterpreter::PumpWithin(int aSteps) {
+  if (iBudget <= aSteps) return;
+  iGranted -= iBudget - aSteps;
+  iBudget = aSteps;
 }
 
 void CVelumInterpreter::Run() {
@@ -226,7 +276,6 @@ void CVelumInterpreter::Run() {
     if (!Dispatch(CodeByte())) break;
   }
   ResetState();
-  iHost->ShowProgress(100);
 }
 
 // ---- Code and stack
@@ -246,14 +295,14 @@ qint16 CVelumInterpreter::CodeInt() {
 
 void CVelumInterpreter::Push(TVarRef aVar) {
   const CVelumVar& var = CVelumChecked::Deref(aVar);
-  AssertObj(var.GetValue().Type() != EValUndef, this, u"Push"_s, u"Push undef"_s);
-  AssertObj(var.ValType() != EValUndef, this, u"Push"_s, u"Push undef"_s);
+  if (var.GetValue().Type() == EValUndef) AssertObj(false, this, u"Push"_s, u"Push undef"_s);
+  if (var.ValType() == EValUndef) AssertObj(false, this, u"Push"_s, u"Push undef"_s);
   iStack[static_cast<size_t>(CVelumChecked::Index(iSp, EStackSize))] = std::move(aVar);
   ++iSp;
 }
 
 CVelumInterpreter::TVarRef CVelumInterpreter::Pop() {
-  AssertObj(iSp >= 1, this, u"Pop"_s, u"Pop sp"_s);
+  if (iSp < 1) AssertObj(false, this, u"Pop"_s, u"Pop sp"_s);
   const qint32 top = CVelumChecked::Index(iSp - 1, EStackSize);
   iSp = top;
   return std::exchange(iStack[static_cast<size_t>(top)], nullptr);

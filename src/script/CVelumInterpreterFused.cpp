@@ -4,13 +4,21 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumValue.h"
-#include "model/CVelumModel.h"
+
+#include <cstdlib>
 
 namespace {
 
-// Field types whose values a script can take.
-bool HasPlainValue(int aConType) {
-  return (aConType >= EConText && aConType <= EConBoolean) || aConType == EConList;
+// The real quotient rounded to nearest, a half to even; false where that is no number that fits.
+bool Quotient(qint32 aLeft, qint32 aRight, qint32& aResult) {
+  if (aRight == 0 || aRight == -1) return false;
+  const qint32 whole = aLeft / aRight;
+  const qint64 rest = 2 * std::abs(qint64{aLeft % aRight});
+  const qint64 unit = std::abs(qint64{aRight});
+  const bool away = rest > unit || (rest == unit && whole % 2 != 0);
+  const int sign = (aLeft < 0) == (aRight < 0) ? 1 : -1;
+  aResult = away ? whole + sign : whole;
+  return true;
 }
 
 // What a walk keeps on the stack: the number of its slot, a number or a background, its position.
@@ -70,8 +78,56 @@ inline bool CVelumInterpreter::ExecHot(const TInstr& aInstr, const TFrameVars& a
   return true;
 }
 
+// The result of an operator on two numbers, if it is a number that fits.
+inline bool CVelumInterpreter::IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
+  switch (aOp) {
+  case EOpAdd:
+    return !__builtin_add_overflow(aLeft, aRight, &aResult);
+  case EOpSub:
+    return !__builtin_sub_overflow(aLeft, aRight, &aResult);
+  case EOpMul:
+    return !__builtin_mul_overflow(aLeft, aRight, &aResult);
+  case EOpDiv:
+    return Quotient(aLeft, aRight, aResult);
+  case EOpRandom:
+    if (aLeft < 1 || aRight != 1) return false;
+    aResult = RandomUpTo(aLeft);
+    return true;
+  default:
+    return false;
+  }
+}
+
+// A whole expression of numbers that fit, for a variable that holds one. Nothing is changed before all is
+// known.
+bool CVelumInterpreter::RunExpr(const TExpr& aExpr) {
+  CVelumVar* target = SlotFast(aExpr.iSlot);
+  if (!target || target->ValType() != EValInt || iSp < 0 || iSp + aExpr.iDepth + EFusedRoom > EStackSize ||
+      (iNearLimit && aExpr.iCount > iBudget))
+    return false;
+  std::array<qint32, TExpr::EMaxDepth> nums{};
+  size_t depth = 0;
+  for (int i = 0; i < aExpr.iNumSteps; ++i) {
+    const TExpr::TStep& step = aExpr.iSteps[static_cast<size_t>(i)];
+    if (step.iOp == 0) {
+      if (!OperandInt(step.iOperand, nums[depth++])) return false;
+    } else {
+      --depth;
+      if (!IntResult(step.iOp, nums[depth - 1], nums[depth], nums[depth - 1])) return false;
+    }
+  }
+  target->ReplaceInt(nums[0]);
+  iIp = aExpr.iNext;
+  iBudget -= aExpr.iCount;
+  return true;
+}
+
 // A fused instruction that is not hot. False, and nothing changed, when the single ones have to run.
 inline bool CVelumInterpreter::RunCold(const TInstr& aInstr) {
+  if (aInstr.iExpr >= 0 && RunExpr(iCode->Expr(aInstr.iExpr))) {
+    if (aInstr.iLine >= 0) iLine = aInstr.iLine;
+    return true;
+  }
   if (aInstr.iKind == EFusedNone || (iNearLimit && aInstr.iCount > iBudget)) return false;
   const qint32 oldLine = iLine;
   if (aInstr.iLine >= 0) iLine = aInstr.iLine;
@@ -83,35 +139,41 @@ inline bool CVelumInterpreter::RunCold(const TInstr& aInstr) {
   return true;
 }
 
+// As many hot instructions as come one behind the other; false when there was none.
+inline bool CVelumInterpreter::RunHot(CVelumDecodedCode& aCode) {
+  const TFrameVars vars = FrameVars();
+  const auto size = static_cast<quint32>(aCode.NumDecoded());
+  qint32 ip = iIp;
+  qint32 budget = iBudget;
+  qint32 line = iLine;
+  while (budget > 0 && static_cast<quint32>(ip) < size) {
+    const TInstr& instr = aCode.At(ip);
+    if ((iNearLimit && instr.iCount > budget) || !ExecHot(instr, vars, ip)) break;
+    if (instr.iLine >= 0) line = instr.iLine;
+    budget -= instr.iCount;
+  }
+  const bool any = budget != iBudget;
+  iIp = ip;
+  iBudget = budget;
+  iLine = line;
+  return any;
+}
+
 void CVelumInterpreter::RunFused() {
   // An assertion that is asked may end the script.
   const Ref<CVelumDecodedCode> code = iCode;
-  const auto size = static_cast<quint32>(code->Bytes().size());
-  TFrameVars vars = FrameVars();
-  while (iBudget > 0) {
-    qint32 ip = iIp;
-    qint32 budget = iBudget;
-    qint32 line = iLine;
-    const TInstr* instr = nullptr;
-    while (budget > 0 && static_cast<quint32>(ip) < size) {
-      instr = &code->At(ip);
-      if ((iNearLimit && instr->iCount > budget) || !ExecHot(*instr, vars, ip)) break;
-      if (instr->iLine >= 0) line = instr->iLine;
-      budget -= instr->iCount;
-      instr = nullptr;
-    }
-    iIp = ip;
-    iBudget = budget;
-    iLine = line;
-    if (!instr || !RunCold(*instr) || !(iCode == code)) return;
-    vars = FrameVars();
+  const auto size = static_cast<quint32>(code->NumDecoded());
+  while (iBudget > 0 && static_cast<quint32>(iIp) < size) {
+    const TInstr& instr = code->At(iIp);
+    if (instr.iHot != EHotNone && RunHot(*code)) continue;
+    if (!RunCold(instr) || !(iCode == code)) return;
   }
 }
 
 inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
   switch (aInstr.iKind) {
   case EFusedCmpJump:
-    return FusedIntJump(aInstr) || FusedBinary(aInstr);
+    return FusedIntJump(aInstr) || FusedTextJump(aInstr) || FusedBinary(aInstr);
   case EFusedBinStore:
     return aInstr.iOp == EOpConcat ? FusedAppend(aInstr) || FusedBinary(aInstr)
                                    : FusedIntStore(aInstr) || FusedBinary(aInstr);
@@ -133,6 +195,10 @@ inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
     return FusedStoreOperand(aInstr);
   case EFusedTopStore:
     return FusedTopStore(aInstr);
+  case EFusedTopBin:
+    return FusedTopInt(aInstr) || FusedTopBin(aInstr);
+  case EFusedPut:
+    return FusedPut(aInstr);
   case EFusedNextCard:
     return FusedNextCard(aInstr);
   default:
@@ -142,74 +208,36 @@ inline bool CVelumInterpreter::ExecFused(const TInstr& aInstr) {
 
 // ---- Operands
 
-// The card of a field, if it can have one of the usual kind. The field is then known to be in its background.
-inline CVelumCard* CVelumInterpreter::CardOfField(TFieldOperand& aField) const {
-  CVelumCard* card = iCard.Get();
-  if (aField.iCardSlot >= 0) {
-    const CVelumVar* var = SlotFast(aField.iCardSlot);
-    card = var ? CVelumModel::ObjAs<CVelumCard>(var->GetValue(), EValCard) : nullptr;
-  }
-  if (!card || !card->Stack()) return nullptr;
-  const bool known = aField.iStamp == iStamp && aField.iStack == card->Stack() &&
-                     aField.iBackgroundId == card->BackgroundId();
-  return known || FindField(aField, *card) ? card : nullptr;
-}
-
-bool CVelumInterpreter::FindField(TFieldOperand& aField, const CVelumCard& aCard) const {
-  const Ref<CVelumControlSet> set = aCard.Background();
-  Ref<CVelumControl> control;
-  if (!set || !(aField.iByName ? set->GetControlByName(aField.iName, control)
-                               : set->GetControlByNum(aField.iNum, control)))
-    return false;
-  if (!HasPlainValue(control->ConType())) return false;
-  aField.iStamp = iStamp;
-  aField.iStack = aCard.Stack();
-  aField.iBackgroundId = aCard.BackgroundId();
-  aField.iControlId = control->Id();
-  aField.iConType = control->ConType();
-  return true;
-}
-
-// The value of a field that is a number which the card has itself.
-bool CVelumInterpreter::FieldInt(qint16 aNum, qint32& aInt) const {
+// The value of a field of type aConType that the card has itself, where it lies; null where it is not so.
+inline const TVelumValue* CVelumInterpreter::OwnFieldVal(qint16 aNum, int aConType) const {
   TFieldOperand& field = iCode->Field(aNum);
-  if (field.iConType != EConInteger && field.iStamp == iStamp) return false;
+  if (field.iConType != aConType && field.iStamp == iStamp) return nullptr;
   const CVelumCard* card = CardOfField(field);
-  if (!card) return false;
+  if (!card || field.iConType != aConType) return nullptr;
   const CVelumArray& values = card->Value();
   if (field.iHint >= values.Count() || values.IntKeyAt(field.iHint) != field.iControlId) {
     const qint32 index = values.FindIntKey(field.iControlId);
-    if (index < 0) return false;
+    if (index < 0) return nullptr;
     field.iHint = index;
   }
-  const TVelumValue& value = values.ValRef(field.iHint);
-  aInt = value.Int();
-  return value.Type() == EValInt;
+  return &values.ValRef(field.iHint);
 }
 
-CVelumInterpreter::TVarRef CVelumInterpreter::FieldVar(qint16 aNum) const {
-  TFieldOperand& field = iCode->Field(aNum);
-  CVelumCard* card = CardOfField(field);
-  if (!card) return nullptr;
-  TVelumValue value = card->GetControlVal(field.iControlId, false);
-  if (value.Type() == EValUndef)
-    CVelumValue::SetZero(value, CVelumValue::ConToValType(field.iConType), ENoDate, 0.0);
-  return MakeRef<CVelumVar>(std::move(value));
+bool CVelumInterpreter::FieldInt(qint16 aNum, qint32& aInt) const {
+  const TVelumValue* value = OwnFieldVal(aNum, EConInteger);
+  if (!value || value->Type() != EValInt) return false;
+  aInt = value->Int();
+  return true;
 }
 
-// The variable itself, or a new one; nothing where anything is unusual.
-CVelumInterpreter::TVarRef CVelumInterpreter::OperandVar(const TOperand& aOperand) const {
-  switch (aOperand.iKind) {
-  case TOperand::ENum:
-    return MakeRef<CVelumVar>(TVelumValue::OfInt(aOperand.iNum));
-  case TOperand::ESlot:
-    return SlotFast(aOperand.iNum);
-  case TOperand::EText:
-    return MakeRef<CVelumVar>(TVelumValue::OfStr(iCode->Text(aOperand.iNum)));
-  case TOperand::EField:
-    return FieldVar(aOperand.iNum);
-  }
-  return nullptr;
+// The text of an operand where it lies; null where it is none, or has to be made first.
+inline const QString* CVelumInterpreter::OperandText(const TOperand& aOperand) const {
+  if (aOperand.iKind == TOperand::EText) return &iCode->Text(aOperand.iNum);
+  const TVelumValue* value = nullptr;
+  if (aOperand.iKind == TOperand::EField) value = OwnFieldVal(aOperand.iNum, EConText);
+  if (aOperand.iKind == TOperand::ESlot)
+    if (const CVelumVar* var = SlotFast(aOperand.iNum)) value = &var->GetValue();
+  return value && value->Type() == EValStr ? &value->Str() : nullptr;
 }
 
 // ---- Numbers: most of a loop
@@ -218,29 +246,22 @@ inline bool CVelumInterpreter::OperandInts(const TInstr& aInstr, qint32& aLeft, 
   return HasRoom() && OperandInt(aInstr.iLeft, aLeft) && OperandInt(aInstr.iRight, aRight);
 }
 
-// The result of an operator on two numbers, if it is a number that fits.
-inline bool CVelumInterpreter::IntResult(int aOp, qint32 aLeft, qint32 aRight, qint32& aResult) {
-  switch (aOp) {
-  case EOpAdd:
-    return !__builtin_add_overflow(aLeft, aRight, &aResult);
-  case EOpSub:
-    return !__builtin_sub_overflow(aLeft, aRight, &aResult);
-  case EOpMul:
-    return !__builtin_mul_overflow(aLeft, aRight, &aResult);
-  case EOpRandom:
-    if (aLeft < 1 || aRight != 1) return false;
-    aResult = RandomUpTo(aLeft);
-    return true;
-  default:
-    return false;
-  }
-}
-
 inline bool CVelumInterpreter::FusedIntJump(const TInstr& aInstr) {
   qint32 left = 0;
   qint32 right = 0;
   if (!OperandInts(aInstr, left, right)) return false;
   iIp = aInstr.Holds(left, right) ? aInstr.iNext : aInstr.iArg;
+  return true;
+}
+
+inline bool CVelumInterpreter::FusedTextJump(const TInstr& aInstr) {
+  if (!HasRoom()) return false;
+  const QString* left = OperandText(aInstr.iLeft);
+  const QString* right = left ? OperandText(aInstr.iRight) : nullptr;
+  if (!right) return false;
+  PumpIfLong(*left);
+  PumpIfLong(*right);
+  iIp = aInstr.Holds(*left, *right) ? aInstr.iNext : aInstr.iArg;
   return true;
 }
 
@@ -265,94 +286,38 @@ bool CVelumInterpreter::FusedIntPush(const TInstr& aInstr) {
   return true;
 }
 
-// ---- Any values
-
-bool CVelumInterpreter::FusedPush(const TInstr& aInstr) {
-  if (!HasRoom()) return false;
-  TVarRef var = OperandVar(aInstr.iLeft);
-  if (!var) return false;
-  iStack[static_cast<size_t>(iSp++)] = std::move(var);
-  iIp = aInstr.iNext;
-  return true;
-}
-
-bool CVelumInterpreter::FusedStore(const TInstr& aInstr) {
-  if (iSp < 1 || iSp >= EStackSize || !iStack[static_cast<size_t>(iSp - 1)] || !InFrame(aInstr.iArg))
+// An operator on a number that other instructions left on the stack, where nobody else sees it.
+inline bool CVelumInterpreter::FusedTopInt(const TInstr& aInstr) {
+  if (iSp < 1 || !HasRoom()) return false;
+  CVelumVar* top = iStack[static_cast<size_t>(iSp - 1)].Get();
+  qint32 result = 0;
+  if (!top || top->ValType() != EValInt || top->Refs() != 1 || !OperandInt(aInstr.iLeft, result) ||
+      !IntResult(aInstr.iOp, top->IntVal(), result, result))
     return false;
-  iIp = aInstr.iNext;
-  StoreVar(aInstr.iArg, Pop());
-  return true;
-}
-
-bool CVelumInterpreter::FusedStoreOperand(const TInstr& aInstr) {
-  if (!HasRoom() || !InFrame(aInstr.iArg)) return false;
-  const TVarRef var = OperandVar(aInstr.iLeft);
-  if (!var) return false;
-  iIp = aInstr.iNext;
-  StoreVar(aInstr.iArg, var);
-  return true;
-}
-
-bool CVelumInterpreter::FusedBinary(const TInstr& aInstr) {
-  if (!IsBinaryOp(aInstr.iOp) || !HasRoom() || (aInstr.iKind == EFusedBinStore && !InFrame(aInstr.iArg)))
-    return false;
-  const TVarRef left = OperandVar(aInstr.iLeft);
-  const TVarRef right = left ? OperandVar(aInstr.iRight) : nullptr;
-  if (!left || !right) return false;
-  const TVarRef result = BinResult(aInstr.iOp, *left, *right);
-  iIp = aInstr.iNext;
-  if (aInstr.iKind == EFusedBinStore) {
-    StoreVar(aInstr.iArg, result);
-  } else if (aInstr.iKind == EFusedBinPush) {
-    Push(result);
-  } else if (!result->BooleanVal()) { // comparisons give nothing else
-    iIp = aInstr.iArg;
-  }
-  return true;
-}
-
-// s = s & x grows the text in place.
-bool CVelumInterpreter::FusedAppend(const TInstr& aInstr) {
-  CVelumVar* target = SlotFast(aInstr.iArg);
-  if (aInstr.iLeft.iKind != TOperand::ESlot || aInstr.iLeft.iNum != aInstr.iArg || !target ||
-      target->ValType() != EValStr || !HasRoom())
-    return false;
-  if (aInstr.iRight.iKind == TOperand::EText) {
-    target->AppendStr(iCode->Text(aInstr.iRight.iNum));
-  } else {
-    const TVarRef right = OperandVar(aInstr.iRight);
-    if (!right) return false;
-    AppendTo(*target, *right);
-  }
+  top->ReplaceInt(result);
   iIp = aInstr.iNext;
   return true;
 }
 
-void CVelumInterpreter::AppendTo(CVelumVar& aVar, const CVelumVar& aRight) {
-  const QString text = aRight.ToStr();
-  PumpIfLong(text);
-  aVar.AppendStr(text);
-}
-
-// The same with operands that other instructions pushed: the cell under x is that of s itself.
+// s = s & x, or x + y, with operands that other instructions pushed: the cell under x is that of s itself.
 bool CVelumInterpreter::FusedTopStore(const TInstr& aInstr) {
   if (iSp < 2 || iSp >= EStackSize || iFrame + aInstr.iArg >= iSp - 2) return false;
   CVelumVar* target = SlotFast(aInstr.iArg);
   const CVelumVar* left = iStack[static_cast<size_t>(iSp - 2)].Get();
   const CVelumVar* right = iStack[static_cast<size_t>(iSp - 1)].Get();
-  if (!target || !left || !right) return false;
+  if (!left || !right) return false;
   if (aInstr.iOp == EOpConcat) {
-    if (target != left || target->ValType() != EValStr) return false;
+    if (target != left || target->ValType() != EValStr) return FusedTopJoin(aInstr);
     AppendTo(*target, *right);
   } else {
     qint32 result = 0;
-    if (target->ValType() != EValInt || left->ValType() != EValInt || right->ValType() != EValInt ||
-        !IntResult(aInstr.iOp, left->IntVal(), right->IntVal(), result))
+    if (!target || target->ValType() != EValInt || left->ValType() != EValInt ||
+        right->ValType() != EValInt || !IntResult(aInstr.iOp, left->IntVal(), right->IntVal(), result))
       return false;
     target->ReplaceInt(result);
   }
-  ExecPop();
-  ExecPop();
+  DropTop();
+  DropTop();
   iIp = aInstr.iNext;
   return true;
 }

@@ -12,30 +12,6 @@ using CVelumChecked::Deref;
 
 namespace {
 
-// Dates that a calendar of four-digit years can show; sums beyond are host error 6.
-constexpr double EMinDate = -657434.0;
-constexpr double EMaxDate = 2958465.0;
-
-TVelumValue CheckedDate(double aDate) {
-  if (!(aDate >= EMinDate && aDate <= EMaxDate + 1)) RaiseHost(EHostOverflow);
-  return TVelumValue::OfDate(aDate);
-}
-
-TVelumValue CheckedReal(double aReal) {
-  if (!std::isfinite(aReal)) RaiseHost(EHostOverflow);
-  return TVelumValue::OfReal(aReal);
-}
-
-// The real quotient rounded to nearest, a half to even.
-TVelumValue IntQuotient(qint32 aLeft, qint32 aRight) {
-  if (aRight == 0) RaiseHost(EHostDivisionByZero);
-  return TVelumValue::OfInt(CVelumValue::RoundToInt(static_cast<double>(aLeft) / aRight));
-}
-
-bool IsDateInt(const CVelumVar& aLeft, const CVelumVar& aRight) {
-  return aLeft.ValType() == EValDate && aRight.ValType() == EValInt;
-}
-
 Ref<CVelumVar> NewVar(TVelumValue aVal) {
   return MakeRef<CVelumVar>(std::move(aVal));
 }
@@ -44,6 +20,13 @@ Ref<CVelumVar> NewBoolean(bool aVal) {
 }
 Ref<CVelumVar> NewInt(qint32 aVal) {
   return NewVar(TVelumValue::OfInt(aVal));
+}
+
+// Whether CVelumValue::Convert knows a way.
+bool CanConvert(int aFrom, int aTo) {
+  const bool numeric = aFrom == EValStr || CVelumVar::IsNumeric(aFrom);
+  if (CVelumVar::IsNumeric(aTo)) return numeric;
+  return aTo == EValStr || (aTo == EValBoolean && aFrom == EValStr);
 }
 
 } // namespace
@@ -105,16 +88,20 @@ void CVelumInterpreter::ExecJumpIfFalse() {
   if (!value.BooleanVal()) iIp = target;
 }
 
+qint32 CVelumInterpreter::FrameSize() {
+  return qMax(qint32{CodeInt()}, iCode->NumSlots());
+}
+
 void CVelumInterpreter::ExecEnter() {
-  const qint16 size = CodeInt();
+  const qint32 size = FrameSize();
   iFrame = iSp;
   iSp = CVelumChecked::Narrow<qint16>(iSp + size);
 }
 
 // Drops the frame and returns to the suspended handler. False when there is none.
 bool CVelumInterpreter::ExecLeave() {
-  const qint16 size = CodeInt();
-  for (int i = 0; i < size; ++i) ExecPop();
+  const qint32 size = FrameSize();
+  for (qint32 i = 0; i < size; ++i) ExecPop();
   if (iNumFrames == 0) return false;
   PopFrame();
   return true;
@@ -177,8 +164,10 @@ void CVelumInterpreter::ExecGoNextCard() {
   ExecUpdateCard();
 }
 
+// Going to a card lets events run.
 void CVelumInterpreter::ExecUpdateCard() {
   iCard = iHost->CurCard();
+  ++iStamp;
   PumpSoon();
 }
 
@@ -237,22 +226,43 @@ void CVelumInterpreter::ExecPutField() {
   const TVarRef controlVar = Pop();
   const TVarRef cardVar = Pop();
   const TVarRef valueVar = Pop();
-  const CVelumControl& control = Deref(Deref(controlVar).ControlVal());
+  CVelumControl& control = Deref(Deref(controlVar).ControlVal());
   const Ref<CVelumCard> card = &Deref(Deref(cardVar).CardVal());
-  TVelumValue value = Deref(valueVar).GetValue();
-  const int type = CVelumValue::ConToValType(control.ConType());
-  if (value.Type() != type) {
-    TVelumValue converted = TVelumValue::OfType(type);
-    CVelumValue::Convert(value, control.FieldInfo(), converted);
-    value = converted;
+  const TVelumValue value = FittingVal(control, Deref(valueVar).GetValue());
+  // Events may have taken card or field away since they were looked up.
+  if (card->ControlById(control.Id()).Get() != &control) {
+    AssertObj(false, card.Get(), u"SetControlVal"_s, u"Control found"_s);
+    RaiseHost(EHostObjectNotSet);
   }
-  iHost->SetCardValue(card, control.Id(), value);
-  PumpSoon();
+  iHost->SetCardValue(card, control, value);
+  PumpWithin(EPutSteps);
+}
+
+// aVal as a field takes it. What cannot be converted, or be stored, is refused.
+TVelumValue CVelumInterpreter::FittingVal(const CVelumControl& aControl, const TVelumValue& aVal) {
+  const QString proc = u"ExecPutField"_s;
+  const int type = CVelumValue::ConToValType(aControl.ConType());
+  TVelumValue value = aVal;
+  if (aVal.Type() != type) {
+    if (!CanConvert(aVal.Type(), type))
+      RunFail(proc, EMsgIncompatibleValTypes, CVelumValue::TypeStr(aVal.Type()), CVelumValue::TypeStr(type));
+    value = TVelumValue::OfType(type);
+    CVelumValue::Convert(aVal, aControl.FieldInfo(), value);
+  }
+  if (value.Str().size() > EMaxStoredText)
+    RunFail(proc, EMsgControlNotUsable, aControl.Name(),
+            u"the text has %1 characters, at most %2 can be stored"_s.arg(value.Str().size())
+                .arg(EMaxStoredText));
+  return value;
 }
 
 void CVelumInterpreter::ExecAnswer() {
   const TVarRef var = Pop();
-  iHost->Answer(Deref(var).ToStr());
+  const QString text = Deref(var).ToStr();
+  {
+    const CEvents events(*this);
+    iHost->Answer(text);
+  }
   PumpSoon();
 }
 
@@ -315,9 +325,10 @@ void CVelumInterpreter::ExecNextCard() {
 }
 
 void CVelumInterpreter::ExecFirstCardInBackground() {
+  // The slot can be where the background lies.
+  const qint32 backgroundId = Deref(Deref(Peek(0)).ControlSetVal()).Id();
   const TVarRef cardVar = MakeRef<CVelumVar>(EValCard);
   Slot(Deref(Peek(1)).IntVal()) = cardVar;
-  const qint32 backgroundId = Deref(Deref(Peek(0)).ControlSetVal()).Id();
   const TVarRef pos = NewInt(0);
   Push(pos);
   const qint16 target = CodeInt();
@@ -336,108 +347,4 @@ void CVelumInterpreter::ExecNextCardInBackground() {
   qint32 index = Deref(pos).IntVal();
   const bool found = OpenStack().GetNextCardInBackground(backgroundId, card, index);
   StepWalk(found, card, index, cardVar, pos, target);
-}
-
-// ---- Operators
-
-void CVelumInterpreter::ExecBinOp(int aOp) {
-  const TVarRef right = Pop();
-  const TVarRef left = Pop();
-  Push(BinResult(aOp, Deref(left), Deref(right)));
-}
-
-// Both numeric, or both of one type; with aType other than 0 both of that type.
-void CVelumInterpreter::CheckOpTypes(const CVelumVar& aLeft, const CVelumVar& aRight, int aType) {
-  const bool ok = aType == EValUndef ? CVelumVar::TypesCompatible(aLeft.ValType(), aRight.ValType())
-                                     : aLeft.ValType() == aType && aRight.ValType() == aType;
-  if (!ok)
-    RunFail(u"CheckOpTypes"_s, EMsgIncompatibleValTypes, CVelumValue::TypeStr(aLeft.ValType()),
-            CVelumValue::TypeStr(aRight.ValType()));
-}
-
-CVelumInterpreter::TVarRef CVelumInterpreter::BinResult(int aOp, const CVelumVar& aLeft,
-                                                        const CVelumVar& aRight) {
-  PumpIfLong(aLeft.StrVal());
-  PumpIfLong(aRight.StrVal());
-  switch (aOp) {
-  case EOpMul:
-  case EOpDiv:
-  case EOpAdd:
-  case EOpSub:
-    return NewVar(Arithmetic(aOp, aLeft, aRight));
-  case EOpAnd:
-    CheckOpTypes(aLeft, aRight, EValBoolean);
-    return NewBoolean(aLeft.BooleanVal() && aRight.BooleanVal());
-  case EOpOr:
-    CheckOpTypes(aLeft, aRight, EValBoolean);
-    return NewBoolean(aLeft.BooleanVal() || aRight.BooleanVal());
-  case EOpConcat:
-    return Concat(aLeft, aRight);
-  default:
-    return NewBoolean(Comparison(aOp, aLeft, aRight));
-  }
-}
-
-CVelumInterpreter::TVarRef CVelumInterpreter::Concat(const CVelumVar& aLeft, const CVelumVar& aRight) {
-  TVarRef result = NewVar(TVelumValue::OfStr(aLeft.ToStr()));
-  result->AppendStr(aRight.ToStr());
-  return result;
-}
-
-TVelumValue CVelumInterpreter::Arithmetic(int aOp, const CVelumVar& aLeft, const CVelumVar& aRight) {
-  if (aOp == EOpAdd && IsDateInt(aLeft, aRight)) return CheckedDate(aLeft.DateVal() + aRight.IntVal());
-  if (aOp == EOpSub && IsDateInt(aLeft, aRight)) return CheckedDate(aLeft.DateVal() - aRight.IntVal());
-  if (aOp == EOpSub && aLeft.ValType() == EValDate && aRight.ValType() == EValDate) {
-    const qint32 days = CVelumValue::RoundToInt(aLeft.DateVal() - aRight.DateVal());
-    return TVelumValue::OfInt(CVelumChecked::Narrow<qint16>(days));
-  }
-  if (aLeft.ValType() == EValInt && aRight.ValType() == EValInt) {
-    const qint32 left = aLeft.IntVal();
-    const qint32 right = aRight.IntVal();
-    switch (aOp) {
-    case EOpMul:
-      return TVelumValue::OfInt(CVelumChecked::Mul(left, right));
-    case EOpDiv:
-      return IntQuotient(left, right);
-    case EOpAdd:
-      return TVelumValue::OfInt(CVelumChecked::Add(left, right));
-    default:
-      return TVelumValue::OfInt(CVelumChecked::Sub(left, right));
-    }
-  }
-  CheckOpTypes(aLeft, aRight, EValUndef);
-  const double left = aLeft.ToReal();
-  const double right = aRight.ToReal();
-  switch (aOp) {
-  case EOpMul:
-    return CheckedReal(left * right);
-  case EOpDiv:
-    if (right == 0.0) RaiseHost(EHostDivisionByZero);
-    return CheckedReal(left / right);
-  case EOpAdd:
-    return CheckedReal(left + right);
-  default:
-    return CheckedReal(left - right);
-  }
-}
-
-bool CVelumInterpreter::Comparison(int aOp, const CVelumVar& aLeft, const CVelumVar& aRight) {
-  CheckOpTypes(aLeft, aRight, EValUndef);
-  switch (aOp) {
-  case EOpEqual:
-    return aLeft.Equal(aRight);
-  case EOpNotEqual:
-    return !aLeft.Equal(aRight);
-  case EOpGreater:
-    return aLeft.Gt(aRight);
-  case EOpLess:
-    return aLeft.Lt(aRight);
-  case EOpGreaterEqual:
-    return aLeft.Gt(aRight) || aLeft.Equal(aRight);
-  case EOpLessEqual:
-    return aLeft.Lt(aRight) || aLeft.Equal(aRight);
-  default:
-    AssertObj(false, this, u"ExecBinOp"_s, u"op "_s + QString::number(aOp));
-    return false;
-  }
 }

@@ -33,11 +33,12 @@ void CVelumPlainHost::GoToNextCard() {
   if (iCurCard && iStack->OrderNext(*iCurCard, next)) GoToCard(next);
 }
 
-void CVelumPlainHost::SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId, const TVelumValue& aVal) {
-  aCard->SetControlVal(aControlId, aVal);
+void CVelumPlainHost::SetCardValue(const Ref<CVelumCard>& aCard, CVelumControl& aControl,
+                                   const TVelumValue& aVal) {
+  aCard->SetControlVal(aControl, aVal);
   if (iCurCard && iCurCard->Dirty()) iCurCard->UpdateCardLists();
 }
 
 void CVelumPlainHost::Answer(const QString& aText) {
-  CVelumSeams::Presenter().Tell(aText);
+  if (CVelumSeams::Presenter().Answer(aText)) iInterpreter->Break();
 }

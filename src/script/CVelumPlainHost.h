@@ -23,7 +23,7 @@ public:
   [[nodiscard]] Ref<CVelumCard> CurCard() override { return iCurCard; }
   void GoToCard(const Ref<CVelumCard>& aCard) override;
   void GoToNextCard() override;
-  void SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId, const TVelumValue& aVal) override;
+  void SetCardValue(const Ref<CVelumCard>& aCard, CVelumControl& aControl, const TVelumValue& aVal) override;
   void Answer(const QString& aText) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "script/CVelumRunError.h"
 
+#include "core/CVelumLib.h"
 #include "model/CVelumStack.h"
 
 namespace {
@@ -11,11 +12,23 @@ QString Kind(const CVelumScripted* aObj) {
   return u"stack"_s;
 }
 
+// Characters of a line that are told.
+constexpr qsizetype EMaxLine = 200;
+
+QString LineText(const CVelumScripted& aObj, qint32 aLine) {
+  QList<QString> lines;
+  CVelumLib::SplitLines(aObj.ScriptSource(), lines);
+  const QString line = lines.value(aLine).trimmed();
+  return line.size() > EMaxLine ? line.left(EMaxLine) + u'…' : line;
+}
+
 } // namespace
 
 QString CVelumRunError::Place(const TRunError& aError) {
-  QString place = u"Script"_s;
-  if (aError.iObj) place += u" of %1 '%2'"_s.arg(Kind(aError.iObj.Get()), aError.iObj->Name());
-  if (aError.iLine != ENoInt) place += u", line %1"_s.arg(aError.iLine + 1);
-  return place;
+  if (!aError.iObj) return {};
+  QString place = u"Script of %1 '%2'"_s.arg(Kind(aError.iObj.Get()), aError.iObj->Name());
+  if (aError.iLine == ENoInt) return place;
+  place += u", line %1"_s.arg(aError.iLine + 1);
+  const QString text = LineText(*aError.iObj, aError.iLine);
+  return text.isEmpty() ? place : place + u": "_s + text;
 }

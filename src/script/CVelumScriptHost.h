@@ -14,7 +14,9 @@ public:
   virtual void GoToCard(const Ref<CVelumCard>& aCard) = 0;
   // Goes to the card behind the current one; nothing at the end.
   virtual void GoToNextCard() = 0;
-  virtual void SetCardValue(const Ref<CVelumCard>& aCard, qint32 aControlId, const TVelumValue& aVal) = 0;
+  // aControl is one of the card's background, and aVal of its type.
+  virtual void SetCardValue(const Ref<CVelumCard>& aCard, CVelumControl& aControl,
+                            const TVelumValue& aVal) = 0;
   // Shows aText until it is dismissed.
   virtual void Answer(const QString& aText) = 0;
   // How far the progress bar is, 0 to 100; it goes round. 100 when the script has ended.

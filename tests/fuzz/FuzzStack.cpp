@@ -58,9 +58,10 @@ void FuzzStack::AddHandler(CVelumScripted& aOwner, const QString& aName, const Q
 void FuzzStack::NoteFailure(qint32 aNumber) {
   iFailures.append(QString::number(aNumber));
   if (aNumber >= 1000) iFailures.append(CVelumError::GetErrorRecord().iProc);
-  if (aNumber != EMsgRunError) return;
   const TRunError& error = iInterpreter->GetError();
-  iFailures.append(u"%1|%2|%3|%4"_s.arg(error.iMsg).arg(error.iParam0, error.iParam1).arg(error.iLine));
+  iFailures.append(u"line %1"_s.arg(error.iLine));
+  if (aNumber == EMsgRunError)
+    iFailures.append(u"%1|%2|%3"_s.arg(error.iMsg).arg(error.iParam0, error.iParam1));
 }
 
 void FuzzStack::ExpectSame(const QList<QString>& aFused, const QList<QString>& aSingle) {

@@ -20,6 +20,7 @@ protected:
     const auto handlers = MakeRef<CVelumArray>(qint32{EArrStrKey}, qint32{EValStr});
     compiler.Compile(CVelumLib::ToCrLf(aSource), *handlers);
     aOwner.SetScript(handlers);
+    aOwner.SetScriptSource(CVelumLib::ToCrLf(aSource));
   }
   // The stack "a", "b" with a number and a button that has aSource as its script.
   void OpenWithButton(const QString& aSource) {
@@ -31,10 +32,12 @@ protected:
     iCardB = AddCard(u"b"_s);
     Open();
   }
-  // Does aWork in the first turn of events in which a script runs.
-  void WhenRunning(const std::function<void()>& aWork) {
-    iTimer.callOnTimeout(&Form(), [this, aWork] {
-      if (!gInterpreter->Running()) return;
+  // Does aWork in the first turn of events in which a script runs and aWhen holds.
+  void WhenRunning(
+      const std::function<void()>& aWork, const std::function<bool()>& aWhen = [] { return true; }) {
+    iTimer.disconnect();
+    iTimer.callOnTimeout(&Form(), [this, aWork, aWhen] {
+      if (!gInterpreter->Running() || !aWhen()) return;
       iTimer.stop();
       aWork();
     });
@@ -91,6 +94,83 @@ TEST_F(CVelumViewScriptHostTest, AHostErrorOfAScriptIsShown) {
   OpenWithButton(u"On select\nx = 1 / 0\nEnd\n"_s);
   Click();
   EXPECT_EQ(iPresenter.LastMsg(), EMsgSystemError);
+  EXPECT_TRUE(
+      iPresenter.LastText().endsWith(u"Division by zero\r\n\r\nScript of field 'Do', line 2: x = 1 / 0"_s))
+      << iPresenter.LastText().toStdString();
+  EXPECT_FALSE(gInterpreter->Running());
+}
+
+TEST_F(CVelumViewScriptHostTest, AFailedCheckOfAScriptIsShownWithItsPlace) {
+  const QString place = u"Script of field 'Do', line 3: Exit Repeat"_s;
+  OpenWithButton(u"On select\nx = 1\nExit Repeat\nEnd\n"_s);
+  Click();
+  ASSERT_EQ(iPresenter.Shown().size(), 2);
+  EXPECT_EQ(iPresenter.Shown().first().iMsg, EMsgAssertFailedOk);
+  EXPECT_TRUE(iPresenter.Shown().first().iText.contains(place))
+      << iPresenter.Shown().first().iText.toStdString();
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgAssertFailed);
+  EXPECT_TRUE(iPresenter.LastText().endsWith(u"\r\n\r\n"_s + place)) << iPresenter.LastText().toStdString();
+}
+
+TEST_F(CVelumViewScriptHostTest, ATextThatIsNoDateLeavesADateFieldAlone) {
+  const Ref<CVelumControl> date = AddField(iSet, u"When"_s, EConDate);
+  OpenWithButton(u"On select\nPut \"tomorrow\" Into Field \"When\"\nEnd\n"_s);
+  iCardA->SetControlVal(date->Id(), TVelumValue::OfDate(43861));
+  Click();
+  ASSERT_EQ(iPresenter.Shown().size(), 1) << "nothing is asked";
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgIncompatibleValTypes);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"line 2: Put \"tomorrow\" Into Field \"When\""_s));
+  EXPECT_EQ(iCardA->GetControlVal(date->Id(), false).Date(), 43861);
+}
+
+// The bar and the card's own progress show that a script runs, and go however it ends.
+TEST_F(CVelumViewScriptHostTest, TheProgressGoesOnEveryWayOut) {
+  CVelumToolkitPump pump;
+  CVelumSeams::SetEventPump(&pump);
+  OpenWithButton(QString());
+  const QString loop = u"On select\nRepeat While Field \"N\" = 0\nx = 1\nEnd Repeat\n%1\nEnd\n"_s;
+  const auto leave = [this] { iCardA->SetControlVal(iNumber->Id(), TVelumValue::OfInt(1)); };
+  const std::pair<const char16_t*, std::function<void()>> ways[] = {
+      {u"", leave},
+      {u"Go \"nowhere\"", leave},
+      {u"x = 1 / 0", leave},
+      {u"Exit Repeat", leave},
+      {u"", [] { gInterpreter->Break(); }},
+      {u"", [] { gInterpreter->Reset(); }},
+  };
+  for (const auto& [last, act] : ways) {
+    iCardA->SetControlVal(iNumber->Id(), TVelumValue::OfInt(0));
+    SetScript(*iButton, loop.arg(QString::fromUtf16(last)));
+    iPresenter.Clear();
+    WhenRunning(act, [this] { return !iPresenter.Progress().isEmpty(); });
+    Click();
+    EXPECT_FALSE(gInterpreter->Running());
+    ASSERT_GE(iPresenter.Progress().size(), 2);
+    EXPECT_LT(iPresenter.Progress().first(), 100);
+    EXPECT_EQ(iPresenter.Progress().last(), 100) << QString::fromUtf16(last).toStdString();
+    EXPECT_EQ(Pool(u"fProgress"_s).Width(), Pool(u"fProgressBox"_s).Width());
+  }
+  CVelumSeams::SetEventPump(nullptr);
+}
+
+TEST_F(CVelumViewScriptHostTest, AnAnswerCanStopItsScript) {
+  class CStops final : public CVelumPresenter {
+  public:
+    CStops() { CVelumSeams::SetPresenter(this); }
+    bool Message(qint32, EMsgClass, const QString&, const QString&) override { return false; }
+    void Tell(const QString& aText) override { iTold.append(aText); }
+    bool Answer(const QString& aText) override {
+      iTold.append(aText);
+      return iTold.size() == 3;
+    }
+    void HelpPage(const QString&) override {}
+    QList<QString> iTold;
+  };
+  OpenWithButton(u"On select\nRepeat While 1 = 1\nAnswer 1\nEnd Repeat\nEnd\n"_s);
+  CStops stops;
+  Click();
+  CVelumSeams::SetPresenter(&iPresenter);
+  EXPECT_EQ(stops.iTold, (QList<QString>{u"1"_s, u"1"_s, u"1"_s, u"Script breaked"_s}));
   EXPECT_FALSE(gInterpreter->Running());
 }
 
