@@ -24,6 +24,15 @@ QString ImageKey(EMsgClass aClass) {
   return keys[static_cast<size_t>(aClass)];
 }
 
+// The beginning of a text that is too long to show. No half of a pair is left at its end.
+QString CutText(const QString& aText) {
+  const qsizetype len =
+      CVelumMsgForm::EMaxText - (aText.at(CVelumMsgForm::EMaxText - 1).isHighSurrogate() ? 1 : 0);
+  return aText.left(len) + CVelumMsgForm::tr("\n\n(The text has %L1 characters; the first %L2 are shown.)")
+                               .arg(aText.size())
+                               .arg(len);
+}
+
 } // namespace
 
 CVelumMsgForm::CVelumMsgForm(QWidget* aOwner) : QDialog(aOwner), iUi(new Ui::CVelumMsgForm) {
@@ -33,11 +42,16 @@ CVelumMsgForm::CVelumMsgForm(QWidget* aOwner) : QDialog(aOwner), iUi(new Ui::CVe
   iUi->fText->setPalette(clear);
   iUi->fText->document()->setDocumentMargin(0);
   iUi->fSilent->hide();
+  iUi->fStop->hide();
   connect(iUi->fYes, &QPushButton::clicked, this, [this] {
     iResult = true;
     hide();
   });
   connect(iUi->fNo, &QPushButton::clicked, this, &QDialog::reject);
+  connect(iUi->fStop, &QPushButton::clicked, this, [this] {
+    iStopped = true;
+    reject();
+  });
   connect(iUi->fOk, &QPushButton::clicked, this, &QDialog::reject);
   connect(iUi->fHelp0, &QPushButton::clicked, this, &CVelumMsgForm::Help);
   connect(iUi->fHelp1, &QPushButton::clicked, this, &CVelumMsgForm::Help);
@@ -57,9 +71,22 @@ void CVelumMsgForm::SetClass(EMsgClass aClass) {
   iUi->fClass->setAccessibleName(ImageKey(aClass));
 }
 
+void CVelumMsgForm::SetPlain() {
+  for (QWidget* widget :
+       std::initializer_list<QWidget*>{iUi->fClass, iUi->fYes, iUi->fNo, iUi->fHelp0, iUi->fHelp1})
+    widget->hide();
+  iUi->fOk->setDefault(true);
+  iUi->fOk->setFocus();
+}
+
+void CVelumMsgForm::OfferStop() {
+  iUi->fStop->show();
+}
+
 void CVelumMsgForm::SetText(const QString& aText) {
-  iUi->fText->setPlainText(aText);
-  setAccessibleDescription(aText);
+  const QString text = aText.size() <= EMaxText ? aText : CutText(aText);
+  iUi->fText->setPlainText(text);
+  setAccessibleDescription(text);
   FitText();
 }
 

@@ -11,7 +11,7 @@ class CVelumMsgForm;
 }
 
 // Lives for one message. Questions have fYes, fNo (the default) and fHelp0, the other classes fOk (the
-// default) and fHelp1. Esc and the close box answer no.
+// default) and fHelp1. A plain text has nothing but fOk. Esc and the close box answer no.
 class CVelumMsgForm final : public QDialog {
   Q_OBJECT
 
@@ -21,12 +21,19 @@ public:
 
   // Picture and buttons of a class.
   void SetClass(EMsgClass aClass);
+  // No picture and no help.
+  void SetPlain();
+  // A long text scrolls; one of more than EMaxText characters is cut, with a note.
   void SetText(const QString& aText);
+  static constexpr qsizetype EMaxText = 100000;
   // The name of the message's constant, for its help page.
   void SetMsgName(const QString& aName) { iMsgName = aName; }
   // Lets the user choose not to see the message again; Silenced is what was chosen.
   void OfferSilence();
   [[nodiscard]] bool Silenced() const;
+  // Adds fStop, which closes the form; Stopped is whether it was that.
+  void OfferStop();
+  [[nodiscard]] bool Stopped() const { return iStopped; }
   // Shows the form over aFrame (or the screen); returns true for fYes. The form may be gone then, with its
   // owner.
   bool Ask(const QWidget* aFrame);
@@ -42,4 +49,5 @@ private:
   std::unique_ptr<Ui::CVelumMsgForm> iUi;
   QString iMsgName;
   bool iResult = false;
+  bool iStopped = false;
 };

@@ -50,11 +50,13 @@ void CVelumScriptBar::mouseReleaseEvent(QMouseEvent* aEvent) {
   Break();
 }
 
-// Escape belongs to an open box first: it closes that.
+// Escape belongs to an open box or menu first: it closes that.
 bool CVelumScriptBar::eventFilter(QObject* aWatched, QEvent* aEvent) {
   const bool key = aEvent->type() == QEvent::KeyPress || aEvent->type() == QEvent::ShortcutOverride;
   if (!key || static_cast<QKeyEvent*>(aEvent)->key() != Qt::Key_Escape) return false;
-  if (!gInterpreter || !gInterpreter->Running() || QApplication::activeModalWidget()) return false;
+  if (!gInterpreter || !gInterpreter->Running() || QApplication::activeModalWidget() ||
+      QApplication::activePopupWidget())
+    return false;
   Q_UNUSED(aWatched);
   Break();
   return true;

@@ -24,6 +24,22 @@ QWidget* Owner() {
   return FrameWidget();
 }
 
+// A box with nothing but a text, and with a button to stop the script that it comes from; true when that was
+// pressed.
+bool ShowPlain(const QString& aText, bool aMayStop) {
+  // It goes when its owner goes.
+  const QPointer<CVelumMsgForm> form = new CVelumMsgForm(Owner());
+  form->SetPlain();
+  if (aMayStop) form->OfferStop();
+  form->SetText(aText);
+  form->Ask(FrameWidget());
+  if (!form) return false;
+  const bool stopped = form->Stopped();
+  CVelumHelpForm::Release(form);
+  delete form;
+  return stopped;
+}
+
 } // namespace
 
 bool CVelumShellPresenter::Message(qint32, EMsgClass aClass, const QString& aName, const QString& aText) {
@@ -43,12 +59,11 @@ bool CVelumShellPresenter::Message(qint32, EMsgClass aClass, const QString& aNam
 }
 
 void CVelumShellPresenter::Tell(const QString& aText) {
-  const QPointer<QMessageBox> box =
-      new QMessageBox(QMessageBox::Information, u"Orvelles"_s, {}, QMessageBox::Ok, Owner());
-  box->setTextFormat(Qt::PlainText);
-  box->setText(aText);
-  box->exec();
-  delete box;
+  ShowPlain(aText, false);
+}
+
+bool CVelumShellPresenter::Answer(const QString& aText) {
+  return ShowPlain(aText, true);
 }
 
 // A button bears the name of a file without its folder; the text has the whole.

@@ -9,6 +9,7 @@ public:
   bool Message(qint32 aMsg, EMsgClass aClass, const QString& aName, const QString& aText) override;
   void Tell(const QString& aText) override;
   int Choose(const QString& aText, const QStringList& aChoices) override;
+  bool Answer(const QString& aText) override;
   void HelpPage(const QString& aPage) override;
   void ScriptProgress(int aSteps) override;
 };

@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
@@ -220,11 +221,14 @@ TEST_F(CVelumMsgFormTest, LongTextScrollsInABoxThatFitsTheScreen) {
 
 TEST_F(CVelumMsgFormTest, TellShowsPlainText) {
   WhenOpen([](QDialog& aBox) {
-    const auto* box = qobject_cast<QMessageBox*>(&aBox);
-    ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->icon(), QMessageBox::Information);
-    EXPECT_EQ(box->text(), u"<b>Read-only!</b>"_s);
-    EXPECT_EQ(box->textFormat(), Qt::PlainText);
+    EXPECT_EQ(aBox.windowTitle(), u"Orvelles"_s);
+    EXPECT_EQ(aBox.findChild<QTextEdit*>(u"fText"_s)->toPlainText(), u"<b>Read-only!</b>"_s);
+    for (const QString& name : {u"fYes"_s, u"fNo"_s, u"fHelp0"_s, u"fHelp1"_s, u"fStop"_s})
+      EXPECT_FALSE(Button(aBox, name).isVisible()) << name.toStdString();
+    EXPECT_FALSE(aBox.findChild<QLabel*>(u"fClass"_s)->isVisible());
+    EXPECT_TRUE(Button(aBox, u"fOk"_s).isDefault());
+    QTest::keyClick(&aBox, Qt::Key_Return);
+    EXPECT_FALSE(aBox.isVisible());
   });
   CVelumSeams::Presenter().Tell(u"<b>Read-only!</b>"_s);
 }
@@ -245,6 +249,52 @@ TEST_F(CVelumMsgFormTest, ChooseOffersAButtonForEachFile) {
   EXPECT_EQ(choose(u"one.Orvelle"_s), 0);
   EXPECT_EQ(choose(u"two.Orvelle"_s), 1);
   EXPECT_EQ(choose(u"Cancel"_s), -1);
+}
+
+TEST_F(CVelumMsgFormTest, ALongAnswerScrolls) {
+  const QString lines = QList<QString>(300, u"a line"_s).join(u"\r\n"_s);
+  WhenOpen([](QDialog& aBox) {
+    EXPECT_LT(aBox.height(), 480);
+    auto* text = aBox.findChild<QTextEdit*>(u"fText"_s);
+    EXPECT_GT(text->verticalScrollBar()->maximum(), 1000);
+    EXPECT_TRUE(aBox.rect().contains(Button(aBox, u"fOk"_s).geometry()));
+    text->verticalScrollBar()->setValue(text->verticalScrollBar()->maximum());
+    EXPECT_TRUE(text->verticalScrollBar()->isVisible());
+  });
+  EXPECT_FALSE(CVelumSeams::Presenter().Answer(lines));
+}
+
+TEST_F(CVelumMsgFormTest, AnAnswerCanStopItsScript) {
+  WhenOpen([](QDialog& aBox) {
+    EXPECT_FALSE(Button(aBox, u"fStop"_s).isDefault());
+    Click(aBox, u"fStop"_s);
+    EXPECT_FALSE(aBox.isVisible());
+  });
+  EXPECT_TRUE(CVelumSeams::Presenter().Answer(u"1"_s));
+  WhenOpen([](QDialog& aBox) { PressAccessKey(aBox, Qt::Key_S); });
+  EXPECT_TRUE(CVelumSeams::Presenter().Answer(u"1"_s));
+  WhenOpen([](QDialog& aBox) { QTest::keyClick(&aBox, Qt::Key_Escape); });
+  EXPECT_FALSE(CVelumSeams::Presenter().Answer(u"1"_s));
+  WhenOpen([](QDialog& aBox) { Click(aBox, u"fOk"_s); });
+  EXPECT_FALSE(CVelumSeams::Presenter().Answer(u"1"_s));
+}
+
+TEST_F(CVelumMsgFormTest, AVeryLongTextIsCutWithANote) {
+  const auto shown = [this](const QString& aText) {
+    CVelumMsgForm form(&iFrame);
+    form.SetClass(EMsgCritical);
+    form.SetText(aText);
+    EXPECT_EQ(form.accessibleDescription(), form.findChild<QTextEdit*>(u"fText"_s)->toPlainText());
+    return form.findChild<QTextEdit*>(u"fText"_s)->toPlainText();
+  };
+  EXPECT_EQ(shown(QString(100000, u'x')), QString(100000, u'x'));
+  EXPECT_EQ(shown(QString(1000000, u'x')),
+            QString(100000, u'x') +
+                u"\n\n(The text has 1,000,000 characters; the first 100,000 are shown.)"_s);
+  const QString pairs = QString(99999, u'x') + QString::fromUcs4(U"\U0001F600") + u'x';
+  EXPECT_EQ(shown(pairs),
+            QString(99999, u'x') + u"\n\n(The text has 100,002 characters; the first 99,999 are shown.)"_s)
+      << "no half of a pair";
 }
 
 TEST_F(CVelumMsgFormTest, ThereIsAPictureForEveryKey) {

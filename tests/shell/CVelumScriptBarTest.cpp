@@ -7,6 +7,7 @@
 #include "support/WidgetApp.h"
 #include "toolkit/CVelumToolkitPump.h"
 
+#include <QMenu>
 #include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -81,6 +82,21 @@ TEST_F(CVelumScriptBarTest, ShowsWhileAScriptRuns) {
 TEST_F(CVelumScriptBarTest, EscapeIsLeftAloneWithoutAScript) {
   QTest::keyClick(&iWindow, Qt::Key_Escape);
   EXPECT_TRUE(iPresenter.Told().isEmpty());
+}
+
+// Escape belongs to an open menu.
+TEST_F(CVelumScriptBarTest, EscapeInAMenuClosesTheMenu) {
+  Run([this] {
+    QMenu menu(&iWindow);
+    menu.addAction(u"Item"_s);
+    menu.popup(iWindow.mapToGlobal(QPoint(5, 5)));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+    QTest::keyClick(&menu, Qt::Key_Escape);
+    EXPECT_FALSE(menu.isVisible());
+    EXPECT_TRUE(iPresenter.Told().isEmpty());
+    QTest::keyClick(&iWindow, Qt::Key_Escape);
+  });
+  EXPECT_EQ(iPresenter.Told(), QList<QString>{u"Script breaked"_s});
 }
 
 TEST_F(CVelumScriptBarTest, AClosingCommandWaitsForTheScript) {
