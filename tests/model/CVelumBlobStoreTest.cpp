@@ -196,6 +196,27 @@ TEST_F(CVelumBlobStoreTest, DeletingLeavesAHoleThatTheFirstFittingBlobTakes) {
   for (qint32 id : {1, 3, 4, 5, 6}) EXPECT_EQ(iStore->ReadBlob(id, false)->Id(), id);
 }
 
+TEST_F(CVelumBlobStoreTest, ABlobThatFillsAHoleExactlyGoesThere) {
+  SaveThree();
+  const qint32 hole = PosOf(2);
+  iStore->DeleteBlob(2);
+  Add(4, 20);
+  Save(100);
+  EXPECT_EQ(PosOf(4), hole);
+}
+
+TEST_F(CVelumBlobStoreTest, ABlobAtTheNewStartStaysWhereItIs) {
+  SaveThree();
+  const auto places = Places();
+  iStore->SetNewStartPos(PosOf(1));
+  EXPECT_EQ(Places(), places);
+  const qint32 second = PosOf(2);
+  const qint32 behind = iStore->BehindPos();
+  iStore->SetNewStartPos(second);
+  EXPECT_EQ(PosOf(2), second);
+  EXPECT_EQ(PosOf(1), behind);
+}
+
 TEST_F(CVelumBlobStoreTest, NoBlobLandsInFrontOfTheStart) {
   SaveThree();
   iStore->DeleteBlob(1);

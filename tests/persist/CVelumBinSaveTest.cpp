@@ -188,6 +188,100 @@ TEST_F(CVelumBinSaveTest, AnotherVersionInPlaceOfTheFileIsKept) {
   EXPECT_EQ(Files().size(), 2) << "from now on the file is known";
 }
 
+// As an editor or a copy into the file does it, which keeps the inode.
+TEST_F(CVelumBinSaveTest, AnotherVersionInTheSameFileIsKept) {
+  for (const qsizetype bytes : {0, 1000}) {
+    StackMaker doc = StackMaker::New(3, bytes);
+    doc.Save(iPath);
+    const QByteArray other = iFolder.Read(u"t.Orvelle"_s) + "of another program";
+    {
+      QFile file(iPath);
+      ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+      file.write(other);
+    }
+    doc.AddCard(u"more"_s, bytes);
+    doc.Save(iPath);
+    ExpectOnDisk(doc);
+    ASSERT_EQ(Files().size(), 2);
+    EXPECT_EQ(iFolder.Read(Files().first()), other);
+    EXPECT_EQ(iPresenter.Told().size(), 1);
+    for (const QString& name : Files()) QFile::remove(iFolder.Path(name));
+    iPresenter.Clear();
+  }
+}
+
+// Two ways to one folder, where the text of the link alone leads to another one.
+TEST_F(CVelumBinSaveTest, ASaveThroughLinksGoesToTheFileThatWasLoaded) {
+  ASSERT_TRUE(QDir(iFolder.Path()).mkpath(u"real/c/d"_s));
+  ASSERT_TRUE(QDir(iFolder.Path()).mkpath(u"other"_s));
+  const QString real = iFolder.Path(u"real/c/doc.Orvelle"_s);
+  StackMaker::New(2, 500).Save(real);
+  ASSERT_EQ(::symlink("../doc.Orvelle", QFile::encodeName(iFolder.Path(u"real/c/d/link.Orvelle"_s))), 0);
+  ASSERT_EQ(::symlink("../real/c/d", QFile::encodeName(iFolder.Path(u"other/dirlink"_s))), 0);
+  const QString link = iFolder.Path(u"other/dirlink/link.Orvelle"_s);
+  for (const bool binary : {true, false}) {
+    StackMaker doc = StackMaker::Load(link);
+    doc.iStack->SetFlag(EStaBinary, binary);
+    doc.AddCard(u"more"_s, 700);
+    doc.Save(link);
+    EXPECT_EQ(StackMaker::Load(real).iStack->NumCards(), doc.iStack->NumCards());
+    EXPECT_EQ(QDir(iFolder.Path(u"other"_s)).entryList(QDir::Files), QStringList());
+    EXPECT_EQ(iPresenter.Told(), QList<QString>());
+  }
+}
+
+TEST_F(CVelumBinSaveTest, ALinkThatLeadsElsewhereNowIsAnotherVersion) {
+  const QString first = iFolder.Path(u"first"_s);
+  const QString second = iFolder.Path(u"second"_s);
+  StackMaker::New(2, 500).Save(first);
+  StackMaker::New(1, 100).Save(second);
+  const QByteArray firstBytes = iFolder.Read(u"first"_s);
+  const QByteArray secondBytes = iFolder.Read(u"second"_s);
+  ASSERT_TRUE(QFile::link(first, iPath));
+  StackMaker doc = StackMaker::Load(iPath);
+  QFile::remove(iPath);
+  ASSERT_TRUE(QFile::link(second, iPath));
+  doc.AddCard(u"more"_s, 700);
+  doc.Save(iPath);
+  EXPECT_EQ(iFolder.Read(u"first"_s), firstBytes);
+  ASSERT_EQ(iPresenter.Told().size(), 1);
+  EXPECT_EQ(StackMaker::Load(second).iStack->NumCards(), 3);
+  ASSERT_TRUE(Files().contains(u"second"_s) && Files().size() == 4);
+  for (const QString& name : Files()) {
+    if (name.startsWith(u"second (other"_s)) {
+      EXPECT_EQ(iFolder.Read(name), secondBytes);
+    }
+  }
+}
+
+TEST_F(CVelumBinSaveTest, APrivateDocumentStaysPrivateWhileItIsSaved) {
+  class CLook : public CVelumFaults {
+  public:
+    explicit CLook(QString aFolder) : iFolder(std::move(aFolder)) { CVelumOs::SetFaults(this); }
+    ~CLook() override { CVelumOs::SetFaults(nullptr); }
+    int Before(EOsCall, const QString&, qint64&) override {
+      for (const QFileInfo& file : QDir(iFolder).entryInfoList(QDir::Files)) {
+        ++iLooks;
+        EXPECT_EQ(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions())
+            << file.fileName().toStdString();
+      }
+      return 0;
+    }
+    QString iFolder;
+    int iLooks = 0;
+  };
+  for (const qsizetype bytes : {0, 1000}) {
+    StackMaker doc = StackMaker::New(3, bytes);
+    doc.Save(iPath);
+    ASSERT_EQ(::chmod(QFile::encodeName(iPath).constData(), 0600), 0);
+    doc = StackMaker::Load(iPath);
+    doc.AddCard(u"more"_s, bytes);
+    const CLook look(iFolder.Path());
+    doc.Save(iPath);
+    EXPECT_GT(look.iLooks, 3);
+  }
+}
+
 TEST_F(CVelumBinSaveTest, TwoWindowsOnOneDocument) {
   StackMaker::New(6, 1000).Save(iPath);
   StackMaker one = StackMaker::Load(iPath);

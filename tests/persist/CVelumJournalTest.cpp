@@ -112,6 +112,27 @@ TEST_F(CVelumJournalTest, OldBytesInMemory) {
   }
 }
 
+// Somebody who opens the document takes an empty journal away, and may do so before it is locked.
+TEST_F(CVelumJournalTest, AJournalThatWasTakenAwayIsMadeAgain) {
+  class CTakeAway : public CVelumFaults {
+  public:
+    explicit CTakeAway(QString aJournal) : iJournal(std::move(aJournal)) { CVelumOs::SetFaults(this); }
+    ~CTakeAway() override { CVelumOs::SetFaults(nullptr); }
+    int Before(EOsCall aCall, const QString&, qint64&) override {
+      if (aCall == EOsCall::Lock && iTimes++ == 0) QFile::remove(iJournal);
+      return 0;
+    }
+    QString iJournal;
+    int iTimes = 0;
+  } faults(iPath + u"-journal"_s);
+  const CVelumJournal journal(iPath, iFd);
+  EXPECT_EQ(faults.iTimes, 2);
+  EXPECT_TRUE(HasJournal());
+  const int other = CVelumOs::Open(iPath + u"-journal"_s, O_RDWR);
+  EXPECT_FALSE(CVelumOs::TryLock(other, iPath)) << "it is held";
+  CVelumOs::Close(other);
+}
+
 TEST_F(CVelumJournalTest, AJournalThatIsThereIsNotOverwritten) {
   iFolder.Write(u"d-journal"_s, "something");
   EXPECT_THROW(CVelumJournal(iPath, iFd), CVelumException);

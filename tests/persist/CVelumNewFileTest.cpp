@@ -61,6 +61,37 @@ TEST_F(CVelumNewFileTest, WhatACrashLeftIsOverwritten) {
   EXPECT_EQ(iFolder.Read(u"d"_s), QByteArray("new"));
 }
 
+TEST_F(CVelumNewFileTest, WhenAnyCallOfItsMakingFailsNothingIsLeft) {
+  iFolder.Write(u"d"_s, "old");
+  int num = 0;
+  for (bool reached = true; reached; ++num) {
+    FaultInjection faults(FaultInjection::EAct::Fail, num, 5 /* EIO */);
+    try {
+      const CVelumNewFile file(iPath);
+      reached = faults.Hit();
+    } catch (const CVelumException&) {
+    }
+    if (reached && num < 2) {
+      EXPECT_EQ(Files(), QStringList{u"d"_s}) << num;
+    }
+  }
+  EXPECT_GE(num, 3);
+  CVelumNewFile::RemoveLeft(iPath); // where it was the removal that failed
+  EXPECT_EQ(Files(), QStringList{u"d"_s});
+}
+
+TEST_F(CVelumNewFileTest, OnlyItsOwnerMayReadItUntilItTakesThePlace) {
+  iFolder.Write(u"d"_s, "old");
+  QFile::setPermissions(iPath, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup);
+  iFolder.Write(u"d-new"_s, "left by a crash, and readable for all");
+  CVelumNewFile file(iPath);
+  constexpr QFile::Permissions EOthers = QFile::ReadGroup | QFile::ReadOther;
+  EXPECT_EQ(QFile::permissions(file.Path()) & EOthers, QFile::Permissions());
+  EXPECT_EQ(QFileInfo(file.Path()).size(), 0);
+  file.TakePlace();
+  EXPECT_EQ(QFile::permissions(iPath) & EOthers, QFile::ReadGroup);
+}
+
 TEST_F(CVelumNewFileTest, FailedSyncKeepsTheOldFile) {
   iFolder.Write(u"d"_s, "old");
   CVelumNewFile file(iPath);

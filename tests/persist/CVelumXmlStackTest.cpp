@@ -185,6 +185,28 @@ TEST_F(XmlSave, ATextThatCouldNotBeReadBackIsRefusedAndTheOldFileStays) {
   EXPECT_FALSE(iFolder.Has(u"t.xml-new"_s));
 }
 
+// Saved as binary once, it lies in memory as a binary stack does: the file that is there does not decide.
+TEST_F(XmlSave, AStackThatIsNotBinaryIsWrittenAsXmlOverABinaryFile) {
+  const QString path = iFolder.Path(u"b.Orvelle"_s);
+  iStack->SetFlag(EStaBinary, true);
+  CVelumStackFile(path).SaveStack(iStack, iView);
+  iStack->SetFilename(path);
+  ASSERT_TRUE(CVelumStackFile(path).IsBinStack());
+  iStack->SetFlag(EStaBinary, false);
+  CVelumStackFile(path).SaveStack(iStack, iView);
+  EXPECT_TRUE(CVelumStackFile(path).IsXmlStack());
+  EXPECT_TRUE(iFolder.Read(u"b.Orvelle"_s).contains("<VelumStack"));
+  EXPECT_EQ(iPresenter.Count(), 0);
+}
+
+// All pictures are only in memory, which must not let one go.
+TEST_F(XmlSave, EveryPictureHasAHolderAfterALoad) {
+  const CVelumBlobStore& store = *iStack->BlobStore();
+  ASSERT_GT(store.Cache().Count(), 0);
+  for (qint32 i = 0; i < store.Cache().Count(); ++i)
+    EXPECT_EQ(static_cast<const CVelumBlob*>(store.Cache().ValRef(i).Obj())->DynRefCount(), 1) << i;
+}
+
 TEST_F(XmlSave, AnotherVersionOfTheFileIsKept) {
   iFolder.Write(u"t.xml"_s, "<other/>");
   Save();
