@@ -92,6 +92,31 @@ QString CVelumDecimal::ToText() const {
   return text;
 }
 
+QString CVelumDecimal::ToText(qsizetype aMost) const {
+  const QString text = ToText();
+  if (text.size() <= aMost) return text;
+  if (!text.contains(u'E')) {
+    // What must stay: all before the point, and the first digit that is not 0.
+    const qsizetype whole = (Negative() ? 1 : 0) + qMax(Point(), 1);
+    if (aMost >= (Point() > 0 ? whole : whole + 2 - Point())) return text.left(aMost);
+  }
+  const QString shorter = ShortExponentText(aMost);
+  return shorter.isEmpty() ? text.left(aMost) : shorter;
+}
+
+// Empty when no digit fits.
+QString CVelumDecimal::ShortExponentText(qsizetype aMost) const {
+  QString text;
+  if (Negative()) text += u'-';
+  AppendExponent(text);
+  const qsizetype start = text.indexOf(u'E');
+  const qsizetype keep = qMin(start, aMost - (text.size() - start));
+  if (keep < (Negative() ? 2 : 1)) return {};
+  QStringView digits = QStringView(text).left(keep);
+  if (digits.endsWith(u'.')) digits.chop(1);
+  return digits.toString() + text.mid(start);
+}
+
 QString CVelumDecimal::TextOf(double aReal) {
   if (std::isfinite(aReal)) return CVelumDecimal(aReal).ToText();
   if (std::isnan(aReal)) return u"NAN"_s;

@@ -30,12 +30,17 @@ public:
   // The digits with a point where it belongs, without grouping; with an exponent of two digits or more when
   // there would be more than 15 before the point, or more than three zeros behind it.
   [[nodiscard]] QString ToText() const;
+  // The same in at most aMost characters: digits at the end are left out, never the exponent, so that numbers
+  // keep their order, and no two of them change places. Where not even one digit fits beside the exponent,
+  // which takes 7 characters at most, the text is cut at its end.
+  [[nodiscard]] QString ToText(qsizetype aMost) const;
   // The same of any real; "INF", "-INF" and "NAN" for what is no number.
   [[nodiscard]] static QString TextOf(double aReal);
 
 private:
   void AppendFixed(QString& aText) const;
   void AppendExponent(QString& aText) const;
+  [[nodiscard]] QString ShortExponentText(qsizetype aMost) const;
 
   bool iNegative = false;
   int iCount = 0;

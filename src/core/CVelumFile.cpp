@@ -241,7 +241,6 @@ QString CVelumFile::ObjDescr() const {
 }
 
 void CVelumFile::OpenFile() {
-  iFirstLine = true;
   if (iDevice) CloseFile();
   if (iAccess == EFilSeqRead || iAccess == EFilSeqWrite) {
     OpenText();
@@ -267,7 +266,6 @@ void CVelumFile::OpenBinary() {
 }
 
 void CVelumFile::OpenSame(int aFd) {
-  iFirstLine = true;
   if (iDevice) CloseFile();
   iFileNum = ENoShort;
   const int fd = ::fcntl(aFd, F_DUPFD_CLOEXEC, 0);
@@ -539,7 +537,7 @@ bool CVelumFile::ReadLine(QString& aLine) {
   if (iAccess != EFilSeqRead)
     CVelumError::AssertObj(false, this, u"ReadLine"_s, u"Access EFilSeqRead "_s + QString::number(iAccess));
   if (!Device().iReader) CVelumError::RaiseHost(EHostBadCall, iFilename);
-  bool first = std::exchange(iFirstLine, false);
+  const bool first = iDevice->iReader->AtStart();
   QByteArrayView line;
   if (!iDevice->iReader->ReadLine(line)) return false;
   if (first && line.startsWith(QByteArrayView("\xEF\xBB\xBF"))) {

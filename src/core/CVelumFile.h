@@ -172,7 +172,6 @@ private:
   QString iFilename;
   qint32 iAccess;
   qint32 iCoding = ECodLatin1;
-  bool iFirstLine = false;
   bool iIsOpen = false;
   bool iPastEnd = false;
   bool iReadOnly = false;

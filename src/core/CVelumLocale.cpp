@@ -271,6 +271,10 @@ QString CVelumLocale::General(double aReal) {
   return CVelumDecimal::TextOf(aReal).replace(u'.', State().iPoint);
 }
 
+bool CVelumLocale::GroupsByBlanks() {
+  return State().iGroupRead == u' ';
+}
+
 bool CVelumLocale::ToShort(const QString& aText, qint16& aInt) {
   qint32 number = 0;
   if (!ToInt(aText, number) || number != static_cast<qint16>(number)) return false;

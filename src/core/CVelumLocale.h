@@ -20,9 +20,13 @@ void Init(const QString& aName = {});
 // The shortest text that reads back, with the locale's decimal separator and no grouping.
 [[nodiscard]] QString General(double aReal);
 
+// Whether digits are grouped by blanks.
+[[nodiscard]] bool GroupsByBlanks();
+
 // Strict readings of user text; false when the text is not wholly a value of the kind. What the functions
 // above write reads back. Whole numbers may have decimals, and are rounded, a half to the even neighbour.
-// Numbers may be grouped; groups must be whole. An exponent may follow.
+// Numbers may be grouped; groups must be whole ("1,5" is no number where the comma groups). An exponent may
+// follow.
 [[nodiscard]] bool ToShort(const QString& aText, qint16& aInt);
 [[nodiscard]] bool ToInt(const QString& aText, qint32& aInt);
 [[nodiscard]] bool ToReal(const QString& aText, double& aReal);

@@ -10,32 +10,57 @@ namespace {
 // The characters of a number, with which std::from_chars can do the rest.
 class CNumberScan {
 public:
-  explicit CNumberScan(QStringView aText) : iText(aText) {}
+  CNumberScan(QStringView aText, bool aBlankGroups) : iText(aText), iBlankGroups(aBlankGroups) {}
   [[nodiscard]] double Read();
 
 private:
-  [[nodiscard]] char16_t Peek();
+  [[nodiscard]] char16_t Peek() const { return iPos < iText.size() ? iText[iPos].unicode() : u'\0'; }
+  [[nodiscard]] bool AtDigit(qsizetype aPos) const {
+    return aPos < iText.size() && iText[aPos] >= u'0' && iText[aPos] <= u'9';
+  }
+  [[nodiscard]] bool AtGroupBlank() const;
   void Take() { iPlain.append(static_cast<char>(iText[iPos++].unicode())); }
+  void SkipBlanks();
+  void TakeSign();
   int TakeDigits();
+  int TakeWhole();
   void TakeExponent();
 
   QStringView iText;
+  bool iBlankGroups;
   qsizetype iPos = 0;
   QVarLengthArray<char, 64> iPlain;
 };
 
-// The next character that is no blank; 0 at the end.
-char16_t CNumberScan::Peek() {
-  while (iPos < iText.size() && (iText[iPos] == u' ' || (iText[iPos] >= u'\t' && iText[iPos] <= u'\r')))
+void CNumberScan::SkipBlanks() {
+  while (Peek() == u' ' || (Peek() >= u'\t' && Peek() <= u'\r')) ++iPos;
+}
+
+// A blank, or a no-break space wide or narrow, between two groups of digits.
+bool CNumberScan::AtGroupBlank() const {
+  const char16_t c = Peek();
+  return iBlankGroups && (c == u' ' || c == u'\u00a0' || c == u'\u202f') && AtDigit(iPos + 1);
+}
+
+void CNumberScan::TakeSign() {
+  if (Peek() == u'-')
+    Take();
+  else if (Peek() == u'+')
     ++iPos;
-  return iPos < iText.size() ? iText[iPos].unicode() : u'\0';
 }
 
 int CNumberScan::TakeDigits() {
   int count = 0;
-  for (char16_t c = Peek(); c >= u'0' && c <= u'9'; c = Peek()) {
-    Take();
-    ++count;
+  for (; AtDigit(iPos); ++count) Take();
+  return count;
+}
+
+// The digits before the point.
+int CNumberScan::TakeWhole() {
+  int count = TakeDigits();
+  while (count > 0 && AtGroupBlank()) {
+    ++iPos;
+    count += TakeDigits();
   }
   return count;
 }
@@ -44,19 +69,14 @@ int CNumberScan::TakeDigits() {
 void CNumberScan::TakeExponent() {
   const qsizetype size = iPlain.size();
   Take();
-  if (Peek() == u'-')
-    Take();
-  else if (Peek() == u'+')
-    ++iPos;
+  TakeSign();
   if (TakeDigits() == 0) iPlain.resize(size);
 }
 
 double CNumberScan::Read() {
-  if (Peek() == u'-')
-    Take();
-  else if (Peek() == u'+')
-    ++iPos;
-  int digits = TakeDigits();
+  SkipBlanks();
+  TakeSign();
+  int digits = TakeWhole();
   if (Peek() == u'.') {
     Take();
     digits += TakeDigits();
@@ -90,7 +110,7 @@ bool ReadWhole(QStringView aText, double& aReal) {
 
 } // namespace
 
-double CVelumNumScan::Read(QStringView aText) {
+double CVelumNumScan::Read(QStringView aText, bool aBlankGroups) {
   double real = 0.0;
-  return ReadWhole(aText, real) ? real : CNumberScan(aText).Read();
+  return ReadWhole(aText, real) ? real : CNumberScan(aText, aBlankGroups).Read();
 }

@@ -14,6 +14,8 @@ public:
   // stay where they are until the next call. Host error 7, with the number of the line, for one of more than
   // 64 MB.
   [[nodiscard]] bool ReadLine(QByteArrayView& aLine);
+  // Whether the next line is the first one.
+  [[nodiscard]] bool AtStart() const { return iLines == 0; }
 
 private:
   // Reads more bytes behind those not yet used; false at the end of the file.
@@ -26,7 +28,7 @@ private:
   QString iPath;
   QByteArray iBuf;
   qsizetype iPos = 0;    // first byte not yet used
-  qint64 iLines = 0;     // that have been taken, but for a last one without an end
+  qint64 iLines = 0;     // that have been taken, but for a last one without an end, behind which nothing comes
   bool iAtEnd = false;   // the system has no more
   bool iFirstEnd = true; // no line end has been seen yet
   bool iLfEnds = false;  // LF alone ends a line

@@ -40,6 +40,7 @@ QString BlobText(qint32 aId) {
   return u"(Blob "_s + QString::number(aId) + u")"_s;
 }
 
+// Half away from zero, by the decimal digits that the number is shown with.
 double RoundToDigits(double aReal, int aDigits) {
   if (aDigits == ENoShort) return aReal;
   CVelumDecimal decimal(aReal);
@@ -47,16 +48,21 @@ double RoundToDigits(double aReal, int aDigits) {
   return decimal.ToReal();
 }
 
+// The lenient scan of what the user typed.
+double LenientExtNum(const QString& aText) {
+  return CVelumNumScan::Read(aText, CVelumLocale::GroupsByBlanks());
+}
+
 // The readings below leave in aVal what they had when they failed.
 
 void ExtTextToInt(const QString& aText, TVelumValue& aVal) {
-  aVal = TVelumValue::OfInt(CVelumValue::RoundToInt(CVelumValue::LenientNum(aText)));
+  aVal = TVelumValue::OfInt(CVelumValue::RoundToInt(LenientExtNum(aText)));
   qint16 strict = 0;
   if (CVelumLocale::ToShort(aText, strict)) aVal = TVelumValue::OfInt(strict);
 }
 
 void ExtTextToReal(const QString& aText, int aDigits, TVelumValue& aVal) {
-  aVal = TVelumValue::OfReal(CVelumValue::LenientNum(aText));
+  aVal = TVelumValue::OfReal(LenientExtNum(aText));
   double strict = 0.0;
   if (CVelumLocale::ToReal(aText, strict)) aVal = TVelumValue::OfReal(RoundToDigits(strict, aDigits));
 }
@@ -356,7 +362,7 @@ QString CVelumValue::TypeStr(int aType) {
 }
 
 double CVelumValue::LenientNum(QStringView aText) {
-  return CVelumNumScan::Read(aText);
+  return CVelumNumScan::Read(aText, false);
 }
 
 qint32 CVelumValue::RoundToInt(double aReal) {

@@ -21,6 +21,9 @@ namespace CVelumValue {
 [[nodiscard]] QString ValToIntText(const TVelumValue& aVal);
 // Value tag of a control type; commands and unknown types assert.
 [[nodiscard]] int ConToValType(int aConType);
+// Never fails: what the strict conversion of the locale does not read to its end keeps what the lenient scan
+// found ("12 34" is 12; a blank by which the locale groups digits is passed over). A real is rounded to the
+// field's number of decimals, a half away from zero.
 [[nodiscard]] TVelumValue ExtTextToVal(const QString& aText, const TVelumFieldInfo& aField);
 [[nodiscard]] TVelumValue IntTextToVal(const QString& aText, const TVelumFieldInfo& aField);
 // The empty text gives an undefined value.
@@ -35,8 +38,8 @@ void Copy(const TVelumValue& aFrom, TVelumValue& aTo);
 [[nodiscard]] QString TypeStr(const TVelumValue& aVal);
 [[nodiscard]] QString TypeStr(int aType);
 
-// The lenient left-to-right numeric scan: blanks skipped, point as separator, optional exponent; stops at
-// the first character that cannot continue a number; 0 when there is none, host error 6 when it is too large.
+// The lenient left-to-right numeric scan: blanks in front skipped, point as separator, optional exponent;
+// stops at the first character that cannot continue a number, a blank too; 0 when there is none, host error 6 when it is too large.
 [[nodiscard]] double LenientNum(QStringView aText);
 // Rounded to the nearest whole number, a half to the even neighbour; host error 6 beyond 32 bits.
 [[nodiscard]] qint32 RoundToInt(double aReal);

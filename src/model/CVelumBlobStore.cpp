@@ -257,14 +257,15 @@ void CVelumBlobStore::DeleteBlob(qint32 aId) {
     CVelumError::AssertObj(blob->DynRefCount() == 1, this, u"DeleteBlob"_s, u"dynRefCount"_s);
   }
   qint32 posIndex = iIndex->ValRef(iIndex->FindIntKey(aId)).Int();
+  if (CVelumRecord::gRecorder) {
+    // With its bytes, which go with its place.
+    const Ref<CVelumBlob> going = blob ? blob : ReadFrom(OpenedFile(), PlaceAt(posIndex).iPos, aId, false);
+    CVelumRecord::gRecorder->Removed(*this, "Blob", *going, aId);
+  }
   if (posIndex != ENoInt && Flag(EBstFileBased)) DeletePlace(posIndex);
   if (blob) iCache->DeleteIntKey(aId);
   iIndex->DeleteIntKey(aId);
   iChanged = true;
-  if (CVelumRecord::gRecorder) {
-    Ref<CVelumBlob> gone = blob ? blob : MakeRef<CVelumBlob>(aId);
-    CVelumRecord::gRecorder->Removed(*this, "Blob", *gone, aId);
-  }
   if (originalId != ENoInt) {
     Ref<CVelumBlob> original = ReadBlob(originalId, false);
     DecRefCount(original);

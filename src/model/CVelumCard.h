@@ -53,6 +53,8 @@ public:
   // The card's own value (which may be an undefined one), else the control's default; with aWithZero an
   // undefined default becomes the zero of the type.
   [[nodiscard]] TVelumValue GetControlVal(qint32 aId, bool aWithZero);
+  // The own value, where reading it needs nothing to be computed; else null. Valid until the card changes.
+  [[nodiscard]] const TVelumValue* Settled(qint32 aId) const;
   // The change hub: blob counts, key indexes, order, name, dependent lists, dates. An undefined value for a
   // field without a value of its own changes nothing.
   void SetControlVal(qint32 aId, const TVelumValue& aVal);
@@ -75,6 +77,7 @@ private:
   [[nodiscard]] TVelumValue InitialVal(const CVelumControl& aControl);
   [[nodiscard]] bool StoreVal(qint32 aId, const TVelumValue& aVal);
   void CountBlob(const TVelumValue& aVal, bool aUp);
+  void DropVal(qint32 aId);
   void UpdateCardList(CVelumControl& aControl);
   [[nodiscard]] bool ValuesAscend() const;
   void SortValues();

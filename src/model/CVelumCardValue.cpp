@@ -32,6 +32,11 @@ TVelumValue CVelumCard::GetControlVal(qint32 aId, bool aWithZero) {
   return index >= 0 ? iValue.ValRef(index) : DefaultVal(aId, aWithZero);
 }
 
+const TVelumValue* CVelumCard::Settled(qint32 aId) const {
+  const qint32 index = Dirty() ? -1 : iValue.FindIntKey(aId);
+  return index >= 0 ? &iValue.ValRef(index) : nullptr;
+}
+
 TVelumValue CVelumCard::DefaultVal(qint32 aId, bool aWithZero) const {
   const CVelumControlSet* background = FindBackground();
   CVelumError::AssertObj(background, this, u"GetControlVal"_s, u"background"_s);
@@ -111,6 +116,15 @@ void CVelumCard::CountBlob(const TVelumValue& aVal, bool aUp) {
 }
 
 void CVelumCard::DeleteControlVal(qint32 aId) {
+  const Ref<CVelumControl> control = ControlById(aId);
+  const bool keyed = control && control->DynFlag(EDynKeyPart) && ControlValDef(aId);
+  if (keyed) iStack->StoreKeys(*this, aId);
+  DropVal(aId);
+  if (keyed) iStack->ReplaceKeys(*this, aId, *FindBackground());
+}
+
+// The value goes, and the keys that were built from it stay.
+void CVelumCard::DropVal(qint32 aId) {
   if (const qint32 index = iValue.FindIntKey(aId); index >= 0) {
     const TVelumValue old = iValue.ValRef(index);
     CountBlob(old, false);

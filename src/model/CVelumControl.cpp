@@ -86,6 +86,7 @@ void CVelumControl::SetConType(qint32 aConType) {
   const int oldLisType = LisType();
   Store(*this, "ConType", iConType, aConType, iChanged);
   DropStaleBoxes(oldLisType);
+  if (CVelumStack* stack = OwnerStack()) stack->ControlTypeSet(iId, aConType);
 }
 
 void CVelumControl::SetVisLines(qint16 aLines) {
@@ -122,8 +123,14 @@ void CVelumControl::SetLabel(const QString& aLabel) {
 }
 
 void CVelumControl::SetDefaultVal(const QString& aDefault) {
+  const bool other = aDefault != iDefaultVal;
   Store(*this, "DefaultVal", iDefaultVal, aDefault, iChanged);
   iListBasis = 0;
+  if (CVelumStack* stack = other ? OwnerStack() : nullptr) stack->RenewKeysOf(iId);
+}
+
+CVelumStack* CVelumControl::OwnerStack() const {
+  return iOwner ? iOwner->Stack() : nullptr;
 }
 
 void CVelumControl::SetDynFlag(qint32 aMask, bool aOn) {

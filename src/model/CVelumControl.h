@@ -56,7 +56,11 @@ public:
   [[nodiscard]] QString ObjDescr() const override;
   void SetFlags(qint32 aFlags) override;
 
+  // The background that holds this control, or null. Not counted; the background clears it.
+  [[nodiscard]] CVelumControlSet* Owner() const { return iOwner; }
+  void SetOwner(CVelumControlSet* aOwner) { iOwner = aOwner; }
   [[nodiscard]] qint32 ConType() const { return iConType; }
+  // The sort keys that the field is part of compare by the new type, and their keys are made anew.
   void SetConType(qint32 aConType);
   [[nodiscard]] qint16 VisLines() const { return iVisLines; }
   void SetVisLines(qint16 aLines);
@@ -77,6 +81,7 @@ public:
   [[nodiscard]] const QString& Label() const { return iLabel; }
   void SetLabel(const QString& aLabel);
   [[nodiscard]] const QString& DefaultVal() const { return iDefaultVal; }
+  // The keys of sort keys that the field is part of are made anew.
   void SetDefaultVal(const QString& aDefault);
   [[nodiscard]] qint32 DynFlags() const { return iDynFlags; }
   [[nodiscard]] bool DynFlag(qint32 aMask) const { return (iDynFlags & aMask) != 0; }
@@ -158,7 +163,9 @@ private:
   void ReadListColXml(CVelumXmlParser& aParser);
   [[nodiscard]] QList<CVelumControl*> CardListCols(const CVelumControlSet& aBackground) const;
   void DefineListColumns(CVelumStack* aStack, bool aWithIds);
+  [[nodiscard]] CVelumStack* OwnerStack() const;
 
+  CVelumControlSet* iOwner = nullptr;
   qint32 iConType = EConText;
   qint32 iDynFlags = 0;
   quint32 iListBasis = 0;

@@ -44,6 +44,16 @@ CVelumControlSet::CVelumControlSet(const QString& aName, qint32 aId) : CVelumCon
   iFlags = ECseCardNameInList | ECseShowCardName;
 }
 
+CVelumControlSet::~CVelumControlSet() {
+  SetOwners(nullptr);
+}
+
+void CVelumControlSet::SetOwners(CVelumControlSet* aOwner) {
+  // What was read may be no controls.
+  for (qint32 i = 0; i < NumControls(); ++i)
+    if (auto* control = dynamic_cast<CVelumControl*>(iSet->ValRef(i).Obj())) control->SetOwner(aOwner);
+}
+
 QString CVelumControlSet::ObjDescr() const {
   return u"CVelumControlSet name="_s + iName;
 }
@@ -133,6 +143,7 @@ void CVelumControlSet::AddControl(const Ref<CVelumControl>& aControl, qint32 aBe
   iSet->CreateAt(NewElem(*iSet, TVelumValue::OfObj(EValControl, aControl)), place);
   iIdIndex->AdjustInt(place, 1);
   iIdIndex->CreateIntKey(NewElem(*iIdIndex, TVelumValue::OfInt(place), id));
+  aControl->SetOwner(this);
   iChanged = true;
   CVelumRecord::Added(*this, "Control", *aControl, place);
 }
@@ -142,8 +153,10 @@ void CVelumControlSet::DeleteControl(qint32 aId) {
   CVelumError::AssertObj(pos >= 0, this, u"DeleteControl"_s, u"DeleteControl found"_s);
   if (pos < 0) return;
   const qint32 place = iIdIndex->ValRef(pos).Int();
-  if (const CVelumControl* control = ControlAt(place))
+  if (CVelumControl* control = ControlAt(place)) {
     CVelumRecord::Removed(*this, "Control", *control, place);
+    control->SetOwner(nullptr);
+  }
   iIdIndex->DeleteIntKey(aId);
   iIdIndex->AdjustInt(place + 1, -1);
   iSet->DeleteAt(place);
@@ -227,6 +240,7 @@ void CVelumControlSet::CheckLoaded() {
   CheckSet();
   const bool agrees = IdIndexAgrees();
   if (DropEmptySlots() > 0 || !agrees) RebuildIdIndex();
+  SetOwners(this);
   if (!agrees) iLoadProblem = ObjDescr() + u": the index of the field ids was wrong"_s;
 }
 

@@ -18,6 +18,7 @@ class CVelumControlSet final : public CVelumScripted {
 public:
   CVelumControlSet();
   CVelumControlSet(const QString& aName, qint32 aId);
+  ~CVelumControlSet() override;
 
   [[nodiscard]] QString ObjDescr() const override;
   [[nodiscard]] const QString& Descr() const { return iDescr; }
@@ -69,6 +70,7 @@ public:
 
 private:
   void CheckLoaded();
+  void SetOwners(CVelumControlSet* aOwner);
   void CheckSet() const;
   [[nodiscard]] qint32 DropEmptySlots();
   [[nodiscard]] bool IdIndexAgrees() const;

@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumCollation.h"
+#include "core/CVelumDecimal.h"
 #include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
@@ -11,22 +12,32 @@
 #include "model/CVelumRecorder.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <cmath>
 
 namespace {
 constexpr int ETypeId = 9;
 constexpr int EGen = 0;
 constexpr int EIdWidth = 10;
-constexpr int EUsualLen = 40; // of a key with one text
 const QString EPart = u"Part"_s;
 
 // Results of Compare, as the array's binary search takes them.
 enum EOrder : int { EBefore = 0, EEqual = 1, EAfter = 2 };
 
+// A text that is no key of a number, as a field that had another type leaves them, can be too large for one.
+double NumOf(QStringView aText) {
+  try {
+    return CVelumValue::LenientNum(aText);
+  } catch (const CVelumException&) {
+    return aText.startsWith(u'-') ? -HUGE_VAL : HUGE_VAL;
+  }
+}
+
 // Negative, 0 or positive; whole numbers are compared as doubles, so that no text can overflow.
 int CompareNum(QStringView aA, QStringView aB, bool aWhole) {
-  double a = CVelumValue::LenientNum(aA);
-  double b = CVelumValue::LenientNum(aB);
+  double a = NumOf(aA);
+  double b = NumOf(aB);
   if (aWhole) {
     a = std::nearbyint(a);
     b = std::nearbyint(b);
@@ -34,31 +45,47 @@ int CompareNum(QStringView aA, QStringView aB, bool aWhole) {
   return a < b ? -1 : a > b ? 1 : 0;
 }
 
-// Keys are built by the million, so each is written into one piece of memory.
-void AppendUpper(QStringView aText, QString& aKey) {
-  const qsizetype start = aKey.size();
-  aKey += aText;
-  for (QChar* c = aKey.data() + start; c != aKey.data() + aKey.size(); ++c) {
-    if (c->unicode() > 127) {
-      aKey.truncate(start);
-      aKey += CVelumLib::ToUpperByLetter(aText.toString());
+// Keys are built by the million, so each is written into one piece of memory. aTo has room for aLen
+// characters, of which those behind the text stay as they are.
+
+void WriteText(QStringView aText, QChar* aTo, qsizetype aLen) {
+  const QStringView text = aText.left(aLen);
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    const char16_t c = text[i].unicode();
+    if (c > 127) {
+      const QString upper = CVelumLib::ToUpperByLetter(text.toString());
+      std::copy(upper.begin(), upper.end(), aTo);
       return;
     }
-    if (*c >= u'a' && *c <= u'z') *c = QChar(static_cast<char16_t>(c->unicode() - u'a' + u'A'));
+    aTo[i] = QChar(static_cast<char16_t>(c >= u'a' && c <= u'z' ? c - u'a' + u'A' : c));
   }
 }
 
-void AppendId(qint32 aId, QString& aKey) {
-  if (aId < 0) {
-    aKey += CVelumLib::RightAlignNum(aId, EIdWidth);
-    return;
+// Pairs stand in damaged files only, and have no text.
+void WritePart(const TVelumValue& aVal, QChar* aTo, qsizetype aLen) {
+  if (aVal.Type() == EValStr) {
+    WriteText(aVal.Str(), aTo, aLen);
+  } else if (aVal.Type() == EValInt) {
+    std::array<char, 12> text;
+    const auto end = std::to_chars(text.data(), text.data() + text.size(), aVal.Int());
+    std::transform(text.data(), text.data() + std::min<qsizetype>(end.ptr - text.data(), aLen), aTo,
+                   [](char aChar) { return QLatin1Char(aChar); });
+  } else if (aVal.Type() == EValReal && std::isfinite(aVal.Real())) {
+    WriteText(CVelumDecimal(aVal.Real()).ToText(aLen), aTo, aLen);
+  } else if (aVal.Type() != EValIntPair) {
+    WriteText(CVelumValue::ValToIntText(aVal), aTo, aLen);
   }
-  aKey.resize(aKey.size() + EIdWidth, u' ');
-  QChar* c = aKey.data() + aKey.size();
+}
+
+// At the right end of EIdWidth characters.
+void WriteId(qint32 aId, QChar* aTo) {
+  QChar* c = aTo + EIdWidth;
+  qint64 rest = std::abs(qint64{aId});
   do {
-    *--c = QChar(static_cast<char16_t>(u'0' + aId % 10));
-    aId /= 10;
-  } while (aId > 0);
+    *--c = QChar(static_cast<char16_t>(u'0' + rest % 10));
+    rest /= 10;
+  } while (rest > 0 && c > aTo);
+  if (aId < 0 && c > aTo) *--c = u'-';
 }
 } // namespace
 
@@ -138,20 +165,46 @@ void CVelumSortKey::RecordParts(const QString& aOld) {
                                        TVelumValue::OfStr(RecordedParts()));
 }
 
+bool CVelumSortKey::CanBuild(const CVelumControlSet* aBackground) const {
+  return aBackground &&
+         std::all_of(iKeyPart, iKeyPart + iNumKeyPart, [aBackground](const TVelumKeyPart& aPart) {
+           const CVelumControl* control = aBackground->FindControl(aPart.iControlId);
+           return control && control->ConType() >= EConText && control->ConType() <= EConPicture;
+         });
+}
+
 QString CVelumSortKey::BuildKey(CVelumCard& aCard) const {
+  QString key;
+  BuildKey(aCard, key);
+  return key;
+}
+
+void CVelumSortKey::BuildKey(CVelumCard& aCard, QString& aKey) const {
   if (aCard.BackgroundId() != iBackgroundId)
     CVelumError::AssertObj(false, this, u"BuildKey"_s, u"background"_s);
-  QString key;
-  key.reserve(EUsualLen);
+  qsizetype len = EIdWidth;
+  for (qint32 i = 0; i < iNumKeyPart; ++i) len += std::max<qsizetype>(iKeyPart[i].iLen, 0);
+  aKey.resize(len);
+  QChar* to = aKey.data();
+  std::fill(to, to + len, u' ');
   for (qint32 i = 0; i < iNumKeyPart; ++i) {
     const TVelumKeyPart& part = iKeyPart[i];
-    const qsizetype len = std::max<qsizetype>(part.iLen, 0);
-    const QString text = CVelumValue::ValToIntText(aCard.GetControlVal(part.iControlId, false));
-    AppendUpper(QStringView(text).left(len), key);
-    key.resize(key.size() + std::max<qsizetype>(len - text.size(), 0), u' ');
+    const qsizetype width = std::max<qsizetype>(part.iLen, 0);
+    if (const TVelumValue* own = aCard.Settled(part.iControlId))
+      WritePart(*own, to, width);
+    else
+      WritePart(aCard.GetControlVal(part.iControlId, false), to, width);
+    to += width;
   }
-  AppendId(aCard.Id(), key);
-  return key;
+  WriteId(aCard.Id(), to);
+}
+
+void CVelumSortKey::SetControlType(qint32 aControlId, qint32 aConType) {
+  if (!ControlOccurs(aControlId) || aConType < EConText || aConType > EConBoolean) return;
+  const QString old = RecordedParts();
+  for (qint32 i = 0; i < iNumKeyPart; ++i)
+    if (iKeyPart[i].iControlId == aControlId) iKeyPart[i].iType = aConType;
+  RecordParts(old);
 }
 
 bool CVelumSortKey::ControlOccurs(qint32 aId) const {

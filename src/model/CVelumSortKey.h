@@ -4,6 +4,7 @@
 #include "core/CVelumArray.h"
 
 class CVelumCard;
+class CVelumControlSet;
 
 enum EWay : qint32 { EWayAscending = 0, EWayDescending = 1 };
 
@@ -15,8 +16,9 @@ struct TVelumKeyPart {
   qint16 iPos = 0; // its offset there
 };
 
-// Turns a card into a key string (each part iLen wide, then the card's id right-aligned in 10) and compares
-// two such strings part by part.
+// Turns a card into a key string and compares two such strings part by part. A key string has each part iLen
+// wide, cut or filled with blanks, in upper case, then the card's id right-aligned in 10. A real that is too
+// long loses digits at its end, never its exponent.
 class CVelumSortKey final : public CVelumKeyOrder {
 public:
   static constexpr int EMaxParts = 6;
@@ -36,7 +38,13 @@ public:
   void AddKeyPart(qint32 aType, qint32 aControlId, qint32 aWay, qint16 aLen);
   [[nodiscard]] int Compare(const QString& aKey1, const QString& aKey2) const override;
   void Clear();
+  // Whether keys can be built: the background, which may be null, has all fields of the parts.
+  [[nodiscard]] bool CanBuild(const CVelumControlSet* aBackground) const;
   [[nodiscard]] QString BuildKey(CVelumCard& aCard) const;
+  // The same into aKey, whose memory is used again.
+  void BuildKey(CVelumCard& aCard, QString& aKey) const;
+  // The field is of another type; a type that cannot be sorted leaves the parts as they are.
+  void SetControlType(qint32 aControlId, qint32 aConType);
   [[nodiscard]] bool ControlOccurs(qint32 aId) const;
   [[nodiscard]] bool GetFirstKeyPart(TVelumKeyPart& aPart, qint32& aIndex) const;
   [[nodiscard]] bool GetNextKeyPart(TVelumKeyPart& aPart, qint32& aIndex) const;

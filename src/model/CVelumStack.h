@@ -6,6 +6,7 @@
 #include "model/CVelumCardFinder.h"
 #include "model/CVelumCardOrder.h"
 #include "model/CVelumIdGen.h"
+#include "model/CVelumIndexSum.h"
 #include "model/CVelumModel.h"
 #include "model/CVelumSortKey.h"
 
@@ -136,8 +137,8 @@ public:
   // happens where one of them has a key of its own.
   void CloseGap(qint32 aFirst);
 
-  // What the last load found wrong with the indexes, a line each (at most 100); it does not keep a stack from
-  // being used, as every lookup is safe.
+  // What the last load found wrong with the indexes, a line each (at most 100, and one that says that there
+  // are more). Entries of names and keys that differed from what the cards give have been made anew.
   [[nodiscard]] const QStringList& LoadProblems() const { return iLoadProblems; }
 
   // Read access to the indexes, for checks.
@@ -153,7 +154,23 @@ public:
   void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
-  friend class CVelumCard; // the change hub
+  friend class CVelumCard;    // the change hub
+  friend class CVelumControl; // tells what keys depend on
+
+  // Of a key index, what the cards of its background give.
+  struct TKeySum {
+    CVelumArray* iIndex;
+    const CVelumSortKey* iKey;
+    const CVelumControlSet* iBackground;
+    CVelumIndexSum iCards;
+  };
+  // Taken while a stack is loaded.
+  struct TIndexSums {
+    CVelumIndexSum iNames;
+    std::vector<TKeySum> iKeys;
+    QString iText; // a key that is being built
+  };
+  static constexpr qsizetype EMaxProblems = 100;
 
   // Asks for the memory of the cards that a walk comes to next. aIds begin with the card before aIndex.
   void FetchAhead(std::span<const qint32> aIds, qint32 aIndex) const;
@@ -163,6 +180,11 @@ private:
   void StoreKeys(CVelumCard& aCard, qint32 aControlId);
   void ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumControlSet& aBackground);
   void TakeName(CVelumCard& aCard, const QString& aName);
+  // The keys that a field is part of are made anew, for all cards at once: what its missing values stand for
+  // has changed.
+  void RenewKeysOf(qint32 aControlId);
+  // The same when the field has got another type, by which its values compare.
+  void ControlTypeSet(qint32 aControlId, qint32 aConType);
   // Lists that are computed from lists nest; false when too deep. What goes stale meanwhile does so when the
   // outermost update is left, and the cards that were computed in it stay clean: lists that select each other
   // would otherwise be computed without end.
@@ -178,8 +200,14 @@ private:
   [[nodiscard]] qint32 PlaceCard(const Ref<CVelumCard>& aCard);
   void DropHalfAdded(CVelumCard& aCard, CVelumControlSet& aBackground, bool aByKey);
   void AddName(const CVelumCard& aCard);
-  void AddKey(CVelumCard& aCard, CVelumControlSet& aBackground);
   void RemoveName(const CVelumCard& aCard);
+  void WriteNameField(CVelumCard& aCard);
+  void AddKey(CVelumCard& aCard, CVelumControlSet& aBackground);
+  void RemoveKey(CVelumCard& aCard, CVelumControlSet& aBackground);
+  // Whether the cards of a background stand in the order of the index.
+  [[nodiscard]] static bool IsKeptBy(const CVelumControlSet& aBackground, const CVelumArray& aIndex);
+  void FillKeys(CVelumArray& aIndex, const CVelumSortKey& aKey);
+  [[nodiscard]] bool FollowKeys(const CVelumControlSet& aBackground, const CVelumArray& aIndex);
   [[nodiscard]] Ref<CVelumCard> FirstOfKept(const Ref<CVelumCard>& aCard) const;
   [[nodiscard]] Ref<CVelumCard> KnownBefore(const Ref<CVelumCard>& aBeforeCard,
                                             const CVelumCard& aCard) const;
@@ -191,7 +219,8 @@ private:
   [[nodiscard]] Ref<CVelumCard> NextByKey(const CVelumArray& aKeyIndex, qint32 aIndex) const;
   void SetOrder(const std::vector<qint32>& aIds);
   void SortIntoIndex(CVelumArray& aIndex, const CVelumSortKey& aKey, qint32 aBackgroundId);
-  void CheckOrderIndex();
+  void CheckOrderIndex(const TIndexSums& aSums);
+  void RenewStaleKeys(const TKeySum& aSum);
   void CheckOrderIndexFor(CVelumControlSet& aBackground);
   void SwapForCorrection(qint32 aSlot, const CVelumCard& aCard1);
   void ReportAllChanged(const CVelumControlSet& aBackground);
@@ -210,12 +239,15 @@ private:
   void CheckArrays() const;
   void LinkLoaded();
   void LinkBackgrounds();
-  void LinkCards();
+  void LinkCards(TIndexSums& aSums);
   void MendCard(CVelumCard& aCard, qint32 aId, qint32 aNum);
   [[nodiscard]] std::vector<qint32> LinkOrder();
-  void MendNames();
   void LinkKeys();
+  [[nodiscard]] TIndexSums BeginSums() const;
+  static void SumUp(CVelumCard& aCard, TIndexSums& aSums);
+  void MendNames(const TIndexSums& aSums);
   void NoteProblem(const QString& aText);
+  void NoteProblems(const QStringList& aTexts);
   void NewListBasis() { ++iListBasis; }
 
   QString iDescr;
@@ -234,12 +266,12 @@ private:
   qint32 iLastChangedIn =
       ENoInt; // the last changed card is the last one of this background; ENoInt: iChangeInfo
   qint32 iOrderCorrections = 0;
+  static constexpr int ECardsMoved = 5; // kind of ChangeNotify
   static constexpr qint32 EBulkOff = std::numeric_limits<qint32>::max();
   qint32 iBulkStart = EBulkOff; // id of the first card added in bulk mode
   int iListUpdates = 0;
   std::vector<Ref<CVelumCard>> iListRun; // cards whose lists were computed in the outermost update
   bool iListsStale = false;              // SetCardListsDirty was called in it
-  int iNamePasses = 0;
   quint32 iListBasis = 1;
   CVelumCardFinder iCardFinder;
   QStringList iLoadProblems;

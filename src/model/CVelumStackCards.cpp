@@ -1,6 +1,5 @@
-// Cards enter, leave and get other names.
+// Cards enter and leave.
 #include "core/CVelumChecked.h"
-#include "core/CVelumValue.h"
 #include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
 
@@ -39,7 +38,7 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
       AddKey(card, background);
     else
       InsertCardOrder(aCard, before);
-    if (!InBulk(card)) AddName(card);
+    AddName(card);
   } catch (...) {
     DropHalfAdded(card, background, byKey);
     throw;
@@ -82,39 +81,6 @@ qint32 CVelumStack::PlaceCard(const Ref<CVelumCard>& aCard) {
   return iCard->CreateAtEnd(elem);
 }
 
-void CVelumStack::AddName(const CVelumCard& aCard) {
-  TVelumElem elem;
-  iNameIndex->InitElem(elem);
-  elem.iStrKey = aCard.Name();
-  elem.iVal = TVelumValue::OfInt(aCard.Id());
-  iNameIndex->CreateStrKey(elem);
-}
-
-// The entry of the card itself. Of very many cards of one name any entry goes.
-void CVelumStack::RemoveName(const CVelumCard& aCard) {
-  constexpr qint32 most = 200;
-  TVelumElem elem;
-  qint32 next = 0;
-  if (iNameIndex->ReadByStrKey(aCard.Name(), elem, next)) {
-    for (qint32 i = qMax(next - most, 0); i < qMin(next + most, iNameIndex->Count()); ++i) {
-      if (iNameIndex->ValRef(i).Int() != aCard.Id() || iNameIndex->StrKeyAt(i) != aCard.Name()) continue;
-      iNameIndex->DeleteAt(i);
-      return;
-    }
-  }
-  iNameIndex->DeleteStrKey(aCard.Name());
-}
-
-void CVelumStack::AddKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
-  CVelumArray& index = CVelumChecked::Deref(aBackground.KeyIndex());
-  const Ref<CVelumSortKey> key = SortKey(index.SortKeyId());
-  TVelumElem elem;
-  index.InitElem(elem);
-  elem.iStrKey = CVelumChecked::Deref(key).BuildKey(aCard);
-  elem.iVal = TVelumValue::OfInt(aCard.Id());
-  PlaceByKey(&aCard, true, index, index.CreateStrKey(elem));
-}
-
 void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
   // aCard may be one that goes.
   const Ref<CVelumCard> card = aCard; // NOLINT(performance-unnecessary-copy-initialization)
@@ -123,14 +89,11 @@ void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
   CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card->BackgroundId()));
   CVelumError::Assert(FindCard(card->Id()) == card.Get(), u"DeleteCard card"_s);
   if (FindCard(card->Id()) != card.Get()) return;
-  if (background.Flag(ECseKeepCardsSorted) && !InBulk(*card)) {
-    CVelumArray& index = CVelumChecked::Deref(background.KeyIndex());
-    index.DeleteStrKey(CVelumChecked::Deref(SortKey(index.SortKeyId())).BuildKey(*card));
-  }
+  if (background.Flag(ECseKeepCardsSorted)) RemoveKey(*card, background);
   for (qint32 i = 0; i < background.NumControls(); ++i)
-    if (const CVelumControl* control = background.ControlAt(i)) card->DeleteControlVal(control->Id());
+    if (const CVelumControl* control = background.ControlAt(i)) card->DropVal(control->Id());
   CVelumRecord::Removed(*this, "Card", *card, card->Id());
-  if (!InBulk(*card)) RemoveName(*card);
+  RemoveName(*card);
   RemoveCardOrder(*card);
   background.SetNumCards(background.NumCards() - 1);
   iCard->SetObj(card->Id(), nullptr);
@@ -144,32 +107,6 @@ void CVelumStack::DeleteAllCards() {
   Ref<CVelumCard> card;
   while (OrderFirst(card)) DeleteCard(card);
   iChangeInfo.iCardListChanged = true;
-}
-
-void CVelumStack::RenameCard(const Ref<CVelumCard>& aCard, const QString& aName) {
-  CVelumCard& card = CVelumChecked::Deref(aCard);
-  CVelumError::Assert(card.Stack() == this, u"RenameCard stack"_s);
-  if (card.Stack() != this) return;
-  if (!InBulk(card)) RemoveName(card);
-  card.SetName(aName);
-  if (!InBulk(card)) AddName(card);
-  Ref<CVelumControl> control;
-  const CVelumControlSet& background = CVelumChecked::Deref(FindBackground(card.BackgroundId()));
-  if (background.GetControlByFlag(EConCardName, control))
-    card.SetControlVal(control->Id(), CVelumValue::ExtTextToVal(aName, control->FieldInfo()));
-  SetCardListsDirty(nullptr);
-}
-
-// The value of a card-name field became aName. The name, written back into the field, can become another
-// text once more ("007" in a number field); the second time that it differs is the last.
-void CVelumStack::TakeName(CVelumCard& aCard, const QString& aName) {
-  if (aName == aCard.Name() || iNamePasses >= 2) return;
-  struct TPass {
-    int& iPasses;
-    explicit TPass(int& aPasses) : iPasses(aPasses) { ++iPasses; }
-    ~TPass() { --iPasses; }
-  } pass(iNamePasses);
-  RenameCard(&aCard, aName);
 }
 
 void CVelumStack::DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) {
@@ -213,8 +150,8 @@ void CVelumStack::DeleteKeysOf(qint32 aBackgroundId) {
 void CVelumStack::DeleteControl(qint32 aId, const Ref<CVelumControlSet>& aBackground) {
   CVelumControlSet& background = CVelumChecked::Deref(aBackground);
   for (qint32 i = 0; i < iCard->Count(); ++i)
-    if (CVelumCard* card = FindCard(i); card && card->BackgroundId() == background.Id())
-      card->DeleteControlVal(aId);
+    if (CVelumCard* card = FindCard(i); card && card->BackgroundId() == background.Id()) card->DropVal(aId);
+  RenewKeysOf(aId);
   background.DeleteControl(aId);
 }
 

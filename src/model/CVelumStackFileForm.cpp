@@ -13,9 +13,7 @@ namespace {
 constexpr int ETypeId = 3;
 constexpr int EGen = 4;
 constexpr int EViewTypeId = 4;
-constexpr qsizetype EMaxProblems = 100;
 constexpr qint32 EKeyBits = EArrStrKey | EArrIntKey;
-constexpr qint32 ENameFlags = EArrStrKey | EArrDuplicates | EArrExactCase;
 const QString EProc = u"CVelumStack.Internalize"_s;
 
 Ref<CVelumArray> ReadArray(CVelumFile& aFile) {
@@ -58,11 +56,12 @@ void CVelumStack::LinkLoaded() {
   CheckArrays();
   iLoadProblems.clear();
   LinkBackgrounds();
-  LinkCards();
-  MendNames();
   LinkKeys();
+  TIndexSums sums = BeginSums();
+  LinkCards(sums);
+  MendNames(sums);
   SetControlDynFlags();
-  CheckOrderIndex();
+  CheckOrderIndex(sums);
   BuildCardFinder();
   iOrder.SetChanged(false);
   iChanged = false;
@@ -89,7 +88,10 @@ void CVelumStack::CheckArrays() const {
 }
 
 void CVelumStack::NoteProblem(const QString& aText) {
-  if (iLoadProblems.size() < EMaxProblems) iLoadProblems.append(aText);
+  if (iLoadProblems.size() < EMaxProblems)
+    iLoadProblems.append(aText);
+  else if (iLoadProblems.size() == EMaxProblems)
+    iLoadProblems.append(u"There are more such problems"_s);
 }
 
 void CVelumStack::LinkBackgrounds() {
@@ -105,7 +107,7 @@ void CVelumStack::LinkBackgrounds() {
 
 // Every card has its place as id, a background, and a place in the order. One walk for all: the cards of a
 // large stack do not stay in the processor's cache from one walk to the next.
-void CVelumStack::LinkCards() {
+void CVelumStack::LinkCards(TIndexSums& aSums) {
   const std::vector<qint32> nums = LinkOrder();
   CVelumControlSet* background = nullptr;
   for (qint32 i = 0; i < iCard->Count(); ++i) {
@@ -119,6 +121,7 @@ void CVelumStack::LinkCards() {
     background->SetNumCards(background->NumCards() + 1);
     iOrder.AddBit(i, CVelumCardOrder::BackgroundBit(background->Id()));
     MendCard(*card, i, nums[size_t(i)]);
+    SumUp(*card, aSums);
   }
 }
 
@@ -170,17 +173,6 @@ std::vector<qint32> CVelumStack::LinkOrder() {
     iOrder.InsertAt(iOrder.Count(), id, NumBefore(iOrder.Count()), 0);
   }
   return nums;
-}
-
-// Older versions wrote the index in collation order; with other flags cards could not be added or found by
-// name.
-void CVelumStack::MendNames() {
-  const qint32 flags = iNameIndex->Flags();
-  if (flags == ENameFlags) return;
-  if ((flags | EArrExactCase) != ENameFlags) NoteProblem(u"The name index had the flags %1"_s.arg(flags));
-  iNameIndex->SetFlags(ENameFlags);
-  iNameIndex->EnsureSorted();
-  iNameIndex->SetChanged(true);
 }
 
 void CVelumStack::LinkKeys() {

@@ -13,7 +13,6 @@ constexpr qint32 ECardAhead = 24;
 constexpr qint32 EValuesAhead = 14;
 constexpr qint32 ETextsAhead = 5;
 constexpr qint32 EMostValues = 32;
-constexpr int ECardsMoved = 5; // kind of ChangeNotify
 
 TVelumElem OrderElem(const CVelumArray& aArray, const QString& aKey, qint32 aId) {
   TVelumElem elem;
@@ -345,73 +344,4 @@ void CVelumStack::NewIndexForSortKey(const Ref<CVelumSortKey>& aSortKey) {
   AddKeyIndex(index);
   CVelumChecked::Deref(background).SetKeyIndexId(index->Id());
   Sort(background, aSortKey, nullptr, true);
-}
-
-// Keys of cards whose values change.
-
-void CVelumStack::StoreKeys(CVelumCard& aCard, qint32 aControlId) {
-  if (InBulk(aCard)) return;
-  for (qint32 i = 0; i < iSortKey->Count(); ++i)
-    if (CVelumSortKey* key = SortKeyAt(i); key && key->ControlOccurs(aControlId))
-      key->SetStoredKey(key->BuildKey(aCard));
-}
-
-void CVelumStack::ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumControlSet& aBackground) {
-  if (InBulk(aCard)) return;
-  for (qint32 i = 0; i < iKeyIndex->Count(); ++i) {
-    const Ref<CVelumArray> index = KeyIndexAt(i);
-    const Ref<CVelumSortKey> key = index ? SortKey(index->SortKeyId()) : nullptr;
-    if (!key || !key->ControlOccurs(aControlId)) continue;
-    const QString newKey = key->BuildKey(aCard);
-    if (newKey == key->StoredKey()) continue;
-    index->DeleteStrKey(key->StoredKey());
-    const qint32 at = index->CreateStrKey(OrderElem(*index, newKey, aCard.Id()));
-    if (aBackground.Flag(ECseKeepCardsSorted) && aBackground.KeyIndexId() == index->Id())
-      PlaceByKey(&aCard, false, *index, at);
-  }
-}
-
-// After a load.
-
-void CVelumStack::CheckOrderIndex() {
-  iOrderCorrections = 0;
-  Ref<CVelumControlSet> background;
-  qint32 index = 0;
-  while (GetNextBackground(background, index))
-    if (background->Flag(ECseKeepCardsSorted)) CheckOrderIndexFor(*background);
-}
-
-void CVelumStack::CheckOrderIndexFor(CVelumControlSet& aBackground) {
-  const QString proc = u"CheckOrderIndexFor"_s;
-  Ref<CVelumCard> card;
-  qint32 slot = 0;
-  if (!GetFirstCardInBackground(aBackground.Id(), card, slot)) return;
-  --slot;
-  const CVelumArray& keyIndex = CVelumChecked::Deref(aBackground.KeyIndex());
-  for (qint32 i = 0; i < keyIndex.Count(); ++i) {
-    // A file that is cut short leaves keys without a card; what is missing behind it is told by the reader.
-    if (keyIndex.ValRef(i).Type() == EValUndef) continue;
-    CVelumError::AssertObj(slot < iOrder.Count(), this, proc, u"orderElem parallel"_s);
-    if (slot >= iOrder.Count()) return;
-    const qint32 id = keyIndex.ValRef(i).Int();
-    if (iOrder.IdAt(slot) != id) {
-      const CVelumCard* card1 = FindCard(id);
-      CVelumError::ThrowBadStruct(card1, this, u"CVelumStack."_s + proc, u"card"_s);
-      SwapForCorrection(slot, *card1);
-    }
-    ++slot;
-  }
-}
-
-// Brings aCard1 into the slot, and the card of the slot to where aCard1 stood.
-void CVelumStack::SwapForCorrection(qint32 aSlot, const CVelumCard& aCard1) {
-  const QString proc = u"CheckOrderIndexFor"_s;
-  const qint32 pos = iOrder.PosOf(aCard1.Id());
-  CVelumError::AssertObj(pos >= 0, this, proc, u"orderElem1"_s);
-  if (pos < 0) return;
-  CVelumError::AssertObj(pos > aSlot, this, proc, u"back correction"_s);
-  const qint32 id2 = iOrder.IdAt(aSlot);
-  iOrder.SetIdAt(aSlot, aCard1.Id());
-  iOrder.SetIdAt(pos, id2);
-  ++iOrderCorrections;
 }

@@ -1,6 +1,5 @@
 #include "persist/CVelumStackCheck.h"
 
-#include "core/CVelumCollation.h"
 #include "core/CVelumValue.h"
 #include "persist/CVelumBlobCheck.h"
 #include "persist/CVelumLayoutCheck.h"
@@ -8,7 +7,7 @@
 namespace {
 
 QString CardText(const CVelumCard& aCard) {
-  return u"card %1 '%2'"_s.arg(aCard.Id()).arg(aCard.Name());
+  return CVelumIndexCheck::CardText(aCard);
 }
 
 QString FieldText(const CVelumControlSet& aBackground, const CVelumControl& aControl) {
@@ -35,17 +34,6 @@ Ref<CVelumArray> FindKeyIndex(const CVelumStack& aStack, qint32 aId) {
   return nullptr;
 }
 
-// Whether the key of a card can be built: missing fields ask the user.
-bool CanBuildKeys(const CVelumStack& aStack, const CVelumSortKey& aKey) {
-  const Ref<CVelumControlSet> background = aStack.Background(aKey.BackgroundId());
-  TVelumKeyPart part;
-  qint32 index = 0;
-  for (bool found = aKey.GetFirstKeyPart(part, index); found; found = aKey.GetNextKeyPart(part, index)) {
-    if (!background || !background->FindControl(part.iControlId)) return false;
-  }
-  return true;
-}
-
 bool HasValue(const CVelumControl& aControl) {
   return aControl.ConType() != EConCommand;
 }
@@ -56,8 +44,8 @@ QStringList CVelumStackCheck::Run() {
   iProblems = iStack.LoadProblems();
   CheckBackgrounds();
   CheckCards();
-  CheckOrderIndex();
-  CheckNameIndex();
+  iProblems += iIndexes.Order();
+  iProblems += iIndexes.Names();
   CheckSortKeys();
   CheckKeyIndexes();
   CVelumBlobCheck blobs(iStack);
@@ -172,53 +160,6 @@ void CVelumStackCheck::CheckValue(const CVelumCard& aCard, const CVelumControlSe
         CardText(aCard), control->Name(), CVelumValue::TypeStr(aVal), control->TypeStr()));
 }
 
-Ref<CVelumCard> CVelumStackCheck::IndexedCard(const QString& aEntry, qint32 aId, QBitArray& aSeen) {
-  Ref<CVelumCard> card = iStack.GetCardById(aId);
-  if (!card) {
-    Add(u"%1 stands for card %2, which does not exist"_s.arg(aEntry).arg(aId));
-    return nullptr;
-  }
-  if (aSeen.testBit(aId)) Add(u"%1 stands for %2, which was there before"_s.arg(aEntry, CardText(*card)));
-  aSeen.setBit(aId);
-  return card;
-}
-
-void CVelumStackCheck::CheckAllSeen(const QString& aIndex, const QBitArray& aSeen) {
-  for (qint32 i = 0; i < iStack.Cards().Count(); ++i) {
-    const Ref<CVelumCard> card = iStack.GetCardById(i);
-    if (card && !aSeen.testBit(i)) Add(u"%1: is missing in the %2"_s.arg(CardText(*card), aIndex));
-  }
-}
-
-void CVelumStackCheck::CheckOrderIndex() {
-  const CVelumArray& order = iStack.OrderIndex();
-  QBitArray seen(iStack.Cards().Count());
-  for (qint32 i = 0; i < order.Count(); ++i) {
-    const qint32 num = order.IntKeyAt(i);
-    const QString entry = u"order index: number %1"_s.arg(num);
-    if (i > 0 && num <= order.IntKeyAt(i - 1))
-      Add(u"%1 stands behind %2"_s.arg(entry).arg(order.IntKeyAt(i - 1)));
-    const Ref<CVelumCard> card = IndexedCard(entry, order.ValRef(i).Int(), seen);
-    if (card && card->OrderNum() != num)
-      Add(u"%1 stands for %2, which has the number %3"_s.arg(entry, CardText(*card)).arg(card->OrderNum()));
-  }
-  CheckAllSeen(u"order index"_s, seen);
-}
-
-void CVelumStackCheck::CheckNameIndex() {
-  const CVelumArray& names = iStack.NameIndex();
-  QBitArray seen(iStack.Cards().Count());
-  for (qint32 i = 0; i < names.Count(); ++i) {
-    const QString& name = names.StrKeyAt(i);
-    const QString entry = u"name index: '%1'"_s.arg(name);
-    if (i > 0 && CVelumCollation::CompareBin(names.StrKeyAt(i - 1), name) > 0)
-      Add(u"%1 stands behind '%2'"_s.arg(entry, names.StrKeyAt(i - 1)));
-    const Ref<CVelumCard> card = IndexedCard(entry, names.ValRef(i).Int(), seen);
-    if (card && card->Name() != name) Add(u"%1 stands for %2"_s.arg(entry, CardText(*card)));
-  }
-  CheckAllSeen(u"name index"_s, seen);
-}
-
 void CVelumStackCheck::CheckSortKeys() {
   Ref<CVelumSortKey> key;
   qint32 index = 0;
@@ -258,32 +199,10 @@ void CVelumStackCheck::CheckKeyIndexes() {
     CheckId(keyIndex->Id(), name);
     const Ref<CVelumSortKey> key = FindSortKey(iStack, keyIndex->SortKeyId());
     if (key)
-      CheckKeyIndex(*keyIndex, *key);
+      iProblems += iIndexes.Keys(*keyIndex, *key);
     else
       Add(u"%1: its sort key %2 does not exist"_s.arg(name).arg(keyIndex->SortKeyId()));
   }
-}
-
-void CVelumStackCheck::CheckKeyIndex(const CVelumArray& aIndex, const CVelumSortKey& aKey) {
-  const QString name = u"key index %1 of sort key '%2'"_s.arg(aIndex.Id()).arg(aKey.Name());
-  const bool canBuild = CanBuildKeys(iStack, aKey);
-  QBitArray seen(iStack.Cards().Count());
-  qint32 numCards = 0;
-  for (qint32 i = 0; i < aIndex.Count(); ++i) {
-    const QString& str = aIndex.StrKeyAt(i);
-    const QString entry = u"%1: '%2'"_s.arg(name, str);
-    if (i > 0 && aKey.Compare(aIndex.StrKeyAt(i - 1), str) != 0)
-      Add(u"%1 stands behind '%2'"_s.arg(entry, aIndex.StrKeyAt(i - 1)));
-    const Ref<CVelumCard> card = IndexedCard(entry, aIndex.ValRef(i).Int(), seen);
-    if (!card) continue;
-    ++numCards;
-    if (card->BackgroundId() != aKey.BackgroundId())
-      Add(u"%1 stands for %2 of another background"_s.arg(entry, CardText(*card)));
-    else if (canBuild && aKey.BuildKey(*card) != str)
-      Add(u"%1 is not the key of %2"_s.arg(entry, CardText(*card)));
-  }
-  const qint32 wanted = iStack.NumBackgroundCards(aKey.BackgroundId());
-  if (numCards != wanted) Add(u"%1: holds %2 of %3 cards"_s.arg(name).arg(numCards).arg(wanted));
 }
 
 void CVelumStackCheck::CheckKeptSorted(const CVelumControlSet& aBackground) {

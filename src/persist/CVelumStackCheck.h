@@ -1,11 +1,9 @@
-// Verifies a loaded stack: everything that loading takes on trust.
+// Verifies a loaded stack: everything that loading takes on trust, and what it found and put right.
 #pragma once
 
-#include "model/CVelumStack.h"
+#include "model/CVelumIndexCheck.h"
 
-#include <QBitArray>
 #include <QHash>
-#include <QStringList>
 
 // Looks at ids, backgrounds, fields, cards, the order and name indexes, sort keys and key indexes, and has
 // the blobs and the layout of the file looked at by CVelumBlobCheck and CVelumLayoutCheck. Changes nothing.
@@ -28,17 +26,12 @@ private:
   void CheckCard(CVelumCard& aCard, qint32 aSlot);
   void CheckValue(const CVelumCard& aCard, const CVelumControlSet& aBackground, qint32 aControlId,
                   const TVelumValue& aVal);
-  // One entry of the order or name index; the card it stands for, or nothing.
-  Ref<CVelumCard> IndexedCard(const QString& aEntry, qint32 aId, QBitArray& aSeen);
-  void CheckAllSeen(const QString& aIndex, const QBitArray& aSeen);
-  void CheckOrderIndex();
-  void CheckNameIndex();
   void CheckSortKeys();
   void CheckKeyIndexes();
-  void CheckKeyIndex(const CVelumArray& aIndex, const CVelumSortKey& aKey);
   void CheckKeptSorted(const CVelumControlSet& aBackground);
 
   CVelumStack& iStack;
+  CVelumIndexCheck iIndexes{iStack, std::numeric_limits<qsizetype>::max()};
   QStringList iProblems;
   QHash<qint32, QString> iIds; // what each id of the stack's id space belongs to
 };

@@ -68,6 +68,30 @@ TEST(CVelumDecimal, RandomRealsReadBack) {
   }
 }
 
+TEST(CVelumDecimal, AShorterTextLosesDigitsAndNoMagnitude) {
+  const auto cut = [](double aReal, qsizetype aMost) { return CVelumDecimal(aReal).ToText(aMost); };
+  EXPECT_EQ(cut(1.5, 15), u"1.5"_s);
+  EXPECT_EQ(cut(1.234567890123456, 15), u"1.2345678901234"_s);
+  EXPECT_EQ(cut(12345678901234.56, 15), u"12345678901234."_s);
+  EXPECT_EQ(cut(123456789012345, 15), u"123456789012345"_s);
+  EXPECT_EQ(cut(-123456789012345, 15), u"-1.23456789E+14"_s);
+  EXPECT_EQ(cut(-0.0001234567890123, 15), u"-0.000123456789"_s);
+  EXPECT_EQ(cut(1.23456789012345e+25, 15), u"1.234567890E+25"_s);
+  EXPECT_EQ(cut(1.23456789012e-05, 15), u"1.234567890E-05"_s);
+  EXPECT_EQ(cut(-1.7976931348623157e308, 15), u"-1.7976931E+308"_s);
+  EXPECT_EQ(cut(-1.7976931348623157e308, 9), u"-1.7E+308"_s);
+  EXPECT_EQ(cut(-1.7976931348623157e308, 8), u"-1E+308"_s) << "no point at the end";
+  EXPECT_EQ(cut(-1.7976931348623157e308, 7), u"-1E+308"_s);
+  EXPECT_EQ(cut(123456, 5), u"1E+05"_s);
+  EXPECT_EQ(cut(0.000123, 6), u"0.0001"_s);
+  EXPECT_EQ(cut(0.000123, 5), u"1E-04"_s);
+  EXPECT_EQ(cut(0.5, 3), u"0.5"_s);
+  EXPECT_EQ(cut(0.25, 3), u"0.2"_s);
+  EXPECT_EQ(cut(-123456, 5), u"-1234"_s) << "too narrow for any digit";
+  EXPECT_EQ(cut(0, 1), u"0"_s);
+  EXPECT_EQ(cut(12, 0), QString());
+}
+
 TEST(CVelumDecimal, RoundsByTheDecimalText) {
   EXPECT_EQ(Rounded(2.675, 2), 2.68);
   EXPECT_EQ(Rounded(0.125, 2), 0.13);

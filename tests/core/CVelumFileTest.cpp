@@ -429,6 +429,9 @@ TEST_F(CVelumFileTest, ByteOrderMarkOverridesTheCoding) {
   EXPECT_EQ(file.Coding(), ECodUtf8);
   ASSERT_TRUE(file.ReadLine(line));
   EXPECT_EQ(line, u"\ufeffx"_s) << "only the first line's mark is cut off";
+  file.OpenFile();
+  ASSERT_TRUE(file.ReadLine(line));
+  EXPECT_EQ(line, u"\u00e4"_s) << "and that of the first line when the file is opened anew";
 }
 
 TEST_F(CVelumFileTest, EndLeavesTheLine) {

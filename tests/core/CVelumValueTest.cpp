@@ -102,6 +102,8 @@ TEST_F(CVelumValueTest, ExternalTextOfReals) {
   EXPECT_EQ(ValToExtText(real, Field(EConReal, 2)), u"1,234,567.50"_s);
   EXPECT_EQ(ValToExtText(real, Field(EConReal, 0)), u"1,234,568."_s);
   EXPECT_EQ(ValToExtText(TVelumValue::OfReal(5), Field(EConReal)), u"5."_s);
+  EXPECT_EQ(ValToExtText(TVelumValue::OfReal(0.1234567891), Field(EConReal)), u"0.12345679"_s)
+      << "up to 8 decimals";
   EXPECT_EQ(ValToExtText(TVelumValue::OfReal(1e14), Field(EConReal, 2)), u"100000000000000"_s);
   EXPECT_EQ(ValToExtText(TVelumValue::OfReal(-1e15), Field(EConReal, 2)), u"-1E+15"_s);
   EXPECT_EQ(ValToExtText(TVelumValue::OfReal(HUGE_VAL), Field(EConReal)), u"INF"_s);
@@ -448,7 +450,7 @@ TEST_F(CVelumValueTest, LenientScan) {
   EXPECT_EQ(LenientNum(u"  -12.5"), -12.5);
   EXPECT_EQ(LenientNum(u"+7"), 7);
   EXPECT_EQ(LenientNum(u"-42   "), -42);
-  EXPECT_EQ(LenientNum(u"7  1"), 71);
+  EXPECT_EQ(LenientNum(u"\t\r\n 7"), 7);
   EXPECT_EQ(LenientNum(u"999999999999999"), 999999999999999.0);
   EXPECT_EQ(LenientNum(u"9007199254740993"), 9007199254740992.0);
   EXPECT_EQ(LenientNum(u"123456789012345678"), 123456789012345680.0);
@@ -456,7 +458,6 @@ TEST_F(CVelumValueTest, LenientScan) {
   EXPECT_EQ(LenientNum(u"5."), 5);
   EXPECT_EQ(LenientNum(u"1,234"), 1);
   EXPECT_EQ(LenientNum(u"1.2.3"), 1.2);
-  EXPECT_EQ(LenientNum(u"1 234"), 1234);
   EXPECT_EQ(LenientNum(u"1e3x"), 1000);
   EXPECT_EQ(LenientNum(u"1E-05"), 1e-5);
   EXPECT_EQ(LenientNum(u"1e+2"), 100);
@@ -470,6 +471,58 @@ TEST_F(CVelumValueTest, LenientScan) {
   EXPECT_EQ(LenientNum(u"0.30000000000000004"), 0.1 + 0.2);
   EXPECT_EQ(LenientNum(QString(u"1"_s + u"0"_s.repeated(300))), 1e300);
   EXPECT_EQ(Raised([] { (void)LenientNum(u"1e999"); }), EHostOverflow);
+}
+
+TEST_F(CVelumValueTest, ABlankInsideANumberEndsIt) {
+  EXPECT_EQ(LenientNum(u"12 34"), 12);
+  EXPECT_EQ(LenientNum(u"12\t34"), 12);
+  EXPECT_EQ(LenientNum(u"70\u00a0000"), 70);
+  EXPECT_EQ(LenientNum(u"- 5"), 0);
+  EXPECT_EQ(LenientNum(u"1 .5"), 1);
+  EXPECT_EQ(LenientNum(u"1. 5"), 1);
+  EXPECT_EQ(LenientNum(u"1.5 e2"), 1.5);
+  EXPECT_EQ(LenientNum(u"1.5e 2"), 1.5);
+  EXPECT_EQ(ExtTextToVal(u"12 34"_s, Field(EConInteger)).Int(), 12);
+  EXPECT_EQ(ExtTextToVal(u"12 34.5"_s, Field(EConReal)).Real(), 12);
+  EXPECT_EQ(IntTextToVal(u"12 34"_s, Field(EConInteger)).Int(), 12);
+}
+
+// Too large for the strict conversion to whole numbers, or followed by what is no number.
+TEST_F(CVelumValueTest, ABlankThatGroupsDigitsIsPassedOver) {
+  const auto whole = [](const QString& aText) { return ExtTextToVal(aText, Field(EConInteger)).Int(); };
+  const auto real = [](const QString& aText) { return ExtTextToVal(aText, Field(EConReal)).Real(); };
+  for (const char* locale : {"fr_FR", "cs_CZ"}) {
+    CVelumLocale::Init(QString::fromLatin1(locale));
+    for (const char16_t blank : {u' ', u'\u00a0', u'\u202f'}) {
+      const QChar gap(blank);
+      EXPECT_EQ(whole(u"70"_s + gap + u"000"_s), 70000) << locale;
+      EXPECT_EQ(whole(u"-1"_s + gap + u"234"_s + gap + u"567"_s), -1234567) << locale;
+      EXPECT_EQ(real(u"1"_s + gap + u"234 km"_s), 1234) << locale;
+      EXPECT_EQ(real(u"1"_s + gap + u"234.5"_s + gap + u"6"_s), 1234.5) << "only before the point";
+    }
+    EXPECT_EQ(whole(u"70  000"_s), 70) << "one blank";
+    EXPECT_EQ(whole(u" - 5"_s), 0);
+    EXPECT_EQ(IntTextToVal(u"70 000"_s, Field(EConInteger)).Int(), 70) << "no locale in files";
+  }
+  CVelumLocale::Init(u"de_DE"_s);
+  EXPECT_EQ(whole(u"70 000"_s), 70);
+}
+
+// A comma that groups is followed by three digits.
+TEST_F(CVelumValueTest, GroupsOfDigitsAreWhole) {
+  EXPECT_EQ(ExtTextToVal(u"1,5"_s, Field(EConInteger)).Int(), 1);
+  EXPECT_EQ(ExtTextToVal(u"1,5"_s, Field(EConReal)).Real(), 1);
+  EXPECT_EQ(ExtTextToVal(u"1,500"_s, Field(EConReal)).Real(), 1500);
+}
+
+TEST_F(CVelumValueTest, DigitsRoundHalfAwayFromZero) {
+  const auto rounded = [](const QString& aText, qint16 aDigits) {
+    return ExtTextToVal(aText, Field(EConReal, aDigits)).Real();
+  };
+  EXPECT_EQ(rounded(u"0.125"_s, 2), 0.13);
+  EXPECT_EQ(rounded(u"2.665"_s, 2), 2.67);
+  EXPECT_EQ(rounded(u"2.5"_s, 0), 3);
+  EXPECT_EQ(rounded(u"-0.005"_s, 2), -0.01);
 }
 
 TEST_F(CVelumValueTest, RoundingToInt) {

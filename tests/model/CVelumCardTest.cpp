@@ -3,6 +3,8 @@
 #include "core/CVelumValue.h"
 #include "model/ModelTest.h"
 
+#include <cmath>
+
 using namespace ModelTest;
 
 namespace {
@@ -259,6 +261,16 @@ TEST(CVelumCard, ABlobThatIsNotThereCanBeReplaced) {
   EXPECT_EQ(Raised([&] { bed.iCard->SetControlVal(picture->Id(), TVelumValue()); }), -1);
 }
 
+TEST(CVelumCard, AChangeSetsDateAndTimeOfModification) {
+  const TCardBed bed;
+  const double before = CVelumValue::Now();
+  bed.iCard->SetModTime(before < 0.5 ? 0.75 : 0.25);
+  bed.iCard->SetControlVal(bed.iTown->Id(), Str(u"Bern"_s));
+  EXPECT_GE(bed.iCard->ModDate(), CVelumValue::Today() - 1);
+  EXPECT_LT(std::remainder(bed.iCard->ModTime() - before, 1.0), 0.01) << "the clock, also past midnight";
+  EXPECT_GT(std::remainder(bed.iCard->ModTime() - before, 1.0), -1e-5);
+}
+
 TEST(CVelumCard, ANameFieldRenamesTheCard) {
   const TCardBed bed;
   bed.iTown->SetFlag(EConCardName, true);
@@ -271,15 +283,15 @@ TEST(CVelumCard, ANameFieldRenamesTheCard) {
   EXPECT_FALSE(bed.iStack->GetCard(u"Ann"_s, found));
 }
 
-// Two digits are kept of the value that the user sees; then name and value agree.
-TEST(CVelumCard, ANameFieldOfRealsEndsInOneName) {
+// The name is what the user sees of the value, which keeps all its digits.
+TEST(CVelumCard, ANameFieldOfRealsKeepsItsDigits) {
   const TCardBed bed;
   const Ref<CVelumControl> real = bed.AddField(bed.iFirst, u"R"_s, EConReal);
   real->SetFlag(EConCardName, true);
   real->SetDigits(2);
   bed.iCard->SetControlVal(real->Id(), TVelumValue::OfReal(1.239));
   EXPECT_EQ(bed.iCard->Name(), u"1.24"_s);
-  EXPECT_DOUBLE_EQ(bed.iCard->GetControlVal(real->Id(), false).Real(), 1.24);
+  EXPECT_EQ(bed.iCard->GetControlVal(real->Id(), false).Real(), 1.239);
 }
 
 TEST(CVelumCard, ReferenceFieldMakesTheCardDirty) {

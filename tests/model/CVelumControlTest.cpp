@@ -211,6 +211,8 @@ TEST(CVelumControl, RunTimeReferencesDoNotMarkChanged) {
   EXPECT_TRUE(control.DynFlag(EDynKeyPart));
   control.SetDynFlag(EDynKeyPart, false);
   EXPECT_EQ(control.DynFlags(), EDynRefControl);
+  control.SetDynFlag(EDynKeyPart, false);
+  EXPECT_EQ(control.DynFlags(), EDynRefControl) << "a flag that is not set is not taken off";
 }
 
 TEST(CVelumControl, ABaseControlThatGoesLeavesNothingBehind) {

@@ -91,6 +91,7 @@ TEST(CVelumFont, PointSizes) {
   EXPECT_EQ(usual.PointSizeStr(), u"11"_s);
   EXPECT_EQ(usual.HostPointSize(false), 8.0F);
   EXPECT_EQ(usual.HostPointSize(true), 11.0F);
+  EXPECT_EQ(CVelumFont(u"Arial"_s, 210, 0).HostPointSize(false), 10.5F) << "only the usual size differs";
   const CVelumFont larger(u"Arial"_s, 240, 0);
   EXPECT_EQ(larger.HostPointSize(false), 12.0F);
   EXPECT_EQ(larger.HostPointSize(true), 12.0F);

@@ -146,6 +146,8 @@ const std::vector<TMutator>& Mutators() {
       {"CVelumSortKey::SetName", "Name", [](TBed& b) { b.iSortKey->SetName(u"n"_s); }},
       {"CVelumSortKey::AddKeyPart", "KeyPart",
        [](TBed& b) { b.iSortKey->AddKeyPart(EConInteger, b.iSize->Id(), EWayAscending, 11); }},
+      {"CVelumSortKey::SetControlType", "KeyPart",
+       [](TBed& b) { b.iSortKey->SetControlType(b.iTown->Id(), EConInteger); }},
       {"CVelumSortKey::Clear", "KeyPart", [](TBed& b) { b.iSortKey->Clear(); }},
 
       {"CVelumCard::SetName", "Name", [](TBed& b) { b.iLoose->SetName(u"n"_s); }},
@@ -278,7 +280,7 @@ const QSet<QString>& NoMutators() {
       u"Internalize"_s, u"Externalize"_s, u"InternalizeXml"_s, u"ExternalizeXml"_s, u"SetChanged"_s,
       u"ResetChanged"_s, u"ResetChangeInfo"_s,
       // bindings to owners and to what stands on the screen
-      u"SetStack"_s, u"SetBaseControl"_s, u"SetBaseLabel"_s, u"SetBaseFunc"_s, u"SetList"_s,
+      u"SetStack"_s, u"SetOwner"_s, u"SetBaseControl"_s, u"SetBaseLabel"_s, u"SetBaseFunc"_s, u"SetList"_s,
       u"SetBlobStore"_s, u"SetDynFlags"_s, u"SetDynFlag"_s, u"SetControlDynFlags"_s,
       // what is computed anew at need
       u"SetDirty"_s, u"SetListBasis"_s, u"RaiseListStamp"_s, u"SetNumCards"_s, u"SetCardListsDirty"_s,
@@ -317,6 +319,40 @@ TEST(CVelumRecorder, NoByteChangesUnheard) {
     mutator.iAct(bed);
     const bool silent = Stored(*bed.iStack) == before;
     EXPECT_TRUE(silent || !listener.iNotes.isEmpty()) << mutator.iName;
+  }
+}
+
+// While its bytes are still there, also when they are on file only.
+TEST(CVelumRecorder, ABlobIsHeardWithItsBytesBeforeItGoes) {
+  class CBlobs final : public CVelumRecorder {
+  public:
+    explicit CBlobs(CVelumBlobStore& aStore) : iStore(aStore) { CVelumRecord::gRecorder = this; }
+    ~CBlobs() override { CVelumRecord::gRecorder = nullptr; }
+    void MemberSet(const CVelumObject&, const char*, const TVelumValue&, const TVelumValue&) override {}
+    void Added(const CVelumObject&, const char*, const CVelumObject&, qint32) override {}
+    void Removed(const CVelumObject&, const char*, const CVelumObject& aChild, qint32 aPlace) override {
+      iBytes = static_cast<const CVelumBlob&>(aChild).Bytes();
+      EXPECT_EQ(iStore.ReadBlob(aPlace, false)->Bytes(), iBytes) << "still in the store";
+    }
+    void OrderRebuilt(const CVelumObject&) override {}
+    CVelumBlobStore& iStore;
+    QByteArray iBytes;
+  };
+  const TempFolder folder;
+  const auto file = MakeRef<CVelumFile>(folder.Path(u"blobs"_s), EFilReadWrite);
+  file->OpenFile();
+  const auto store = MakeRef<CVelumBlobStore>(EBstRamBased);
+  for (qint32 id = 1; id <= 40; ++id) {
+    const auto blob = MakeRef<CVelumBlob>(id);
+    blob->SetBytes(QByteArray(5, static_cast<char>('A' + id)));
+    store->AddBlob(blob);
+  }
+  store->SwitchToFileBased();
+  store->WriteAllTo(file, 50);
+  CBlobs listener(*store);
+  for (const qint32 id : {40, 1, 20}) {
+    store->DeleteBlob(id);
+    EXPECT_EQ(listener.iBytes, QByteArray(5, static_cast<char>('A' + id)));
   }
 }
 

@@ -3,6 +3,9 @@
 #include "core/CVelumLocale.h"
 #include "model/ModelTest.h"
 
+#include <algorithm>
+#include <cmath>
+
 using namespace ModelTest;
 
 namespace {
@@ -174,6 +177,78 @@ TEST(CVelumSortKey, RealsCompareWithFraction) {
   CVelumSortKey whole(1, u"k"_s, 0);
   whole.AddKeyPart(EConInteger, 1, EWayAscending, 5);
   EXPECT_EQ(whole.Compare(u"1.2           0"_s, u"1.3           0"_s), 1);
+}
+
+// A part that is cut keeps its exponent.
+TEST(CVelumSortKey, RealsOfAllMagnitudesKeepTheirOrder) {
+  TKeyed bed;
+  const Ref<CVelumControl> real = bed.AddField(bed.iFirst, u"R"_s, EConReal);
+  bed.Part(real, EWayAscending, 15);
+  std::vector<double> reals = {0, 0.5, 1.23456789012e-05, 1.23456789012345e+25, 2.5e+20, 1.234567890123456};
+  for (int exponent = -308; exponent <= 308; ++exponent)
+    for (const double digits : {1.0, 1.23456789012345, 9.87654321098765})
+      if (exponent < 308 || digits < 1.7) reals.push_back(digits * std::pow(10.0, exponent));
+  for (size_t i = reals.size(); i-- > 0;) reals.push_back(-reals[i]);
+  std::sort(reals.begin(), reals.end());
+  QString last;
+  for (const double number : reals) {
+    const Ref<CVelumCard> card = bed.AddCard(bed.iFirst, u"c"_s);
+    card->SetControlVal(real->Id(), TVelumValue::OfReal(number));
+    const QString key = bed.iKeyOf->BuildKey(*card);
+    ASSERT_EQ(key.size(), 25);
+    if (!last.isEmpty()) {
+      ASSERT_EQ(bed.iKeyOf->Compare(last, key), 0) << number;
+    }
+    last = key;
+  }
+}
+
+TEST(CVelumSortKey, TextsThatAreNoKeysOfNumbersCompare) {
+  CVelumSortKey key(1, u"k"_s, 0);
+  key.AddKeyPart(EConReal, 1, EWayAscending, 6);
+  EXPECT_EQ(key.Compare(u"1E999          0"_s, u"1E300          1"_s), 2);
+  EXPECT_EQ(key.Compare(u"-1E999         0"_s, u"-1E300         1"_s), 0);
+}
+
+TEST(CVelumSortKey, PairsHaveNoText) {
+  TKeyed bed;
+  bed.Part(bed.iTown, EWayAscending, 3);
+  const Ref<CVelumCard> card = bed.Card({}, {});
+  TVelumElem elem;
+  card->Value().InitElem(elem);
+  elem.iIntKey = bed.iTown->Id();
+  elem.iVal = TVelumValue::OfPair(1, 2);
+  card->Value().CreateIntKey(elem);
+  EXPECT_EQ(bed.iKeyOf->BuildKey(*card), u"            0"_s);
+}
+
+TEST(CVelumSortKey, AFieldOfAnotherTypeComparesByIt) {
+  CVelumSortKey key(1, u"k"_s, 0);
+  key.AddKeyPart(EConText, 1, EWayAscending, 3);
+  key.AddKeyPart(EConText, 2, EWayAscending, 3);
+  key.SetChanged(false);
+  key.SetControlType(3, EConInteger);
+  key.SetControlType(2, EConList);
+  EXPECT_FALSE(key.Changed());
+  key.SetControlType(2, EConInteger);
+  EXPECT_TRUE(key.Changed());
+  TVelumKeyPart part;
+  qint32 at = 0;
+  ASSERT_TRUE(key.GetNextKeyPart(part, at));
+  EXPECT_EQ(part.iType, EConText);
+  ASSERT_TRUE(key.GetNextKeyPart(part, at));
+  EXPECT_EQ(part.iType, EConInteger);
+}
+
+TEST(CVelumSortKey, KeysAreOnlyBuiltWithAllFields) {
+  TKeyed bed;
+  EXPECT_FALSE(bed.iKeyOf->CanBuild(nullptr));
+  EXPECT_TRUE(bed.iKeyOf->CanBuild(bed.iFirst.Get())) << "no field at all";
+  bed.Part(bed.iTown, EWayAscending, 3);
+  EXPECT_TRUE(bed.iKeyOf->CanBuild(bed.iFirst.Get()));
+  EXPECT_FALSE(bed.iKeyOf->CanBuild(bed.iSecond.Get()));
+  bed.iTown->SetConType(9);
+  EXPECT_FALSE(bed.iKeyOf->CanBuild(bed.iFirst.Get()));
 }
 
 TEST(CVelumSortKey, NumbersBeyondIntegersDoNotFail) {

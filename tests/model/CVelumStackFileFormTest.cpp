@@ -1,6 +1,6 @@
 // The stack on file, and what loading puts right.
 #include "core/CVelumLocale.h"
-#include "model/CVelumStack.h"
+#include "model/CVelumIndexCheck.h"
 
 #include "model/ModelTest.h"
 
@@ -229,21 +229,119 @@ TEST(CVelumStackFileForm, ANumberThatDiffersIsNoted) {
   EXPECT_TRUE(read->LoadProblems()[0].contains(QString::number(num)));
 }
 
-TEST(CVelumStackFileForm, NamesOfCardsThatAreNotThereAreNotFound) {
-  const TFileBed bed;
-  const Ref<CVelumStack> read =
-      LoadStack(Replaced(Stored(*bed.iStack), NameElem(u"list"_s, 3), NameElem(u"list"_s, 99)));
-  Ref<CVelumCard> card;
-  EXPECT_FALSE(read->GetCard(u"list"_s, card));
-  EXPECT_FALSE(card);
+// Entries that differ from the cards are made anew: no change, no correction of the order, but noted.
+
+// As after the load of a sound file.
+void ExpectRenewed(const CVelumStack& aStack, const QStringList& aProblems) {
+  EXPECT_EQ(aStack.LoadProblems(), aProblems);
+  EXPECT_FALSE(aStack.Changed());
+  EXPECT_EQ(aStack.OrderCorrections(), 0);
+  CVelumIndexCheck check(aStack, 5);
+  EXPECT_EQ(check.Names() + check.Order(), QStringList());
+  Ref<CVelumArray> index;
+  for (qint32 i = 0; aStack.GetNextKeyIndex(index, i);)
+    EXPECT_EQ(check.Keys(*index, *aStack.SortKey(index->SortKeyId())), QStringList());
 }
 
-TEST(CVelumStackFileForm, AKeyOfACardThatIsNotThereFailsCleanly) {
+TEST(CVelumStackFileForm, NamesThatDifferAreMadeAnew) {
+  const TFileBed bed;
+  const QByteArray bytes = Stored(*bed.iStack);
+  const auto load = [&](const QString& aName, qint32 aId) {
+    return LoadStack(Replaced(bytes, NameElem(u"list"_s, 3), NameElem(aName, aId)));
+  };
+  const QString missing = u"card 3 'list': is missing in the name index"_s;
+  ExpectRenewed(*load(u"list"_s, 99),
+                {u"name index: 'list' stands for card 99, which does not exist"_s, missing});
+  ExpectRenewed(*load(u"LIST"_s, 3), {u"name index: 'LIST' stands for card 3 'list'"_s});
+  ExpectRenewed(*load(u"list"_s, 0),
+                {u"name index: 'list' stands for card 0 'in Graz', which was there before"_s,
+                 u"name index: 'list' stands for card 0 'in Graz'"_s, missing});
+  Ref<CVelumCard> card;
+  EXPECT_TRUE(load(u"list"_s, 99)->GetCard(u"list"_s, card));
+  EXPECT_EQ(card->Name(), u"list"_s);
+}
+
+// What a program leaves that takes out any entry of the name.
+TEST(CVelumStackFileForm, TheOtherCardOfANameIsFoundAgain) {
+  const TFileBed bed;
+  const Ref<CVelumCard> gone = bed.AddCard(bed.iSecond, u"Meyer"_s);
+  const Ref<CVelumCard> left = bed.AddCard(bed.iSecond, u"Meyer"_s);
+  bed.iStack->DeleteCard(gone);
+  const Ref<CVelumStack> read = LoadStack(
+      Replaced(Stored(*bed.iStack), NameElem(u"Meyer"_s, left->Id()), NameElem(u"Meyer"_s, gone->Id())));
+  ExpectRenewed(*read, {u"name index: 'Meyer' stands for card 4, which does not exist"_s,
+                        u"card 5 'Meyer': is missing in the name index"_s});
+  Ref<CVelumCard> card;
+  ASSERT_TRUE(read->GetCard(u"Meyer"_s, card));
+  EXPECT_EQ(card->Id(), left->Id());
+}
+
+TEST(CVelumStackFileForm, KeysThatDifferAreMadeAnewAndTheOrderFollows) {
   const TFileBed bed;
   const Ref<CVelumArray> keys = bed.iFirst->KeyIndex();
-  const QByteArray bytes =
-      Replaced(Stored(*bed.iStack), NameElem(keys->StrKeyAt(1), 0), NameElem(keys->StrKeyAt(1), 99));
-  EXPECT_EQ(Raised([&] { LoadStack(bytes); }), 1006);
+  const QString name = u"key index %1 of sort key 'By town'"_s.arg(keys->Id());
+  const QByteArray bytes = Stored(*bed.iStack);
+  const auto load = [&](const QString& aKey, qint32 aId) {
+    const auto stack = LoadStack(Replaced(bytes, NameElem(keys->StrKeyAt(1), 0), NameElem(aKey, aId)));
+    EXPECT_EQ(Names(*stack), u"in Bern,in Graz,in Wien,list"_s);
+    return stack;
+  };
+  const QString graz = keys->StrKeyAt(1);
+  const QString entry = name + u": '"_s + graz + u'\'';
+  const QString missing = u"card 0 'in Graz': is missing in the "_s + name;
+  QString other = graz;
+  other.replace(0, 4, u"ZUG "_s);
+  ExpectRenewed(*load(other, 0), {name + u": '"_s + other + u"' is not the key of card 0 'in Graz'"_s});
+  ExpectRenewed(*load(graz, 99), {entry + u" stands for card 99, which does not exist"_s, missing});
+  ExpectRenewed(*load(graz, 3), {entry + u" stands for card 3 'list' of another background"_s, missing});
+  ExpectRenewed(*load(graz, 1), {entry + u" stands for card 1 'in Bern', which was there before"_s,
+                                 entry + u" is not the key of card 1 'in Bern'"_s, missing});
+}
+
+// The order agrees with the stale keys, as it does where a default was changed and the keys were left.
+TEST(CVelumStackFileForm, AnOrderByStaleKeysIsPutRightUncounted) {
+  TFileBed bed;
+  bed.AddCard(bed.iFirst, u"none"_s);
+  bed.iStack->PrepareForSave();
+  const QByteArray before = Stored(*bed.iStack);
+  EXPECT_EQ(Names(*bed.iStack), u"none,in Bern,in Graz,in Wien,list"_s);
+  bed.iTown->SetDefaultVal(u"Linz"_s);
+  EXPECT_EQ(Names(*bed.iStack), u"in Bern,in Graz,none,in Wien,list"_s);
+  const QByteArray after = Stored(*bed.iStack);
+  // The first field with the new default, all behind it as it was.
+  const QByteArray second = Bytes().Str(u"Size"_s);
+  const QByteArray bytes = after.left(after.indexOf(second)) + before.mid(before.indexOf(second));
+  const Ref<CVelumStack> read = LoadStack(bytes);
+  EXPECT_EQ(Names(*read), u"in Bern,in Graz,none,in Wien,list"_s);
+  EXPECT_EQ(read->LoadProblems().size(), 1);
+  ExpectRenewed(*read, read->LoadProblems());
+}
+
+TEST(CVelumStackFileForm, NotMoreThanAHundredProblemsAreNoted) {
+  const TSampleStack bed;
+  CVelumModel::Install();
+  for (int i = 0; i < 300; ++i) bed.AddCard(bed.iFirst, u"card"_s);
+  const QByteArray bytes = Stored(*bed.iStack);
+  QByteArray names;
+  for (qint32 i = 0; i < 300; ++i) names += NameElem(u"card"_s, bed.iStack->NameIndex().ValRef(i).Int());
+  QByteArray other;
+  for (qint32 i = 0; i < 300; ++i) other += NameElem(u"carp"_s, i);
+  const Ref<CVelumStack> read = LoadStack(Replaced(bytes, names, other));
+  EXPECT_EQ(read->LoadProblems().size(), 101);
+  EXPECT_EQ(read->LoadProblems().last(), u"There are more such problems"_s);
+  ExpectRenewed(*read, read->LoadProblems());
+}
+
+// Keys cannot be built without the field; the index stays as it is.
+TEST(CVelumStackFileForm, AnIndexWithoutItsFieldIsLeft) {
+  TFileBed bed;
+  bed.iBy->AddKeyPart(EConText, 4711, EWayAscending, 3);
+  const QByteArray bytes = Stored(*bed.iStack);
+  const auto read = MakeRef<CVelumStack>();
+  EXPECT_EQ(AssertText([&] { Load(*read, bytes); }), u"key part control found"_s);
+  EXPECT_EQ(RaisedOverruled([&] { Load(*read, bytes); }), -1);
+  EXPECT_EQ(read->LoadProblems(), QStringList());
+  EXPECT_EQ(read->KeyIndex(bed.iFirst->KeyIndexId())->StrKeyAt(0), bed.iFirst->KeyIndex()->StrKeyAt(0));
 }
 
 TEST(CVelumStackFileForm, ACardWithoutBackgroundFailsCleanly) {

@@ -509,6 +509,7 @@ TEST(CVelumStack, AdjustVisCharTakesSizesFromTheContent) {
   EXPECT_EQ(fit(30), (QList<int>{30, 1, 20}));
   EXPECT_EQ(fit(31), (QList<int>{30, 2, 20}));
   EXPECT_EQ(fit(33), (QList<int>{30, 2, 20}));
+  EXPECT_EQ(fit(60), (QList<int>{30, 2, 20}));
   EXPECT_EQ(fit(61), (QList<int>{30, 3, 20}));
   EXPECT_EQ(fit(200), (QList<int>{30, 4, 20}));
 }

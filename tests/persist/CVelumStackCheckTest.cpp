@@ -184,7 +184,7 @@ TEST_F(CVelumStackCheckTest, FindsKeyIndexesWithTooFewCards) {
   ASSERT_TRUE(iStack->GetFirstKeyIndex(index, cursor));
   index->DeleteAt(1);
   const QString problems = Check();
-  EXPECT_TRUE(problems.contains(u"holds 2 of 3 cards"_s)) << problems.toStdString();
+  EXPECT_TRUE(problems.contains(u"card 2 'b': is missing in the key index"_s)) << problems.toStdString();
   EXPECT_TRUE(problems.contains(u"the order of its cards leaves that of its sort key at card 2 'b'"_s));
   iFirst->SetKeyIndexId(4711);
   EXPECT_TRUE(Check().contains(u"background 'First Background': its key index 4711 does not exist"_s));

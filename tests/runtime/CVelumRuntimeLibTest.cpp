@@ -4,6 +4,9 @@
 #include "persist/CVelumStackFile.h"
 #include "runtime/RuntimeFixture.h"
 #include "support/TempFolder.h"
+#include "support/TestTree.h"
+
+#include <QFile>
 
 namespace {
 
@@ -46,6 +49,15 @@ TEST_F(CVelumRuntimeLibTest, AStackIsLoadedAndItsFirstCardShown) {
   EXPECT_EQ(iPresenter.Count(), 0);
   EXPECT_FALSE(gStack->Changed());
   EXPECT_FALSE(View().CardListIsOpen());
+}
+
+TEST_F(CVelumRuntimeLibTest, CorrectionsOfTheOrderAreTold) {
+  const QString path = iFolder.Path(u"moved.Orvelle"_s);
+  ASSERT_TRUE(QFile::copy(TestTree::Data() + u"/stacks/good/order_corrections.Orvelle"_s, path));
+  EXPECT_TRUE(CVelumLib::HandleLoadStack(path));
+  ASSERT_EQ(iPresenter.Count(), 1);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgOrderCorrections);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"There were 2 card order corrections"_s));
 }
 
 TEST_F(CVelumRuntimeLibTest, AFailedLoadLeavesTheOpenStackAndItsWindow) {
