@@ -10,7 +10,6 @@ namespace {
 
 constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
 // How often a name that is written back into its field may become another text, as when a card is renamed.
-constexpr int ENamePasses = 2;
 
 } // namespace
 
@@ -61,15 +60,10 @@ void CVelumCsvCards::CheckType(const CVelumCard& aCard, const CVelumControl& aCo
   if (!same) CVelumError::AssertObj(false, &aCard, u"SetControlVal"_s, u"type"_s);
 }
 
-// The card takes the name that its field shows, and the field what that name means, as when a value of a card
+// The card takes the name that its field shows; the value stays, as when a value of a card
 // in a stack is set.
-void CVelumCsvCards::TakeName(CVelumCard& aCard, const CVelumControl& aControl, TVelumValue& aVal) {
-  for (int pass = 0; pass < ENamePasses; ++pass) {
-    const QString name = CVelumValue::ValToExtText(aVal, aControl.FieldInfo());
-    if (name == aCard.Name()) return;
-    aCard.SetName(name);
-    if (aVal.Type() != EValStr) aVal = CVelumValue::ExtTextToVal(name, aControl.FieldInfo());
-  }
+void CVelumCsvCards::TakeName(CVelumCard& aCard, const CVelumControl& aControl, const TVelumValue& aVal) {
+  aCard.SetName(CVelumValue::ValToExtText(aVal, aControl.FieldInfo()));
 }
 
 void CVelumCsvCards::CheckText(qint32 aRow, int aColumn, QStringView aItem, const TVelumValue& aVal) {

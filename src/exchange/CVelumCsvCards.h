@@ -38,7 +38,7 @@ private:
   [[nodiscard]] QString PooledText(QStringView aText);
   void CheckType(const CVelumCard& aCard, const CVelumControl& aControl, const TVelumValue& aVal) const;
   void CheckText(qint32 aRow, int aColumn, QStringView aItem, const TVelumValue& aVal);
-  static void TakeName(CVelumCard& aCard, const CVelumControl& aControl, TVelumValue& aVal);
+  static void TakeName(CVelumCard& aCard, const CVelumControl& aControl, const TVelumValue& aVal);
 
   const CVelumCsvRows& iRows;
   const TCsvColumns* iColumns;

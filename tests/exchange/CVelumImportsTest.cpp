@@ -209,16 +209,16 @@ TEST_F(CVelumImportsTest, NamesAreSuitableWhenNearlyAllDiffer) {
 }
 
 TEST_F(CVelumImportsTest, CardsTakeTheirNamesAsWhenAValueIsSet) {
-  // A name shows at most 8 decimals, and the value becomes that of the name.
+  // A name shows at most 8 decimals; the value keeps all of them.
   ASSERT_EQ(Import("a\n1234.5\n0.1234567891\n"), ECsvOutcome::Done);
   Ref<CVelumCard> card;
   ASSERT_TRUE(iNew.iStack->GetCard(u"1,234.5"_s, card));
   EXPECT_EQ(card->GetControlVal(Set()->ControlAt(0)->Id(), false).Real(), 1234.5);
   ASSERT_TRUE(iNew.iStack->GetCard(u"0.12345679"_s, card));
-  EXPECT_EQ(card->GetControlVal(Set()->ControlAt(0)->Id(), false).Real(), 0.12345679);
+  EXPECT_EQ(card->GetControlVal(Set()->ControlAt(0)->Id(), false).Real(), 0.1234567891);
   // The same through the stack.
   card->SetControlVal(Set()->ControlAt(0)->Id(), TVelumValue::OfReal(0.9876543211));
-  EXPECT_EQ(card->GetControlVal(Set()->ControlAt(0)->Id(), false).Real(), 0.98765432);
+  EXPECT_EQ(card->GetControlVal(Set()->ControlAt(0)->Id(), false).Real(), 0.9876543211);
 }
 
 TEST_F(CVelumImportsTest, OneCardIn25MayBeOutOfOrder) {
