@@ -81,6 +81,7 @@ void ReadCommandArgs(const QStringList& aRest, TCall& aCall) {
     if (!parser.isSet(option.iName)) continue;
     aCall.iArgs.iOptions.insert(option.iName,
                                 option.iValueName.isEmpty() ? QString() : parser.value(option.iName));
+    if (!option.iValueName.isEmpty()) aCall.iArgs.iLists.insert(option.iName, parser.values(option.iName));
   }
   aCall.iArgs.iOperands = parser.positionalArguments();
 }

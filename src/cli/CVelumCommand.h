@@ -24,13 +24,16 @@ struct TVelumOption {
 // missing.
 struct TVelumArgs {
   QStringList iOperands;
-  QHash<QString, QString> iOptions; // given options by name; a switch has an empty text
+  QHash<QString, QString> iOptions;   // given options by name; a switch has an empty text
+  QHash<QString, QStringList> iLists; // the values of an option that was given, in their order
   bool iJson = false;
 
   [[nodiscard]] bool Has(const QString& aOption) const { return iOptions.contains(aOption); }
   [[nodiscard]] QString Value(const QString& aOption, const QString& aDefault = {}) const {
     return iOptions.value(aOption, aDefault);
   }
+  // All values of an option that may be given more than once.
+  [[nodiscard]] QStringList Values(const QString& aOption) const { return iLists.value(aOption); }
   // Empty where the operand is missing.
   [[nodiscard]] QString Operand(qsizetype aIndex) const { return iOperands.value(aIndex); }
 };

@@ -1,5 +1,6 @@
 // import-csv: makes a stack of a CSV file, or fills a background from one.
 #include "cli/CVelumCliCsv.h"
+#include "cli/CVelumCliExact.h"
 #include "cli/CVelumCliFiles.h"
 #include "cli/CVelumCliInput.h"
 #include "cli/CVelumCliOutput.h"
@@ -7,6 +8,8 @@
 #include "cli/CVelumCliWatch.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumImportFacts.h"
+#include "cli/CVelumTerminal.h"
+#include "exchange/CVelumCsvPreview.h"
 #include "exchange/CVelumCsvProposal.h"
 #include "exchange/CVelumImports.h"
 #include "persist/CVelumStackFile.h"
@@ -26,6 +29,11 @@ QString OutOf(const TVelumArgs& aArgs) {
 void CheckUsage(const TVelumArgs& aArgs) {
   if (aArgs.Has(u"background"_s) && !aArgs.Has(u"into"_s))
     throw TVelumUsage{u"--background says where in the stack of --into, which is missing."_s};
+  if (aArgs.Has(u"add"_s) && !aArgs.Has(u"into"_s))
+    throw TVelumUsage{u"--add says how cards go into the stack of --into, which is missing."_s};
+  if (aArgs.Has(u"classic"_s))
+    for (const QString& option : {u"add"_s, u"field"_s, u"keep-sorted"_s, u"name"_s, u"skip-lines"_s})
+      if (aArgs.Has(option)) throw TVelumUsage{u"--classic knows no --%1."_s.arg(option)};
   CVelumImportFacts::CheckOutput(OutOf(aArgs), aArgs);
 }
 
@@ -41,7 +49,7 @@ void CheckFiles(const TVelumArgs& aArgs) {
     throw TVelumRefusal{out + u" is there; --overwrite replaces it."_s};
 }
 
-// What the first lines suggest, unless the caller knows better.
+// What the first lines suggest to the classic way, unless the caller knows better.
 TCsvOptions OptionsOf(const TVelumArgs& aArgs, const QString& aPath) {
   TCsvOptions options;
   if (aArgs.Has(u"delimiter"_s)) options.iDelim = CVelumCliCsv::Delimiter(aArgs.Value(u"delimiter"_s));
@@ -53,6 +61,12 @@ TCsvOptions OptionsOf(const TVelumArgs& aArgs, const QString& aPath) {
   options.iDetectTypes = !aArgs.Has(u"no-types"_s);
   options.iGuessKey = !aArgs.Has(u"no-key"_s);
   options.iTryCardName = !aArgs.Has(u"no-card-name"_s);
+  options.iDrop = aArgs.Has(u"drop"_s);
+  if (!aArgs.Has(u"type"_s)) return options;
+  const QStringList names = CVelumImports::PreviewCsv(aPath, options).iTitles;
+  const QHash<int, qint32> types = CVelumCliCsv::Types(aArgs, names);
+  for (auto type = types.cbegin(); type != types.cend(); ++type)
+    options.iTypes[static_cast<size_t>(type.key())] = type.value();
   return options;
 }
 
@@ -60,20 +74,28 @@ TCsvOptions OptionsOf(const TVelumArgs& aArgs, const QString& aPath) {
 struct TMade {
   TNewStack iStack;
   Ref<CVelumControlSet> iBackground;
+  TCsvReport iReport;
 };
 
 ECsvOutcome FillBackground(const TVelumArgs& aArgs, const QString& aPath, CVelumImportWatch& aWatch,
                            TMade& aMade) {
   const TVelumOpenStack open = CVelumCliStack::Open(aArgs.Value(u"into"_s));
-  aMade = {{open.iStack, open.iView}, CVelumCliStack::ChosenBackground(*open.iStack, aArgs)};
+  aMade.iStack = {open.iStack, open.iView};
+  aMade.iBackground = CVelumCliStack::ChosenBackground(*open.iStack, aArgs);
   CVelumPlainStackHost host(open.iStack);
-  return CVelumImports::ImportCsv1(aPath, OptionsOf(aArgs, aPath), aWatch, aMade.iBackground, host);
+  if (!aArgs.Has(u"classic"_s))
+    return CVelumCliExact::Into(aPath, aArgs, aWatch, aMade.iBackground, host, aMade.iReport);
+  return CVelumImports::ImportCsv1(aPath, OptionsOf(aArgs, aPath), aWatch, aMade.iBackground, host,
+                                   &aMade.iReport);
 }
 
 ECsvOutcome MakeStack(const TVelumArgs& aArgs, const CVelumCliInput& aInput, CVelumImportWatch& aWatch,
                       TMade& aMade) {
+  const QString path = aInput.Path();
   const ECsvOutcome outcome =
-      CVelumImports::ImportCsv1(aInput.Path(), OptionsOf(aArgs, aInput.Path()), aWatch, aMade.iStack);
+      aArgs.Has(u"classic"_s)
+          ? CVelumImports::ImportCsv1(path, OptionsOf(aArgs, path), aWatch, aMade.iStack, &aMade.iReport)
+          : CVelumCliExact::IntoNew(path, aArgs, aWatch, aMade.iStack, aMade.iReport);
   if (outcome != ECsvOutcome::Done) return outcome;
   // The names are else that of a file that is gone in a moment.
   if (aInput.IsStream()) {
@@ -85,11 +107,41 @@ ECsvOutcome MakeStack(const TVelumArgs& aArgs, const CVelumCliInput& aInput, CVe
   return outcome;
 }
 
+void ComplainOfFaults(const QString& aFile, const TMade& aMade, CVelumTerminal& aTerminal) {
+  for (const QString& line : CVelumCsvReports::FaultLines(aMade.iReport.iFaults))
+    aTerminal.Complain(CVelumCliStack::OneLine(aFile + u", "_s + line));
+  aTerminal.Complain(u"nothing was imported; --drop imports all the same"_s);
+}
+
 bool Import(const TVelumArgs& aArgs, const CVelumCliInput& aInput, CVelumTerminal& aTerminal, TMade& aMade) {
-  CVelumCliWatch watch(aTerminal);
-  const ECsvOutcome outcome = aArgs.Has(u"into"_s) ? FillBackground(aArgs, aInput.Path(), watch, aMade)
-                                                   : MakeStack(aArgs, aInput, watch, aMade);
+  ECsvOutcome outcome{};
+  {
+    CVelumCliWatch watch(aTerminal);
+    outcome = aArgs.Has(u"into"_s) ? FillBackground(aArgs, aInput.Path(), watch, aMade)
+                                   : MakeStack(aArgs, aInput, watch, aMade);
+  }
+  if (outcome == ECsvOutcome::Faulty) ComplainOfFaults(aInput.Name(), aMade, aTerminal);
   return outcome == ECsvOutcome::Done;
+}
+
+// What the import has made, found and decided: in text a few lines, of which the first names the stack.
+void Print(const QString& aFile, const QString& aOut, const TMade& aMade, const TVelumArgs& aArgs,
+           CVelumTerminal& aTerminal) {
+  if (aArgs.iJson) {
+    const auto cards = static_cast<qint32>(aMade.iReport.iRecords);
+    QJsonObject facts =
+        CVelumImportFacts::Of(aFile, aOut, {CVelumImportFacts::WithFields(*aMade.iBackground, cards)});
+    facts.insert(u"report"_s, CVelumCsvReports::ToJson(aMade.iReport));
+    return aTerminal.Json(facts);
+  }
+  QString front = aOut + u": "_s;
+  for (const QString& line : CVelumCsvReports::Lines(aMade.iReport)) {
+    const QString text = std::exchange(front, u"  "_s) + CVelumCliStack::OneLine(line);
+    if (CVelumCliOutput::IsStandard(aOut))
+      aTerminal.Complain(text);
+    else
+      aTerminal.Line(text);
+  }
 }
 
 int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
@@ -99,13 +151,10 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
   const CVelumCliInput input(aArgs.Operand(0), aTerminal);
   TMade made;
   if (!Import(aArgs, input, aTerminal, made)) return EExitFailed;
-  const qint32 cards = made.iBackground->NumCards();
-  const QJsonObject facts =
-      CVelumImportFacts::Of(input.Name(), out, {CVelumImportFacts::WithFields(*made.iBackground, cards)});
   CVelumCliOutput output(out, aTerminal);
   CVelumStackFile(output.Path()).SaveStack(made.iStack.iStack, made.iStack.iView);
   output.Finish();
-  CVelumImportFacts::Print(facts, aArgs, aTerminal);
+  Print(input.Name(), out, made, aArgs, aTerminal);
   return EExitDone;
 }
 
@@ -116,21 +165,31 @@ const TVelumCommand& CVelumCommands::ImportCsv() {
       u"import-csv"_s,
       {u"FILE"_s, u"[OUT]"_s},
       u"make a stack of a CSV file"_s,
-      u"Makes a field of each of the first 20 columns and a card of each line, and saves\n"
-      "the stack as OUT. Delimiter and coding are those that the file suggests, the first\n"
-      "line holds the names of the columns, of which equal ones get a number, and types,\n"
-      "card names and a sort key are found out, unless an option says otherwise. What was\n"
-      "made is printed. With --into OUT may be missing, and STACK is saved. FILE may be -\n"
-      "for standard input, or a pipe; OUT may be - for standard output. An OUT that is\n"
-      "there is only replaced when it is a stack, and with --overwrite."_s,
-      {{u"delimiter"_s, u"C"_s, u"comma, semicolon, tab or any one character"_s},
-       {u"coding"_s, u"NAME"_s, u"latin1 (the Windows code page) or utf8"_s},
+      u"Makes a field of each column and a card of each record, in their order, and saves\n"
+      "the stack as OUT. Nothing is changed silently: a column has a type only if all its\n"
+      "cells come back from their values, and what cannot come in whole stops the import,\n"
+      "with its line and column, unless --drop is given. What was found and decided is\n"
+      "printed. With --classic the first 20 columns come in by the older rules, which read\n"
+      "numbers and dates more freely and keep the cards sorted where they are. With --into\n"
+      "OUT may be missing, and STACK is saved. FILE may be - for standard input, or a pipe;\n"
+      "OUT may be - for standard output. An OUT that is there is only replaced when it is a\n"
+      "stack, and with --overwrite. A COLUMN is its name or its number."_s,
+      {{u"classic"_s, {}, u"read by the older rules"_s},
+       {u"delimiter"_s, u"C"_s, u"comma, semicolon, tab, bar or any one character"_s},
+       {u"coding"_s, u"NAME"_s, u"latin1 (the Windows code page), utf8 or utf16"_s},
        {u"no-header"_s, {}, u"the first line is data like the others"_s},
+       {u"skip-lines"_s, u"N"_s, u"leave out the first N lines of the file"_s},
        {u"no-types"_s, {}, u"all columns are texts"_s},
-       {u"no-key"_s, {}, u"do not keep the cards sorted"_s},
-       {u"no-card-name"_s, {}, u"do not name the cards by the first column"_s},
+       {u"type"_s, u"COLUMN=TYPE"_s, u"text, integer, real, date, time or boolean; for several columns"_s},
+       {u"no-key"_s, {}, u"look for no order of the cards"_s},
+       {u"keep-sorted"_s, {}, u"keep the cards sorted by the field by which they are in order"_s},
+       {u"no-card-name"_s, {}, u"name the cards by numbers"_s},
+       {u"name"_s, u"COLUMN"_s, u"name the cards by a column; the first, if suitable, if not given"_s},
        {u"into"_s, u"STACK"_s, u"replace the cards of a background of STACK"_s},
        {u"background"_s, u"NAME"_s, u"the background, with --into; needed if it is one of several"_s},
+       {u"add"_s, {}, u"with --into: add to the cards"_s},
+       {u"field"_s, u"COLUMN=FIELD"_s, u"with --into: the field of a column of another name"_s},
+       {u"drop"_s, {}, u"leave out what cannot come in whole"_s},
        {u"overwrite"_s, {}, u"replace a stack OUT"_s}},
       true,
       Run,

@@ -37,12 +37,11 @@ quint8 CVelumCsvColumn::CanBe(std::string_view aText) {
   return (iCan & (ECanIso | ECanDayMonth | ECanMonthDay)) != 0 ? CanBeDate(aText) : 0;
 }
 
-// "00" and "-0" would not come back.
 bool CVelumCsvColumn::TakeNumber(std::string_view aText, char aDecimal, char aGroup, TNumbers& aNumbers) {
   TNumber number;
   if (!ReadNumber(aText, aDecimal, aGroup, number)) return false;
-  if (number.iZeroFirst || (number.iMinus && number.iZero)) return false;
   qint32 whole = 0;
+  aNumbers.iOtherwise |= number.iZeroFirst || (number.iMinus && number.iZero);
   aNumbers.iGrouped |= number.iGroups > 0;
   aNumbers.iProven |= number.iGroups > 1 || (number.iGroups > 0 && number.iWithDecimals);
   aNumbers.iDecimals |= number.iWithDecimals;
@@ -86,14 +85,22 @@ bool CVelumCsvColumn::IsAmbiguous() const {
   if (!reading) return false;
   const TNumbers& numbers = iNumbers[*reading];
   const bool foreign = !CVelumLocale::Locale().decimalPoint().startsWith(QLatin1Char(EDecimals[*reading]));
-  return numbers.iDecimals && !numbers.iNotThree && !numbers.iGrouped && foreign;
+  return numbers.iDecimals && !numbers.iNotThree && !numbers.iGrouped && !numbers.iOtherwise && foreign;
+}
+
+CVelumCsvColumn::EWhyText CVelumCsvColumn::WhyText() const {
+  const std::optional<size_t> reading = Reading();
+  if (iFilled == 0 || !reading || IsAmbiguous()) return EWhyText::None;
+  const TNumbers& numbers = iNumbers[*reading];
+  if (numbers.iOtherwise) return EWhyText::ZeroFirst;
+  if (numbers.iDecimals) return numbers.iManyDigits ? EWhyText::ManyDigits : EWhyText::None;
+  return numbers.iBig ? EWhyText::Big : EWhyText::None;
 }
 
 std::optional<TCsvForm> CVelumCsvColumn::FoundNumber() const {
   const std::optional<size_t> reading = Reading();
-  if (!reading || IsAmbiguous()) return {};
+  if (!reading || IsAmbiguous() || WhyText() != EWhyText::None) return {};
   const TNumbers& numbers = iNumbers[*reading];
-  if (numbers.iDecimals ? numbers.iManyDigits : numbers.iBig) return {};
   TCsvForm form;
   form.iType = numbers.iDecimals ? EConReal : EConInteger;
   form.iDecimal = EDecimals[*reading];

@@ -32,6 +32,9 @@ public:
   [[nodiscard]] bool IsAmbiguous() const;
   // Whether the dates do not tell which of day and month stands first, so that the locale decided.
   [[nodiscard]] bool IsOrderAssumed() const;
+  // Why numbers without doubt are to stay a text.
+  enum class EWhyText : quint8 { None, ZeroFirst, Big, ManyDigits };
+  [[nodiscard]] EWhyText WhyText() const;
 
 private:
   // What all cells so far can be.
@@ -53,6 +56,7 @@ private:
     bool iNotThree = false;   // ... one of them not in front of exactly three digits
     bool iBig = false;        // a whole number beyond 32 bits
     bool iManyDigits = false; // more digits than a real is sure to keep
+    bool iOtherwise = false;  // written as no value of the type is: "007", "-0"
   };
 
   void Narrow(std::string_view aText);

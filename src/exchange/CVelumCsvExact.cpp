@@ -72,10 +72,7 @@ void CVelumCsvExact::BeginCheck() {
 void CVelumCsvExact::EndCheck() {
   iFaults = {};
   const TCsvBadBytes& bad = iSource->BadBytes();
-  if (bad.iMixed)
-    iFaults.Note(ECsvFault::Mixed, bad.iLine, 0);
-  else if (bad.iCount > 0)
-    iFaults.Note(ECsvFault::BadBytes, bad.iLine, 0, {}, bad.iCount);
+  if (bad.iReplaced) iFaults.Note(ECsvFault::BadBytes, bad.iLine, 0, {}, bad.iCount);
   iFaults.Add(iScan->Faults());
   if (iBackground) iFaults.Add(CVelumCsvPlans::Fieldless(*iScan, iPlan));
   iFaults.Add(iCheck->Faults());

@@ -66,7 +66,9 @@ private:
   void ProposeKey(const CVelumCsvMaker& aMaker, const CVelumControlSet& aBackground);
   void BeginReport();
   void NoteColumns();
-  void NoteColumn(int aColumn, TCsvReportColumn& aEntry);
+  void NoteBytes();
+  void NoteColumn(int aColumn, qint32 aType);
+  void NoteOf(const QString& aWhat, int aColumn);
   void NoteNames(const CVelumControlSet& aBackground);
   void NoteOutside(const CVelumControlSet& aBackground);
 
@@ -81,5 +83,6 @@ private:
   std::unique_ptr<CVelumCsvCheck> iCheck;
   CVelumCsvFaults iFaults;
   TCsvReport iReport;
+  QList<std::pair<QString, QStringList>> iColumnNotes; // what is said of columns, and their names
   qint32 iSortField = ENoInt;
 };

@@ -19,6 +19,20 @@ QString EncodingName(ECsvEncoding aEncoding) {
   return {};
 }
 
+QString Why(CVelumCsvColumn::EWhyText aWhy) {
+  switch (aWhy) {
+  case CVelumCsvColumn::EWhyText::ZeroFirst:
+    return u"as zeros in front would go"_s;
+  case CVelumCsvColumn::EWhyText::Big:
+    return u"as whole numbers hold 32 bits"_s;
+  case CVelumCsvColumn::EWhyText::ManyDigits:
+    return u"as numbers keep 15 digits"_s;
+  case CVelumCsvColumn::EWhyText::None:
+    break;
+  }
+  return {};
+}
+
 QString SeparatorName(char aSeparator) {
   return aSeparator == ',' ? u"commas"_s : u"points"_s;
 }
@@ -36,6 +50,7 @@ void CVelumCsvExact::BeginReport() {
   iReport.iFaults = iFaults;
   iReport.iChanged = iCheck->AllChanged();
   iReport.iCells = iCheck->Cells();
+  NoteBytes();
   NoteColumns();
   if (iScan->NumShort() > 0)
     iReport.iNotes.append(u"%1 fewer cells than there are columns, the first in line %2"_s
@@ -46,7 +61,18 @@ void CVelumCsvExact::BeginReport() {
                           u" with nothing on them left out"_s);
 }
 
+void CVelumCsvExact::NoteBytes() {
+  const TCsvBadBytes& bad = iSource->BadBytes();
+  if (bad.iMixed)
+    iReport.iNotes.append(
+        u"line %1: bytes that are not UTF-8, though other letters are; all was read as Windows 1252"_s.arg(
+            bad.iLine));
+  else if (bad.iCount > 0 && !bad.iReplaced)
+    iReport.iNotes.append(u"line %1: bytes that mean nothing in Windows 1252"_s.arg(bad.iLine));
+}
+
 void CVelumCsvExact::NoteColumns() {
+  iColumnNotes.clear();
   for (int i = 0; i < iScan->NumColumns(); ++i) {
     const TCsvPlanColumn& column = iPlan[static_cast<size_t>(i)];
     TCsvReportColumn entry;
@@ -54,26 +80,41 @@ void CVelumCsvExact::NoteColumns() {
     entry.iType = column.iForm.iType;
     entry.iEmpty = iScan->NumEmpty(i);
     entry.iChanged = iCheck->NumChanged(i);
-    NoteColumn(i, entry);
+    NoteColumn(i, entry.iType);
     iReport.iColumns.append(entry);
   }
+  for (const auto& [what, names] : iColumnNotes) iReport.iNotes.append(what + u": "_s + NameList(names));
 }
 
-void CVelumCsvExact::NoteColumn(int aColumn, TCsvReportColumn& aEntry) {
+// Columns of which the same is to be said are told in one line.
+void CVelumCsvExact::NoteColumn(int aColumn, qint32 aType) {
   const CVelumCsvColumn& found = iScan->Column(aColumn);
   const TCsvPlanColumn& column = iPlan[static_cast<size_t>(aColumn)];
-  const QString& name = column.iName;
-  if (iLayout.iHeaderLine && column.iHeader != name)
-    iReport.iNotes.append(u"column %1 is called %2"_s.arg(aColumn + 1).arg(name));
-  if (found.IsAmbiguous() && aEntry.iType == EConText)
-    iReport.iNotes.append(
-        u"%1 stays Text: the %2 could part thousands (as Integer) or decimals (as Real)"_s.arg(
-            name, SeparatorName(found.FormFor(EConReal).iDecimal)));
-  if (found.IsOrderAssumed() && aEntry.iType == EConDate)
-    iReport.iNotes.append(u"%1: no date tells day from month; the %2 first, as the locale has it"_s.arg(
-        name, column.iForm.iOrder == ECsvOrder::DayMonth ? u"day"_s : u"month"_s));
-  if (column.iForm.iGroup != 0 && (aEntry.iType == EConInteger || aEntry.iType == EConReal))
-    iReport.iNotes.append(u"%1: %2 part thousands"_s.arg(name, SeparatorName(column.iForm.iGroup)));
+  if (iLayout.iHeaderLine && column.iHeader != column.iName)
+    NoteOf(u"names that were empty or there already"_s, aColumn);
+  if (aType == EConText) {
+    if (found.IsAmbiguous())
+      NoteOf(u"stay Text, as the %1 could part thousands (as Integer) or decimals (as Real)"_s.arg(
+                 SeparatorName(found.FormFor(EConReal).iDecimal)),
+             aColumn);
+    if (const QString why = Why(found.WhyText()); !why.isEmpty()) NoteOf(u"stay Text, "_s + why, aColumn);
+  }
+  if (aType == EConDate && found.IsOrderAssumed())
+    NoteOf(u"dates that do not tell day from month, read with the %1 first, as the locale has it"_s.arg(
+               column.iForm.iOrder == ECsvOrder::DayMonth ? u"day"_s : u"month"_s),
+           aColumn);
+  if (column.iForm.iGroup != 0 && (aType == EConInteger || aType == EConReal))
+    NoteOf(u"%1 part thousands"_s.arg(SeparatorName(column.iForm.iGroup)), aColumn);
+}
+
+void CVelumCsvExact::NoteOf(const QString& aWhat, int aColumn) {
+  const QString& name = iPlan[static_cast<size_t>(aColumn)].iName;
+  for (auto& [what, names] : iColumnNotes)
+    if (what == aWhat) {
+      names.append(name);
+      return;
+    }
+  iColumnNotes.append({aWhat, {name}});
 }
 
 void CVelumCsvExact::NoteNames(const CVelumControlSet& aBackground) {

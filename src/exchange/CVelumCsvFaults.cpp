@@ -66,8 +66,6 @@ QString CVelumCsvFaultTexts::What(const TCsvFault& aFault) {
   switch (aFault.iKind) {
   case ECsvFault::BadBytes:
     return u"bytes that the encoding does not have"_s;
-  case ECsvFault::Mixed:
-    return u"bytes that are not UTF-8, though other letters of the file are"_s;
   case ECsvFault::Unclosed:
     return u"a quote that is never closed"_s;
   case ECsvFault::StrayQuote:
@@ -93,8 +91,6 @@ QString CVelumCsvFaultTexts::Consequence(const TCsvFault& aFault) {
   switch (aFault.iKind) {
   case ECsvFault::BadBytes:
     return Number(count, u"byte has"_s, u"bytes have"_s) + u" no meaning"_s;
-  case ECsvFault::Mixed:
-    return u"all is read as Windows 1252"_s;
   case ECsvFault::Unclosed:
     return u"the record and all that follows is left out"_s;
   case ECsvFault::StrayQuote:

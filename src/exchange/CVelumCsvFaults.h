@@ -6,7 +6,6 @@
 
 enum class ECsvFault : quint8 {
   BadBytes,    // the encoding does not have them
-  Mixed,       // two encodings in one file
   Unclosed,    // a quote that is never closed
   StrayQuote,  // a quote inside of a cell
   ZeroChar,    // characters of code 0

@@ -33,10 +33,7 @@ QString OutsideLine(const QList<TCsvReportColumn>& aColumns) {
   for (const TCsvReportColumn& column : aColumns)
     if (column.iOutside) names.append(column.iName);
   if (names.isEmpty()) return {};
-  const qsizetype all = names.size();
-  QString text = names.mid(0, EShownColumns).join(u", "_s);
-  if (all > EShownColumns) text += u" and %1 more"_s.arg(all - EShownColumns);
-  return u"not visible in the card view, which has no place for them: "_s + text;
+  return u"not visible in the card view, which has no place for them: "_s + CVelumCsvReports::NameList(names);
 }
 
 QJsonObject ColumnJson(const TCsvReportColumn& aColumn) {
@@ -88,6 +85,12 @@ QString CVelumCsvReports::DelimName(QChar aDelim) {
   return u"delimiter "_s + aDelim;
 }
 
+QString CVelumCsvReports::NameList(const QStringList& aNames) {
+  QString text = aNames.mid(0, EShownColumns).join(u", "_s);
+  if (aNames.size() > EShownColumns) text += u" and %1 more"_s.arg(aNames.size() - EShownColumns);
+  return text;
+}
+
 QString CVelumCsvReports::Number(qint64 aCount, const QString& aOne, const QString& aMany) {
   return QLocale(QLocale::English).toString(aCount) + u' ' + (aCount == 1 ? aOne : aMany);
 }
@@ -103,7 +106,7 @@ QStringList CVelumCsvReports::FaultLines(const CVelumCsvFaults& aFaults) {
 QStringList CVelumCsvReports::Lines(const TCsvReport& aReport) {
   QStringList lines;
   QString first = Number(aReport.iRecords, u"card"_s, u"cards"_s);
-  if (!aReport.iBackground.isEmpty()) first += u" into \"%1\""_s.arg(aReport.iBackground);
+  if (!aReport.iBackground.isEmpty()) first += u" into '%1'"_s.arg(aReport.iBackground);
   if (aReport.iReplaced > 0) first += u", in place of "_s + Number(aReport.iReplaced, u"card"_s, u"cards"_s);
   lines.append(first + u"; "_s + aReport.iLayout);
   lines.append(ColumnsLine(aReport.iColumns));

@@ -51,6 +51,8 @@ namespace CVelumCsvReports {
 [[nodiscard]] QString TypeName(qint32 aType);
 // "comma", "tab" ...
 [[nodiscard]] QString DelimName(QChar aDelim);
+// Names, the first ones of many.
+[[nodiscard]] QString NameList(const QStringList& aNames);
 // "1 card", "2,000 cards".
 [[nodiscard]] QString Number(qint64 aCount, const QString& aOne, const QString& aMany);
 

@@ -1,6 +1,7 @@
 #include "exchange/CVelumCsvSource.h"
 
 #include "core/CVelumLib.h"
+#include "core/CVelumMsg.h"
 #include "exchange/CVelumImportLimits.h"
 
 #include <algorithm>
@@ -57,17 +58,24 @@ TFirstBad FindBad(QByteArrayView aBytes) {
   return found;
 }
 
+const QString EProc = u"CVelumCsvSource.Open"_s;
+
+[[noreturn]] void RaiseNotOpened(int aErrno, const QString& aFilename) {
+  if (aErrno == ENOENT || aErrno == ENOTDIR) CVelumError::Throw(EMsgFileNotFound, EProc, aFilename, {});
+  if (aErrno == EACCES) CVelumError::Throw(EMsgNoFileAccess, EProc, aFilename, {});
+  CVelumOs::Raise(aErrno, aFilename);
+}
+
 } // namespace
 
 CVelumCsvSource::CVelumCsvSource(const QString& aFilename, std::optional<ECsvEncoding> aChosen, qint64 aMost)
     : iFilename(aFilename), iChosen(aChosen), iMost(aMost) {
   CVelumImportLimits::CheckIsFile(aFilename);
   iFd = CVelumOs::Open(aFilename, O_RDONLY);
-  if (iFd < 0) CVelumOs::Raise(errno, aFilename);
+  if (iFd < 0) RaiseNotOpened(errno, aFilename);
   try {
     iId = CVelumOs::IdOf(iFd);
-    if (CVelumOs::IsFolder(iFd))
-      CVelumError::RaiseHost(EHostPermissionDenied, aFilename + u" is a folder."_s);
+    if (CVelumOs::IsFolder(iFd)) CVelumError::Throw(EMsgNoFileAccess, EProc, aFilename, {});
     // One more than there are, as the end shows only then.
     iBytes.reserve((iMost == EWhole ? iId.iSize : std::min(iMost, iId.iSize)) + 1);
   } catch (...) {
@@ -196,7 +204,8 @@ void CVelumCsvSource::EndChecking() {
 
 void CVelumCsvSource::NoteBad(qint64 aCount, qint64 aLine) {
   if (!iBad.Any()) iBad.iLine = aLine;
-  iBad.iCount += aCount;
+  iBad.iReplaced |= iEncoding != ECsvEncoding::Windows1252;
+  if (!iBad.iMixed) iBad.iCount += aCount;
 }
 
 void CVelumCsvSource::ConvertUtf8(QByteArrayView aPart) {

@@ -11,9 +11,12 @@ enum class ECsvEncoding : quint8 { Utf8, Utf16Le, Utf16Be, Windows1252 };
 
 // What the bytes hold that their encoding does not have.
 struct TCsvBadBytes {
-  qint64 iCount = 0; // UTF-8 and UTF-16: bytes or halves of pairs that became U+FFFD; else bytes kept as are
-  qint64 iLine = 0;  // of the first one
-  bool iMixed = false; // no mark and no UTF-8 as a whole, but letters of UTF-8 in it
+  qint64 iCount = 0;
+  qint64 iLine = 0;       // of the first one
+  bool iReplaced = false; // UTF-8 and UTF-16: each became U+FFFD; in the Windows code page they are kept
+  // No mark, and no UTF-8 as a whole, but letters of UTF-8 are in it. The line is then that of the first byte
+  // that is none, and 0 the count.
+  bool iMixed = false;
 
   [[nodiscard]] bool Any() const { return iCount > 0 || iMixed; }
 };

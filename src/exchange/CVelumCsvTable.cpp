@@ -65,21 +65,23 @@ void CVelumCsvTable::CheckRecord() {
     const TCsvCell& cell = iReader.Cells()[static_cast<size_t>(i)];
     if (cell.iStrayQuote) Fault(ECsvFault::StrayQuote, i);
     if (iHasZero && cell.iRaw.find('\0') != std::string_view::npos) Fault(ECsvFault::ZeroChar, i);
-    if (IsTooLong(cell.iRaw) && IsTooLong(CleanText(i))) Fault(ECsvFault::TooLong, i);
+    if (IsTooLong(cell)) Fault(ECsvFault::TooLong, i);
   }
 }
 
-bool CVelumCsvTable::IsTooLong(std::string_view aText) {
+// Counts without making the text, which may be as long as the file.
+bool CVelumCsvTable::IsTooLong(const TCsvCell& aCell) {
   constexpr size_t most = CVelumImportLimits::EMaxText;
-  if (aText.size() <= most) return false;
+  const std::string_view raw = aCell.iRaw;
+  if (raw.size() <= most) return false;
   // In UTF-16, where what takes four bytes takes two places, and all else one.
   size_t units = 0;
-  for (const char c : aText) {
-    const auto byte = static_cast<unsigned char>(c);
-    if ((byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
-    if (units > most) return true;
+  for (size_t i = 0; i < raw.size() && units <= most; ++i) {
+    const auto byte = static_cast<unsigned char>(raw[i]);
+    if (byte != 0 && (byte & 0xC0) != 0x80) units += byte >= 0xF0 ? 2 : 1;
+    if (aCell.iDoubled && byte == '"') ++i;
   }
-  return false;
+  return units > most;
 }
 
 // The text of a cell without characters of code 0.
@@ -97,8 +99,7 @@ std::string_view CVelumCsvTable::Cell(int aIndex) {
   const TCsvCell& cell = iReader.Cells()[static_cast<size_t>(aIndex)];
   const bool simple = !cell.iDoubled && !iHasZero && cell.iRaw.size() <= CVelumImportLimits::EMaxText;
   if (simple) return cell.iRaw;
-  const std::string_view text = CleanText(aIndex);
-  return IsTooLong(text) ? std::string_view() : text;
+  return IsTooLong(cell) ? std::string_view() : CleanText(aIndex);
 }
 
 bool CVelumCsvTable::IsQuoted(int aIndex) const {

@@ -49,7 +49,7 @@ private:
   void CheckRecord();
   void Fault(ECsvFault aKind, int aIndex);
   [[nodiscard]] std::string_view CleanText(int aIndex);
-  [[nodiscard]] static bool IsTooLong(std::string_view aText);
+  [[nodiscard]] static bool IsTooLong(const TCsvCell& aCell);
 
   CVelumCsvReader iReader;
   bool iHasZero;

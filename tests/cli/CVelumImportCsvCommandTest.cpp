@@ -36,8 +36,10 @@ TEST_F(CVelumImportCsvCommand, MakesAStack) {
   const TCliResult result = Run({csv, iOut});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_EQ(result.iErr, QByteArray());
-  EXPECT_EQ(result.iOut, iOut.toUtf8() + ": 2 cards in background 'First Background': Name (Text), "
-                                         "Size (Real); named by Name; sorted by Name\n");
+  EXPECT_EQ(result.iOut, iOut.toUtf8() + ": 2 cards; UTF-8, comma, with a header line\n"
+                                         "  2 columns: Name Text; Size Real\n"
+                                         "  cards are named by Name\n"
+                                         "  sorted by Name: keep sorted?\n");
   EXPECT_EQ(Cards(iOut), "Anna\tAnna\t1.5\nBob\tBob\t22.25\n");
   EXPECT_EQ(CliRun::Run({u"check"_s, iOut}).iOut, QByteArray());
 }
@@ -129,13 +131,13 @@ TEST_F(CVelumImportCsvCommand, EqualColumnNamesGetNumbers) {
   const QString csv = iFolder.Write(u"a.csv"_s, "n,a,a,a 2,,\"\"\nx,1,2,3,4,5\n");
   const TCliResult result = Run({csv, iOut, u"--no-types"_s});
   EXPECT_EQ(result.iStatus, 0);
-  EXPECT_TRUE(result.iOut.contains("n (Text), a (Text), a 3 (Text), a 2 (Text),  (Text), Field 6 (Text)"))
+  EXPECT_TRUE(result.iOut.contains("n Text; a Text; a 3 Text; a 2 Text; Field 5 Text; Field 6 Text"))
       << result.iOut.toStdString();
 }
 
 TEST_F(CVelumImportCsvCommand, TellsWhatItMadeAsJson) {
   const QString csv = iFolder.Write(u"a.csv"_s, "Name,Size\nAnna,1.5\nBob,22.25\n");
-  const TCliResult result = Run({csv, iOut, u"--json"_s});
+  const TCliResult result = Run({csv, iOut, u"--json"_s, u"--keep-sorted"_s});
   EXPECT_EQ(result.iStatus, 0);
   const QJsonObject facts = QJsonDocument::fromJson(result.iOut).object();
   EXPECT_EQ(facts.value(u"file"_s).toString(), csv);
@@ -147,6 +149,9 @@ TEST_F(CVelumImportCsvCommand, TellsWhatItMadeAsJson) {
   EXPECT_EQ(made.value(u"sortedBy"_s).toArray(), QJsonArray{u"Name"_s});
   const QJsonObject size = made.value(u"fields"_s).toArray().at(1).toObject();
   EXPECT_EQ(size, (QJsonObject{{u"name"_s, u"Size"_s}, {u"type"_s, u"Real"_s}}));
+  const QJsonObject report = facts.value(u"report"_s).toObject();
+  EXPECT_EQ(report.value(u"records"_s).toInt(), 2);
+  EXPECT_EQ(report.value(u"columns"_s).toArray().size(), 2);
 }
 
 TEST_F(CVelumImportCsvCommand, ReadsStandardInput) {
@@ -165,7 +170,8 @@ TEST_F(CVelumImportCsvCommand, FailuresOfAStreamNameIt) {
   const TCliResult wide =
       CliRun::RunFed("a\n" + QByteArray(40000, 'x') + "\n", {u"import-csv"_s, u"-"_s, iOut});
   EXPECT_EQ(wide.iStatus, 1);
-  EXPECT_TRUE(wide.iErr.contains("standard input, line 2")) << wide.iErr.toStdString();
+  EXPECT_TRUE(wide.iErr.contains("standard input, line 2, column 1: a cell of more than"))
+      << wide.iErr.toStdString();
   const TCliResult device = CliRun::RunProgram(
       u"sh"_s, {u"-c"_s, u"\"$0\" \"$@\" < /dev/zero"_s, CliRun::Program(), u"import-csv"_s, u"-"_s, iOut});
   EXPECT_EQ(device.iStatus, 1);
@@ -178,7 +184,7 @@ TEST_F(CVelumImportCsvCommand, ReadsAPipeAndWritesToStandardOutput) {
   const TCliResult result = CliRun::RunProgram(
       u"bash"_s, {u"-c"_s, u"\"$0\" import-csv <(cat \"$1\") - > \"$2\""_s, CliRun::Program(), csv, iOut});
   EXPECT_EQ(result.iStatus, 0);
-  EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: -: 1 card in background")) << result.iErr.toStdString();
+  EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: -: 1 card; UTF-8")) << result.iErr.toStdString();
   EXPECT_EQ(Cards(iOut), "Anna\tAnna\n");
 }
 
@@ -201,16 +207,64 @@ TEST_F(CVelumImportCsvCommand, LooksAtTheWholeFileForItsCoding) {
 TEST_F(CVelumImportCsvCommand, CountsTheLinesThatLoseItems) {
   QByteArray line("0");
   for (int i = 1; i <= 20; ++i) line += "," + QByteArray::number(i);
-  const TCliResult result = Run({iFolder.Write(u"a.csv"_s, line + "\n" + line + "\n"), iOut});
+  const TCliResult result = Run({iFolder.Write(u"a.csv"_s, line + "\n" + line + "\n"), iOut, u"--classic"_s});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_EQ(result.iErr.count("EMsgTooManyItems"), 1);
   EXPECT_TRUE(result.iErr.contains("(lines: 2) Line 1, item 21: '20'\n")) << result.iErr.toStdString();
 }
 
 TEST_F(CVelumImportCsvCommand, TellsOfACellThatIsNeverClosed) {
-  const TCliResult result = Run({iFolder.Write(u"a.csv"_s, "a,b\n1,2\n3,\"4\n5,6\n"), iOut});
+  const QString csv = iFolder.Write(u"a.csv"_s, "a,b\n1,2\n3,\"4\n5,6\n");
+  const TCliResult result = Run({csv, iOut, u"--classic"_s});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_TRUE(result.iErr.contains("line 3 is never closed")) << result.iErr.toStdString();
+  EXPECT_EQ(Cards(iOut), "1\t1\t2\n");
+  const TCliResult into = Run({csv, u"--classic"_s, u"--into"_s, iOut});
+  EXPECT_EQ(into.iStatus, 1) << "cards would go";
+  EXPECT_TRUE(into.iErr.contains("line 3, column 2: a quote that is never closed"));
+  EXPECT_EQ(Run({csv, u"--classic"_s, u"--into"_s, iOut, u"--drop"_s}).iStatus, 0);
+}
+
+TEST_F(CVelumImportCsvCommand, StopsAtWhatCannotComeInWhole) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "a,b\n1,2\n3,4,5\n");
+  const TCliResult stopped = Run({csv, iOut});
+  EXPECT_EQ(stopped.iStatus, 1);
+  EXPECT_TRUE(
+      stopped.iErr.contains(csv.toUtf8() + ", line 3, column 3: more cells than columns; 1 cell left out"))
+      << stopped.iErr.toStdString();
+  EXPECT_FALSE(iFolder.Has(u"out.Orvelle"_s));
+  const TCliResult dropped = Run({csv, iOut, u"--drop"_s});
+  EXPECT_EQ(dropped.iStatus, 0);
+  EXPECT_TRUE(dropped.iOut.contains("line 3, column 3: more cells than columns; 1 cell left out"));
+  EXPECT_EQ(Cards(iOut), "1\t1\t2\n3\t3\t4\n");
+  EXPECT_EQ(CliRun::Run({u"--yes"_s, u"import-csv"_s, csv, iFolder.Path(u"b.Orvelle"_s)}).iStatus, 1)
+      << "a yes to all questions drops nothing";
+}
+
+TEST_F(CVelumImportCsvCommand, ChangesNothingUnlessAskedTo) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "skip me\nzip;d;note\n01234;16/07/2010;\" a \n\"\n02345;;\n");
+  const TCliResult result = Run({csv, iOut, u"--skip-lines"_s, u"1"_s, u"--name"_s, u"d"_s});
+  EXPECT_EQ(result.iStatus, 0) << result.iErr.toStdString();
+  const TCliResult plain = CliRun::Run({u"export-csv"_s, iOut, u"-"_s, u"--plain"_s});
+  EXPECT_EQ(plain.iOut, "zip,d,note\r\n01234,2010-07-16,\" a \n\"\r\n02345,,\r\n");
+  const TCliResult typed = Run({csv, iOut, u"--overwrite"_s, u"--skip-lines"_s, u"1"_s, u"--type"_s,
+                                u"zip=Integer"_s, u"--type"_s, u"2=text"_s, u"--no-card-name"_s});
+  EXPECT_EQ(typed.iStatus, 0) << typed.iErr.toStdString();
+  EXPECT_TRUE(typed.iOut.contains("zip Integer (2 changed); d Text (1 empty)")) << typed.iOut.toStdString();
+  EXPECT_TRUE(typed.iOut.contains("2 cells show another text than the file"));
+  EXPECT_EQ(Run({csv, iOut, u"--overwrite"_s, u"--type"_s, u"none=Integer"_s}).iStatus, 2);
+  EXPECT_EQ(Run({csv, iOut, u"--overwrite"_s, u"--type"_s, u"zip=Number"_s}).iStatus, 2);
+}
+
+TEST_F(CVelumImportCsvCommand, AddsCardsAndMatchesFields) {
+  ASSERT_EQ(Run({iFolder.Write(u"a.csv"_s, "n,v\nx,1\n"), iOut}).iStatus, 0);
+  const QString csv = iFolder.Write(u"b.csv"_s, "value,n\n2,y\n");
+  EXPECT_EQ(Run({csv, u"--into"_s, iOut, u"--add"_s}).iStatus, 1) << "no field is called value";
+  const TCliResult added = Run({csv, u"--into"_s, iOut, u"--add"_s, u"--field"_s, u"value=v"_s});
+  EXPECT_EQ(added.iStatus, 0) << added.iErr.toStdString();
+  EXPECT_TRUE(added.iOut.startsWith(iOut.toUtf8() + ": 1 card into 'First Background'; UTF-8"));
+  EXPECT_EQ(Cards(iOut), "x\tx\t1\ny\ty\t2\n");
+  EXPECT_EQ(CliRun::Run({u"check"_s, iOut}).iOut, QByteArray());
 }
 
 TEST_F(CVelumImportCsvCommand, FailuresWriteNothing) {
@@ -233,6 +287,10 @@ TEST_F(CVelumImportCsvCommand, FailuresWriteNothing) {
       {{good, iOut, u"--delimiter"_s, u" "_s}, 2, "no delimiter"},
       {{good, iOut, u"--delimiter"_s, u"::"_s}, 2, "no delimiter"},
       {{good, iOut, u"--coding"_s, u"ebcdic"_s}, 2, "no coding"},
+      {{good, iOut, u"--skip-lines"_s, u"x"_s}, 2, "no number of lines"},
+      {{good, iOut, u"--classic"_s, u"--skip-lines"_s, u"1"_s}, 2, "knows no --skip-lines"},
+      {{good, iOut, u"--add"_s}, 2, "--into, which is missing"},
+      {{good, iOut, u"--field"_s, u"a=b"_s}, 2, "--into is missing"},
       {{good, iOut, u"--into"_s, sample}, 2, "--background is missing; the stack has '"},
       {{good, iOut, u"--background"_s, u"Country"_s}, 2, "--into, which is missing"},
       {{good}, 2, "OUT is missing"},

@@ -1,5 +1,6 @@
 #include "exchange/CVelumCsvSource.h"
 
+#include "core/CVelumMsg.h"
 #include "support/PrintQt.h"
 #include "support/Raised.h"
 #include "support/TempFolder.h"
@@ -75,6 +76,7 @@ TEST_F(CVelumCsvSourceTest, CountsBytesWithoutMeaning) {
   EXPECT_EQ(iSource->BadBytes().iLine, 2);
   static_cast<void>(Read("a\n\xE9,\x81\n"));
   EXPECT_EQ(iSource->BadBytes().iCount, 1) << "free in the code page";
+  EXPECT_FALSE(iSource->BadBytes().iReplaced);
   EXPECT_EQ(iSource->BadBytes().iLine, 2);
   EXPECT_EQ(TextOf(QByteArray("\xFF\xFE"
                               "\n\0\0\xD8z\0q",
@@ -168,8 +170,8 @@ TEST_F(CVelumCsvSourceTest, KnowsOfZeroBytes) {
 }
 
 TEST_F(CVelumCsvSourceTest, RefusesWhatIsNoFile) {
-  EXPECT_EQ(Raised([&] { CVelumCsvSource(iFolder.Path(u"none.csv"_s)); }), EHostFileNotFound);
-  EXPECT_EQ(Raised([&] { CVelumCsvSource(iFolder.Path()); }), EHostPermissionDenied);
+  EXPECT_EQ(Raised([&] { CVelumCsvSource(iFolder.Path(u"none.csv"_s)); }), EMsgFileNotFound);
+  EXPECT_EQ(Raised([&] { CVelumCsvSource(iFolder.Path()); }), EMsgNoFileAccess);
 }
 
 } // namespace
