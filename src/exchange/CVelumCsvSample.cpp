@@ -49,6 +49,7 @@ bool IsEnough(const CVelumCsvSource& aSource) {
 } // namespace
 
 QChar CVelumCsvSamples::ProposeDelim(std::string_view aText, qint64 aSkipLines) {
+  aText = aText.substr(0, EMostBytes);
   QChar best = EDelims[0];
   TScore score;
   for (const char16_t delim : EDelims) {

@@ -4,6 +4,13 @@
 
 #include <algorithm>
 
+namespace {
+
+// So many bytes are never looked at for what remains without the characters of code 0.
+constexpr size_t EBeyondMeasure = 1 << 20;
+
+} // namespace
+
 CVelumCsvTable::CVelumCsvTable(std::string_view aText, const TCsvLayout& aLayout, bool aHasZero, int aColumns,
                                CVelumCsvFaults* aFaults)
     : iReader(aText, aLayout.iDelim, aLayout.iSkipLines), iHasZero(aHasZero),
@@ -74,6 +81,7 @@ bool CVelumCsvTable::IsTooLong(const TCsvCell& aCell) {
   constexpr size_t most = CVelumImportLimits::EMaxText;
   const std::string_view raw = aCell.iRaw;
   if (raw.size() <= most) return false;
+  if (raw.size() > EBeyondMeasure) return true;
   // In UTF-16, where what takes four bytes takes two places, and all else one.
   size_t units = 0;
   for (size_t i = 0; i < raw.size() && units <= most; ++i) {
