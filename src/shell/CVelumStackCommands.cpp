@@ -13,7 +13,9 @@
 #include "shell/CVelumStackName.h"
 #include "toolkit/CVelumGuard.h"
 
+#include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
 
 namespace {
 
@@ -44,6 +46,12 @@ bool AskEmpty(const QString& aCards) {
   const QString text = CVelumMsg::Text(EMsgEmptyStackOk, CVelumMsg::EUndefParam) + u"\n\n"_s + aCards + u'.';
   return CVelumSeams::Presenter().Message(EMsgEmptyStackOk, EMsgQuestion, CVelumMsg::Name(EMsgEmptyStackOk),
                                           text);
+}
+
+// Where whoever has no folder for stacks keeps documents.
+QString DocumentFolder() {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QFileInfo(folder).isDir() ? folder : QDir::homePath();
 }
 
 QString FolderOf(const QString& aPath) {
@@ -105,7 +113,8 @@ void CVelumStackCommands::SaveStack() {
 void CVelumStackCommands::PrepareSaveDialog() {
   const QString path = gStack->Filename();
   const bool own = !path.isEmpty() && CVelumAccess::WhyReadOnly(path).isEmpty();
-  fSaveDialog.SetInitDir(CVelumOptions::StartFolder(own ? FolderOf(path) : QString()));
+  const QString folder = CVelumOptions::StartFolder(own ? FolderOf(path) : QString());
+  fSaveDialog.SetInitDir(folder.isEmpty() ? DocumentFolder() : folder);
   fSaveDialog.SetProposedName(CVelumStackName::FileName(*gStack));
 }
 

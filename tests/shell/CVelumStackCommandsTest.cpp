@@ -10,6 +10,7 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QTest>
 
@@ -221,6 +222,9 @@ TEST_F(CVelumStackCommandsTest, OpeningAndSavingHaveDialogsOfTheirOwn) {
   gStack->SetDescr(u"My books"_s);
   Choose(u"fSaveStack"_s);
   EXPECT_EQ(seen.mid(0, 3), (QStringList{u"Save Stack As"_s, u"My books.Orvelle"_s, iFolder.Path()}));
+  gOptions.iStackFolder.clear();
+  Choose(u"fSaveStack"_s);
+  EXPECT_TRUE(!seen.value(2).isEmpty() && QFileInfo(seen.value(2)).isDir()) << seen.value(2).toStdString();
   // In the stack folder, wherever the last stack was opened from.
   EXPECT_EQ(gOptions.iLoadDialogInitDir, u"/"_s);
 }
