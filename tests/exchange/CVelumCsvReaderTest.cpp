@@ -11,7 +11,7 @@ std::vector<std::string> Read(std::string_view aText, QChar aDelim = u',', qint6
   while (reader.Next()) {
     std::string record;
     std::string buffer;
-    for (const TCsvCell& cell : reader.Cells()) record += "[" + std::string(cell.Text(buffer)) + "]";
+    for (const TCsvCell& cell : reader.Cells()) record.append("[").append(cell.Text(buffer)).append("]");
     records.push_back(record);
   }
   return records;
