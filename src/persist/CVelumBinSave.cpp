@@ -28,6 +28,20 @@ void RollBack(CVelumJournal& aJournal, CVelumFile& aFile) {
   }
 }
 
+// Whatever lock a save has taken, it leaves the shared one on the file that the store then has.
+class CSharedAgain {
+public:
+  explicit CSharedAgain(const CVelumBlobStore& aStore) : iStore(aStore) {}
+  ~CSharedAgain() {
+    if (const Ref<CVelumFile> file = iStore.File()) static_cast<void>(file->TryLockShared());
+  }
+  CSharedAgain(const CSharedAgain&) = delete;
+  CSharedAgain& operator=(const CSharedAgain&) = delete;
+
+private:
+  const CVelumBlobStore& iStore;
+};
+
 } // namespace
 
 CVelumBinSave::CVelumBinSave(QString aFilename, CVelumStack& aStack, CVelumViewState& aView)
@@ -39,6 +53,7 @@ void CVelumBinSave::Run() {
   iStack.PrepareForSave();
   const CVelumBlobStore::TState state = iStore.State();
   const QSet<qint32> damaged = iStore.Damaged();
+  const CSharedAgain shared(iStore);
   try {
     WriteAll(target);
   } catch (...) {
@@ -82,10 +97,7 @@ bool CVelumBinSave::TakeAlone(const CVelumSaveTarget& aTarget) {
   const Ref<CVelumFile> file = iStore.File();
   if (!file || file->ReadOnly() || file->Patch() || !iStore.HasBlobsOnFile() || !iStore.IsSound())
     return false;
-  if (!file->TryLockAlone()) return false;
-  if (aTarget.IsKnown()) return true;
-  static_cast<void>(file->TryLockShared());
-  return false;
+  return file->TryLockAlone() && aTarget.IsKnown();
 }
 
 void CVelumBinSave::SetPointerPos(qint64 aPos) {
@@ -147,27 +159,21 @@ void CVelumBinSave::RefuseUnreadable(const Ref<CVelumFile>& aFile) const {
 
 void CVelumBinSave::WriteInPlace(const CVelumSaveTarget& aTarget) {
   const Ref<CVelumFile> file = iStore.File();
+  CVelumJournal journal(aTarget.Path(), file->Fd());
   try {
-    CVelumJournal journal(aTarget.Path(), file->Fd());
-    try {
-      const Ref<CVelumFilePatch> patch = Collect(*file);
-      RefuseUnreadable(file);
-      file->SetPatch(nullptr);
-      journal.Write(*patch);
-      iTouched = true;
-      journal.Apply(*patch);
-      journal.Finish();
-    } catch (...) {
-      file->SetPatch(nullptr);
-      iWritten = journal.Finished();
-      if (!iWritten) RollBack(journal, *file);
-      throw;
-    }
+    const Ref<CVelumFilePatch> patch = Collect(*file);
+    RefuseUnreadable(file);
+    file->SetPatch(nullptr);
+    journal.Write(*patch);
+    iTouched = true;
+    journal.Apply(*patch);
+    journal.Finish();
   } catch (...) {
-    static_cast<void>(file->TryLockShared());
+    file->SetPatch(nullptr);
+    iWritten = journal.Finished();
+    if (!iWritten) RollBack(journal, *file);
     throw;
   }
-  static_cast<void>(file->TryLockShared());
   iWritten = true;
 }
 
@@ -187,10 +193,8 @@ void CVelumBinSave::WriteBeside(CVelumSaveTarget& aTarget) {
   } catch (...) {
     iWritten = iTouched = target.Placed();
     if (iWritten) file->SetFilename(iFilename);
-    if (iWritten) static_cast<void>(file->TryLockShared());
     throw;
   }
   file->SetFilename(iFilename);
-  static_cast<void>(file->TryLockShared());
   iWritten = true;
 }

@@ -40,14 +40,14 @@ bool CVelumStackFile::IsXmlStack() {
   return StartsWith(EXmlStart);
 }
 
-// The file with the lock that keeps others from saving into it. While that was waited for, another file may
-// have taken the name.
+// The file with the lock that keeps others from saving into it. Another file may have taken the name while
+// that was waited for, so each try opens it anew.
 Ref<CVelumFile> CVelumStackFile::OpenLocked() const {
   Ref<CVelumFile> file;
   const bool locked = CVelumOs::WaitFor([&] {
     file = MakeRef<CVelumFile>(iFilename, qint32{EFilReadWrite});
     file->OpenFile();
-    return file->TryLockShared() && file->FileId().SameFile(CVelumOs::IdOf(iFilename));
+    return file->TryLockShared();
   });
   if (!locked)
     CVelumError::RaiseHost(EHostPermissionDenied, iFilename + u" (another program is saving it)"_s);

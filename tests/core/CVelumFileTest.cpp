@@ -370,6 +370,7 @@ TEST_F(CVelumFileTest, TheSameOpenFileSharesItsLock) {
   EXPECT_TRUE(same.TryLockShared()) << "its own lock is no hindrance";
   EXPECT_TRUE(other.TryLockShared());
   EXPECT_FALSE(same.TryLockAlone());
+  EXPECT_FALSE(other.TryLockAlone()) << "the shared one is held as before";
   other.CloseFile();
   EXPECT_TRUE(same.TryLockAlone());
 }

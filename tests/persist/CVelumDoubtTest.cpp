@@ -2,6 +2,7 @@
 #include "persist/CVelumJournal.h"
 #include "persist/CutSave.h"
 #include "persist/StackTeller.h"
+#include "support/FaultInjection.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
@@ -160,6 +161,25 @@ TEST_F(CVelumDoubtTest, AnXmlSaveClearsAJournalAway) {
   other.Save(iPath);
   EXPECT_EQ(Files(), QStringList{u"t.Orvelle"_s});
   ExpectSays(iPath, other.Tell());
+}
+
+// The pictures of the first one are where they were, and nobody may move them.
+TEST_F(CVelumDoubtTest, AfterASaveThatFailedTheFileIsHeldAsBefore) {
+  StackMaker doc = StackMaker::Load(iPath);
+  CutSave::Edit(doc);
+  int num = 0;
+  for (bool reached = true; reached; ++num) {
+    FaultInjection faults(FaultInjection::EAct::Fail, num);
+    faults.Only(EOsCall::Sync);
+    try {
+      doc.Save(iPath);
+    } catch (const CVelumException&) {
+      StackMaker other = StackMaker::Load(iPath);
+      EXPECT_FALSE(other.iStack->BlobStore()->File()->TryLockAlone()) << num;
+    }
+    reached = faults.Hit();
+  }
+  EXPECT_EQ(num, 3);
 }
 
 // A save that failed and could not be undone, and the document is saved elsewhere.

@@ -1,5 +1,6 @@
 // The power fails at any moment of a save or of what follows it: there is always the old or the new document.
 #include "persist/CVelumRecovery.h"
+#include "persist/CutSave.h"
 #include "persist/StackMaker.h"
 #include "support/PowerLoss.h"
 #include "support/PrintQt.h"
@@ -185,6 +186,24 @@ TEST_P(CompleteSaveTest, IsOnTheDiskBeforeItsJournalGoes) {
     ExpectDone(log);
   }
   EXPECT_GT(complete, 0);
+}
+
+// A journal without its document must not come back when another document has the name.
+TEST(PowerLossSetAside, IsOnTheDisk) {
+  const QTemporaryDir dir{FolderName()};
+  const QString path = dir.filePath(EName);
+  StackMaker doc = StackMaker::New(2, 700);
+  doc.Save(path);
+  doc = StackMaker::New(0, 0);
+  CutSave::Run(path);
+  QFile::remove(path);
+  PowerLoss log(dir.path());
+  log.Begin();
+  EXPECT_EQ(CVelumRecovery::Run(path), EFound::Nothing);
+  log.End();
+  log.ForEachState(log.Count(), 0, [](const TFolderState& aState) {
+    EXPECT_EQ(aState.keys(), QList<QString>{EName + u"-journal-unused"_s});
+  });
 }
 
 std::string KindName(const testing::TestParamInfo<EKind>& aInfo) {
