@@ -347,6 +347,17 @@ TEST_F(CVelumCardListTest, ARefillKeepsTheSelectionAndThePlace) {
   EXPECT_EQ(Widget().TopRow(), top);
 }
 
+TEST_F(CVelumCardListTest, ARefillKeepsThePlaceWhereTheChosenLineIsNotSeen) {
+  for (int i = 0; i < 200; ++i) AddCard(u"card "_s + QString::number(i));
+  OpenThree();
+  Box().SetSelIndex(0);
+  Widget().SetTopRow(100);
+  ASSERT_EQ(Widget().TopRow(), 100);
+  View().RefreshViews(true, true);
+  EXPECT_EQ(Box().SelIndex(), 0);
+  EXPECT_EQ(Widget().TopRow(), 100);
+}
+
 TEST_F(CVelumCardListTest, TakesItsPlaceFromTheStackAndGivesItBack) {
   AddCard(u"a"_s);
   Open();

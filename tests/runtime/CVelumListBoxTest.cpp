@@ -323,17 +323,6 @@ TEST_F(CVelumListBoxTest, NothingOfALineIsMadeBeforeItIsSeen) {
   EXPECT_LT(asked, 1000);
 }
 
-TEST_F(CVelumListBoxTest, OtherLinesKeepThePlaceWithoutASelectionToo) {
-  const auto list = List();
-  int asked = 0;
-  list->SetProvider(std::make_unique<CountingLines>(1000, asked));
-  iWidget->SetTopRow(100);
-  ASSERT_EQ(iWidget->TopRow(), 100);
-  list->SetProvider(std::make_unique<CountingLines>(1000, asked));
-  EXPECT_EQ(list->SelIndex(), -1);
-  EXPECT_EQ(iWidget->TopRow(), 100);
-}
-
 TEST_F(CVelumListBoxTest, ATitleSortsTheDisplayOnly) {
   const auto list = Towns();
   list->SetSelIndex(0);
