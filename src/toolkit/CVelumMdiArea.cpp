@@ -1,8 +1,16 @@
 #include "toolkit/CVelumMdiArea.h"
 
-#include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMdiSubWindow>
+#include <QTimer>
+
+namespace {
+
+// For so long after a resize, which a new style of the desktop is too, the toolkit paints the title of a
+// child with the colours of before.
+constexpr int ETitleMs = 400;
+
+} // namespace
 #include <QMenu>
 
 CVelumMdiArea::CVelumMdiArea(QWidget* aParent) : QMdiArea(aParent) {
@@ -95,20 +103,15 @@ void CVelumMdiArea::FollowPalette() {
   setBackground(palette().color(QPalette::Window).darker(115));
 }
 
-void CVelumMdiArea::RenewTitles() {
-  for (QMdiSubWindow* child : subWindowList()) {
-    QEvent change(QEvent::PaletteChange);
-    QCoreApplication::sendEvent(child, &change);
-    child->update();
-  }
+void CVelumMdiArea::PaintChildren() {
+  for (QMdiSubWindow* child : subWindowList()) child->update();
 }
 
 void CVelumMdiArea::changeEvent(QEvent* aEvent) {
   QMdiArea::changeEvent(aEvent);
   if (aEvent->type() != QEvent::PaletteChange) return;
   FollowPalette();
-  // The children get their palettes after this, and may have taken the colours of their titles before it.
-  QMetaObject::invokeMethod(this, &CVelumMdiArea::RenewTitles, Qt::QueuedConnection);
+  QTimer::singleShot(ETitleMs, this, &CVelumMdiArea::PaintChildren);
 }
 
 void CVelumMdiArea::keyPressEvent(QKeyEvent* aEvent) {

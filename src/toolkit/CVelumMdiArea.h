@@ -33,7 +33,7 @@ protected:
 
 private:
   void FollowPalette();
-  void RenewTitles();
+  void PaintChildren();
   [[nodiscard]] QMdiSubWindow* ChildOf(const QWidget* aForm) const;
 
   void NoteState(const QMdiSubWindow& aChild);
