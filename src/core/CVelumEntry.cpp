@@ -4,28 +4,18 @@
 #include "core/CVelumError.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumLocale.h"
+#include "core/CVelumNumScan.h"
 #include "core/CVelumValue.h"
-
-#include <QRegularExpression>
 
 namespace {
 
-// Takes out the blanks that part groups of digits in the locale; the lenient scan passes over them.
-QString WithoutGroupBlanks(QString aText) {
-  const QString group = CVelumLocale::Locale().groupSeparator();
-  if (group.isEmpty() || !group.front().isSpace()) return aText;
-  static const QRegularExpression blank(u"(?<=[0-9])[ \u00a0\u202f](?=[0-9])"_s);
-  return aText.remove(blank);
-}
-
 // Whether the lenient scan goes on to the end, and what it finds fits.
 bool ScansWhole(const QString& aText, bool aWholeNumber) {
-  static const QRegularExpression number(u"^[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([Ee][+-]?[0-9]+)?$"_s);
-  if (!number.match(WithoutGroupBlanks(aText)).hasMatch()) return false;
   try {
-    const double real = CVelumValue::LenientNum(aText);
+    bool toTheEnd = false;
+    const double real = CVelumNumScan::Read(aText, CVelumLocale::GroupsByBlanks(), toTheEnd);
     if (aWholeNumber) static_cast<void>(CVelumValue::RoundToInt(real));
-    return true;
+    return toTheEnd;
   } catch (const CVelumException&) {
     return false; // too large
   }

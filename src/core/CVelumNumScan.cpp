@@ -12,6 +12,8 @@ class CNumberScan {
 public:
   CNumberScan(QStringView aText, bool aBlankGroups) : iText(aText), iBlankGroups(aBlankGroups) {}
   [[nodiscard]] double Read();
+  // Of a text that was read.
+  [[nodiscard]] bool ToTheEnd();
 
 private:
   [[nodiscard]] char16_t Peek() const { return iPos < iText.size() ? iText[iPos].unicode() : u'\0'; }
@@ -29,6 +31,7 @@ private:
   QStringView iText;
   bool iBlankGroups;
   qsizetype iPos = 0;
+  qsizetype iEnd = 0; // behind the number; 0 when there is none
   QVarLengthArray<char, 64> iPlain;
 };
 
@@ -70,7 +73,10 @@ void CNumberScan::TakeExponent() {
   const qsizetype size = iPlain.size();
   Take();
   TakeSign();
-  if (TakeDigits() == 0) iPlain.resize(size);
+  if (TakeDigits() == 0)
+    iPlain.resize(size);
+  else
+    iEnd = iPos;
 }
 
 double CNumberScan::Read() {
@@ -82,11 +88,19 @@ double CNumberScan::Read() {
     digits += TakeDigits();
   }
   if (digits == 0) return 0.0;
+  iEnd = iPos;
   if (Peek() == u'E' || Peek() == u'e') TakeExponent();
   double real = 0.0;
   if (!CVelumDecimal::Parse({iPlain.data(), static_cast<size_t>(iPlain.size())}, real))
     CVelumError::RaiseHost(EHostOverflow);
   return real;
+}
+
+bool CNumberScan::ToTheEnd() {
+  if (iEnd == 0) return false;
+  iPos = iEnd;
+  SkipBlanks();
+  return iPos == iText.size();
 }
 
 // Whole numbers of up to 15 digits with nothing but blanks behind: nearly all that are ever scanned.
@@ -109,6 +123,13 @@ bool ReadWhole(QStringView aText, double& aReal) {
 }
 
 } // namespace
+
+double CVelumNumScan::Read(QStringView aText, bool aBlankGroups, bool& aToTheEnd) {
+  CNumberScan scan(aText, aBlankGroups);
+  const double real = scan.Read();
+  aToTheEnd = scan.ToTheEnd();
+  return real;
+}
 
 double CVelumNumScan::Read(QStringView aText, bool aBlankGroups) {
   double real = 0.0;

@@ -50,6 +50,7 @@ TEST_F(CVelumEntryTest, BlanksPartGroupsOnlyWhereTheLocaleHasThemSo) {
     EXPECT_TRUE(Whole(EConReal, text)) << text.toStdString();
   EXPECT_TRUE(Whole(EConInteger, u"70 000"_s));
   EXPECT_FALSE(Whole(EConInteger, u"70 000 m"_s));
+  EXPECT_FALSE(Whole(EConReal, u"1.5 5"_s)) << "groups stand before the point";
 }
 
 TEST_F(CVelumEntryTest, DatesAndTimesHaveToBeSome) {
