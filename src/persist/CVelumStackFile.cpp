@@ -92,7 +92,10 @@ bool CVelumStackFile::LoadUnchanged(Ref<CVelumStack>& aStack, Ref<CVelumViewStat
     return LoadUnchanged(aStack, aView);
   }
   const TVelumFileId before = file->FileId();
-  const auto unchanged = [&] { return file->FileId() == before && CVelumOs::IdOf(iFilename) == before; };
+  const auto unchanged = [&] {
+    const TVelumFileId now = CVelumOs::IdOf(iFilename);
+    return file->FileId() == before && (!now.Exists() || now.SameFile(before));
+  };
   if (readOnly) file->SetPatch(CVelumRecovery::OldBytes(CVelumOs::RealPath(iFilename), file->Fd()));
   Ref<CVelumStack> stack;
   Ref<CVelumViewState> view;

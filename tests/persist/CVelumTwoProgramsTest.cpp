@@ -215,6 +215,27 @@ TEST(OvertakenLoad, BeginsAgain) {
   }
 }
 
+TEST(OvertakenLoad, GoesOnWhenTheNameIsTakenAway) {
+  const ScriptedPresenter presenter;
+  const TempFolder folder;
+  const QString path = folder.Path(u"t.Orvelle"_s);
+  StackMaker::New(2, 1000).Save(path);
+  class CTakeAway : public CVelumFaults {
+  public:
+    explicit CTakeAway(QString aPath) : iPath(std::move(aPath)) { CVelumOs::SetFaults(this); }
+    ~CTakeAway() override { CVelumOs::SetFaults(nullptr); }
+    int Before(EOsCall aCall, const QString&, qint64&) override {
+      if (aCall == EOsCall::Read) QFile::remove(iPath);
+      return 0;
+    }
+    QString iPath;
+  };
+  const CTakeAway faults(path);
+  StackMaker doc = StackMaker::Load(path);
+  EXPECT_EQ(doc.iStack->NumCards(), 2);
+  EXPECT_FALSE(QFile::exists(path));
+}
+
 std::string KindName(const testing::TestParamInfo<EKind>& aInfo) {
   const char* names[] = {"InPlace", "Beside", "Xml", "CutOff"};
   return names[static_cast<int>(aInfo.param)];
