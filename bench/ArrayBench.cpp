@@ -1,7 +1,7 @@
 // Inserts into, lookups in and walks over the keyed array.
 #include "Bench.h"
 
-#include "core/CVelumArray.h"
+#include "core/array/CVelumArray.h"
 
 #include <algorithm>
 #include <random>

@@ -1,7 +1,7 @@
 #include "Bench.h"
 
-#include "core/CVelumCollation.h"
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumCollation.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumStack.h"
 
 #include <QDir>

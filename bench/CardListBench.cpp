@@ -3,9 +3,9 @@
 #include "BenchStack.h"
 
 #include "core/CVelumMsg.h"
-#include "runtime/CVelumCardListForm.h"
 #include "runtime/CVelumRuntimeLib.h"
-#include "runtime/CVelumStackView.h"
+#include "runtime/lists/CVelumCardListForm.h"
+#include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumListWidget.h"
 #include "toolkit/CVelumWinMan.h"
 

@@ -4,8 +4,8 @@
 
 #include "core/CVelumError.h"
 #include "persist/CVelumStackFile.h"
-#include "shell/CVelumFrame.h"
-#include "shell/CVelumMain.h"
+#include "shell/frame/CVelumFrame.h"
+#include "shell/frame/CVelumMain.h"
 
 #include <QApplication>
 #include <QFile>

@@ -3,8 +3,8 @@
 #include "BenchStack.h"
 
 #include "persist/CVelumStackFile.h"
-#include "runtime/CVelumStackView.h"
-#include "shell/CVelumMain.h"
+#include "runtime/view/CVelumStackView.h"
+#include "shell/frame/CVelumMain.h"
 
 #include <QApplication>
 #include <QFile>

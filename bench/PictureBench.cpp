@@ -5,9 +5,9 @@
 #include "core/CVelumMsg.h"
 #include "exchange/CVelumPicture.h"
 #include "persist/CVelumStackFile.h"
-#include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeLib.h"
-#include "runtime/CVelumStackView.h"
+#include "runtime/view/CVelumGenForm.h"
+#include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumToolkitPump.h"
 #include "toolkit/CVelumWinMan.h"
 

@@ -1,8 +1,8 @@
 // Times of scripts, for bench/compare-scripts: one line per piece of work, its name and its seconds of
 // processor time, the best of a few turns. Arguments name the pieces that are wanted.
 #include "core/CVelumLib.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "script/CVelumCompiler.h"
 #include "script/CVelumPlainHost.h"
 

@@ -3,7 +3,7 @@
 #include "BenchStack.h"
 
 #include "core/CVelumValue.h"
-#include "model/CVelumSearch.h"
+#include "model/lists/CVelumSearch.h"
 #include "persist/CVelumStackFile.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
 // A long wiki text with many links: parsed, and shown in a rich text box.
 #include "Bench.h"
 
-#include "runtime/CVelumWikiTextBox.h"
+#include "runtime/wiki/CVelumWikiTextBox.h"
 #include "toolkit/CVelumBaseRichTextBox.h"
 
 #include <QApplication>

@@ -2,7 +2,7 @@
 #include "Bench.h"
 #include "BenchStack.h"
 
-#include "core/CVelumXmlParser.h"
+#include "core/text/CVelumXmlParser.h"
 #include "persist/CVelumStackFile.h"
 
 #include <QFile>

@@ -30,7 +30,7 @@ endif()
 # A library room. LINKS names all it may use; nothing else is on its link line.
 function(orvelles_room NAME)
   cmake_parse_arguments(ARG "" "" "LINKS;PCH" ${ARGN})
-  file(GLOB SOURCES CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${NAME}/*.cpp
+  file(GLOB_RECURSE SOURCES CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${NAME}/*.cpp
        ${CMAKE_CURRENT_SOURCE_DIR}/${NAME}/*.h ${CMAKE_CURRENT_SOURCE_DIR}/${NAME}/*.qrc
        ${CMAKE_CURRENT_SOURCE_DIR}/${NAME}/forms/*.ui)
   add_library(orvelles_${NAME} STATIC ${SOURCES})

@@ -3,9 +3,9 @@
 #include "SampleData.h"
 #include "SampleLayout.h"
 #include "SampleScripts.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "persist/CVelumStackFile.h"
 
 #include <QFile>

@@ -89,8 +89,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Cards() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Cards() {
+  static const TVelumCliCommand command{
       u"cards"_s,
       {u"STACK"_s},
       u"print a line per card, as the card list shows it"_s,

@@ -24,8 +24,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Check() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Check() {
+  static const TVelumCliCommand command{
       u"check"_s,
       {u"STACK"_s},
       u"read everything of a stack and list every problem"_s,

@@ -4,8 +4,8 @@
 #include "cli/CVelumCliHelp.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumExports.h"
 #include "model/CVelumStack.h"
 
@@ -16,7 +16,7 @@ namespace {
 
 // The command line taken apart.
 struct TCall {
-  const TVelumCommand* iCommand = nullptr;
+  const TVelumCliCommand* iCommand = nullptr;
   TVelumArgs iArgs;
   QString iLocale;
   bool iYes = false;
@@ -46,8 +46,8 @@ void Parse(QCommandLineParser& aParser, const QStringList& aArguments) {
   if (!aParser.parse(QStringList(u"orvelles-cli"_s) + aArguments)) throw TVelumUsage{aParser.errorText()};
 }
 
-const TVelumCommand* CommandOf(const QString& aName) {
-  const TVelumCommand* command = CVelumCommands::Find(aName);
+const TVelumCliCommand* CommandOf(const QString& aName) {
+  const TVelumCliCommand* command = CVelumCommands::Find(aName);
   if (!command) throw TVelumUsage{u"There is no command '%1'."_s.arg(aName)};
   return command;
 }

@@ -1,6 +1,6 @@
 #include "cli/CVelumCliCsv.h"
 
-#include "core/CVelumFile.h"
+#include "core/file/CVelumFile.h"
 
 QChar CVelumCliCsv::Delimiter(const QString& aText) {
   if (aText == u"comma") return u',';

@@ -1,7 +1,7 @@
 #include "cli/CVelumCliFiles.h"
 
 #include "cli/CVelumCliOutput.h"
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <QFile>
 #include <QFileInfo>

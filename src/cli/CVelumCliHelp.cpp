@@ -36,7 +36,8 @@ const QList<TVelumOption>& CVelumCliHelp::GlobalOptions() {
 QString CVelumCliHelp::Overview() {
   QString text = u"Usage: orvelles-cli [OPTION]... COMMAND [ARGUMENT]...\n"
                  u"Works on Orvelles stacks without windows.\n\nCommands:"_s;
-  for (const TVelumCommand* command : CVelumCommands::All()) text += Row(command->iName, command->iSummary);
+  for (const TVelumCliCommand* command : CVelumCommands::All())
+    text += Row(command->iName, command->iSummary);
   text += Row(u"help COMMAND"_s, u"print the help of a command"_s);
   text += u"\n\nOptions:"_s + OptionRows(GlobalOptions());
   text += u"\n\nResults go to standard output, messages to standard error. The exit status is 0 when\n"
@@ -44,7 +45,7 @@ QString CVelumCliHelp::Overview() {
   return text;
 }
 
-QString CVelumCliHelp::OfCommand(const TVelumCommand& aCommand) {
+QString CVelumCliHelp::OfCommand(const TVelumCliCommand& aCommand) {
   QString text = u"Usage: orvelles-cli [OPTION]... %1 %2\n%3."_s.arg(
       aCommand.iName, aCommand.iOperands.join(u' '), aCommand.iSummary);
   if (!aCommand.iDetails.isEmpty()) text += u"\n\n"_s + aCommand.iDetails;

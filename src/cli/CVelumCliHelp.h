@@ -9,6 +9,6 @@ namespace CVelumCliHelp {
 [[nodiscard]] const QList<TVelumOption>& GlobalOptions();
 // Without a line end at the end.
 [[nodiscard]] QString Overview();
-[[nodiscard]] QString OfCommand(const TVelumCommand& aCommand);
+[[nodiscard]] QString OfCommand(const TVelumCliCommand& aCommand);
 
 } // namespace CVelumCliHelp

@@ -2,7 +2,7 @@
 
 #include "cli/CVelumCliFiles.h"
 #include "cli/CVelumTerminal.h"
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <QFile>
 #include <cerrno>

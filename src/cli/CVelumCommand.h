@@ -38,7 +38,7 @@ struct TVelumArgs {
   [[nodiscard]] QString Operand(qsizetype aIndex) const { return iOperands.value(aIndex); }
 };
 
-struct TVelumCommand {
+struct TVelumCliCommand {
   QString iName;
   QStringList iOperands; // such as STACK, TEXT; the last ones in brackets when they may be missing: [OUT]
   QString iSummary;      // one line

@@ -6,25 +6,25 @@
 // A new command: a file CVelum…Command.cpp beside these, its line here, and one in the table.
 namespace CVelumCommands {
 
-[[nodiscard]] const TVelumCommand& Info();
-[[nodiscard]] const TVelumCommand& Check();
-[[nodiscard]] const TVelumCommand& Convert();
-[[nodiscard]] const TVelumCommand& Search();
-[[nodiscard]] const TVelumCommand& Cards();
-[[nodiscard]] const TVelumCommand& Compile();
-[[nodiscard]] const TVelumCommand& RunMessage();
-[[nodiscard]] const TVelumCommand& Render();
-[[nodiscard]] const TVelumCommand& Wiki();
-[[nodiscard]] const TVelumCommand& ImportPicture();
-[[nodiscard]] const TVelumCommand& ImportCsv();
-[[nodiscard]] const TVelumCommand& ImportXml();
-[[nodiscard]] const TVelumCommand& ImportText();
-[[nodiscard]] const TVelumCommand& ExportCsv();
-[[nodiscard]] const TVelumCommand& ExportXml();
+[[nodiscard]] const TVelumCliCommand& Info();
+[[nodiscard]] const TVelumCliCommand& Check();
+[[nodiscard]] const TVelumCliCommand& Convert();
+[[nodiscard]] const TVelumCliCommand& Search();
+[[nodiscard]] const TVelumCliCommand& Cards();
+[[nodiscard]] const TVelumCliCommand& Compile();
+[[nodiscard]] const TVelumCliCommand& RunMessage();
+[[nodiscard]] const TVelumCliCommand& Render();
+[[nodiscard]] const TVelumCliCommand& Wiki();
+[[nodiscard]] const TVelumCliCommand& ImportPicture();
+[[nodiscard]] const TVelumCliCommand& ImportCsv();
+[[nodiscard]] const TVelumCliCommand& ImportXml();
+[[nodiscard]] const TVelumCliCommand& ImportText();
+[[nodiscard]] const TVelumCliCommand& ExportCsv();
+[[nodiscard]] const TVelumCliCommand& ExportXml();
 
 // All, in the order in which the help lists them.
-[[nodiscard]] const QList<const TVelumCommand*>& All();
+[[nodiscard]] const QList<const TVelumCliCommand*>& All();
 // Null when there is no command of this name.
-[[nodiscard]] const TVelumCommand* Find(const QString& aName);
+[[nodiscard]] const TVelumCliCommand* Find(const QString& aName);
 
 } // namespace CVelumCommands

@@ -1,9 +1,9 @@
 // compile: a script's source to its handlers.
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "core/file/CVelumFile.h"
 #include "script/CVelumCompiler.h"
 
 #include <QFileInfo>
@@ -107,8 +107,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Compile() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Compile() {
+  static const TVelumCliCommand command{
       u"compile"_s,
       {u"FILE"_s},
       u"compile a script and print a line per handler"_s,

@@ -78,8 +78,8 @@ int RunText(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::ImportXml() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::ImportXml() {
+  static const TVelumCliCommand command{
       u"import-xml"_s,
       {u"FILE"_s, u"STACK"_s},
       u"add the cards of a content file in XML to a stack"_s,
@@ -94,8 +94,8 @@ const TVelumCommand& CVelumCommands::ImportXml() {
   return command;
 }
 
-const TVelumCommand& CVelumCommands::ImportText() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::ImportText() {
+  static const TVelumCliCommand command{
       u"import-text"_s,
       {u"FILE"_s, u"STACK"_s},
       u"replace the cards of a background by the lines of a text"_s,

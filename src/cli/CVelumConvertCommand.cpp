@@ -19,8 +19,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal&) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Convert() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Convert() {
+  static const TVelumCliCommand command{
       u"convert"_s,
       {u"IN"_s, u"OUT"_s},
       u"load a stack and save it as another file"_s,

@@ -73,8 +73,8 @@ int RunXml(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::ExportCsv() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::ExportCsv() {
+  static const TVelumCliCommand command{
       u"export-csv"_s,
       {u"STACK"_s, u"OUT"_s},
       u"write the cards of a background as CSV"_s,
@@ -95,8 +95,8 @@ const TVelumCommand& CVelumCommands::ExportCsv() {
   return command;
 }
 
-const TVelumCommand& CVelumCommands::ExportXml() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::ExportXml() {
+  static const TVelumCliCommand command{
       u"export-xml"_s,
       {u"STACK"_s, u"OUT"_s},
       u"write the content of all cards as XML"_s,

@@ -160,8 +160,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::ImportCsv() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::ImportCsv() {
+  static const TVelumCliCommand command{
       u"import-csv"_s,
       {u"FILE"_s, u"[OUT]"_s},
       u"make a stack of a CSV file"_s,

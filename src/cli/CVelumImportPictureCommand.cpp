@@ -61,8 +61,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::ImportPicture() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::ImportPicture() {
+  static const TVelumCliCommand command{
       u"import-picture"_s,
       {u"FILE"_s, u"STACK"_s},
       u"bring a picture file into a field of a card"_s,

@@ -17,8 +17,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Info() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Info() {
+  static const TVelumCliCommand command{
       u"info"_s,
       {u"STACK"_s},
       u"print what a stack is made of"_s,

@@ -3,9 +3,9 @@
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "core/CVelumMsg.h"
-#include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeLib.h"
-#include "runtime/CVelumStackView.h"
+#include "runtime/view/CVelumGenForm.h"
+#include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumToolkitLib.h"
 #include "toolkit/CVelumWinMan.h"
 
@@ -81,8 +81,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal&) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Render() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Render() {
+  static const TVelumCliCommand command{
       u"render"_s,
       {u"STACK"_s, u"OUT.png"_s},
       u"draw a card as its window shows it"_s,

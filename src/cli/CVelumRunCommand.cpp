@@ -75,8 +75,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::RunMessage() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::RunMessage() {
+  static const TVelumCliCommand command{
       u"run"_s,
       {u"STACK"_s, u"MESSAGE"_s},
       u"send a message, and print a line for every answer of its scripts"_s,

@@ -2,7 +2,7 @@
 #include "cli/CVelumCliStack.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
-#include "model/CVelumSearch.h"
+#include "model/lists/CVelumSearch.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -43,8 +43,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Search() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Search() {
+  static const TVelumCliCommand command{
       u"search"_s,
       {u"STACK"_s, u"TEXT"_s},
       u"print a line per card that holds a text in one of its values"_s,

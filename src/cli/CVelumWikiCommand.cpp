@@ -3,7 +3,7 @@
 #include "cli/CVelumTerminal.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
-#include "runtime/CVelumWikiTextBox.h"
+#include "runtime/wiki/CVelumWikiTextBox.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -39,8 +39,8 @@ int Run(const TVelumArgs& aArgs, CVelumTerminal& aTerminal) {
 
 } // namespace
 
-const TVelumCommand& CVelumCommands::Wiki() {
-  static const TVelumCommand command{
+const TVelumCliCommand& CVelumCommands::Wiki() {
+  static const TVelumCliCommand command{
       u"wiki"_s,
       {u"FILE"_s},
       u"print wiki text as Rich Text Format"_s,

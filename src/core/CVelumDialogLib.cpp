@@ -2,9 +2,9 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumMsg.h"
-#include "core/CVelumScanner.h"
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumScanner.h"
 
 namespace {
 

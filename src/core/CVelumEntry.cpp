@@ -3,9 +3,9 @@
 #include "core/CVelumConst.h"
 #include "core/CVelumError.h"
 #include "core/CVelumLib.h"
-#include "core/CVelumLocale.h"
-#include "core/CVelumNumScan.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
+#include "core/text/CVelumNumScan.h"
 
 namespace {
 

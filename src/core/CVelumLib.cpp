@@ -1,9 +1,9 @@
 #include "core/CVelumLib.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumDays.h"
 #include "core/CVelumMsg.h"
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
+#include "core/text/CVelumDays.h"
 
 #include <QDir>
 #include <QFile>

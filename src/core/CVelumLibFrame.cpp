@@ -1,8 +1,8 @@
 // The part of CVelumLib that frames stored objects.
 #include "core/CVelumChecked.h"
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "core/file/CVelumFile.h"
 
 namespace CVelumLib {
 namespace {

@@ -1,11 +1,11 @@
 #include "core/CVelumValue.h"
 
-#include "core/CVelumDays.h"
-#include "core/CVelumDecimal.h"
 #include "core/CVelumError.h"
 #include "core/CVelumLib.h"
-#include "core/CVelumLocale.h"
-#include "core/CVelumNumScan.h"
+#include "core/text/CVelumDays.h"
+#include "core/text/CVelumDecimal.h"
+#include "core/text/CVelumLocale.h"
+#include "core/text/CVelumNumScan.h"
 
 #include <cmath>
 #include <limits>

@@ -2,7 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumValue.h"
-#include "core/CVelumXmlParser.h"
+#include "core/text/CVelumXmlParser.h"
 #include "exchange/CVelumImportLimits.h"
 
 #include <QHash>

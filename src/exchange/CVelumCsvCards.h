@@ -1,7 +1,7 @@
 // Makes cards of the rows of a CSV file.
 #pragma once
 
-#include "core/CVelumTextPool.h"
+#include "core/text/CVelumTextPool.h"
 #include "exchange/CVelumCsvColumns.h"
 #include "exchange/CVelumCsvReport.h"
 #include "exchange/CVelumNewCards.h"

@@ -1,8 +1,8 @@
 #include "exchange/CVelumCsvCells.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumDecimal.h"
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumDecimal.h"
+#include "core/text/CVelumLocale.h"
 
 #include <QVarLengthArray>
 #include <algorithm>

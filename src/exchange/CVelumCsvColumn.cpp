@@ -1,6 +1,6 @@
 #include "exchange/CVelumCsvColumn.h"
 
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumCsvShapes.h"
 
 #include <array>

@@ -1,8 +1,8 @@
 #include "exchange/CVelumCsvForm.h"
 
-#include "core/CVelumDays.h"
-#include "core/CVelumDecimal.h"
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumDays.h"
+#include "core/text/CVelumDecimal.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumCsvCells.h"
 #include "exchange/CVelumCsvShapes.h"
 #include "exchange/CVelumCsvText.h"

@@ -1,8 +1,8 @@
 #include "exchange/CVelumCsvMaker.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumCollation.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumCollation.h"
 #include "exchange/CVelumCsvText.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // The way through the records of a CSV file that makes cards of them.
 #pragma once
 
-#include "core/CVelumTextPool.h"
+#include "core/text/CVelumTextPool.h"
 #include "exchange/CVelumCsvPlan.h"
 #include "exchange/CVelumImportWatch.h"
 #include "exchange/CVelumNewCards.h"

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/CVelumCsvScan.h"
-#include "model/CVelumControlSet.h"
+#include "model/fields/CVelumControlSet.h"
 
 #include <QHash>
 #include <optional>

@@ -1,7 +1,7 @@
 // The places that the card window has for fields.
 #pragma once
 
-#include "model/CVelumControlSet.h"
+#include "model/fields/CVelumControlSet.h"
 
 namespace CVelumCsvPool {
 

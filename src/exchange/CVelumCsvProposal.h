@@ -1,7 +1,7 @@
 // What the first lines of a CSV file suggest about it.
 #pragma once
 
-#include "core/CVelumFile.h"
+#include "core/file/CVelumFile.h"
 
 #include <QStringList>
 

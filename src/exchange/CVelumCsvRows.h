@@ -1,7 +1,7 @@
 // The rows of a CSV file, held as slices of its text.
 #pragma once
 
-#include "core/CVelumFile.h"
+#include "core/file/CVelumFile.h"
 #include "exchange/CVelumImportWatch.h"
 
 #include <memory>

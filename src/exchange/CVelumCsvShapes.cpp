@@ -1,7 +1,7 @@
 #include "exchange/CVelumCsvShapes.h"
 
-#include "core/CVelumDays.h"
-#include "core/CVelumDecimal.h"
+#include "core/text/CVelumDays.h"
+#include "core/text/CVelumDecimal.h"
 
 #include <QVarLengthArray>
 #include <limits>

@@ -1,7 +1,7 @@
 // The text of a CSV file, read as a whole and brought into UTF-8.
 #pragma once
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <QByteArray>
 #include <optional>

@@ -1,9 +1,9 @@
 #include "exchange/CVelumExchangeLib.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumDays.h"
 #include "core/CVelumDialogLib.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumDays.h"
 #include "exchange/CVelumPicture.h"
 
 #include <QFileInfo>

@@ -3,7 +3,7 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
-#include "core/CVelumXmlWriter.h"
+#include "core/text/CVelumXmlWriter.h"
 #include "exchange/CVelumExportFile.h"
 
 #include <vector>
@@ -53,14 +53,14 @@ void AppendCell(const QString& aStr, QString& aLine) {
 }
 
 // A control as a column of the table.
-struct TColumn {
+struct TExportColumn {
   qint32 iId;
   TVelumFieldInfo iField;
   bool iComputed; // a list of cards, which may have to be brought up to date first
 };
 
-std::vector<TColumn> ColumnsOf(const CVelumControlSet& aBackground) {
-  std::vector<TColumn> columns;
+std::vector<TExportColumn> ColumnsOf(const CVelumControlSet& aBackground) {
+  std::vector<TExportColumn> columns;
   ForControls(aBackground, [&](const CVelumControl& aControl) {
     columns.push_back({aControl.Id(), aControl.FieldInfo(), aControl.Flag(EConCardList)});
   });
@@ -74,7 +74,7 @@ void AppendValue(const TVelumValue& aVal, const TVelumFieldInfo& aField, QString
 
 // The value of the column at aPlace. The fields of most cards have values in the order of the columns, so
 // that none needs to be looked for or copied.
-void AppendValueOf(CVelumCard& aCard, const TColumn& aColumn, size_t aPlace, QString& aLine) {
+void AppendValueOf(CVelumCard& aCard, const TExportColumn& aColumn, size_t aPlace, QString& aLine) {
   const CVelumArray& vals = aCard.Value();
   const auto place = static_cast<qint32>(aPlace);
   if (!aColumn.iComputed && place < vals.Count() && vals.IntKeyAt(place) == aColumn.iId)
@@ -97,7 +97,7 @@ bool ForLines(const CVelumControlSet& aBackground, const QString& aDelimiter, co
               const TVisit& aVisit) {
   const CVelumStack& stack = CVelumChecked::Deref(aBackground.Stack());
   aVisit(HeaderLine(aBackground, aDelimiter));
-  const std::vector<TColumn> columns = ColumnsOf(aBackground);
+  const std::vector<TExportColumn> columns = ColumnsOf(aBackground);
   const qint64 total = aBackground.NumCards();
   qint64 count = 0;
   QString line;
@@ -204,5 +204,6 @@ qint64 CVelumExports::CountLacking(const CVelumControlSet& aBackground, const TV
 }
 
 bool CVelumExports::ExportXml(CVelumStack& aStack, const QString& aPath, const TVelumStep& aStep) {
-  return CVelumExportFile::WriteBeside(aPath, aStack, [&](const QString& aNew) { return WriteContent(aNew, aStack, aStep); });
+  return CVelumExportFile::WriteBeside(
+      aPath, aStack, [&](const QString& aNew) { return WriteContent(aNew, aStack, aStep); });
 }

@@ -1,7 +1,7 @@
 // Cards written out for other programs: one background as CSV, or all cards as content in XML.
 #pragma once
 
-#include "core/CVelumFile.h"
+#include "core/file/CVelumFile.h"
 #include "exchange/CVelumStep.h"
 #include "model/CVelumStack.h"
 

@@ -1,7 +1,7 @@
 #include "exchange/CVelumPlainExport.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 #include "exchange/CVelumCsvForm.h"
 #include "exchange/CVelumCsvPlan.h"
 #include "exchange/CVelumExportFile.h"
@@ -41,7 +41,7 @@ private:
 };
 
 // A field as a column.
-struct TColumn {
+struct TPlainColumn {
   qint32 iId;
   bool iWithDefault; // an empty text differs from no value
 };
@@ -55,11 +55,11 @@ public:
 
 private:
   void EndCell(size_t aStart, bool aLast, bool aQuoted, std::string& aTo);
-  void AppendValue(const TVelumValue& aValue, const TColumn& aColumn, bool aLast, std::string& aTo);
+  void AppendValue(const TVelumValue& aValue, const TPlainColumn& aColumn, bool aLast, std::string& aTo);
   [[nodiscard]] bool NeedsQuotes(std::string_view aText, bool aFirstOfFile) const;
   static void Quote(size_t aStart, std::string& aTo);
 
-  std::vector<TColumn> iColumns;
+  std::vector<TPlainColumn> iColumns;
   QStringList iNames;
   std::string iDelim;
   bool iSpecial[256] = {};     // bytes for which a cell needs quotes
@@ -117,7 +117,8 @@ void CWriter::Header(std::string& aTo) {
   }
 }
 
-void CWriter::AppendValue(const TVelumValue& aValue, const TColumn& aColumn, bool aLast, std::string& aTo) {
+void CWriter::AppendValue(const TVelumValue& aValue, const TPlainColumn& aColumn, bool aLast,
+                          std::string& aTo) {
   const size_t start = aTo.size();
   CVelumCsvForms::AppendPlain(aValue, aTo);
   if (aValue.Type() != EValStr && iColumns.size() > 1 && !iDelimInValues)
@@ -132,7 +133,7 @@ void CWriter::Card(const CVelumCard& aCard, std::string& aTo) {
   const CVelumArray& values = aCard.Value();
   qint32 next = 0;
   for (size_t i = 0; i < iColumns.size(); ++i) {
-    const TColumn& column = iColumns[i];
+    const TPlainColumn& column = iColumns[i];
     const bool inOrder = next < values.Count() && values.IntKeyAt(next) == column.iId;
     const qint32 at = inOrder ? next : values.FindIntKey(column.iId);
     if (at >= 0) next = at + 1;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/CVelumStep.h"
-#include "model/CVelumControlSet.h"
+#include "model/fields/CVelumControlSet.h"
 
 #include <QStringList>
 

@@ -1,9 +1,9 @@
 #include "exchange/CVelumTextImport.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumFile.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "core/file/CVelumFile.h"
 #include "exchange/CVelumImportLimits.h"
 #include "exchange/CVelumImports.h"
 

@@ -1,11 +1,11 @@
 #include "model/CVelumCard.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
-#include "core/CVelumXmlParser.h"
-#include "core/CVelumXmlWriter.h"
+#include "core/file/CVelumFile.h"
+#include "core/text/CVelumXmlParser.h"
+#include "core/text/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
 
@@ -17,16 +17,16 @@ namespace {
 constexpr int ETypeId = 1;
 constexpr int EGen = 1;
 
-struct TMoment {
+struct TCardMoment {
   qint32 iDate; // yyyymmdd
   qint32 iTime; // hhmmss
 };
 
 // The clock. Breaking it up into a date costs more than all else that a change of a value does, so it is
 // done once a second.
-TMoment Clock() {
+TCardMoment Clock() {
   static std::time_t second = -1;
-  static TMoment moment;
+  static TCardMoment moment;
   if (const std::time_t now = std::time(nullptr); now != second) {
     second = now;
     moment = {CVelumValue::DateToInt(CVelumValue::Today()), CVelumValue::TimeToInt(CVelumValue::Now())};
@@ -59,7 +59,7 @@ CVelumCard::CVelumCard(const QString& aName, const Ref<CVelumControlSet>& aBackg
   iName = aName;
   CVelumError::AssertObj(static_cast<bool>(aBackground), this, u"Construct"_s, u"Construct background set"_s);
   iBackgroundId = CVelumChecked::Deref(aBackground).Id();
-  const TMoment now = Clock();
+  const TCardMoment now = Clock();
   iCreDate = iModDate = now.iDate;
   iCreTime = iModTime = now.iTime;
 }
@@ -147,7 +147,7 @@ void CVelumCard::SetChanged(bool aChanged) {
 
 // What every change of a value ends with.
 void CVelumCard::Touch() {
-  const TMoment now = Clock();
+  const TCardMoment now = Clock();
   iChanged = true;
   Store(*this, "ModDate", iModDate, now.iDate);
   Store(*this, "ModTime", iModTime, now.iTime);

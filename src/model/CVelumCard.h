@@ -1,7 +1,7 @@
 // One record of a stack: the values of its background's fields that differ from "unset".
 #pragma once
 
-#include "model/CVelumControlSet.h"
+#include "model/fields/CVelumControlSet.h"
 
 class CVelumCard final : public CVelumScripted {
 public:

@@ -1,7 +1,7 @@
 // A partial font definition.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/array/CVelumArray.h"
 
 enum EFnt : qint32 { EFntBold = 1, EFntItalic = 2, EFntUnderline = 4 };
 

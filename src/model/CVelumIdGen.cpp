@@ -1,9 +1,9 @@
 #include "model/CVelumIdGen.h"
 
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
-#include "core/CVelumXmlParser.h"
-#include "core/CVelumXmlWriter.h"
+#include "core/file/CVelumFile.h"
+#include "core/text/CVelumXmlParser.h"
+#include "core/text/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 namespace {

@@ -1,7 +1,7 @@
 // The model as a whole: its object factory, and safe access to objects in arrays.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/array/CVelumArray.h"
 
 namespace CVelumModel {
 

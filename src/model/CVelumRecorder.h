@@ -1,7 +1,7 @@
 // The one place through which every change of the model passes.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/array/CVelumArray.h"
 
 // Listens to changes of the model. Undo, redo and recovery will hang on it.
 class CVelumRecorder {

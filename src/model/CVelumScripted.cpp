@@ -1,10 +1,10 @@
 #include "model/CVelumScripted.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
-#include "core/CVelumXmlParser.h"
-#include "core/CVelumXmlWriter.h"
+#include "core/file/CVelumFile.h"
+#include "core/text/CVelumXmlParser.h"
+#include "core/text/CVelumXmlWriter.h"
 #include "model/CVelumRecorder.h"
 
 using CVelumRecord::Store;

@@ -1,7 +1,7 @@
 // What stack, background, control and card share: name, id, flags, script, font, colour.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/array/CVelumArray.h"
 #include "model/CVelumFont.h"
 
 // The common block. Setters mark the object changed and are recorded.

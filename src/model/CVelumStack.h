@@ -1,14 +1,14 @@
 // The document: backgrounds, cards, sort keys, key indexes, blobs, and the order and name indexes.
 #pragma once
 
-#include "model/CVelumBlobStore.h"
 #include "model/CVelumCard.h"
-#include "model/CVelumCardFinder.h"
-#include "model/CVelumCardOrder.h"
 #include "model/CVelumIdGen.h"
-#include "model/CVelumIndexSum.h"
 #include "model/CVelumModel.h"
-#include "model/CVelumSortKey.h"
+#include "model/blobs/CVelumBlobStore.h"
+#include "model/lists/CVelumCardFinder.h"
+#include "model/order/CVelumCardOrder.h"
+#include "model/order/CVelumIndexSum.h"
+#include "model/order/CVelumSortKey.h"
 
 #include <QStringList>
 #include <limits>

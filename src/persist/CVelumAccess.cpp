@@ -1,6 +1,6 @@
 #include "persist/CVelumAccess.h"
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <QCoreApplication>
 #include <QDir>

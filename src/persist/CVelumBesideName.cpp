@@ -1,7 +1,7 @@
 #include "persist/CVelumBesideName.h"
 
 #include "core/CVelumLib.h"
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <QCryptographicHash>
 #include <QFile>

@@ -1,8 +1,8 @@
 // What stands in front of the stack in a binary stack file.
 #pragma once
 
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
+#include "core/file/CVelumFile.h"
 
 namespace CVelumBinFormat {
 

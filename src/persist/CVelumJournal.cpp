@@ -1,6 +1,6 @@
 #include "persist/CVelumJournal.h"
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 #include "persist/CVelumJournalFormat.h"
 #include "persist/CVelumJournalReader.h"
 

@@ -1,7 +1,7 @@
 // Protection of a document that is changed in place.
 #pragma once
 
-#include "core/CVelumFilePatch.h"
+#include "core/file/CVelumFilePatch.h"
 #include "persist/CVelumBesideName.h"
 
 #include <QCryptographicHash>

@@ -1,7 +1,7 @@
 // A rollback journal that is found beside a document.
 #pragma once
 
-#include "core/CVelumFilePatch.h"
+#include "core/file/CVelumFilePatch.h"
 
 #include <QByteArray>
 #include <QCryptographicHash>

@@ -1,6 +1,6 @@
 #include "persist/CVelumNewFile.h"
 
-#include "core/CVelumFileRights.h"
+#include "core/file/CVelumFileRights.h"
 
 #include <QFileInfo>
 

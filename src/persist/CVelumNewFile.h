@@ -1,7 +1,7 @@
 // A file that is written whole beside the one it is to replace.
 #pragma once
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 #include "persist/CVelumBesideName.h"
 
 // Makes NAME-new in the folder of NAME (or what CVelumBesideName gives for it), which only its owner may

@@ -1,6 +1,6 @@
 #include "persist/CVelumRecovery.h"
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 #include "persist/CVelumJournal.h"
 #include "persist/CVelumJournalReader.h"
 #include "persist/CVelumNewFile.h"

@@ -1,7 +1,7 @@
 // Putting a document right after a save of it was cut off.
 #pragma once
 
-#include "core/CVelumFilePatch.h"
+#include "core/file/CVelumFilePatch.h"
 
 #include <QString>
 

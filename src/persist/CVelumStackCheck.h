@@ -1,7 +1,7 @@
 // Verifies a loaded stack: everything that loading takes on trust, and what it found and put right.
 #pragma once
 
-#include "model/CVelumIndexCheck.h"
+#include "model/order/CVelumIndexCheck.h"
 
 #include <QHash>
 

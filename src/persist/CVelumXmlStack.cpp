@@ -2,8 +2,8 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumMsg.h"
-#include "core/CVelumXmlParser.h"
-#include "core/CVelumXmlWriter.h"
+#include "core/text/CVelumXmlParser.h"
+#include "core/text/CVelumXmlWriter.h"
 #include "persist/CVelumSaveCheck.h"
 #include "persist/CVelumSaveTarget.h"
 

@@ -5,8 +5,8 @@
 #include "core/CVelumValue.h"
 #include "exchange/CVelumExchangeLib.h"
 #include "exchange/CVelumPicture.h"
-#include "runtime/CVelumGenForm.h"
-#include "runtime/CVelumStackView.h"
+#include "runtime/view/CVelumGenForm.h"
+#include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumBasePictureBox.h"
 #include "toolkit/CVelumWinMan.h"
 

@@ -1,8 +1,8 @@
 // Functions of CVelumLib that show pictures of a stack in boxes, and take them from the user.
 #pragma once
 
-#include "model/CVelumBlobStore.h"
-#include "model/CVelumControl.h"
+#include "model/blobs/CVelumBlobStore.h"
+#include "model/fields/CVelumControl.h"
 
 class CVelumBasePictureBox;
 class QMimeData;

@@ -1,7 +1,7 @@
 #include "runtime/CVelumRuntimeCompanions.h"
 
-#include "runtime/CVelumListBox.h"
-#include "runtime/CVelumWikiTextBox.h"
+#include "runtime/lists/CVelumListBox.h"
+#include "runtime/wiki/CVelumWikiTextBox.h"
 
 Ref<CVelumListBoxBase> CVelumRuntimeCompanions::NewListBox(int aLisType) {
   return MakeRef<CVelumListBox>(aLisType);

@@ -1,7 +1,7 @@
 // What controls carry at run time in a program with windows.
 #pragma once
 
-#include "model/CVelumCompanions.h"
+#include "model/fields/CVelumCompanions.h"
 
 // Makes list boxes and wiki text boxes; installed by InitRuntime.
 class CVelumRuntimeCompanions final : public CVelumCompanionFactory {

@@ -1,8 +1,8 @@
 #include "runtime/CVelumRuntimeDialogLib.h"
 
 #include "core/CVelumLib.h"
-#include "runtime/CVelumCardLines.h"
-#include "runtime/CVelumStackView.h"
+#include "runtime/lists/CVelumCardLines.h"
+#include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumToolkitDialogLib.h"
 
 #include <QLineEdit>

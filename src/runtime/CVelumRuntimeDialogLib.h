@@ -2,7 +2,7 @@
 #pragma once
 
 #include "model/CVelumStack.h"
-#include "runtime/CVelumListBox.h"
+#include "runtime/lists/CVelumListBox.h"
 
 class QLabel;
 class QLineEdit;

@@ -1,8 +1,8 @@
 // Translates the source text of a script into handlers of byte code.
 #pragma once
 
-#include "core/CVelumArray.h"
-#include "core/CVelumScanner.h"
+#include "core/array/CVelumArray.h"
+#include "core/text/CVelumScanner.h"
 
 #include <QByteArray>
 #include <QHash>
@@ -128,7 +128,7 @@ private:
   QList<QString> iLines;
   qint32 iCurLine = 0;
   Ref<CVelumArray> iVarNames;
-  QHash<QString, qint16> iSlots;        // the same, for the spellings met so far
+  QHash<QString, qint16> iSlots;            // the same, for the spellings met so far
   QHash<qint16, QStringList> iNamesOfSlots; // of the handler in work
   qint16 iNumVars = 0;
   std::array<qint16, EMaxExits> iExits{};

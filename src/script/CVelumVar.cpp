@@ -1,10 +1,10 @@
 #include "script/CVelumVar.h"
 
 #include "core/CVelumChecked.h"
-#include "core/CVelumDecimal.h"
 #include "core/CVelumLib.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumDecimal.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumCard.h"
 #include "model/CVelumModel.h"
 

@@ -1,7 +1,7 @@
 // The run-time cell of the script interpreter.
 #pragma once
 
-#include "core/CVelumArray.h"
+#include "core/array/CVelumArray.h"
 
 class CVelumCard;
 class CVelumControl;

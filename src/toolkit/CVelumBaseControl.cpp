@@ -1,6 +1,6 @@
 #include "toolkit/CVelumBaseControl.h"
 
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "toolkit/CVelumBaseColor.h"
 #include "toolkit/CVelumFieldNote.h"
 

@@ -1,6 +1,6 @@
 #include "toolkit/CVelumListOrder.h"
 
-#include "core/CVelumCollation.h"
+#include "core/text/CVelumCollation.h"
 
 #include <QtEndian>
 #include <algorithm>

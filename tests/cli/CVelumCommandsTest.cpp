@@ -3,7 +3,7 @@
 
 #include "persist/CVelumJournal.h"
 #include "persist/CVelumStackFile.h"
-#include "runtime/CVelumWikiTextBox.h"
+#include "runtime/wiki/CVelumWikiTextBox.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
 #include "support/TestTree.h"

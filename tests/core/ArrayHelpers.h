@@ -1,10 +1,10 @@
 // What the tests of the keyed array share.
 #pragma once
 
-#include "core/CVelumArray.h"
-#include "core/CVelumCollation.h"
-#include "core/CVelumFile.h"
 #include "core/CVelumMsg.h"
+#include "core/array/CVelumArray.h"
+#include "core/file/CVelumFile.h"
+#include "core/text/CVelumCollation.h"
 #include "support/FakeStored.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"

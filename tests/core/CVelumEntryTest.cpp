@@ -1,7 +1,7 @@
 #include "core/CVelumEntry.h"
 
 #include "core/CVelumConst.h"
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "support/PrintQt.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "core/CVelumFile.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "core/file/CVelumFile.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
 

@@ -3,8 +3,8 @@
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"
 
-#include "core/CVelumDays.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumDays.h"
 #include "support/Raised.h"
 
 #include <QDir>

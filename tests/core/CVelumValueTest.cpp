@@ -2,13 +2,13 @@
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
 
-#include "core/CVelumDays.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumDays.h"
+#include "core/text/CVelumLocale.h"
 #include "support/Raised.h"
 
-#include <cmath>
 #include "support/FakeStored.h"
+#include <cmath>
 #include <gtest/gtest.h>
 
 namespace {

@@ -2,8 +2,8 @@
 // compared with.
 #pragma once
 
-#include "core/CVelumArray.h"
-#include "core/CVelumCollation.h"
+#include "core/array/CVelumArray.h"
+#include "core/text/CVelumCollation.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 #include "exchange/CVelumCsvCells.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumObject.h"
+#include "core/text/CVelumLocale.h"
 #include "support/PrintQt.h"
 
 #include <gtest/gtest.h>

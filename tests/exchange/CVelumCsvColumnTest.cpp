@@ -1,7 +1,7 @@
 // Types of columns: found only where every cell comes back from its value.
 #include "exchange/CVelumCsvColumn.h"
 
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "support/PrintQt.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "exchange/CVelumCsvForm.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "support/PrintQt.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "exchange/CVelumCsvLoss.h"
 
-#include "core/CVelumDays.h"
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumDays.h"
+#include "core/text/CVelumLocale.h"
 
 #include <gtest/gtest.h>
 

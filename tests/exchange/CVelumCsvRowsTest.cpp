@@ -1,6 +1,6 @@
 #include "exchange/CVelumCsvRows.h"
 
-#include "core/CVelumScanner.h"
+#include "core/text/CVelumScanner.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"
 

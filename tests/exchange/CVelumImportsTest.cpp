@@ -1,7 +1,7 @@
 #include "exchange/CVelumImports.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumCsvKey.h"
 #include "exchange/CVelumCsvPreview.h"
 #include "exchange/CVelumCsvProposal.h"

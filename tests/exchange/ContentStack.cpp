@@ -1,7 +1,7 @@
 #include "exchange/ContentStack.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 
 ContentStack::ContentStack() {
   CVelumLocale::Init(u"en_US"_s);

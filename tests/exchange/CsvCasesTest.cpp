@@ -1,6 +1,6 @@
 // CSV files of every kind: proposals, messages, fields, key and cards are what is expected.
-#include "core/CVelumLocale.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumCsvProposal.h"
 #include "exchange/CVelumImports.h"
 #include "support/CaseFiles.h"

@@ -1,7 +1,7 @@
 // What tests of the exact import of CSV files share.
 #pragma once
 
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumCsvExact.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"

@@ -1,8 +1,8 @@
 // What goes in comes out, and what goes out comes in, for tables and stacks that nobody would write.
 #include "CsvImportTest.h"
 
-#include "core/CVelumDays.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumDays.h"
 #include "exchange/CVelumCsvReader.h"
 #include "persist/CVelumStackCheck.h"
 

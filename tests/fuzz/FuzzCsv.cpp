@@ -2,7 +2,7 @@
 // options.
 #include "FuzzTarget.h"
 
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "exchange/CVelumCsvProposal.h"
 #include "exchange/CVelumImports.h"
 #include "persist/CVelumStackCheck.h"

@@ -1,8 +1,8 @@
 #include "FuzzStack.h"
 
 #include "core/CVelumLib.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // RTF itself.
 #include "FuzzTarget.h"
 
-#include "runtime/CVelumWikiTextBox.h"
+#include "runtime/wiki/CVelumWikiTextBox.h"
 #include "toolkit/CVelumRtf.h"
 
 #include <cstdlib>

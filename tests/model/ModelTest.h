@@ -2,7 +2,7 @@
 #pragma once
 
 #include "core/CVelumError.h"
-#include "core/CVelumFile.h"
+#include "core/file/CVelumFile.h"
 #include "model/CVelumStack.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"

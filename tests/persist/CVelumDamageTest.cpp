@@ -1,5 +1,5 @@
 // Files that are cut short or have a byte changed, at every place.
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "persist/StackMaker.h"
 #include "support/ScriptedPresenter.h"
 #include "support/TempFolder.h"

@@ -1,6 +1,6 @@
 // The check on stacks that load in spite of damage: it may find what it likes, but must come to an end.
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "persist/CVelumStackCheck.h"
 #include "persist/CVelumStackFile.h"
 #include "support/ScriptedPresenter.h"

@@ -1,7 +1,7 @@
 #include "persist/CVelumStackCheck.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "persist/CVelumStackFile.h"
 #include "support/PrintQt.h"
 #include "support/TempFolder.h"

@@ -1,7 +1,7 @@
 #include "persist/CVelumStackFile.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumModel.h"
 #include "persist/StackTeller.h"
 #include "support/PrintQt.h"

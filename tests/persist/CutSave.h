@@ -1,7 +1,7 @@
 // A save in place that a dying disk cuts off.
 #pragma once
 
-#include "core/CVelumFilePatch.h"
+#include "core/file/CVelumFilePatch.h"
 #include "persist/StackMaker.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 // A document of plain bytes, and saves of it that are cut off.
 #pragma once
 
-#include "core/CVelumFile.h"
+#include "core/file/CVelumFile.h"
 #include "persist/CVelumJournal.h"
 #include "persist/CVelumRecovery.h"
 #include "support/PrintQt.h"

@@ -1,8 +1,8 @@
 // XML stacks in a test: loading texts, and what becomes of them.
 #pragma once
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumModel.h"
 #include "persist/CVelumStackFile.h"
 #include "support/CaseFiles.h"

@@ -1,6 +1,6 @@
 #include "runtime/CVelumRuntimeDialogLib.h"
 
-#include "model/CVelumSortKey.h"
+#include "model/order/CVelumSortKey.h"
 #include "runtime/RuntimeFixture.h"
 #include "support/Raised.h"
 #include "toolkit/CVelumComboWidget.h"

@@ -1,7 +1,7 @@
 // Stacks with scripts: a message is sent, and answers, failure and stored values are what is expected.
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "persist/CVelumStackFile.h"
 #include "script/CVelumPlainHost.h"
 #include "support/CaseFiles.h"

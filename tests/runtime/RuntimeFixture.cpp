@@ -1,8 +1,8 @@
 #include "runtime/RuntimeFixture.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumModel.h"
 #include "toolkit/CVelumWinMan.h"
 

@@ -2,10 +2,10 @@
 // a script runner that remembers messages.
 #pragma once
 
-#include "runtime/CVelumFrameHost.h"
-#include "runtime/CVelumGenForm.h"
 #include "runtime/CVelumRuntimeLib.h"
-#include "runtime/CVelumStackView.h"
+#include "runtime/view/CVelumFrameHost.h"
+#include "runtime/view/CVelumGenForm.h"
+#include "runtime/view/CVelumStackView.h"
 #include "support/NotingRunner.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"

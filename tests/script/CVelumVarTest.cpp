@@ -1,8 +1,8 @@
 #include "script/CVelumVar.h"
 
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumStack.h"
 #include "support/Assertions.h"
 #include "support/PrintQt.h"

@@ -1,9 +1,9 @@
 #include "ScriptStack.h"
 
 #include "core/CVelumLib.h"
-#include "core/CVelumLocale.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumValue.h"
+#include "core/text/CVelumLocale.h"
 
 namespace {
 

@@ -1,12 +1,12 @@
 // What every window of the program owes to those who work with the keyboard or hear the screen.
 #include "core/CVelumMsg.h"
-#include "runtime/CVelumGenForm.h"
-#include "shell/CVelumHelpBook.h"
-#include "shell/CVelumHelpForm.h"
-#include "shell/CVelumMsgForm.h"
-#include "shell/CVelumNotBuilt.h"
-#include "shell/CVelumSave.h"
+#include "runtime/view/CVelumGenForm.h"
 #include "shell/ShellTest.h"
+#include "shell/dialogs/CVelumMsgForm.h"
+#include "shell/dialogs/CVelumNotBuilt.h"
+#include "shell/dialogs/CVelumSave.h"
+#include "shell/help/CVelumHelpBook.h"
+#include "shell/help/CVelumHelpForm.h"
 #include "toolkit/CVelumBaseControl.h"
 #include "toolkit/CVelumWinMan.h"
 

@@ -1,8 +1,8 @@
 // What tests of the main window share: its buttons and menus.
 #pragma once
 
-#include "shell/CVelumFrame.h"
 #include "shell/ShellTest.h"
+#include "shell/frame/CVelumFrame.h"
 
 #include <QMenu>
 #include <QTest>

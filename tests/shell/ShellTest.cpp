@@ -1,8 +1,8 @@
 #include "shell/ShellTest.h"
 
-#include "shell/CVelumMain.h"
-#include "shell/CVelumOptions.h"
-#include "shell/CVelumSave.h"
+#include "shell/dialogs/CVelumOptions.h"
+#include "shell/dialogs/CVelumSave.h"
+#include "shell/frame/CVelumMain.h"
 #include "support/TestTree.h"
 #include "toolkit/CVelumReg.h"
 #include "toolkit/CVelumWinMan.h"

@@ -1,8 +1,8 @@
 // The whole desktop program in a test, on a copy of a small stack.
 #pragma once
 
-#include "runtime/CVelumStackView.h"
-#include "shell/CVelumFrame.h"
+#include "runtime/view/CVelumStackView.h"
+#include "shell/frame/CVelumFrame.h"
 #include "support/NotingRunner.h"
 #include "support/WidgetTest.h"
 #include "toolkit/CVelumFileDialog.h"

@@ -1,6 +1,6 @@
 #include "support/FaultInjection.h"
 
-#include "core/CVelumFilePatch.h"
+#include "core/file/CVelumFilePatch.h"
 
 #include <unistd.h>
 

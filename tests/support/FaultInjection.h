@@ -1,7 +1,7 @@
 // Failing and counting system calls.
 #pragma once
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <functional>
 

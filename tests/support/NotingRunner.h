@@ -1,7 +1,7 @@
 // Notes the messages that scripts would get. For the rooms from runtime up.
 #pragma once
 
-#include "runtime/CVelumScriptRunner.h"
+#include "runtime/script/CVelumScriptRunner.h"
 
 #include <QStringList>
 #include <algorithm>

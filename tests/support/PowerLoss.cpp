@@ -1,6 +1,6 @@
 #include "support/PowerLoss.h"
 
-#include "core/CVelumFilePatch.h"
+#include "core/file/CVelumFilePatch.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 // What a power failure can leave of a folder.
 #pragma once
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <QByteArray>
 #include <QMap>

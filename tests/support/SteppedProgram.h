@@ -1,7 +1,7 @@
 // A second program that a test lets run call by call.
 #pragma once
 
-#include "core/CVelumOs.h"
+#include "core/file/CVelumOs.h"
 
 #include <functional>
 

@@ -1,5 +1,5 @@
 // The main of every test program. Tests see the locale en_US unless they set another.
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 
 #include <QString>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "toolkit/CVelumListOrder.h"
 
-#include "core/CVelumCollation.h"
 #include "core/CVelumObject.h"
+#include "core/text/CVelumCollation.h"
 #include "support/PrintQt.h"
 
 #include <QStringList>

@@ -1,3 +1,0 @@
-#include "runtime/CVelumFrameHost.h"
-
-CVelumFrameHost* gFrameHost = nullptr;

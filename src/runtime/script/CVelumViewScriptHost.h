@@ -1,0 +1,34 @@
+// The open stack on the screen as scripts see it, and the interpreter as its windows see it.
+#pragma once
+
+#include "runtime/script/CVelumScriptRunner.h"
+#include "script/CVelumInterpreter.h"
+
+// Passes everything on to gStackView, whichever that is at the moment, and to gInterpreter.
+class CVelumViewScriptHost final : public CVelumScriptHost, public CVelumScriptRunner {
+public:
+  // Makes gInterpreter, and installs itself on both sides.
+  CVelumViewScriptHost();
+  ~CVelumViewScriptHost() override;
+  CVelumViewScriptHost(const CVelumViewScriptHost&) = delete;
+  CVelumViewScriptHost& operator=(const CVelumViewScriptHost&) = delete;
+
+  // CVelumScriptHost
+  [[nodiscard]] Ref<CVelumStack> Stack() override;
+  [[nodiscard]] Ref<CVelumCard> CurCard() override;
+  void GoToCard(const Ref<CVelumCard>& aCard) override;
+  void GoToNextCard() override;
+  void SetCardValue(const Ref<CVelumCard>& aCard, CVelumControl& aControl, const TVelumValue& aVal) override;
+  void Answer(const QString& aText) override;
+  // On the card window's bar, and in the main window.
+  void ShowProgress(int aPercent) override;
+
+  // CVelumScriptRunner
+  void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
+                           const QString& aMsg) override;
+  void SetParamVal(const QString& aVal) override { gInterpreter->SetParamVal(aVal); }
+  [[nodiscard]] bool Running() const override { return gInterpreter->Running(); }
+  void Break() override { gInterpreter->Break(); }
+  void Reset() override { gInterpreter->Reset(); }
+  [[nodiscard]] TRunError RunError() const override { return gInterpreter->GetError(); }
+};

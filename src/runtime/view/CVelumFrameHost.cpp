@@ -1,0 +1,3 @@
+#include "runtime/view/CVelumFrameHost.h"
+
+CVelumFrameHost* gFrameHost = nullptr;

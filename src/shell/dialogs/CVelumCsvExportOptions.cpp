@@ -1,0 +1,117 @@
+#include "shell/dialogs/CVelumCsvExportOptions.h"
+
+#include "core/CVelumChecked.h"
+#include "core/CVelumDialogLib.h"
+#include "exchange/CVelumExports.h"
+#include "shell/dialogs/CVelumExportOptions.h"
+#include "shell/dialogs/CVelumOptions.h"
+#include "shell/dialogs/CVelumShellDialogLib.h"
+#include "shell/frame/CVelumProgressBox.h"
+#include "shell/frame/CVelumReport.h"
+#include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumWinMan.h"
+#include "ui_CVelumCsvExportOptions.h"
+
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QLocale>
+
+namespace {
+
+constexpr int EStackCloses = 7;
+constexpr qint64 EPatience = 300; // milliseconds of counting before the window comes up
+const QString EExportForm = u"CVelumExportOptions"_s;
+
+CVelumExportOptions* ExportForm() {
+  if (!CVelumWinMan::FormIsLoaded(EExportForm)) return nullptr;
+  return dynamic_cast<CVelumExportOptions*>(CVelumWinMan::NameToForm(EExportForm));
+}
+
+Ref<CVelumControlSet> Background() {
+  const CVelumExportOptions* form = ExportForm();
+  return form ? form->Background() : nullptr;
+}
+
+} // namespace
+
+CVelumCsvExportOptions::CVelumCsvExportOptions()
+    : CVelumDialogForm(u"CVelumCsvExportOptions"_s, false), iUi(new Ui::CVelumCsvExportOptions),
+      fExportDialog(u"CSV Export File Name"_s, u"csv"_s, u"CSV Files (*.csv)|*.csv|All Files (*.*)|*"_s) {
+  iUi->setupUi(this);
+  connect(iUi->fExportBut, &QPushButton::clicked, this,
+          [this] { CVelumGuard::Run(u"CVelumCsvExportOptions.fExportBut"_s, [this] { Export(); }); });
+  connect(iUi->fCancelBut, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+CVelumCsvExportOptions::~CVelumCsvExportOptions() = default;
+
+void CVelumCsvExportOptions::Load() {
+  CVelumDialogLib::StayAboveFrame(*this);
+  CVelumDialogForm::Load();
+  fExportDialog.SetInitDir(gOptions.iExportCsvDialogInitDir);
+  const QString& delimiter = gOptions.iCsvExportDelimiter;
+  QRadioButton* choice =
+      delimiter == u";"_s ? iUi->fSemiColon : (delimiter == u"\t"_s ? iUi->fTab : iUi->fComma);
+  choice->setChecked(true);
+  ShowLacking();
+}
+
+void CVelumCsvExportOptions::Unload() {
+  gOptions.iExportCsvDialogInitDir = fExportDialog.InitDir();
+  gOptions.iCsvExportDelimiter = Delimiter();
+  CVelumDialogForm::Unload();
+}
+
+void CVelumCsvExportOptions::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
+  if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
+}
+
+QString CVelumCsvExportOptions::Delimiter() const {
+  if (iUi->fTab->isChecked()) return u"\t"_s;
+  return iUi->fSemiColon->isChecked() ? u";"_s : u","_s;
+}
+
+void CVelumCsvExportOptions::ShowLacking() {
+  const Ref<CVelumControlSet> background = Background();
+  QElapsedTimer clock;
+  clock.start();
+  bool whole = true;
+  const auto step = [&](qint64, qint64) { return whole = clock.elapsed() < EPatience; };
+  const qint64 lacking = background ? CVelumExports::CountLacking(*background, step) : 0;
+  const QString text = whole
+                           ? tr("%1 characters are not in Latin-1 / Windows and would become “?”.")
+                           : tr("More than %1 characters are not in Latin-1 / Windows and would become “?”.");
+  iUi->fLacking->setText(lacking > 0 ? text.arg(QLocale().toString(lacking)) : QString());
+  iUi->fLacking->setVisible(lacking > 0);
+  // The coding that loses nothing is proposed.
+  iUi->fUtf8->setChecked(lacking > 0);
+}
+
+void CVelumCsvExportOptions::Export() {
+  if (!fExportDialog.ShowSave(this)) return;
+  qint64 lacking = 0;
+  if (!WriteFile(fExportDialog.FileName(), lacking)) return;
+  // What the count that was broken off did not come to.
+  if (lacking > 0 && iUi->fLacking->isHidden())
+    CVelumSeams::Presenter().Tell(
+        tr("%1 characters are not in Latin-1 / Windows and became “?”.").arg(QLocale().toString(lacking)));
+  // Takes this window along.
+  if (CVelumExportOptions* form = ExportForm()) CVelumWinMan::UnloadForm(*form);
+}
+
+bool CVelumCsvExportOptions::WriteFile(const QString& aPath, qint64& aLacking) {
+  const Ref<CVelumControlSet> background = Background();
+  const TVelumCsvForm form{Delimiter(), iUi->fUtf8->isChecked() ? ECodUtf8 : ECodLatin1};
+  bool done = false;
+  {
+    CVelumProgressBox progress(this, tr("Export"), tr("Exporting to %1…").arg(QFileInfo(aPath).fileName()));
+    CVelumDialogLib::BeginWait();
+    const auto step = [&](qint64 aDone, qint64 aTotal) { return progress.Step(aDone, aTotal); };
+    done = CVelumExports::ExportCsv(aPath, CVelumChecked::Deref(background), form, step, &aLacking);
+  }
+  CVelumDialogLib::EndWait();
+  if (done)
+    CVelumReport::Done(tr("Exported %1 to %2")
+                           .arg(CVelumReport::Cards(background->NumCards()), QFileInfo(aPath).fileName()));
+  return done;
+}

@@ -1,0 +1,95 @@
+#include "shell/dialogs/CVelumExportOptions.h"
+
+#include "core/CVelumDialogLib.h"
+#include "exchange/CVelumExports.h"
+#include "runtime/CVelumRuntimeDialogLib.h"
+#include "shell/dialogs/CVelumOptions.h"
+#include "shell/dialogs/CVelumShellDialogLib.h"
+#include "shell/frame/CVelumProgressBox.h"
+#include "shell/frame/CVelumReport.h"
+#include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumWinMan.h"
+#include "ui_CVelumExportOptions.h"
+
+#include <QFileInfo>
+
+namespace {
+
+constexpr int EStructure = 1;
+constexpr int EBackgroundGoes = 6;
+constexpr int EStackCloses = 7;
+const QString ECsvForm = u"CVelumCsvExportOptions"_s;
+
+} // namespace
+
+CVelumExportOptions::CVelumExportOptions()
+    : CVelumDialogForm(u"CVelumExportOptions"_s, true), iUi(new Ui::CVelumExportOptions),
+      fExportXmlDialog(u"XML Export File Name"_s, u"csv"_s, u"XML Files (*.xml)|*.xml|All Files (*.*)|*"_s) {
+  iUi->setupUi(this);
+  iBackgroundBox = MakeRef<CVelumListBox>(ELisSingle, iUi->fBackgroundBox, this);
+  for (const QRadioButton* choice : {iUi->fCsv, iUi->fXml})
+    connect(choice, &QRadioButton::clicked, this, [this] { HandleDisables(); });
+  connect(iUi->fOkBut, &QPushButton::clicked, this, [this] { Export(); });
+  connect(iUi->fCancelBut, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+CVelumExportOptions::~CVelumExportOptions() = default;
+
+void CVelumExportOptions::Load() {
+  CVelumDialogLib::StayAboveFrame(*this);
+  CVelumDialogForm::Load();
+  iBackgroundBox->Define1Column(u"Background"_s);
+  CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
+  iUi->fCsv->setChecked(true);
+  HandleDisables();
+}
+
+void CVelumExportOptions::Unload() {
+  if (CVelumWinMan::FormIsLoaded(ECsvForm)) CVelumWinMan::UnloadForm(*CVelumWinMan::NameToForm(ECsvForm));
+  CVelumDialogForm::Unload();
+  iBackgroundBox->ClearAndShow();
+}
+
+void CVelumExportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
+  if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
+  const bool goes = aKind == EBackgroundGoes;
+  if (aKind <= EStructure || goes)
+    CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), goes ? aObj1 : nullptr);
+}
+
+void CVelumExportOptions::HandleDisables() {
+  iUi->fBackgroundBox->setEnabled(iUi->fCsv->isChecked());
+}
+
+Ref<CVelumControlSet> CVelumExportOptions::Background() const {
+  return dynamic_cast<CVelumControlSet*>(iBackgroundBox->SelObj().Get());
+}
+
+void CVelumExportOptions::Export() {
+  CVelumGuard::Run(u"CVelumExportOptions.fOkBut"_s, [this] {
+    if (iUi->fXml->isChecked())
+      ExportXmlFile();
+    else
+      CVelumWinMan::ShowDialog(*CVelumWinMan::NameToForm(ECsvForm), false, this);
+  });
+}
+
+void CVelumExportOptions::ExportXmlFile() {
+  if (!gOptions.iExportXmlDialogInitDir.isEmpty())
+    fExportXmlDialog.SetInitDir(gOptions.iExportXmlDialogInitDir);
+  if (!gStack || !fExportXmlDialog.ShowSave(this)) return;
+  const QString path = fExportXmlDialog.FileName();
+  bool done = false;
+  {
+    CVelumProgressBox progress(this, tr("Export"), tr("Exporting to %1…").arg(QFileInfo(path).fileName()));
+    CVelumDialogLib::BeginWait();
+    done = CVelumExports::ExportXml(
+        *gStack, path, [&progress](qint64 aDone, qint64 aTotal) { return progress.Step(aDone, aTotal); });
+  }
+  CVelumDialogLib::EndWait();
+  if (!done) return;
+  CVelumReport::Done(
+      tr("Exported %1 to %2").arg(CVelumReport::Cards(gStack->NumCards()), QFileInfo(path).fileName()));
+  gOptions.iExportXmlDialogInitDir = fExportXmlDialog.InitDir();
+  CVelumWinMan::UnloadForm(*this);
+}
