@@ -1,6 +1,7 @@
 // What the commands print and make.
 #include "CliRun.h"
 
+#include "model/CVelumModel.h"
 #include "persist/CVelumJournal.h"
 #include "persist/CVelumStackFile.h"
 #include "runtime/wiki/CVelumWikiTextBox.h"
@@ -152,6 +153,44 @@ TEST(CVelumCheckCommand, ProblemsAreListedWithStatus1) {
   const QJsonObject facts = QJsonDocument::fromJson(json.iOut).object();
   EXPECT_FALSE(facts[u"sound"_s].toBool(true));
   EXPECT_EQ(facts[u"problems"_s].toArray().size(), 1);
+}
+
+// Entries of the name index and of a key index that do not go with the cards, as other programs leave them.
+TEST(CVelumCheckCommand, StaleIndexEntriesAreListedAndPutRightByASave) {
+  const TempFolder folder;
+  for (const bool binary : {true, false}) {
+    Ref<CVelumStack> stack;
+    Ref<CVelumViewState> view;
+    CVelumModel::Install();
+    CVelumStackFile(CliRun::Data(u"sorted_up.Orvelle"_s)).LoadStack(stack, view);
+    stack->SetFlag(EStaBinary, binary);
+    auto& names = const_cast<CVelumArray&>(stack->NameIndex());
+    names.SetValAt(1, TVelumValue::OfInt(99));
+    Ref<CVelumArray> keys;
+    qint32 at = 0;
+    ASSERT_TRUE(stack->GetFirstKeyIndex(keys, at));
+    const Ref<CVelumCard> last = stack->GetCardById(keys->ValRef(keys->Count() - 1).Int());
+    keys->SetValAt(keys->Count(), TVelumValue::OfInt(98));
+    const QString path = folder.Path(u"stale.Orvelle"_s);
+    CVelumStackFile(path).SaveStack(stack, view);
+    const TCliResult result = CliRun::Run({u"check"_s, path});
+    EXPECT_EQ(result.iStatus, 1);
+    const QStringList lines = QString::fromUtf8(result.iOut).split(u'\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 4) << result.iOut.toStdString();
+    EXPECT_EQ(lines[0],
+              u"name index: '%1' stands for card 99, which does not exist"_s.arg(names.StrKeyAt(0)));
+    EXPECT_TRUE(lines[1].endsWith(u" is missing in the name index"_s)) << lines[1].toStdString();
+    EXPECT_TRUE(lines[2].startsWith(u"key index %1 of sort key '"_s.arg(keys->Id())));
+    EXPECT_TRUE(lines[2].endsWith(u"stands for card 98, which does not exist"_s)) << lines[2].toStdString();
+    EXPECT_TRUE(lines[3].startsWith(
+        u"card %1 '%2': is missing in the key index "_s.arg(last->Id()).arg(last->Name())))
+        << lines[3].toStdString();
+    EXPECT_EQ(result.iErr, QByteArray()) << "no order correction";
+    EXPECT_EQ(CliRun::Run({u"convert"_s, path, path}).iStatus, 0);
+    const TCliResult saved = CliRun::Run({u"check"_s, path});
+    EXPECT_EQ(saved.iStatus, 0);
+    EXPECT_EQ(saved.iOut + saved.iErr, QByteArray());
+  }
 }
 
 TEST(CVelumCheckCommand, LeavesTheFileAsItIs) {
