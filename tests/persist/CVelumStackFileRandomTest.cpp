@@ -1,5 +1,5 @@
 // Random work with saves and loads in between: every card stays found by its name, and in its place by key.
-#include "core/CVelumLocale.h"
+#include "core/text/CVelumLocale.h"
 #include "model/CVelumModel.h"
 #include "persist/CVelumStackCheck.h"
 #include "persist/CVelumStackFile.h"
