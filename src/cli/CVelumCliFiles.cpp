@@ -42,8 +42,9 @@ std::unique_ptr<QTemporaryDir> CVelumCliFiles::TempFolder() {
   return folder;
 }
 
-void CVelumCliFiles::CheckSource(const QString& aPath) {
-  if (IsStack(aPath)) throw TVelumRefusal{aPath + u" is a stack, which cannot be imported."_s};
+void CVelumCliFiles::CheckSource(const QString& aPath, const QString& aName) {
+  if (!IsStack(aPath)) return;
+  throw TVelumRefusal{(aName.isEmpty() ? aPath : aName) + u" is a stack, which cannot be imported."_s};
 }
 
 void CVelumCliFiles::CheckFolder(const QString& aOut) {

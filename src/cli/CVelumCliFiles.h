@@ -17,8 +17,8 @@ namespace CVelumCliFiles {
 [[nodiscard]] bool IsStack(const QString& aPath);
 // The following throw a TVelumRefusal.
 
-// Refuses a stack as the source of an import.
-void CheckSource(const QString& aPath);
+// Refuses a stack as the source of an import, which is called aName, or else by its path.
+void CheckSource(const QString& aPath, const QString& aName = {});
 // Refuses a name in a folder that is not there, and a folder.
 void CheckFolder(const QString& aOut);
 // Refuses to save a stack as aOut where that is what was read (aSource), or something else than a stack; one

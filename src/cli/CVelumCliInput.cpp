@@ -46,6 +46,7 @@ CVelumCliInput::CVelumCliInput(const QString& aOperand, CVelumTerminal& aTermina
     throw;
   }
   if (!standard) CVelumOs::Close(fd);
+  CVelumCliFiles::CheckSource(iPath, iName);
   // For good: a failure is told when this is gone.
   aTerminal.ShowAs(iPath, iName);
 }

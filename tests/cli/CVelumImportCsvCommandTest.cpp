@@ -179,6 +179,18 @@ TEST_F(CVelumImportCsvCommand, FailuresOfAStreamNameIt) {
   EXPECT_FALSE(iFolder.Has(u"out.Orvelle"_s));
 }
 
+TEST_F(CVelumImportCsvCommand, AStackThatComesInAStreamIsRefusedToo) {
+  QFile file(CliRun::Sample());
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  for (const QStringList& way : {QStringList{}, {u"--classic"_s}, {u"--drop"_s}}) {
+    const TCliResult fed = CliRun::RunFed(file.readAll(), QStringList{u"import-csv"_s, u"-"_s, iOut} + way);
+    EXPECT_EQ(fed.iStatus, 1);
+    EXPECT_TRUE(fed.iErr.contains("standard input is a stack")) << fed.iErr.toStdString();
+    EXPECT_FALSE(iFolder.Has(u"out.Orvelle"_s));
+    ASSERT_TRUE(file.seek(0));
+  }
+}
+
 TEST_F(CVelumImportCsvCommand, ReadsAPipeAndWritesToStandardOutput) {
   const QString csv = iFolder.Write(u"a.csv"_s, "Name\nAnna\n");
   const TCliResult result = CliRun::RunProgram(

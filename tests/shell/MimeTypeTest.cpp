@@ -5,19 +5,22 @@
 #include "core/CVelumObject.h"
 #include "support/TestTree.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeDatabase>
 #include <QProcess>
+#include <QThread>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
-// Asks as the file manager does where our description is installed beside that of the system.
-class MimeTypeTest : public testing::Test {
-protected:
-  MimeTypeTest() {
+// Our description installed beside that of the system, while it lives.
+class CInstalled {
+public:
+  CInstalled() {
     EXPECT_TRUE(QDir().mkpath(iFolder.Path(u"mime/packages"_s)));
     Install(TestTree::Source() + u"/packaging/orvelles-mime.xml"_s);
     Install(u"/usr/share/mime/packages/freedesktop.org.xml"_s);
@@ -25,17 +28,37 @@ protected:
     qputenv("XDG_DATA_HOME", iFolder.Path().toLocal8Bit());
     qputenv("XDG_DATA_DIRS", iFolder.Path().toLocal8Bit());
   }
-  ~MimeTypeTest() override {
+  ~CInstalled() {
     qunsetenv("XDG_DATA_HOME");
     if (iDataDirs.isNull())
       qunsetenv("XDG_DATA_DIRS");
     else
       qputenv("XDG_DATA_DIRS", iDataDirs);
   }
+  CInstalled(const CInstalled&) = delete;
+  CInstalled& operator=(const CInstalled&) = delete;
 
+private:
   void Install(const QString& aPath) const {
     EXPECT_TRUE(QFile::copy(aPath, iFolder.Path(u"mime/packages/"_s + QFileInfo(aPath).fileName())));
   }
+
+  TempFolder iFolder;
+  QByteArray iDataDirs = qgetenv("XDG_DATA_DIRS");
+};
+
+// Asks as the file manager does. One installation serves all tests of a process: the toolkit looks for
+// another one only every 5 seconds, and reads names and icons of a type when they are first asked for.
+class MimeTypeTest : public testing::Test {
+protected:
+  static void SetUpTestSuite() {
+    iInstalled = std::make_unique<CInstalled>();
+    QDeadlineTimer late(30000);
+    while (!QMimeDatabase().mimeTypeForName(u"application/x-orvelle"_s).isValid() && !late.hasExpired())
+      QThread::msleep(50);
+  }
+  static void TearDownTestSuite() { iInstalled.reset(); }
+
   static QString OfContent(const QByteArray& aContent) {
     return QMimeDatabase().mimeTypeForFileNameAndData(u"x.Orvelle"_s, aContent).name();
   }
@@ -45,8 +68,8 @@ protected:
     return file.readAll();
   }
 
-  TempFolder iFolder;
-  QByteArray iDataDirs = qgetenv("XDG_DATA_DIRS");
+private:
+  static inline std::unique_ptr<CInstalled> iInstalled;
 };
 
 } // namespace

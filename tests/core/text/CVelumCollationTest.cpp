@@ -70,6 +70,13 @@ TEST_P(CVelumCollationTest, CompareCountsPunctuationButNotCase) {
   EXPECT_EQ(Sign(Compare(u"         9", u"        10")), -1);
 }
 
+// The signs that a key keeps stand ahead of the digits, letters with an accent behind those without.
+TEST_P(CVelumCollationTest, SignsStandAheadOfDigitsAndLetters) {
+  const QString texts[] = {u"'. "_s, u"\u00B0"_s, u"$"_s, u"\u20AC"_s, u"1"_s, u"e"_s, u"\u00E9"_s, u"X"_s};
+  for (std::size_t i = 1; i < std::size(texts); ++i)
+    EXPECT_EQ(Sign(CompareKeys(texts[i - 1], texts[i])), -1) << texts[i].toStdString();
+}
+
 TEST_P(CVelumCollationTest, SoughtKeyComparesLikeBothKeys) {
   const QString texts[] = {u""_s, u"a"_s, u"A b"_s, u"ab"_s, u"ä-b"_s, u"Zoo"_s, u"10"_s, u"9"_s};
   for (const QString& a : texts) {
