@@ -2,6 +2,7 @@
 
 #include <QKeyEvent>
 #include <QMdiSubWindow>
+#include <QMenu>
 #include <QTimer>
 
 namespace {
@@ -11,7 +12,6 @@ namespace {
 constexpr int ETitleMs = 400;
 
 } // namespace
-#include <QMenu>
 
 CVelumMdiArea::CVelumMdiArea(QWidget* aParent) : QMdiArea(aParent) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
