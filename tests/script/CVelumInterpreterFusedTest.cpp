@@ -134,6 +134,38 @@ TEST_F(CVelumInterpreterTest, FusesWithoutADifference) {
     EXPECT_EQ(Outcome(body, false), Outcome(body, true)) << body.toStdString();
 }
 
+// What a value hangs on may ask, and who answers may close the stack. Nothing of the script runs behind that.
+TEST_F(CVelumInterpreterTest, EndsWhereAPutResetsIt) {
+  class CResets final : public CVelumScriptHost {
+  public:
+    CResets(CVelumPlainHost& aHost, CVelumInterpreter& aInterpreter)
+        : iHost(aHost), iInterpreter(aInterpreter) {
+      iInterpreter.SetHost(this);
+    }
+    ~CResets() override { iInterpreter.SetHost(&iHost); }
+    Ref<CVelumStack> Stack() override { return iHost.Stack(); }
+    Ref<CVelumCard> CurCard() override { return iHost.CurCard(); }
+    void GoToCard(const Ref<CVelumCard>&) override {}
+    void GoToNextCard() override {}
+    void SetCardValue(const Ref<CVelumCard>&, CVelumControl&, const TVelumValue&) override {
+      ++iPuts;
+      iInterpreter.Reset();
+    }
+    void Answer(const QString&) override { ADD_FAILURE() << "it goes on"; }
+    CVelumPlainHost& iHost;
+    CVelumInterpreter& iInterpreter;
+    int iPuts = 0;
+  };
+  for (const bool single : {false, true}) {
+    iInterpreter->SetPumpAlways(single);
+    CResets host(*iHost, *iInterpreter);
+    Run(u"x = 1\nPut 3 Into Field \"I\"\nx = x + 1\nPut 4 Into Field \"I\"\nAnswer 1"_s);
+    EXPECT_EQ(host.iPuts, 1);
+    EXPECT_FALSE(iInterpreter->Running());
+  }
+  EXPECT_EQ(Run(u"Answer 2"_s), Answers{u"2"_s});
+}
+
 // A name that an earlier handler of the source used has its slot from there. It is a variable like any other.
 TEST_F(CVelumInterpreterTest, GivesRoomToTheNamesOfEarlierHandlers) {
   SetScript(*Control(u"T"_s),

@@ -15,6 +15,8 @@ namespace {
 
 class CVelumViewScriptHostTest : public RuntimeTest {
 protected:
+  // A test that ends early must not leave its events to the next one.
+  ~CVelumViewScriptHostTest() override { CVelumSeams::SetEventPump(nullptr); }
   void SetScript(CVelumScripted& aOwner, const QString& aSource) {
     CVelumCompiler compiler;
     const auto handlers = MakeRef<CVelumArray>(qint32{EArrStrKey}, qint32{EValStr});
