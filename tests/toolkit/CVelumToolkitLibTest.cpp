@@ -10,6 +10,7 @@
 #include <QMdiSubWindow>
 #include <QMimeData>
 #include <QScreen>
+#include <QTest>
 #include <QWidget>
 
 using CVelumToolkitLibTest = WidgetTest;
@@ -84,6 +85,18 @@ TEST_F(CVelumToolkitLibTest, FolderOfTheDialogAndNoneWhenCancelled) {
   answer.clear();
   EXPECT_EQ(CVelumLib::BrowseForFolder(nullptr, u"Folder"_s), QString());
   CVelumFileDialog::SetAnswer({});
+}
+
+TEST_F(CVelumToolkitLibTest, AWindowThatIsShownAlreadyBecomesTheActiveOne) {
+  QWidget one;
+  QWidget other;
+  for (QWidget* window : {&one, &other}) {
+    window->show();
+    window->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window));
+  }
+  CVelumLib::BringUp(one);
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&one));
 }
 
 TEST_F(CVelumToolkitLibTest, DroppedListFitsItsLongestLineAndTheScreen) {

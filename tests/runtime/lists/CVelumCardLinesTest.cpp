@@ -59,3 +59,11 @@ TEST_F(CVelumCardLinesTest, CardsThatLeftAndCardsThatCameAreNoTrouble) {
   EXPECT_EQ(all.IndexOf(come.Get()), -1);
   for (const int left : {0, 1, 2, 3, 7, 8, 9}) EXPECT_EQ(all.IndexOf(iCards[left].Get()), left);
 }
+
+TEST_F(CVelumCardLinesTest, TheColumnOfNamesIsSortedByThem) {
+  using EShow = CVelumCardLines::EShow;
+  for (const EShow show : {EShow::Name, EShow::NameFields})
+    EXPECT_EQ(CVelumCardLines(*iStack, nullptr, show).SortKey(3, 0).iText, u"3"_s);
+  EXPECT_EQ(CVelumCardLines(*iStack, nullptr, EShow::Fields).SortKey(3, 0).iText, QString())
+      << "there is no field, and no name";
+}

@@ -237,6 +237,15 @@ TEST_F(CVelumCardListTest, ALeftCardIsSkippedAndNeverRead) {
   EXPECT_EQ(Names(), (QStringList{u"a"_s, u"c"_s}));
 }
 
+TEST_F(CVelumCardListTest, TheCardsOfADeletedBackgroundLeaveTheList) {
+  AddSecond();
+  OpenThree();
+  View().GoToCard(iCards[2]);
+  ASSERT_EQ(Names(), (QStringList{u"x"_s, u"y"_s, u"a"_s, u"b"_s, u"c"_s}));
+  View().DeleteBackground(iSecond, false);
+  EXPECT_EQ(Names(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+}
+
 TEST_F(CVelumCardListTest, AClickedLineIsGoneTo) {
   OpenThree();
   ClickLine(2);

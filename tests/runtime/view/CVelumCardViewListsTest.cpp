@@ -60,6 +60,15 @@ TEST_F(CVelumCardViewListsTest, AComboIsAPairOfFields) {
   EXPECT_EQ(Combo().currentIndex(), -1);
 }
 
+TEST_F(CVelumCardViewListsTest, AnEmptyTextIsNoChoiceEvenWhereALineIsEmpty) {
+  AddCombo(u"Bern\r\n\r\nUlm"_s);
+  AddCard(u"a"_s);
+  Open();
+  EXPECT_EQ(Combo().count(), 3);
+  EXPECT_EQ(Combo().currentText(), QString());
+  EXPECT_EQ(Combo().currentIndex(), -1);
+}
+
 TEST_F(CVelumCardViewListsTest, AChoiceIsAChangeAndStored) {
   AddCombo(u"Bern\r\nBonn"_s);
   const auto next = AddField(iSet, u"Next"_s, EConText);
