@@ -114,6 +114,16 @@ TEST(CVelumInfoCommand, TextHoldsTheSameFacts) {
   EXPECT_TRUE(lines.contains(u"    Photo                    Picture"_s)) << lines.join(u'\n').toStdString();
 }
 
+TEST(CVelumInfoCommand, TextTellsWhatIsSpecialAboutAField) {
+  const QStringList lines = Lines(CliRun::Run({u"info"_s, CliRun::Sample()}));
+  for (const QString& line :
+       {u"    Clicks                   Integer  default '0'; script"_s,
+        u"    Count                    Command  script"_s,
+        u"    Page                     Text     script; DejaVu Serif, #302820; on #fffcf0"_s,
+        u"  Sorted:     kept sorted"_s, u"  Colour:     #e2eef6"_s})
+    EXPECT_TRUE(lines.contains(line)) << line.toStdString();
+}
+
 TEST(CVelumCheckCommand, SoundStacksGiveNoLine) {
   const QDir folder(CliRun::Data(QString()));
   const QStringList names = folder.entryList({u"*.Orvelle"_s});
