@@ -149,6 +149,14 @@ TEST(CVelumCli, TheToolkitStaysSilent) {
   }
 }
 
+// Not even one that draws: its help has to come where nothing can be drawn.
+TEST(CVelumCli, HelpNeedsNoWidgets) {
+  const TCliResult help =
+      CliRun::RunProgram(u"env"_s, {u"QT_DEBUG_PLUGINS=1"_s, CliRun::Program(), u"render"_s, u"--help"_s});
+  EXPECT_EQ(help.iStatus, 0);
+  EXPECT_FALSE(help.iErr.contains("platforms")) << help.iErr.toStdString();
+}
+
 TEST(CVelumCli, WrongUsageGivesStatus2) {
   const QString stack = CliRun::Data(u"one_card.Orvelle"_s);
   const QList<QStringList> calls{{},

@@ -321,6 +321,12 @@ TEST(CVelumCardsCommand, JsonHoldsTheValuesByField) {
   ASSERT_EQ(cards.size(), 3);
   EXPECT_EQ(cards[1][u"name"_s].toString(), u"card 06"_s);
   EXPECT_EQ(cards[1][u"values"_s][u"F2"_s].toString(), u"1.5"_s);
+  // Of the fields, those of the card list.
+  const QJsonArray countries =
+      Json({u"cards"_s, CliRun::Sample(), u"--background"_s, u"Country"_s})[u"cards"_s].toArray();
+  EXPECT_EQ(
+      countries[0][u"values"_s].toObject().keys(),
+      (QStringList{u"Capital"_s, u"Continent"_s, u"Independent"_s, u"People per km²"_s, u"Population"_s}));
 }
 
 TEST(Sample, IsSoundAndRich) {
