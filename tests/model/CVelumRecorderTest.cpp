@@ -350,9 +350,16 @@ TEST(CVelumRecorder, ABlobIsHeardWithItsBytesBeforeItGoes) {
   }
   store->SwitchToFileBased();
   store->WriteAllTo(file, 50);
-  CBlobs listener(*store);
+  const qint32 table = store->BehindPos();
+  file->SeekPos(table);
+  store->Externalize(*file);
+  file->SeekPos(table);
+  const auto read = MakeRef<CVelumBlobStore>(); // which has none of them in memory
+  read->Internalize(*file);
+  read->SetFile(file);
+  CBlobs listener(*read);
   for (const qint32 id : {40, 1, 20}) {
-    store->DeleteBlob(id);
+    read->DeleteBlob(id);
     EXPECT_EQ(listener.iBytes, QByteArray(5, static_cast<char>('A' + id)));
   }
 }

@@ -1,4 +1,5 @@
 // Opening and saving documents that a save was cut off in.
+#include "core/CVelumMsg.h"
 #include "persist/CVelumJournal.h"
 #include "persist/CutSave.h"
 #include "persist/StackTeller.h"
@@ -87,6 +88,21 @@ TEST_F(CVelumDoubtTest, WithoutAChoiceNothingIsOpenedAndBothAreNamed) {
     EXPECT_EQ(Files().size(), 3) << "built once";
   }
   ExpectSays(Old(), iTold);
+}
+
+// An opening makes a file that is not there, but no document of it that the journal could belong to.
+TEST_F(CVelumDoubtTest, AJournalWithoutItsDocumentIsNoDoubt) {
+  CutSave::Run(iPath);
+  ASSERT_TRUE(QFile::remove(iPath));
+  try {
+    (void)StackMaker::Load(iPath);
+    ADD_FAILURE() << "it was opened";
+  } catch (const CVelumException& e) {
+    EXPECT_EQ(e.Number(), EMsgNotAOrvelle);
+  }
+  EXPECT_EQ(iPresenter.Choices(), QList<QStringList>());
+  EXPECT_TRUE(QFile::exists(CVelumJournal::NameFor(iPath)));
+  EXPECT_EQ(Old(), QString());
 }
 
 TEST_F(CVelumDoubtTest, TheOldDocumentIsChosen) {

@@ -4,7 +4,11 @@
 #include "persist/JournalTest.h"
 
 #include <QDir>
+#include <QFileInfo>
 
+#include <cstdio>
+#include <functional>
+#include <memory>
 #include <sys/stat.h>
 
 using CVelumRecovery::EFound;
@@ -151,7 +155,10 @@ TEST_F(CVelumRecoveryTest, InDoubtTheOldDocumentIsBuiltBesideOnce) {
   EXPECT_EQ(file.permissions() & (QFile::ReadGroup | QFile::ReadOther), QFile::Permissions())
       << "with the permissions of the document";
   EXPECT_EQ(Doc(), other);
+  const QString name = QFileInfo(old).fileName();
+  iFolder.Write(name, "opened and changed since");
   EXPECT_EQ(CVelumRecovery::BuildOld(iPath), old);
+  EXPECT_EQ(iFolder.Read(name), "opened and changed since");
   EXPECT_EQ(Files().size(), 3);
   EXPECT_TRUE(CVelumRecovery::DoubtText(iPath, old).contains(old));
   CVelumRecovery::Dismiss(iPath);
@@ -199,17 +206,60 @@ TEST_F(CVelumRecoveryTest, AJournalThatSomebodyHoldsIsWaitedForAndThenTold) {
   CVelumOs::Close(fd);
 }
 
+// Its save, and another one, come to their end while its lock is waited for.
+TEST_F(CVelumRecoveryTest, AJournalThatWentWhileItWasWaitedForIsNotLookedAt) {
+  Begin(iOld);
+  class CFinish : public CVelumFaults {
+  public:
+    explicit CFinish(std::function<void()> aFinish) : iFinish(std::move(aFinish)) {
+      CVelumOs::SetFaults(this);
+    }
+    ~CFinish() override { CVelumOs::SetFaults(nullptr); }
+    int Before(EOsCall aCall, const QString&, qint64&) override {
+      if (aCall == EOsCall::Wait && iFinish) std::exchange(iFinish, nullptr)();
+      return 0;
+    }
+    std::function<void()> iFinish;
+  };
+  const int fd = CVelumOs::Open(iPath, O_RDWR);
+  const Ref<CVelumFilePatch> patch = PatchTo(fd, iNew);
+  auto journal = std::make_unique<CVelumJournal>(iPath, fd);
+  journal->Write(*patch);
+  const QByteArray later = iNew + "and more";
+  const CFinish faults([&] {
+    journal->Apply(*patch);
+    journal->Finish();
+    journal.reset();
+    iFolder.Write(u"d"_s, later);
+  });
+  EXPECT_EQ(CVelumRecovery::Run(iPath), EFound::Nothing);
+  EXPECT_FALSE(faults.iFinish) << "it has waited";
+  EXPECT_EQ(Doc(), later);
+  EXPECT_EQ(Files(), QStringList{u"d"_s});
+  CVelumOs::Close(fd);
+}
+
+// A folder, a pipe, which can be opened, and a link.
 TEST_F(CVelumRecoveryTest, WhatIsNoJournalIsToldWithWhatToDo) {
   Begin(iOld);
-  ASSERT_TRUE(QDir(iFolder.Path()).mkdir(u"d-journal"_s));
-  try {
-    CVelumRecovery::Run(iPath);
-    ADD_FAILURE() << "no failure";
-  } catch (const CVelumException& e) {
-    EXPECT_EQ(e.Number(), EHostPermissionDenied);
-    EXPECT_TRUE(e.Descr().contains(iPath + u"-journal"_s));
-    EXPECT_TRUE(e.Descr().contains(u"Move it to another place"_s));
+  const QString name = iPath + u"-journal"_s;
+  const QByteArray raw = QFile::encodeName(name);
+  const std::function<bool()> makes[] = {[&] { return ::mkdir(raw, 0700) == 0; },
+                                         [&] { return ::mkfifo(raw, 0600) == 0; },
+                                         [&] { return QFile::link(iFolder.Write(u"j"_s, "x"), name); }};
+  for (const auto& make : makes) {
+    ASSERT_TRUE(make());
+    try {
+      CVelumRecovery::Run(iPath);
+      ADD_FAILURE() << "no failure";
+    } catch (const CVelumException& e) {
+      EXPECT_EQ(e.Number(), EHostPermissionDenied);
+      EXPECT_TRUE(e.Descr().contains(name));
+      EXPECT_TRUE(e.Descr().contains(u"Move it to another place"_s));
+    }
+    ASSERT_EQ(::remove(raw), 0);
   }
+  EXPECT_EQ(iFolder.Read(u"j"_s), "x");
 }
 
 TEST_F(CVelumRecoveryTest, AJournalOfAnotherVersionIsNotTouched) {

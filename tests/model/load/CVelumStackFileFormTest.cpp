@@ -344,6 +344,24 @@ TEST(CVelumStackFileForm, AnIndexWithoutItsFieldIsLeft) {
   EXPECT_EQ(read->KeyIndex(bed.iFirst->KeyIndexId())->StrKeyAt(0), bed.iFirst->KeyIndex()->StrKeyAt(0));
 }
 
+// Also where its background has no card that an entry could stand for.
+TEST(CVelumStackFileForm, AnIndexWithoutItsFieldAndCardsIsLeft) {
+  TFileBed bed;
+  const Ref<CVelumArray> keys = bed.iFirst->KeyIndex();
+  TVelumElem elem;
+  qint32 next = 0;
+  ASSERT_TRUE(keys->ReadByStrKey(keys->StrKeyAt(0), elem, next));
+  bed.iStack->DeleteBackground(bed.iFirst, true);
+  elem.iVal = TVelumValue::OfInt(77);
+  keys->CreateStrKey(elem);
+  bed.iBy->AddKeyPart(EConText, 4711, EWayAscending, 3);
+  const QByteArray bytes = Stored(*bed.iStack);
+  const auto read = MakeRef<CVelumStack>();
+  EXPECT_EQ(RaisedOverruled([&] { Load(*read, bytes); }), -1);
+  EXPECT_EQ(read->KeyIndex(bed.iFirst->KeyIndexId())->ValRef(0).Int(), 77);
+  EXPECT_EQ(Names(*read), u"list"_s);
+}
+
 TEST(CVelumStackFileForm, ACardWithoutBackgroundFailsCleanly) {
   TFileBed bed;
   bed.iList->SetCreDate(36526);
