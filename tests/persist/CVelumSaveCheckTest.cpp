@@ -1,7 +1,7 @@
 #include "persist/CVelumSaveCheck.h"
 
-#include "core/text/CVelumLocale.h"
 #include "core/CVelumMsg.h"
+#include "core/text/CVelumLocale.h"
 #include "persist/StackMaker.h"
 #include "support/PrintQt.h"
 #include "support/ScriptedPresenter.h"
