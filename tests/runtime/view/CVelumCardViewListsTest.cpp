@@ -60,13 +60,21 @@ TEST_F(CVelumCardViewListsTest, AComboIsAPairOfFields) {
   EXPECT_EQ(Combo().currentIndex(), -1);
 }
 
-TEST_F(CVelumCardViewListsTest, AnEmptyTextIsNoChoiceEvenWhereALineIsEmpty) {
-  AddCombo(u"Bern\r\n\r\nUlm"_s);
+TEST_F(CVelumCardViewListsTest, AnEmptyTextIsNoChoiceWhateverWasChosenBefore) {
+  AddCombo(u"Bern\r\nBonn"_s);
   AddCard(u"a"_s);
+  const auto other = AddCard(u"b"_s);
   Open();
-  EXPECT_EQ(Combo().count(), 3);
+  Base(iText).SetFocus();
+  for (const QString& town : {u"Bern"_s, u"Bonn"_s}) {
+    QTest::keyClick(&Combo(), Qt::Key_Down);
+    EXPECT_EQ(Combo().currentText(), town);
+  }
+  View().GoToCard(other);
   EXPECT_EQ(Combo().currentText(), QString());
   EXPECT_EQ(Combo().currentIndex(), -1);
+  QTest::keyClick(&Combo(), Qt::Key_Down);
+  EXPECT_EQ(Combo().currentText(), u"Bern"_s) << "the first line is the next one";
 }
 
 TEST_F(CVelumCardViewListsTest, AChoiceIsAChangeAndStored) {

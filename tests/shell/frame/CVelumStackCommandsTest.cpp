@@ -9,6 +9,7 @@
 #include "toolkit/CVelumDialogForm.h"
 #include "toolkit/CVelumWinMan.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLineEdit>
@@ -206,7 +207,8 @@ TEST_F(CVelumStackCommandsTest, EmptyingEndsTheWaitCursor) {
 
 TEST_F(CVelumStackCommandsTest, OpeningAndSavingHaveDialogsOfTheirOwn) {
   Open();
-  gOptions.iStackFolder = iFolder.Path();
+  gOptions.iStackFolder = iFolder.Path(u"stacks"_s);
+  ASSERT_TRUE(QDir().mkpath(gOptions.iStackFolder));
   gOptions.iLoadDialogInitDir = u"/"_s;
   QStringList seen;
   CVelumFileDialog::SetAnswer([&](const CVelumFileDialog& aDialog, bool aSave) {
@@ -217,11 +219,12 @@ TEST_F(CVelumStackCommandsTest, OpeningAndSavingHaveDialogsOfTheirOwn) {
   Choose(u"fOpenStack"_s);
   EXPECT_EQ(seen, (QStringList{u"Open Stack"_s, QString(), u"/"_s, u"Orvelle"_s, u"open"_s}));
   Choose(u"fSaveStackAs"_s);
-  EXPECT_EQ(seen, (QStringList{u"Save Stack As"_s, u"a.Orvelle"_s, iFolder.Path(), u"Orvelle"_s, u"save"_s}));
+  EXPECT_EQ(seen, (QStringList{u"Save Stack As"_s, u"a.Orvelle"_s, iFolder.Path(), u"Orvelle"_s, u"save"_s}))
+      << "where the stack is";
   gStack->SetFilename({});
   gStack->SetDescr(u"My books"_s);
   Choose(u"fSaveStack"_s);
-  EXPECT_EQ(seen.mid(0, 3), (QStringList{u"Save Stack As"_s, u"My books.Orvelle"_s, iFolder.Path()}));
+  EXPECT_EQ(seen.mid(0, 3), (QStringList{u"Save Stack As"_s, u"My books.Orvelle"_s, gOptions.iStackFolder}));
   gOptions.iStackFolder.clear();
   Choose(u"fSaveStack"_s);
   EXPECT_TRUE(!seen.value(2).isEmpty() && QFileInfo(seen.value(2)).isDir()) << seen.value(2).toStdString();
