@@ -163,7 +163,7 @@ TEST_F(CVelumInterpreterTest, EndsWhereAPutResetsIt) {
   for (const bool single : {false, true}) {
     iInterpreter->SetPumpAlways(single);
     CResets host(*iHost, *iInterpreter);
-    Run(u"Put 3 Into Field \"I\"\nPut 4 Into Field \"I\"\nAnswer 1"_s);
+    Run(u"Put 3 Into Field \"I\"\nPut Field \"T\" Into Field \"T\"\nAnswer 1"_s);
     EXPECT_EQ(host.iPuts, 1);
     EXPECT_FALSE(iInterpreter->Running());
   }
