@@ -9,7 +9,6 @@
 namespace {
 
 constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
-// How often a name that is written back into its field may become another text, as when a card is renamed.
 
 } // namespace
 
@@ -74,7 +73,8 @@ void CVelumCsvCards::CheckText(qint32 aRow, int aColumn, QStringView aItem, cons
   if (iChangedCells.size() >= TCsvReport::EMaxCells) return;
   iChangedCells.push_back(
       {iRows.Line(aRow), aColumn, aItem.toString(),
-       CVelumValue::ValToExtText(aVal, iControls[static_cast<size_t>(aColumn)]->FieldInfo())});
+       CVelumValue::ValToExtText(aVal, iControls[static_cast<size_t>(aColumn)]->FieldInfo()),
+       iCards.Count()});
 }
 
 Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {

@@ -3,7 +3,7 @@
 
 #include "core/text/CVelumTextPool.h"
 #include "exchange/CVelumCsvColumns.h"
-#include "exchange/CVelumCsvReport.h"
+#include "exchange/CVelumCsvReports.h"
 #include "exchange/CVelumNewCards.h"
 #include "model/CVelumStack.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/CVelumCsvPlan.h"
-#include "exchange/CVelumCsvReport.h"
+#include "exchange/CVelumCsvReports.h"
 
 // Works in steps; with nothing to check it is done at once. The text and the plan must outlive it.
 class CVelumCsvCheck {

@@ -85,6 +85,14 @@ void CVelumCsvExact::Choose(TCsvChoice aChoice, Ref<CVelumControlSet> aBackgroun
   if (iState == EState::Check || iState == EState::Known) BeginCheck();
 }
 
+void CVelumCsvExact::Decide(const TCsvChoice& aChoice) {
+  TCsvChoice choice = aChoice;
+  choice.iDetectTypes = iChoice.iDetectTypes;
+  choice.iTypes = iChoice.iTypes;
+  choice.iFields = iChoice.iFields;
+  iChoice = std::move(choice);
+}
+
 // Nothing: all is well.
 std::optional<ECsvOutcome> CVelumCsvExact::Prepare(CVelumImportWatch& aWatch) {
   if (!Finish(EKnownEnd, aWatch)) return ECsvOutcome::Cancelled;

@@ -126,8 +126,7 @@ void CVelumCsvExact::NoteNames(const CVelumControlSet& aBackground) {
     iReport.iNotes.append(u"cards are named by %1"_s.arg(iPlan[static_cast<size_t>(*column)].iName));
   else
     iReport.iNotes.append(u"cards are named by numbers"_s);
-  if (aBackground.Flag(ECseKeepCardsSorted))
-    iReport.iNotes.append(u"%1 keeps its cards sorted, so they are in that order"_s.arg(aBackground.Name()));
+  if (aBackground.Flag(ECseKeepCardsSorted)) iReport.iNotes.append(SortedLine(aBackground));
 }
 
 void CVelumCsvExact::NoteOutside(const CVelumControlSet& aBackground) {

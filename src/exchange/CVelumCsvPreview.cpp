@@ -28,7 +28,8 @@ TCsvPreview CVelumImports::PreviewCsv(const QString& aFilename, const TCsvOption
   CSilentWatch watch;
   TNewStack made;
   TCsvPreview preview;
-  if (ImportCsv1(aFilename, options, watch, made) != ECsvOutcome::Done) return preview;
+  TCsvReport report;
+  if (ImportCsv1(aFilename, options, watch, made, &report) != ECsvOutcome::Done) return preview;
   Ref<CVelumControlSet> set;
   qint32 index = 0;
   if (!made.iStack->GetFirstBackground(set, index)) return preview;
@@ -36,6 +37,10 @@ TCsvPreview CVelumImports::PreviewCsv(const QString& aFilename, const TCsvOption
     preview.iTitles.append(set->ControlAt(i)->Name());
     preview.iTypes.append(set->ControlAt(i)->ConType());
   }
+  for (const TCsvReportColumn& column : report.iColumns) preview.iChanged.append(column.iChanged);
+  for (const TCsvReportCell& cell : report.iCells)
+    if (cell.iRecord < TCsvPreview::EShownRows)
+      preview.iChangedCells.insert({static_cast<int>(cell.iRecord), cell.iColumn});
   Ref<CVelumCard> card;
   for (qint32 at = 0; preview.iRows.size() < TCsvPreview::EShownRows && made.iStack->GetNextCard(card, at);)
     preview.iRows.append(ShownRow(*card, *set));

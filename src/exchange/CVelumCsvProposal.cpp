@@ -68,12 +68,12 @@ bool LooksUtf8(const QString& aFilename) {
 
 } // namespace
 
-TCsvProposal CVelumImports::ProposeCsv(const QString& aFilename) {
+TCsvProposal CVelumImports::ProposeCsv(const QString& aFilename, bool aWholeFile) {
   CVelumImportLimits::CheckIsFile(aFilename);
   TCsvProposal proposal;
   QStringList lines = FirstLines(aFilename, proposal.iCoding);
   proposal.iDelim = ProposeDelim(lines.value(0));
-  proposal.iLooksUtf8 = proposal.iCoding == ECodLatin1 && LooksUtf8(aFilename);
+  proposal.iLooksUtf8 = aWholeFile && proposal.iCoding == ECodLatin1 && LooksUtf8(aFilename);
   if (qint32 coding = ECodUtf8; proposal.iLooksUtf8) lines = FirstLines(aFilename, coding);
   for (QString& line : lines) {
     line.truncate(CVelumCsvRows::EMaxLineLen);

@@ -17,7 +17,8 @@ struct TCsvProposal {
 
 namespace CVelumImports {
 
-// Failures are those of CVelumFile.
-[[nodiscard]] TCsvProposal ProposeCsv(const QString& aFilename);
+// Failures are those of CVelumFile. Without aWholeFile only its beginning is read, and iLooksUtf8 stays
+// false.
+[[nodiscard]] TCsvProposal ProposeCsv(const QString& aFilename, bool aWholeFile = true);
 
 } // namespace CVelumImports

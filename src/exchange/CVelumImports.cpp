@@ -120,6 +120,8 @@ ECsvOutcome CImport::PutCards(CVelumStack& aStack, const Ref<CVelumControlSet>& 
   }
   if (firstNames) aBackground->ControlAt(0)->SetFlag(EConCardName, true);
   if (iOptions.iGuessKey) GuessKey(aStack, aBackground->Id());
+  if (aBackground->Flag(ECseKeepCardsSorted))
+    iReport.iNotes.append(CVelumCsvReports::SortedLine(*aBackground));
   // A field that is part of a key has to know it when its value is changed.
   aStack.SetControlDynFlags();
   return ECsvOutcome::Done;

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exchange/CVelumCsvColumns.h"
-#include "exchange/CVelumCsvReport.h"
+#include "exchange/CVelumCsvReports.h"
 #include "model/CVelumStackHost.h"
 #include "persist/CVelumViewState.h"
 

@@ -415,8 +415,12 @@ TEST_F(CVelumImportsTest, PreviewsWithTheTypesOfManyLines) {
   EXPECT_EQ(some.iTypes, QList<qint32>({EConInteger, EConText}));
   EXPECT_EQ(some.iRows, QList<QStringList>({{u"1"_s, u"x"_s}, {u"2"_s}}));
   EXPECT_TRUE(some.iWhole);
+  EXPECT_TRUE(some.iChangedCells.isEmpty());
+  const TCsvPreview changes = preview("zip,b\n5,x\n\"01\",y\n007,z\n");
+  EXPECT_EQ(changes.iChanged, QList<qint64>({2, 0}));
+  EXPECT_EQ(changes.iChangedCells, (QSet<std::pair<int, int>>{{1, 0}, {2, 0}}));
   const TCsvPreview many = preview("a\n" + Lines(0, 1000) + "ABC\n");
-  EXPECT_EQ(many.iRows.size(), 50);
+  EXPECT_EQ(many.iRows.size(), 100);
   EXPECT_EQ(many.iTypes, QList<qint32>({EConText})) << "the last line counts";
   EXPECT_FALSE(preview("a\n" + Lines(0, 20000) + "ABC\n").iWhole);
   EXPECT_TRUE(preview("").iTitles.isEmpty());

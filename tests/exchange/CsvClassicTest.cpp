@@ -36,6 +36,8 @@ TEST_F(CsvClassicTest, CountsCellsThatShowAnotherText) {
   EXPECT_EQ(iTold.iCells[0].iText, u"01234");
   EXPECT_EQ(iTold.iCells[0].iShown, u"1234");
   EXPECT_TRUE(CVelumCsvReports::Lines(iTold).contains(u"4 cells show another text than the file"_s));
+  EXPECT_TRUE(CVelumCsvReports::Lines(iTold).contains(
+      u"First Background keeps its cards sorted, so they are in that order"_s));
   EXPECT_EQ(CVelumCsvReports::ToJson(iTold).value(u"way"_s).toString(), u"classic");
 }
 

@@ -1,4 +1,4 @@
-#include "exchange/CVelumCsvReport.h"
+#include "exchange/CVelumCsvReports.h"
 
 #include "core/CVelumObject.h"
 
@@ -67,10 +67,6 @@ QJsonArray CellsJson(const TCsvReport& aReport) {
 
 } // namespace
 
-void TCsvReport::NoteCell(TCsvReportCell aCell) {
-  if (iCells.size() < EMaxCells) iCells.push_back(std::move(aCell));
-}
-
 QString CVelumCsvReports::TypeName(qint32 aType) {
   static const QStringList names = {u"Text"_s,    u"Integer"_s, u"Real"_s,    u"Date"_s,   u"Time"_s,
                                     u"Boolean"_s, u"List"_s,    u"Command"_s, u"Picture"_s};
@@ -101,6 +97,10 @@ QStringList CVelumCsvReports::FaultLines(const CVelumCsvFaults& aFaults) {
     lines.append(CVelumCsvFaultTexts::Place(fault) + u": "_s + CVelumCsvFaultTexts::What(fault) + u"; "_s +
                  CVelumCsvFaultTexts::Consequence(fault));
   return lines;
+}
+
+QString CVelumCsvReports::SortedLine(const CVelumControlSet& aBackground) {
+  return u"%1 keeps its cards sorted, so they are in that order"_s.arg(aBackground.Name());
 }
 
 QStringList CVelumCsvReports::Lines(const TCsvReport& aReport) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "exchange/CVelumCsvFaults.h"
+#include "model/fields/CVelumControlSet.h"
 
 #include <QJsonObject>
 #include <QStringList>
@@ -17,13 +18,15 @@ struct TCsvReportColumn {
 // A cell whose text has changed or that was left out.
 struct TCsvReportCell {
   qint64 iLine = 0;
-  int iColumn = 0; // from 0
-  QString iText;   // in the file
-  QString iShown;  // now; empty when it was left out
+  int iColumn = 0;         // from 0
+  QString iText;           // in the file
+  QString iShown;          // now; empty when it was left out
+  qint64 iRecord = ENoInt; // from 0; known to the classic way
 };
 
 struct TCsvReport {
-  static constexpr size_t EMaxCells = 1000;
+  // As many as a preview of the classic way can hold.
+  static constexpr size_t EMaxCells = 2000;
 
   bool iClassic = false;
   qint64 iRecords = 0;
@@ -36,8 +39,6 @@ struct TCsvReport {
   QString iBackground;                // into which the cards went; empty for a new stack
   qint64 iReplaced = 0;               // cards of it that went
   QString iSortedBy;                  // a field by which the cards are in order, but not kept so
-
-  void NoteCell(TCsvReportCell aCell);
 };
 
 namespace CVelumCsvReports {
@@ -45,6 +46,8 @@ namespace CVelumCsvReports {
 // A few lines of text. Many columns are summed up.
 [[nodiscard]] QStringList Lines(const TCsvReport& aReport);
 [[nodiscard]] QJsonObject ToJson(const TCsvReport& aReport);
+// That the cards of a background are not in the order of the file.
+[[nodiscard]] QString SortedLine(const CVelumControlSet& aBackground);
 // What stands in the way, a line a fault, with what an import all the same does about it.
 [[nodiscard]] QStringList FaultLines(const CVelumCsvFaults& aFaults);
 // "Text", "Integer" ... as windows call them.
