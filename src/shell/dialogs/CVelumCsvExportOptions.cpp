@@ -3,6 +3,7 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumDialogLib.h"
 #include "exchange/CVelumExports.h"
+#include "exchange/CVelumPlainExport.h"
 #include "shell/dialogs/CVelumExportOptions.h"
 #include "shell/dialogs/CVelumOptions.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
@@ -40,6 +41,7 @@ CVelumCsvExportOptions::CVelumCsvExportOptions()
   iUi->setupUi(this);
   connect(iUi->fExportBut, &QPushButton::clicked, this,
           [this] { CVelumGuard::Run(u"CVelumCsvExportOptions.fExportBut"_s, [this] { Export(); }); });
+  connect(iUi->fPlain, &QAbstractButton::toggled, this, &CVelumCsvExportOptions::ShowLacking);
   connect(iUi->fCancelBut, &QPushButton::clicked, this, &QDialog::reject);
 }
 
@@ -53,6 +55,7 @@ void CVelumCsvExportOptions::Load() {
   QRadioButton* choice =
       delimiter == u";"_s ? iUi->fSemiColon : (delimiter == u"\t"_s ? iUi->fTab : iUi->fComma);
   choice->setChecked(true);
+  iUi->fPlain->setChecked(true);
   ShowLacking();
 }
 
@@ -71,7 +74,13 @@ QString CVelumCsvExportOptions::Delimiter() const {
   return iUi->fSemiColon->isChecked() ? u";"_s : u","_s;
 }
 
+// Only the classic way has a coding that lacks letters.
 void CVelumCsvExportOptions::ShowLacking() {
+  iUi->fUtf8->setEnabled(!IsPlain());
+  if (IsPlain()) {
+    iUi->fUtf8->setChecked(true);
+    return iUi->fLacking->setVisible(false);
+  }
   const Ref<CVelumControlSet> background = Background();
   QElapsedTimer clock;
   clock.start();
@@ -87,10 +96,18 @@ void CVelumCsvExportOptions::ShowLacking() {
   iUi->fUtf8->setChecked(lacking > 0);
 }
 
+bool CVelumCsvExportOptions::IsPlain() const {
+  return iUi->fPlain->isChecked();
+}
+
 void CVelumCsvExportOptions::Export() {
   if (!fExportDialog.ShowSave(this)) return;
   qint64 lacking = 0;
-  if (!WriteFile(fExportDialog.FileName(), lacking)) return;
+  QStringList leftOut;
+  if (!WriteFile(fExportDialog.FileName(), lacking, leftOut)) return;
+  if (!leftOut.isEmpty())
+    CVelumSeams::Presenter().Tell(
+        tr("Left out, as they have no text of their own: %1").arg(leftOut.join(u", "_s)));
   // What the count that was broken off did not come to.
   if (lacking > 0 && iUi->fLacking->isHidden())
     CVelumSeams::Presenter().Tell(
@@ -99,7 +116,7 @@ void CVelumCsvExportOptions::Export() {
   if (CVelumExportOptions* form = ExportForm()) CVelumWinMan::UnloadForm(*form);
 }
 
-bool CVelumCsvExportOptions::WriteFile(const QString& aPath, qint64& aLacking) {
+bool CVelumCsvExportOptions::WriteFile(const QString& aPath, qint64& aLacking, QStringList& aLeftOut) {
   const Ref<CVelumControlSet> background = Background();
   const TVelumCsvForm form{Delimiter(), iUi->fUtf8->isChecked() ? ECodUtf8 : ECodLatin1};
   bool done = false;
@@ -107,7 +124,9 @@ bool CVelumCsvExportOptions::WriteFile(const QString& aPath, qint64& aLacking) {
     CVelumProgressBox progress(this, tr("Export"), tr("Exporting to %1…").arg(QFileInfo(aPath).fileName()));
     CVelumDialogLib::BeginWait();
     const auto step = [&](qint64 aDone, qint64 aTotal) { return progress.Step(aDone, aTotal); };
-    done = CVelumExports::ExportCsv(aPath, CVelumChecked::Deref(background), form, step, &aLacking);
+    const CVelumControlSet& set = CVelumChecked::Deref(background);
+    done = IsPlain() ? CVelumPlainExport::Write(aPath, set, Delimiter().front(), step, &aLeftOut)
+                     : CVelumExports::ExportCsv(aPath, set, form, step, &aLacking);
   }
   CVelumDialogLib::EndWait();
   if (done)

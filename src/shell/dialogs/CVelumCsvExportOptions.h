@@ -29,7 +29,9 @@ private:
   // Counts for a moment what the usual coding lacks, says so, and proposes the other one then.
   void ShowLacking();
   void Export();
-  [[nodiscard]] bool WriteFile(const QString& aPath, qint64& aLacking);
+  [[nodiscard]] bool IsPlain() const;
+  // aLeftOut: names of fields that the file for other programs lacks.
+  [[nodiscard]] bool WriteFile(const QString& aPath, qint64& aLacking, QStringList& aLeftOut);
 
   std::unique_ptr<Ui::CVelumCsvExportOptions> iUi;
   CVelumFileDialog fExportDialog;

@@ -46,6 +46,10 @@ protected:
     OpenExport();
     Click(EExport, u"fOkBut"_s);
   }
+  void OpenClassic() {
+    OpenCsv();
+    Click(ECsvExport, u"fClassic"_s);
+  }
   static bool Checked(const QString& aName) { return Find<QAbstractButton>(ECsvExport, aName).isChecked(); }
   static bool IsLoaded(const QString& aForm) { return CVelumWinMan::FormIsLoaded(aForm); }
   // Gives the first card a text that the code page lacks in part.
@@ -161,8 +165,40 @@ TEST_F(CVelumExportOptionsTest, CancelInTheFileDialogIsSilent) {
   EXPECT_TRUE(gOptions.iExportXmlDialogInitDir.isEmpty());
 }
 
+TEST_F(CVelumExportOptionsTest, WritesForOtherProgramsAtFirst) {
+  OpenExport();
+  SetText(u"say \"x\"\n\u042F"_s);
+  Click(EExport, u"fOkBut"_s);
+  EXPECT_TRUE(Checked(u"fPlain"_s));
+  EXPECT_TRUE(Checked(u"fUtf8"_s));
+  EXPECT_FALSE(Find<QCheckBox>(ECsvExport, u"fUtf8"_s).isEnabled()) << "no other coding";
+  Click(ECsvExport, u"fSemiColon"_s);
+  Click(ECsvExport, u"fExportBut"_s);
+  EXPECT_TRUE(Written().contains("\"say \"\"x\"\"\n\u042F\"")) << Written().toStdString();
+  EXPECT_FALSE(Written().startsWith('"')) << "quotes only where they are needed";
+  EXPECT_TRUE(Report().startsWith(u"Exported "_s) && Report().endsWith(u" to out"_s));
+  EXPECT_FALSE(IsLoaded(EExport));
+}
+
+TEST_F(CVelumExportOptionsTest, TellsWhichFieldsHaveNoTextForOtherPrograms) {
+  OpenExport();
+  Ref<CVelumControlSet> first;
+  qint32 index = 0;
+  ASSERT_TRUE(gStack->GetFirstBackground(first, index));
+  first->AddControl(MakeRef<CVelumControl>(gStack->IdGen().NextId(), u"Portrait"_s, EConPicture), ENoInt);
+  first->AddControl(MakeRef<CVelumControl>(gStack->IdGen().NextId(), u"More"_s, EConText), ENoInt);
+  Click(EExport, u"fOkBut"_s);
+  Click(ECsvExport, u"fSemiColon"_s);
+  Click(ECsvExport, u"fExportBut"_s);
+  ASSERT_EQ(iPresenter.Told().size(), 1);
+  EXPECT_TRUE(iPresenter.Told().first().contains(u"Portrait"_s));
+  const QByteArray head = Written().left(Written().indexOf("\r\n"));
+  EXPECT_TRUE(head.endsWith(";More")) << head.toStdString();
+  EXPECT_FALSE(head.contains("Portrait"));
+}
+
 TEST_F(CVelumExportOptionsTest, WritesCsvAndGoes) {
-  OpenCsv();
+  OpenClassic();
   EXPECT_TRUE(Checked(u"fComma"_s));
   Click(ECsvExport, u"fExportBut"_s);
   EXPECT_TRUE(Written().startsWith('"'));
@@ -219,6 +255,8 @@ TEST_F(CVelumExportOptionsTest, TellsWhatTheCodePageLacksAndOffersUtf8) {
   OpenExport();
   SetText(QString::fromUtf8("é Я 你"));
   Click(EExport, u"fOkBut"_s);
+  EXPECT_FALSE(Find<QLabel>(ECsvExport, u"fLacking"_s).isVisible()) << "nothing lacks in UTF-8";
+  Click(ECsvExport, u"fClassic"_s);
   const auto& lacking = Find<QLabel>(ECsvExport, u"fLacking"_s);
   EXPECT_TRUE(lacking.isVisible());
   EXPECT_TRUE(lacking.text().startsWith(u"2 characters are not in"_s)) << lacking.text().toStdString();
@@ -232,6 +270,7 @@ TEST_F(CVelumExportOptionsTest, WithoutUtf8TheyBecomeQuestionMarks) {
   OpenExport();
   SetText(QString::fromUtf8("a Я"));
   Click(EExport, u"fOkBut"_s);
+  Click(ECsvExport, u"fClassic"_s);
   Click(ECsvExport, u"fUtf8"_s);
   Click(ECsvExport, u"fExportBut"_s);
   EXPECT_TRUE(Written().contains("\"a ?\""));
@@ -239,7 +278,7 @@ TEST_F(CVelumExportOptionsTest, WithoutUtf8TheyBecomeQuestionMarks) {
 }
 
 TEST_F(CVelumExportOptionsTest, NothingIsSaidWhereNothingLacks) {
-  OpenCsv();
+  OpenClassic();
   EXPECT_FALSE(Find<QLabel>(ECsvExport, u"fLacking"_s).isVisible());
   EXPECT_FALSE(Checked(u"fUtf8"_s));
 }
