@@ -2,62 +2,44 @@
 
 #include "core/CVelumDialogLib.h"
 #include "exchange/CVelumCsvProposal.h"
-#include "runtime/CVelumRuntimeLib.h"
-#include "runtime/view/CVelumStackView.h"
-#include "shell/dialogs/CVelumImportOptions.h"
-#include "shell/dialogs/CVelumImportProgress.h"
+#include "shell/dialogs/CVelumCsvPreviewBox.h"
 #include "shell/dialogs/CVelumOptions.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
 #include "shell/frame/CVelumScriptBar.h"
 #include "toolkit/CVelumGuard.h"
+#include "toolkit/CVelumScreenFit.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumCsvImportOptions.h"
 
 #include <QHeaderView>
+#include <QMenu>
 #include <QPointer>
 #include <QScopedValueRollback>
 
 namespace {
 
+constexpr int ERowMargins = 6; // pixels
 constexpr int ENewStack = 0;
 constexpr int EStructure = 1;
+constexpr int EBackgroundGoes = 6;
 constexpr int EStackCloses = 7;
-constexpr int EPreviewTab = 1;
-constexpr int EMaxColumn = 240; // pixels
-
-// As the types of fields are called elsewhere; the place is the number of the type.
-QStringList TypeNames() {
-  return {u"Text"_s, u"Integer"_s, u"Float"_s, u"Date"_s, u"Time"_s, u"Boolean"_s};
-}
-
-CVelumImportOptions* ImportForm() {
-  const QString name = u"CVelumImportOptions"_s;
-  if (!CVelumWinMan::FormIsLoaded(name)) return nullptr;
-  return dynamic_cast<CVelumImportOptions*>(CVelumWinMan::NameToForm(name));
-}
 
 } // namespace
 
 CVelumCsvImportOptions::CVelumCsvImportOptions()
-    : CVelumDialogForm(u"CVelumCsvImportOptions"_s, true), iUi(new Ui::CVelumCsvImportOptions) {
+    : CVelumDialogForm(u"CVelumCsvImportOptions"_s, true), iUi(new Ui::CVelumCsvImportOptions),
+      iTypeMenu(new QMenu(this)) {
   iUi->setupUi(this);
   iLineBox = MakeRef<CVelumListBox>(ELisSingle, iUi->fLineBox, this);
   iUi->fPreviewBox->setWordWrap(false);
-  iUi->fPreviewBox->horizontalHeader()->setMaximumSectionSize(EMaxColumn);
+  iUi->fPreviewBox->verticalHeader()->setDefaultSectionSize(fontMetrics().height() + ERowMargins);
   iUi->fColumnType->addItem(tr("As proposed"));
-  iUi->fColumnType->addItems(TypeNames());
-  for (QAbstractButton* choice : std::initializer_list<QAbstractButton*>{
-           iUi->fLatin1, iUi->fUtf8, iUi->fHeaderLine, iUi->fDetectTypes, iUi->fTryCardName})
-    connect(choice, &QAbstractButton::toggled, this, &CVelumCsvImportOptions::DropPreview);
-  for (QAbstractButton* delim :
-       std::initializer_list<QAbstractButton*>{iUi->fComma, iUi->fSemiColon, iUi->fTab})
-    connect(delim, &QAbstractButton::toggled, this, [this] {
-      iTypes = {}; // those of other columns
-      DropPreview();
-    });
-  connect(iUi->fTabs, &QTabWidget::currentChanged, this, &CVelumCsvImportOptions::ShowPreview);
-  connect(iUi->fPreviewBox, &QTableWidget::currentCellChanged, this, &CVelumCsvImportOptions::ShowColumnType);
-  connect(iUi->fColumnType, &QComboBox::currentIndexChanged, this, &CVelumCsvImportOptions::TakeColumnType);
+  iUi->fColumnType->addItems(CVelumCsvPreviewBox::TypeNames());
+  iTypeMenu->setObjectName(u"fTypeMenu"_s);
+  ConnectChoices();
+  ConnectColumns();
+  connect(&iWork, &CVelumCsvWork::Known, this, &CVelumCsvImportOptions::ShowExact);
+  connect(&iWork, &CVelumCsvWork::Progressed, this, &CVelumCsvImportOptions::ShowNote);
   connect(iUi->fImportBut, &QPushButton::clicked, this, [this] {
     // The open stack changes, or goes: a running script ends first.
     CVelumDialogLib::WhenNoScriptRuns([form = QPointer(this)] {
@@ -69,47 +51,176 @@ CVelumCsvImportOptions::CVelumCsvImportOptions()
 
 CVelumCsvImportOptions::~CVelumCsvImportOptions() = default;
 
+void CVelumCsvImportOptions::ConnectChoices() {
+  connect(iUi->fExact, &QAbstractButton::toggled, this, &CVelumCsvImportOptions::TakeWay);
+  for (QAbstractButton* choice : std::initializer_list<QAbstractButton*>{
+           iUi->fAutoCoding, iUi->fLatin1, iUi->fUtf8, iUi->fUtf16, iUi->fHeaderLine})
+    connect(choice, &QAbstractButton::toggled, this, &CVelumCsvImportOptions::TakeReading);
+  connect(iUi->fDetectTypes, &QAbstractButton::toggled, this, &CVelumCsvImportOptions::TakeChoice);
+  connect(iUi->fAddCards, &QAbstractButton::toggled, this, &CVelumCsvImportOptions::ShowTarget);
+  connect(iUi->fDrop, &QAbstractButton::toggled, this, &CVelumCsvImportOptions::ShowUsable);
+  for (QAbstractButton* delim : std::initializer_list<QAbstractButton*>{iUi->fComma, iUi->fSemiColon,
+                                                                        iUi->fTab, iUi->fBar, iUi->fOther})
+    connect(delim, &QAbstractButton::toggled, this, [this](bool aOn) {
+      if (!aOn) return;
+      DropTypes();
+      TakeReading();
+    });
+  connect(iUi->fOtherDelim, &QLineEdit::textEdited, this, [this](const QString& aText) {
+    if (aText.isEmpty()) return;
+    iUi->fOther->setChecked(true);
+    DropTypes();
+    TakeReading();
+  });
+  connect(iUi->fSkipLines, &QSpinBox::valueChanged, this, [this] {
+    DropTypes();
+    TakeReading();
+  });
+}
+
+void CVelumCsvImportOptions::ConnectColumns() {
+  connect(iUi->fTabs, &QTabWidget::currentChanged, this, &CVelumCsvImportOptions::ShowPreview);
+  connect(iUi->fPreviewBox, &QTableWidget::currentCellChanged, this, [this] {
+    ShowColumnType();
+    ShowColumnField();
+  });
+  connect(iUi->fPreviewBox->horizontalHeader(), &QHeaderView::sectionClicked, this,
+          &CVelumCsvImportOptions::ChooseTypeAt);
+  connect(iUi->fColumnType, &QComboBox::currentIndexChanged, this, &CVelumCsvImportOptions::TakeColumnType);
+  connect(iUi->fColumnField, &QComboBox::activated, this, &CVelumCsvImportOptions::TakeColumnField);
+}
+
 void CVelumCsvImportOptions::Load() {
   CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
+  CVelumScreenFit::KeepOnScreen(*this, true);
+  const QScopedValueRollback showing(iShowing, true);
   iLineBox->Define1Column(u"Line"_s);
+  iUi->fExact->setChecked(true);
+  iUi->fAutoCoding->setChecked(true);
   iUi->fHeaderLine->setChecked(true);
   iUi->fDetectTypes->setChecked(gOptions.iCsvDetectTypes);
   iUi->fGuessKey->setChecked(gOptions.iCsvGuessKey);
   iUi->fTryCardName->setChecked(gOptions.iCsvTryCardName);
-  iUi->fLatin1->setChecked(true);
+  iUi->fSkipLines->setValue(0);
+  iUi->fOtherDelim->clear();
+  iUi->fReplace->setChecked(true);
+  iUi->fDrop->setChecked(false);
+  iUi->fNaming->clear();
   iUi->fTabs->setCurrentIndex(0);
   iUi->fImportBut->setFocus();
 }
 
 void CVelumCsvImportOptions::Unload() {
   CVelumDialogForm::Unload();
+  iWork.Clear();
   iLineBox->ClearAndShow();
 }
 
-void CVelumCsvImportOptions::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
-  if (aKind == EStackCloses && !iBusy) CVelumWinMan::UnloadForm(*this);
+void CVelumCsvImportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
+  if (iBusy) return;
+  if (aKind == EStackCloses) return CVelumWinMan::UnloadForm(*this);
+  if (aKind != EStructure && aKind != ENewStack && aKind != EBackgroundGoes) return;
+  // What is known of its fields does not hold any more.
+  iFields.clear();
+  if (aKind == EBackgroundGoes && aObj1 == Target().Get()) return iWork.SetChoice(Choice(), nullptr);
+  TakeChoice();
+}
+
+void CVelumCsvImportOptions::changeEvent(QEvent* aEvent) {
+  CVelumDialogForm::changeEvent(aEvent);
+  if (aEvent->type() == QEvent::ActivationChange && isActiveWindow() && !iBusy && iWork.IsOpen())
+    ShowTarget();
+}
+
+void CVelumCsvImportOptions::CheckDelim(QChar aDelim) {
+  QRadioButton* delim = aDelim == u','    ? iUi->fComma
+                        : aDelim == u';'  ? iUi->fSemiColon
+                        : aDelim == u'\t' ? iUi->fTab
+                        : aDelim == u'|'  ? iUi->fBar
+                                          : iUi->fOther;
+  delim->setChecked(true);
 }
 
 void CVelumCsvImportOptions::Prepare(const QString& aFilename) {
   iFilename = aFilename;
+  iProposed = false;
+  iTypes.clear();
+  iFields.clear();
+  iWork.Begin(aFilename);
+  const QScopedValueRollback showing(iShowing, true);
   iLineBox->Clear();
-  const TCsvProposal proposal = CVelumImports::ProposeCsv(aFilename);
-  for (const QString& line : proposal.iLines) iLineBox->AddLine(line, nullptr);
+  for (const QString& line : CVelumImports::ProposeCsv(aFilename, false).iLines)
+    iLineBox->AddLine(line, nullptr);
   iLineBox->Show();
+  CheckDelim(iWork.Layout().iDelim);
+  iWork.SetChoice(Choice(), Target());
+  ShowTarget();
+  iPreviewStale = true;
+  ShowPreview();
+}
+
+// The whole file has to be looked at for the coding, so that this waits until somebody wants it.
+void CVelumCsvImportOptions::ProposeClassic() {
+  if (std::exchange(iProposed, true)) return;
+  const TCsvProposal proposal = CVelumImports::ProposeCsv(iFilename);
   (proposal.BestCoding() == ECodUtf8 ? iUi->fUtf8 : iUi->fLatin1)->setChecked(true);
-  QRadioButton* delim = proposal.iDelim == u';'    ? iUi->fSemiColon
-                        : proposal.iDelim == u'\t' ? iUi->fTab
-                                                   : iUi->fComma;
-  delim->setChecked(true);
-  iTypes = {};
+  CheckDelim(proposal.iDelim);
+}
+
+bool CVelumCsvImportOptions::IsExact() const {
+  return iUi->fExact->isChecked();
+}
+
+void CVelumCsvImportOptions::TakeWay() {
+  if (iShowing) return;
+  DropTypes();
+  CVelumGuard::Run(u"CVelumCsvImportOptions.fExact"_s, [this] {
+    const QScopedValueRollback showing(iShowing, true);
+    iUi->fDrop->setChecked(false);
+    if (IsExact())
+      iUi->fAutoCoding->setChecked(true);
+    else
+      ProposeClassic();
+  });
+  ShowTarget();
+  TakeReading();
+}
+
+void CVelumCsvImportOptions::DropTypes() {
+  iTypes.clear(); // those of other columns
+  iFields.clear();
+}
+
+void CVelumCsvImportOptions::TakeReading() {
+  if (iShowing || !iWork.IsOpen()) return;
+  if (IsExact())
+    CVelumGuard::Run(u"CVelumCsvImportOptions.TakeReading"_s, [this] {
+      iWork.SetEncoding(Encoding());
+      iWork.SetReading(Reading());
+      iWork.SetChoice(Choice(), Target());
+    });
+  else
+    ShowFaults({});
+  DropPreview();
+}
+
+void CVelumCsvImportOptions::TakeChoice() {
+  if (iShowing || !iWork.IsOpen()) return;
+  if (IsExact()) iWork.SetChoice(Choice(), Target());
+  ShowTarget();
   DropPreview();
 }
 
 QChar CVelumCsvImportOptions::Delim() const {
   if (iUi->fSemiColon->isChecked()) return u';';
   if (iUi->fTab->isChecked()) return u'\t';
-  CVelumError::Assert(iUi->fComma->isChecked(), u"fImportBut_Click iCsvDelim"_s);
+  if (iUi->fBar->isChecked()) return u'|';
+  const QString other = iUi->fOtherDelim->text();
+  if (iUi->fOther->isChecked() && !other.isEmpty() && other != u"\"" && !other.front().isSurrogate())
+    return other.front();
+  const bool chosen = iUi->fComma->isChecked() || iUi->fOther->isChecked();
+  CVelumError::Assert(chosen, u"fImportBut_Click iCsvDelim"_s);
   return u',';
 }
 
@@ -127,7 +238,10 @@ TCsvOptions CVelumCsvImportOptions::Options() const {
   options.iDetectTypes = iUi->fDetectTypes->isChecked();
   options.iGuessKey = iUi->fGuessKey->isChecked();
   options.iTryCardName = iUi->fTryCardName->isChecked();
-  options.iTypes = iTypes;
+  options.iDrop = iUi->fDrop->isChecked();
+  for (size_t i = 0; i < options.iTypes.size(); ++i)
+    if (const int column = static_cast<int>(i); iTypes.contains(column))
+      options.iTypes[i] = iTypes.value(column);
   return options;
 }
 
@@ -137,7 +251,9 @@ void CVelumCsvImportOptions::DropPreview() {
 }
 
 void CVelumCsvImportOptions::ShowPreview() {
-  if (!iPreviewStale || iUi->fTabs->currentIndex() != EPreviewTab || iFilename.isEmpty()) return;
+  if (!iPreviewStale || iFilename.isEmpty()) return;
+  if (IsExact()) return ShowExact();
+  if (iUi->fTabs->currentWidget() != iUi->fPreviewPage) return;
   iPreviewStale = false;
   TCsvPreview preview;
   QString note;
@@ -150,109 +266,33 @@ void CVelumCsvImportOptions::ShowPreview() {
     note = CVelumError::GetErrorRecord().iSysDescr;
   }
   iUi->fPreviewNote->setText(note);
-  FillPreview(preview);
-}
-
-void CVelumCsvImportOptions::FillPreview(const TCsvPreview& aPreview) {
-  QTableWidget& box = *iUi->fPreviewBox;
-  const int column = box.currentColumn();
-  box.clear();
-  box.setRowCount(static_cast<int>(aPreview.iRows.size()));
-  box.setColumnCount(static_cast<int>(aPreview.iTitles.size()));
-  const QStringList names = TypeNames();
   QStringList titles;
-  for (qsizetype i = 0; i < aPreview.iTitles.size(); ++i)
-    titles.append(aPreview.iTitles.at(i) + u'\n' + names.value(aPreview.iTypes.at(i)));
-  box.setHorizontalHeaderLabels(titles);
-  for (int row = 0; row < box.rowCount(); ++row)
-    for (int i = 0; i < aPreview.iRows.at(row).size(); ++i)
-      box.setItem(row, i, new QTableWidgetItem(aPreview.iRows.at(row).at(i)));
-  box.resizeColumnsToContents();
-  if (box.columnCount() > 0) box.setCurrentCell(0, qBound(0, column, box.columnCount() - 1));
+  for (qsizetype i = 0; i < preview.iTitles.size(); ++i)
+    titles.append(
+        CVelumCsvPreviewBox::Title(preview.iTitles.at(i), preview.iTypes.at(i), preview.iChanged.at(i)));
+  CVelumCsvPreviewBox::Fill(*iUi->fPreviewBox, titles, preview.iRows, [&](int aRow, int aColumn) {
+    return preview.iChangedCells.contains({aRow, aColumn}) ? ECsvFit::Changed : ECsvFit::Same;
+  });
   ShowColumnType();
+  ShowUsable();
 }
 
 void CVelumCsvImportOptions::ShowColumnType() {
   const int column = iUi->fPreviewBox->currentColumn();
-  const bool usable = column >= 0 && iUi->fDetectTypes->isChecked();
+  // In a background the fields have their types.
+  const bool usable = column >= 0 && (IsExact() ? !Target() : iUi->fDetectTypes->isChecked());
   const QScopedValueRollback showing(iShowing, true);
   iUi->fColumnType->setEnabled(usable);
-  const auto type = usable ? iTypes[static_cast<size_t>(column)] : std::nullopt;
-  iUi->fColumnType->setCurrentIndex(type ? *type + 1 : 0);
+  iUi->fColumnType->setCurrentIndex(usable && iTypes.contains(column) ? iTypes.value(column) + 1 : 0);
 }
 
 void CVelumCsvImportOptions::TakeColumnType() {
   const int column = iUi->fPreviewBox->currentColumn();
   if (iShowing || column < 0) return;
   const int index = iUi->fColumnType->currentIndex();
-  iTypes[static_cast<size_t>(column)] = index > 0 ? std::optional(index - 1) : std::nullopt;
-  DropPreview();
-}
-
-void CVelumCsvImportOptions::Import() {
-  const CVelumImportOptions* form = ImportForm();
-  if (iBusy || !form) return;
-  const bool into = form->IntoCurStack();
-  const Ref<CVelumControlSet> background = form->Background();
-  if (into && (!background || !gStackView)) {
-    CVelumSeams::Presenter().Tell(tr("Choose the background that the cards are to belong to."));
-    return;
-  }
-  bool done = false;
-  {
-    const QScopedValueRollback busy(iBusy, true);
-    if (!into && !CVelumDialogLib::LeaveStackStep()) {
-      CVelumWinMan::UnloadForm(*this);
-      return;
-    }
-    CVelumGuard::Run(u"CVelumCsvImportOptions.fImportBut_Click"_s, [&] {
-      CVelumDialogLib::BeginWait();
-      done = into ? IntoBackground(background) : IntoNewStack();
-    });
-    CVelumDialogLib::EndWait();
-  }
-  if (!done) return;
-  RememberChoices();
-  CVelumImportOptions::Report(iFilename, into ? background->NumCards() : gStack->NumCards());
-  const QPointer<CVelumCsvImportOptions> self(this);
-  CVelumSeams::ChangeNotify(into ? EStructure : ENewStack);
-  // This window goes with the other one. A script that hears of the new stack may have closed both.
-  if (CVelumImportOptions* other = ImportForm(); self && other) CVelumWinMan::UnloadForm(*other);
-}
-
-bool CVelumCsvImportOptions::IntoNewStack() {
-  TNewStack made;
-  {
-    CVelumImportProgress progress(this, iFilename);
-    if (CVelumImports::ImportCsv1(iFilename, Options(), progress, made) != ECsvOutcome::Done) return false;
-  }
-  if (CVelumImportOptions* form = ImportForm()) form->CloseOthers();
-  CVelumLib::ReplaceStack(made.iStack, MakeRef<CVelumStackView>(made.iView, made.iStack));
-  return true;
-}
-
-bool CVelumCsvImportOptions::IntoBackground(const Ref<CVelumControlSet>& aBackground) {
-  const Ref<CVelumStackView> view = gStackView;
-  {
-    CVelumImportProgress progress(this, iFilename);
-    if (CVelumImports::ImportCsv1(iFilename, Options(), progress, aBackground, *view) != ECsvOutcome::Done)
-      return false;
-  }
-  ShowCards();
-  return true;
-}
-
-void CVelumCsvImportOptions::ShowCards() {
-  if (!gStackView) return;
-  gStackView->OpenCardList();
-  gStackView->OpenCardView();
-  gStackView->RefreshViews(true, true);
-  Ref<CVelumCard> card;
-  if (!gStackView->CurCard() && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
-}
-
-void CVelumCsvImportOptions::RememberChoices() const {
-  gOptions.iCsvDetectTypes = iUi->fDetectTypes->isChecked();
-  gOptions.iCsvGuessKey = iUi->fGuessKey->isChecked();
-  gOptions.iCsvTryCardName = iUi->fTryCardName->isChecked();
+  if (index > 0)
+    iTypes.insert(column, index - 1);
+  else
+    iTypes.remove(column);
+  TakeChoice();
 }

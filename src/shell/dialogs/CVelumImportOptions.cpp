@@ -93,6 +93,10 @@ Ref<CVelumControlSet> CVelumImportOptions::Background() const {
   return dynamic_cast<CVelumControlSet*>(iBackgroundBox->SelObj().Get());
 }
 
+void CVelumImportOptions::ForgetTarget() {
+  iUi->fIntoCurStack->setChecked(false);
+}
+
 void CVelumImportOptions::CloseOthers() {
   const QScopedValueRollback busy(iBusy, true);
   CVelumSeams::ChangeNotify(EStackCloses);

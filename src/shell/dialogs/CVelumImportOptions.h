@@ -32,6 +32,8 @@ public:
   [[nodiscard]] bool IntoCurStack() const;
   // Opens the window, with CSV chosen, and goes on as if the user had picked the file.
   static void ShowCsvImport(const QString& aPath);
+  // Takes the tick away: the next import is not to go where this one went.
+  void ForgetTarget();
   // Tells all other windows that the stack is about to close, before an import takes its place.
   void CloseOthers();
   // Says in the main window what was imported.

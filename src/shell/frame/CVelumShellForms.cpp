@@ -3,6 +3,7 @@
 #include "shell/dialogs/CVelumCardEdit.h"
 #include "shell/dialogs/CVelumCsvExportOptions.h"
 #include "shell/dialogs/CVelumCsvImportOptions.h"
+#include "shell/dialogs/CVelumCsvReport.h"
 #include "shell/dialogs/CVelumExportOptions.h"
 #include "shell/dialogs/CVelumImportOptions.h"
 #include "shell/dialogs/CVelumNewStackForm.h"
@@ -20,9 +21,11 @@ template <class T> void Add(const QString& aName) {
 } // namespace
 
 void CVelumShellForms::Register() {
+  CVelumWinMan::RegisterFormName(u"CVelumCsvReport"_s);
   Add<CVelumCardEdit>(u"CVelumCardEdit"_s);
   Add<CVelumCsvExportOptions>(u"CVelumCsvExportOptions"_s);
   Add<CVelumCsvImportOptions>(u"CVelumCsvImportOptions"_s);
+  Add<CVelumCsvReport>(u"CVelumCsvReport"_s);
   Add<CVelumExportOptions>(u"CVelumExportOptions"_s);
   Add<CVelumImportOptions>(u"CVelumImportOptions"_s);
   Add<CVelumNewStackForm>(u"CVelumNewStackForm"_s);

@@ -1,75 +1,26 @@
 #include "shell/dialogs/CVelumCsvImportOptions.h"
 
-#include "core/CVelumMsg.h"
-#include "shell/ShellTest.h"
+#include "shell/CsvFormTest.h"
 #include "shell/dialogs/CVelumImportOptions.h"
 #include "shell/dialogs/CVelumImportProgress.h"
 #include "shell/dialogs/CVelumMsgForm.h"
-#include "shell/dialogs/CVelumOptions.h"
 #include "shell/frame/CVelumShellPresenter.h"
 #include "shell/frame/CVelumSilence.h"
-#include "toolkit/CVelumListWidget.h"
-#include "toolkit/CVelumWinMan.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QGroupBox>
-#include <QLabel>
 #include <QProgressDialog>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTabWidget>
-#include <QTableWidget>
-#include <QTest>
 #include <QTimer>
 
-namespace {
-
-const QString EForm = u"CVelumCsvImportOptions"_s;
-
-class CVelumCsvImportOptionsTest : public ShellTest {
-protected:
-  // Chooses a file in the import window, so that the window of its settings opens.
-  void OpenForm(const QByteArray& aCsv, bool aInto = false) {
-    iPath = iFolder.Write(u"table.csv"_s, aCsv);
-    Choose(u"fImport"_s);
-    QWidget& form = *CVelumWinMan::NameToForm(u"CVelumImportOptions"_s)->Widget();
-    if (form.findChild<QCheckBox*>(u"fIntoCurStack"_s)->isChecked() != aInto)
-      form.findChild<QCheckBox*>(u"fIntoCurStack"_s)->click();
-    form.findChild<QPushButton*>(u"fOkBut"_s)->click();
-    ASSERT_TRUE(IsOpen());
-  }
-  static bool IsOpen() { return CVelumWinMan::FormIsLoaded(EForm); }
-  static bool ImportIsOpen() { return CVelumWinMan::FormIsLoaded(u"CVelumImportOptions"_s); }
-  template <class T> static T& Find(const QString& aName) {
-    return *CVelumWinMan::NameToForm(EForm)->Widget()->findChild<T*>(aName);
-  }
-  static bool Checked(const QString& aName) { return Find<QAbstractButton>(aName).isChecked(); }
-  static void Press(const QString& aName) { Find<QAbstractButton>(aName).click(); }
-  // The titles of the preview, with the types.
-  static QStringList Titles() {
-    auto& box = Find<QTableWidget>(u"fPreviewBox"_s);
-    QStringList titles;
-    for (int i = 0; i < box.columnCount(); ++i) titles.append(box.horizontalHeaderItem(i)->text());
-    return titles;
-  }
-  static QString Cell(int aRow, int aColumn) {
-    const QTableWidgetItem* item = Find<QTableWidget>(u"fPreviewBox"_s).item(aRow, aColumn);
-    return item ? item->text() : u"(none)"_s;
-  }
-};
-
-} // namespace
+using CVelumCsvImportOptionsTest = CsvFormTest;
 
 TEST_F(CVelumCsvImportOptionsTest, ProposesAndShowsTheFirstLines) {
   Start();
-  OpenForm("a\tb\n1\t2\n");
+  OpenClassic("a\tb\n1\t2\n");
   EXPECT_TRUE(Checked(u"fTab"_s));
   EXPECT_TRUE(Checked(u"fLatin1"_s));
   EXPECT_TRUE(Checked(u"fHeaderLine"_s));
   EXPECT_EQ(Find<CVelumListWidget>(u"fLineBox"_s).CellText(0, 0), u"a<tab>b"_s);
   EXPECT_EQ(Find<CVelumListWidget>(u"fLineBox"_s).model()->rowCount(), 2);
-  EXPECT_EQ(CVelumWinMan::NameToForm(EForm)->Widget()->windowTitle(), u"CSV Import Options"_s);
+  EXPECT_EQ(CVelumWinMan::NameToForm(Form())->Widget()->windowTitle(), u"CSV Import Options"_s);
 }
 
 TEST_F(CVelumCsvImportOptionsTest, HasTheCaptionsThatPeopleKnow) {
@@ -108,12 +59,12 @@ TEST_F(CVelumCsvImportOptionsTest, ImportsIntoANewStack) {
 
 TEST_F(CVelumCsvImportOptionsTest, RemembersTheChoicesOfAnImport) {
   Start();
-  OpenForm("b\n1\n");
+  OpenClassic("b\n1\n");
   Press(u"fDetectTypes"_s);
   Press(u"fCancel"_s);
   EXPECT_TRUE(gOptions.iCsvDetectTypes) << "not those of one that was given up";
   EXPECT_TRUE(ImportIsOpen());
-  OpenForm("b\n1\n");
+  OpenClassic("b\n1\n");
   Press(u"fDetectTypes"_s);
   Press(u"fTryCardName"_s);
   Press(u"fHeaderLine"_s);
@@ -121,7 +72,7 @@ TEST_F(CVelumCsvImportOptionsTest, RemembersTheChoicesOfAnImport) {
   EXPECT_FALSE(gOptions.iCsvDetectTypes);
   EXPECT_FALSE(gOptions.iCsvTryCardName);
   EXPECT_TRUE(gOptions.iCsvGuessKey);
-  OpenForm("b\n1\n");
+  OpenClassic("b\n1\n");
   EXPECT_FALSE(Checked(u"fDetectTypes"_s));
   EXPECT_TRUE(Checked(u"fHeaderLine"_s)) << "always proposed";
 }
@@ -160,7 +111,7 @@ TEST_F(CVelumCsvImportOptionsTest, ASaveThatDoesNotSucceedStopsTheImport) {
 
 TEST_F(CVelumCsvImportOptionsTest, TellsOfACellThatIsNeverClosed) {
   Start();
-  OpenForm("a\nB\n\"C\nD\n");
+  OpenClassic("a\nB\n\"C\nD\n");
   Press(u"fImportBut"_s);
   ASSERT_TRUE(gStack);
   EXPECT_EQ(gStack->NumCards(), 1);
@@ -171,7 +122,7 @@ TEST_F(CVelumCsvImportOptionsTest, TellsOfACellThatIsNeverClosed) {
 TEST_F(CVelumCsvImportOptionsTest, AFailureLeavesTheOpenStack) {
   Start(CopyStack(u"a.Orvelle"_s));
   const Ref<CVelumStack> old = gStack;
-  OpenForm("a\n" + QByteArray(40000, 'x') + "\n");
+  OpenClassic("a\n" + QByteArray(40000, 'x') + "\n");
   Press(u"fImportBut"_s);
   EXPECT_EQ(iPresenter.LastMsg(), EMsgSystemError);
   EXPECT_TRUE(iPresenter.LastText().contains(u"line 2"_s));
@@ -197,7 +148,7 @@ TEST_F(CVelumCsvImportOptionsTest, ADelimiterAndACodingHaveToBeChosen) {
     }
   };
   Start();
-  OpenForm("a\n1\n");
+  OpenClassic("a\n1\n");
   none({u"fLatin1"_s, u"fUtf8"_s});
   Press(u"fImportBut"_s);
   EXPECT_TRUE(iPresenter.Shown().value(0).iText.contains(u"fImportBut_Click iCoding"_s));
@@ -214,6 +165,12 @@ TEST_F(CVelumCsvImportOptionsTest, FillsTheChosenBackground) {
   Press(u"fImportBut"_s);
   const Ref<CVelumStack> stack = gStack;
   OpenForm("Name,Size\nCyd,3\n", true);
+  EXPECT_EQ(Find<QLabel>(u"fTarget"_s).text(), u"Replaces the 2 cards of “First Background”."_s);
+  Press(u"fImportBut"_s);
+  EXPECT_EQ(iPresenter.LastMsg(), EMsgDeleteCardsOk);
+  EXPECT_TRUE(iPresenter.LastText().contains(u"2 cards of “First Background”"_s));
+  EXPECT_EQ(gStack->NumCards(), 2) << "the answer was no";
+  iPresenter.Answer(true);
   Press(u"fImportBut"_s);
   EXPECT_EQ(gStack, stack);
   EXPECT_EQ(gStack->NumCards(), 1);
@@ -221,12 +178,46 @@ TEST_F(CVelumCsvImportOptionsTest, FillsTheChosenBackground) {
   EXPECT_FALSE(IsOpen());
 }
 
+TEST_F(CVelumCsvImportOptionsTest, ForgetsTheTickOfAnImport) {
+  Start();
+  OpenForm("Name,Size\nAnna,1\n");
+  Press(u"fImportBut"_s);
+  for (const bool classic : {false, true}) {
+    OpenForm("Name,Size\nCyd,3\n", true);
+    if (classic) Press(u"fClassic"_s);
+    iPresenter.Answer(true);
+    Press(u"fImportBut"_s);
+    EXPECT_FALSE(IsOpen());
+    Choose(u"fImport"_s);
+    EXPECT_FALSE(CVelumWinMan::NameToForm(u"CVelumImportOptions"_s)
+                     ->Widget()
+                     ->findChild<QCheckBox*>(u"fIntoCurStack"_s)
+                     ->isChecked());
+  }
+}
+
+TEST_F(CVelumCsvImportOptionsTest, ReplacesNoCardsByAFileThatAQuoteBreaksOff) {
+  Start();
+  OpenForm("Name,Size\nAnna,1\n");
+  Press(u"fImportBut"_s);
+  OpenClassic("Name,Size\nCyd,3\nDan,\"4\n", true);
+  iPresenter.Answer(true);
+  Press(u"fImportBut"_s);
+  EXPECT_EQ(CardName(), u"Anna"_s);
+  EXPECT_TRUE(Find<QPlainTextEdit>(u"fFaults"_s)
+                  .toPlainText()
+                  .contains(u"line 3, column 2: a quote that is never closed"_s));
+  EXPECT_FALSE(Find<QPushButton>(u"fImportBut"_s).isEnabled());
+  Press(u"fDrop"_s);
+  iPresenter.Answer(true);
+  Press(u"fImportBut"_s);
+  EXPECT_EQ(CardName(), u"Cyd"_s);
+}
+
 TEST_F(CVelumCsvImportOptionsTest, PreviewsWhatWillComeIn) {
   Start();
-  OpenForm("Zip,Day\n007,1/2/2003\n8,\"\"\n9\n");
-  EXPECT_TRUE(Titles().isEmpty()) << "not before it is looked at";
-  Find<QTabWidget>(u"fTabs"_s).setCurrentIndex(1);
-  EXPECT_EQ(Titles(), QStringList({u"Zip\nInteger"_s, u"Day\nInteger"_s}));
+  OpenClassic("Zip,Day\n007,1/2/2003\n8,\"\"\n9\n");
+  EXPECT_EQ(Titles(), QStringList({u"Zip\nInteger\n1 change"_s, u"Day\nInteger\n2 change"_s}));
   EXPECT_EQ(Cell(0, 0), u"7"_s);
   EXPECT_EQ(Cell(2, 1), u"(none)"_s);
   Press(u"fHeaderLine"_s);
@@ -236,8 +227,7 @@ TEST_F(CVelumCsvImportOptionsTest, PreviewsWhatWillComeIn) {
 
 TEST_F(CVelumCsvImportOptionsTest, ThePreviewTakesTypesOfTheUser) {
   Start();
-  OpenForm("Zip,Size\n007,1\n008,2\n");
-  Find<QTabWidget>(u"fTabs"_s).setCurrentIndex(1);
+  OpenClassic("Zip,Size\n007,1\n008,2\n");
   Find<QTableWidget>(u"fPreviewBox"_s).setCurrentCell(0, 0);
   auto& type = Find<QComboBox>(u"fColumnType"_s);
   EXPECT_EQ(type.currentIndex(), 0);
@@ -252,17 +242,15 @@ TEST_F(CVelumCsvImportOptionsTest, ThePreviewTakesTypesOfTheUser) {
   EXPECT_EQ(CardName(), u"007"_s);
 }
 
-TEST_F(CVelumCsvImportOptionsTest, ThePreviewShowsFiftyRows) {
+TEST_F(CVelumCsvImportOptionsTest, ThePreviewShowsAHundredRows) {
   Start();
-  OpenForm("a\n" + QByteArray("1\n").repeated(100));
-  Find<QTabWidget>(u"fTabs"_s).setCurrentIndex(1);
-  EXPECT_EQ(Find<QTableWidget>(u"fPreviewBox"_s).rowCount(), 50);
+  OpenClassic("a\n" + QByteArray("1\n").repeated(200));
+  EXPECT_EQ(Find<QTableWidget>(u"fPreviewBox"_s).rowCount(), 100);
 }
 
 TEST_F(CVelumCsvImportOptionsTest, AFileThatCannotBeReadIsToldInThePreview) {
   Start();
-  OpenForm("a\n" + QByteArray(40000, 'x') + "\n");
-  Find<QTabWidget>(u"fTabs"_s).setCurrentIndex(1);
+  OpenClassic("a\n" + QByteArray(40000, 'x') + "\n");
   EXPECT_TRUE(Find<QLabel>(u"fPreviewNote"_s).text().contains(u"line 2"_s));
   EXPECT_EQ(iPresenter.Count(), 0);
 }
@@ -305,7 +293,7 @@ TEST_F(CVelumCsvImportOptionsTest, WorkWithoutAKnownEndIsShownAndCanBeCancelled)
 
 TEST_F(CVelumCsvImportOptionsTest, ShowsNoMoreOfALineThanARowCanHold) {
   Start();
-  OpenForm(QByteArray(1 << 20, 'x'));
+  OpenClassic(QByteArray(1 << 20, 'x'));
   EXPECT_EQ(Find<CVelumListWidget>(u"fLineBox"_s).CellText(0, 0).size(), 32766);
   Press(u"fImportBut"_s);
   EXPECT_EQ(iPresenter.LastMsg(), EMsgSystemError);
@@ -313,15 +301,29 @@ TEST_F(CVelumCsvImportOptionsTest, ShowsNoMoreOfALineThanARowCanHold) {
 
 TEST_F(CVelumCsvImportOptionsTest, ThePreviewReadsRealsOfTheUserByTheirSeparator) {
   Start();
-  OpenForm("a;b\n1,5;1,234\nABC;5,678\n");
-  Find<QTabWidget>(u"fTabs"_s).setCurrentIndex(1);
-  EXPECT_EQ(Titles(), QStringList({u"a\nText"_s, u"b\nInteger"_s}));
+  OpenClassic("a;b\n1,5;1,234\nABC;5,678\n");
+  EXPECT_EQ(Titles(), QStringList({u"a\nText"_s, u"b\nInteger\n2 change"_s}));
   for (const int column : {0, 1}) {
     Find<QTableWidget>(u"fPreviewBox"_s).setCurrentCell(0, column);
     Find<QComboBox>(u"fColumnType"_s).setCurrentIndex(3);
   }
   EXPECT_EQ(Cell(0, 0), u"1.5"_s);
   EXPECT_EQ(Cell(0, 1), u"1.234"_s);
+}
+
+TEST_F(CVelumCsvImportOptionsTest, MarksInTheClassicWayToo) {
+  Start();
+  OpenClassic("Zip,Size\n01234,1\n56789,2\n00001,3\n");
+  EXPECT_EQ(Titles(), QStringList({u"Zip\nInteger\n2 change"_s, u"Size\nInteger"_s}));
+  auto& box = Find<QTableWidget>(u"fPreviewBox"_s);
+  EXPECT_TRUE(box.item(0, 0)->font().bold());
+  EXPECT_FALSE(box.item(1, 0)->font().bold());
+  EXPECT_TRUE(box.item(2, 0)->font().bold());
+  EXPECT_FALSE(box.item(0, 1)->font().bold());
+  Press(u"fImportBut"_s);
+  const QString report = ReportText();
+  EXPECT_TRUE(report.contains(u"2 cells show another text than the file"_s)) << report.toStdString();
+  EXPECT_TRUE(ReportForm().findChild<QPushButton*>(u"fShowCells"_s)->isVisible());
 }
 
 TEST_F(CVelumCsvImportOptionsTest, MessagesOfManyLinesCanBeSilenced) {

@@ -61,7 +61,7 @@ TEST_F(CVelumMainTest, ShowsTheMainWindowWithoutStack) {
   EXPECT_FALSE(gFrame->isModal());
   EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
   EXPECT_FALSE(gStack);
-  EXPECT_EQ(CVelumWinMan::FormCount(), 24);
+  EXPECT_EQ(CVelumWinMan::FormCount(), 25);
   EXPECT_EQ(CVelumWinMan::NameToForm(u"CVelumFrame"_s), gFrame);
   EXPECT_EQ(iPresenter.Count(), 0);
 }
