@@ -27,7 +27,7 @@ const QList<TVelumOption>& CVelumCliHelp::GlobalOptions() {
       {u"yes"_s, {}, u"answer every question with yes"_s},
       {u"no"_s, {}, u"answer every question with no (this is the default)"_s},
       {u"json"_s, {}, u"print facts as JSON"_s},
-      {u"help"_s, {}, u"print help; behind a command its help"_s, u"h"_s},
+      {u"help"_s, {}, u"print help; after a command, help on that command"_s, u"h"_s},
       {u"version"_s, {}, u"print the version"_s, u"V"_s},
   };
   return options;

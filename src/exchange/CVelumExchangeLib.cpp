@@ -13,7 +13,7 @@
 namespace {
 
 constexpr int ESampleSide = 200;               // pixels
-const QString gSampleType = u"picture/jpeg"_s; // unlike the types of pictures; it is to stay so
+const QString gSampleType = u"picture/jpeg"_s; // not image/jpeg, and must stay so: it is what files hold
 // The largest block that a stack file can hold.
 constexpr qint64 EMaxBytes = 10'000'000;
 

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Of an adapted text, and below which black is given up for white.
+// Contrast that adjusted text must reach; below the second, black text becomes white.
 constexpr double EGoodContrast = 4.5;
 constexpr double EMinContrast = 3.0;
 // The plain grey that Qt's styles are drawn for.

@@ -27,8 +27,7 @@ qint64 ToPos(qint64 aPos) {
   return aPos < 0 ? static_cast<quint32>(aPos) : aPos;
 }
 
-// A mark that does not stand in front of the file is a character like others.
-// Into the memory that aText has.
+// Decodes into aText, reusing its memory. A BOM elsewhere than at the start is kept as a character.
 void DecodeUtf8(QByteArrayView aBytes, QString& aText) {
   const auto* bytes = reinterpret_cast<const quint8*>(aBytes.data());
   const quint8 bits = std::accumulate(bytes, bytes + aBytes.size(), quint8{0}, std::bit_or<quint8>());

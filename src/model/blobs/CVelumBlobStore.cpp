@@ -252,7 +252,7 @@ void CVelumBlobStore::DeleteBlob(qint32 aId) {
   qint32 originalId = ReadBlob(aId, true)->OriginalId();
   Ref<CVelumBlob> blob = Cached(aId);
   if (blob) {
-    // Asked before anything is changed: on a no the tables must still agree.
+    // Asked before anything is changed: if the user answers no, both tables must still match.
     CVelumError::AssertObj(blob->RefCount() == 0, this, u"DeleteBlob"_s, u"refCount"_s);
     CVelumError::AssertObj(blob->DynRefCount() == 1, this, u"DeleteBlob"_s, u"dynRefCount"_s);
   }

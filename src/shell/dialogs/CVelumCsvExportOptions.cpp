@@ -108,7 +108,7 @@ void CVelumCsvExportOptions::Export() {
   if (!leftOut.isEmpty())
     CVelumSeams::Presenter().Tell(
         tr("Left out, as they have no text of their own: %1").arg(leftOut.join(u", "_s)));
-  // What the count that was broken off did not come to.
+  // The early count was cut short, so report the characters lost now.
   if (lacking > 0 && iUi->fLacking->isHidden())
     CVelumSeams::Presenter().Tell(
         tr("%1 characters are not in Latin-1 / Windows and became “?”.").arg(QLocale().toString(lacking)));
