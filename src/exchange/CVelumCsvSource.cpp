@@ -138,9 +138,7 @@ void CVelumCsvSource::EndReading() {
 }
 
 void CVelumCsvSource::RaiseChanged() const {
-  CVelumError::RaiseHost(
-      EHostDeviceIo,
-      u"%1, line %2: the file has changed while it was read"_s.arg(iFilename).arg(CountLines(iBytes) + 1));
+  CVelumImportLimits::RaiseChanged(iFilename, CountLines(iBytes) + 1);
 }
 
 // What is left of a character at the end of a part does not count.

@@ -18,6 +18,12 @@ inline constexpr qsizetype EMaxText = 15000;
   CVelumError::RaiseHost(EHostOverflow, aWhich + u"has more than 15,000 characters."_s);
 }
 
+// Host error 57 for a file that another program writes to meanwhile.
+[[noreturn]] inline void RaiseChanged(const QString& aPath, qint64 aLine) {
+  CVelumError::RaiseHost(EHostDeviceIo,
+                         u"%1, line %2: the file has changed while it was read"_s.arg(aPath).arg(aLine));
+}
+
 // Raises host error 70 for what is there but no file: a pipe would be waited for without an end, and can only
 // be read once. A folder, or nothing, is for the opening to refuse.
 inline void CheckIsFile(const QString& aPath) {

@@ -63,6 +63,8 @@ ECsvOutcome CImport::Read(bool aReplaces) {
   const bool done = iRows.Read(file, size, EReadEnd, iWatch, iOptions.iMaxRows);
   file.CloseFile();
   if (!done) return ECsvOutcome::Cancelled;
+  if (QFileInfo(iFilename).size() != size)
+    CVelumImportLimits::RaiseChanged(iFilename, iRows.NumRows() > 0 ? iRows.Line(iRows.NumRows() - 1) : 1);
   ReportRows();
   if (aReplaces && iRows.UnclosedLine() > 0 && !iOptions.iDrop) return ECsvOutcome::Faulty;
   if (iRows.UnclosedLine() > 0) iWatch.Unclosed(iRows.UnclosedLine());
