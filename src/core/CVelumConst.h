@@ -1,14 +1,14 @@
 // Values that stand for "not set", and the tags of values.
 #pragma once
 
+#include "core/CVelumLimits.h"
+
 #include <QtGlobal>
 
 // The unset value of every 32-bit id, key, index and colour.
 inline constexpr qint32 ENoInt = 1999999999;
 // The unset value of every 16-bit field.
 inline constexpr qint16 ENoShort = 31999;
-// Characters of the longest text that a document can hold.
-inline constexpr qsizetype EMaxStoredText = 15000;
 // 1 January 1980, the program's no-date, in days since 30 December 1899.
 inline constexpr double ENoDate = 29221.0;
 

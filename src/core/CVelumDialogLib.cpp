@@ -1,6 +1,8 @@
 #include "core/CVelumDialogLib.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLib.h"
+#include "core/CVelumLimits.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
@@ -10,18 +12,9 @@ namespace {
 
 qint16 gWaitCount = 0;
 
-QString TrimBlanks(const QString& aText) {
-  qsizetype start = 0;
-  qsizetype end = aText.size();
-  while (start < end && aText.at(start) == u' ') ++start;
-  while (end > start && aText.at(end - 1) == u' ') --end;
-  return aText.sliced(start, end - start);
-}
-
 // A text longer than a line of the scanner is no number either.
 bool IsShortNumber(const QString& aText) {
-  constexpr qsizetype maxLine = 32766;
-  return aText.size() <= maxLine && CVelumScanner().IsShortNumberStr(aText);
+  return aText.size() <= EMaxScanLine && CVelumScanner().IsShortNumberStr(aText);
 }
 
 } // namespace
@@ -41,14 +34,14 @@ int CVelumDialogLib::WaitCount() {
 }
 
 void CVelumDialogLib::CheckNotEmpty(const QString& aFieldName, const QString& aText, bool& aBad) {
-  if (!TrimBlanks(aText).isEmpty()) return;
+  if (!CVelumLib::TrimBlanks(aText).isEmpty()) return;
   CVelumMsg::Show(EMsgEmptyField, EMsgCritical, aFieldName);
   aBad = true;
 }
 
 void CVelumDialogLib::CheckInt(const QString& aFieldName, const QString& aText, bool aEmptyOk, bool& aBad,
                                qint16 aMin, qint16 aMax) {
-  const QString text = TrimBlanks(aText);
+  const QString text = CVelumLib::TrimBlanks(aText).toString();
   if (text.isEmpty()) {
     if (!aEmptyOk) CheckNotEmpty(aFieldName, text, aBad);
     return;

@@ -148,6 +148,12 @@ bool CVelumLib::IsNotBlank(QStringView aText) {
   return !IsBlank(aText);
 }
 
+QStringView CVelumLib::TrimBlanks(QStringView aText) {
+  while (aText.startsWith(u' ')) aText = aText.sliced(1);
+  while (aText.endsWith(u' ')) aText.chop(1);
+  return aText;
+}
+
 QString CVelumLib::ToCrLf(const QString& aText) {
   QString text;
   text.reserve(aText.size());
@@ -230,9 +236,12 @@ QString CVelumLib::FromUtf8(const QString& aBytes) {
 
 QString CVelumLib::FromCodePage(const QByteArray& aBytes) {
   QString text = QString::fromLatin1(aBytes);
-  for (QChar& c : text)
-    if (c.unicode() >= 128 && c.unicode() < 160) c = QChar(ECodePage[c.unicode() - 128U]);
+  for (QChar& c : text) c = QChar(FromCodePage(c.unicode()));
   return text;
+}
+
+char16_t CVelumLib::FromCodePage(char16_t aCode) {
+  return aCode >= 128 && aCode < 160 ? ECodePage[aCode - 128U] : aCode;
 }
 
 QByteArray CVelumLib::ToCodePage(const QString& aText, int* aLacking) {

@@ -30,6 +30,8 @@ void SplitCommaList(const QString& aText, QList<QString>& aArray);
 // Whether the text holds only blanks; the empty text does.
 [[nodiscard]] bool IsBlank(QStringView aText);
 [[nodiscard]] bool IsNotBlank(QStringView aText);
+// aText without blanks at both ends; other white space stays. A view of aText.
+[[nodiscard]] QStringView TrimBlanks(QStringView aText);
 // All line ends (CR, LF, CR LF) as CR LF, the form in which texts are stored.
 [[nodiscard]] QString ToCrLf(const QString& aText);
 // aText with each letter in upper case by itself; a letter whose capital is longer stays as it is.
@@ -58,6 +60,8 @@ void Dec(qint16& aNum);
 [[nodiscard]] QString FromUtf8(const QString& aBytes);
 // Bytes to characters by the code page 1252 and back ("?" for a character it lacks; the count of those).
 [[nodiscard]] QString FromCodePage(const QByteArray& aBytes);
+// The character of a code of 0 to 255 in the code page 1252; other codes are taken for characters.
+[[nodiscard]] char16_t FromCodePage(char16_t aCode);
 [[nodiscard]] QByteArray ToCodePage(const QString& aText, int* aLacking = nullptr);
 
 [[nodiscard]] bool FileExists(const QString& aPath);

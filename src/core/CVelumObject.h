@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <type_traits>
 #include <utility>
 
 // Literals u"..."_s are used everywhere.
@@ -65,7 +66,9 @@ public:
   }
   Ref(const Ref& aOther) : Ref(aOther.iObj) {}
   Ref(Ref&& aOther) noexcept : iObj(std::exchange(aOther.iObj, nullptr)) {}
-  template <class U> Ref(const Ref<U>& aOther) : Ref(static_cast<T*>(aOther.Get())) {}
+  // Only to a base: an object is not taken for more than it is known to be.
+  template <class U>
+  requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& aOther) : Ref(static_cast<T*>(aOther.Get())) {}
   ~Ref() {
     if (iObj) iObj->DropRef();
   }

@@ -32,7 +32,21 @@ public:
   virtual void ScriptProgress(int aSteps) { static_cast<void>(aSteps); }
 };
 
-// Takes the change notifications of the model (kinds 0 to 9).
+// The kinds of change that ChangeNotify tells of, and what its two objects are (nothing where none is named).
+enum EChange : int {
+  EChangeStack = 0,          // a stack was opened or has a new name
+  EChangeStructure = 1,      // backgrounds, controls or properties of the stack
+  EChangeValues = 2,         // values of fields, across cards
+  EChangeCards = 3,          // cards came, went or have other settings
+  EChangeSortKeys = 4,       // the list of sort keys
+  EChangeOrder = 5,          // the order of the cards
+  EChangeBackgroundGoes = 6, // a background, the first object, is about to be deleted
+  EChangeStackCloses = 7,    // the stack is about to close: windows that show it go
+  EChangeStackClosed = 8,    // no stack is open
+  EChangeCardGoes = 9,       // a card, the second object, is about to be deleted
+};
+
+// Takes the change notifications of the model; aKind is an EChange.
 class CVelumChangeSink {
 public:
   virtual ~CVelumChangeSink() = default;
@@ -86,7 +100,7 @@ namespace CVelumSeams {
 void SetPresenter(CVelumPresenter* aPresenter);
 [[nodiscard]] CVelumEventPump& EventPump();
 void SetEventPump(CVelumEventPump* aPump);
-// Tells the installed change sink, if any.
+// Tells the installed change sink, if any; aKind is an EChange.
 void ChangeNotify(int aKind, CVelumObject* aObj1 = nullptr, CVelumObject* aObj2 = nullptr);
 void SetChangeSink(CVelumChangeSink* aSink);
 [[nodiscard]] const TVelumMetrics& Metrics();

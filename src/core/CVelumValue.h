@@ -39,7 +39,8 @@ void Copy(const TVelumValue& aFrom, TVelumValue& aTo);
 [[nodiscard]] QString TypeStr(int aType);
 
 // The lenient left-to-right numeric scan: blanks in front skipped, point as separator, optional exponent;
-// stops at the first character that cannot continue a number, a blank too; 0 when there is none, host error 6 when it is too large.
+// stops at the first character that cannot continue a number, a blank too; 0 when there is none, host error 6
+// when it is too large.
 [[nodiscard]] double LenientNum(QStringView aText);
 // Rounded to the nearest whole number, a half to the even neighbour; host error 6 beyond 32 bits.
 [[nodiscard]] qint32 RoundToInt(double aReal);

@@ -1,16 +1,12 @@
 #include "exchange/CVelumCsvCards.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "exchange/CVelumCsvLoss.h"
+#include "exchange/CVelumStep.h"
 
 #include <cstring>
-
-namespace {
-
-constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
-
-} // namespace
 
 CVelumCsvCards::CVelumCsvCards(const CVelumCsvRows& aRows, const TCsvColumns* aColumns,
                                const Ref<CVelumControlSet>& aBackground, bool aFirstNames)
@@ -38,7 +34,7 @@ TVelumValue CVelumCsvCards::GeneralValue(QStringView aText, const CVelumControl&
 
 TVelumValue CVelumCsvCards::ValueOf(QStringView aItem, const CVelumControl& aControl,
                                     const TCsvColumn* aColumn) {
-  const QStringView text = CVelumImports::TrimBlanks(aItem);
+  const QStringView text = CVelumLib::TrimBlanks(aItem);
   qint32 whole = 0;
   double real = 0.0;
   bool boolean = false;

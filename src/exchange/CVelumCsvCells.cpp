@@ -1,6 +1,7 @@
 #include "exchange/CVelumCsvCells.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLib.h"
 #include "core/text/CVelumDecimal.h"
 #include "core/text/CVelumLocale.h"
 
@@ -90,12 +91,6 @@ void CountMoment(QStringView aText, TColStats& aStats) {
 
 } // namespace
 
-QStringView CVelumImports::TrimBlanks(QStringView aText) {
-  while (aText.startsWith(u' ')) aText = aText.sliced(1);
-  while (aText.endsWith(u' ')) aText.chop(1);
-  return aText;
-}
-
 bool CVelumImports::CsvToBoolean(QStringView aText, bool& aValue) {
   if (aText.isEmpty() || aText.size() > EMaxWord) return false;
   // Nearly all texts are turned away by their first letter, which no other one has as its capital.
@@ -136,7 +131,7 @@ void CVelumImports::ClearColStats(TColStats& aStats) {
 }
 
 void CVelumImports::ScanCell(QStringView aText, TColStats& aStats) {
-  const QStringView text = TrimBlanks(aText);
+  const QStringView text = CVelumLib::TrimBlanks(aText);
   if (text.isEmpty()) {
     ++aStats.iEmpty;
     return;

@@ -21,8 +21,6 @@ struct TColStats {
 
 namespace CVelumImports {
 
-// aText without blanks (only these) at both ends.
-[[nodiscard]] QStringView TrimBlanks(QStringView aText);
 // The following readings return whether aText, which has been trimmed, is a value of the kind; aValue is left
 // alone if not.
 // "TRUE", "T", "YES", "Y" and "FALSE", "F", "NO", "N" in any case.

@@ -1,13 +1,14 @@
 #include "exchange/CVelumCsvColumns.h"
 
 #include "core/CVelumConst.h"
+#include "core/CVelumLib.h"
+#include "exchange/CVelumStep.h"
 
 namespace {
 
 using TStats = std::array<TColStats, CVelumCsvRows::EMaxItems + 1>;
 
-constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
-constexpr qint32 EGroup = 3;        // digits behind a thousands separator
+constexpr qint32 EGroup = 3; // digits behind a thousands separator
 
 // A separator with exactly three characters behind it throughout parts thousands, any other decimals.
 qint32 NumberType(const TColStats& aStats) {
@@ -47,7 +48,7 @@ bool ForDataRows(const CVelumCsvRows& aRows, bool aHeaderLine, int aFrom, int aT
 } // namespace
 
 bool CVelumImports::FitsColumn(QStringView aItem, const TCsvColumn& aColumn) {
-  const QStringView text = TrimBlanks(aItem);
+  const QStringView text = CVelumLib::TrimBlanks(aItem);
   qint32 whole = 0;
   double real = 0.0;
   if (text.isEmpty()) return true;

@@ -4,14 +4,14 @@
 #include "core/CVelumValue.h"
 #include "core/text/CVelumCollation.h"
 #include "exchange/CVelumCsvText.h"
+#include "exchange/CVelumStep.h"
 
 #include <algorithm>
 #include <functional>
 
 namespace {
 
-constexpr qint64 ERecordsAStep = 2048; // between two reports of the progress
-constexpr size_t EMaxCached = 64;      // bytes of a text that others may repeat
+constexpr size_t EMaxCached = 64; // bytes of a text that others may repeat
 
 bool IsText(qint32 aType) {
   return aType == EConText || aType == EConList;
@@ -145,7 +145,7 @@ bool CVelumCsvMaker::Make(int aFrom, int aTo, CVelumImportWatch& aWatch, CVelumN
   const double all = static_cast<double>(iInput.iText.size()) + 1;
   for (qint64 record = 0; table.Next(); ++record) {
     aCards.Append(CardOf(table, record + iInput.iFirstNumber));
-    if (record % ERecordsAStep != 0) continue;
+    if (record % ERowsAStep != 0) continue;
     const double done = static_cast<double>(table.Pos()) / all * (aTo - aFrom);
     if (!aWatch.Progress(aFrom + static_cast<int>(done))) return false;
   }

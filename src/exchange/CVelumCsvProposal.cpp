@@ -1,5 +1,6 @@
 #include "exchange/CVelumCsvProposal.h"
 
+#include "core/CVelumLimits.h"
 #include "exchange/CVelumCsvRows.h"
 #include "exchange/CVelumImportLimits.h"
 
@@ -76,7 +77,7 @@ TCsvProposal CVelumImports::ProposeCsv(const QString& aFilename, bool aWholeFile
   proposal.iLooksUtf8 = aWholeFile && proposal.iCoding == ECodLatin1 && LooksUtf8(aFilename);
   if (qint32 coding = ECodUtf8; proposal.iLooksUtf8) lines = FirstLines(aFilename, coding);
   for (QString& line : lines) {
-    line.truncate(CVelumCsvRows::EMaxLineLen);
+    line.truncate(EMaxScanLine);
     line.replace(u'\t', u"<tab>"_s);
   }
   proposal.iLines = lines;

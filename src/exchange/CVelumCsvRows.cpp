@@ -1,6 +1,8 @@
 #include "exchange/CVelumCsvRows.h"
 
+#include "core/CVelumLimits.h"
 #include "exchange/CVelumImportLimits.h"
+#include "exchange/CVelumStep.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,7 +13,6 @@ constexpr QChar EEolMarker(1);
 constexpr QChar EQuote(u'"');
 constexpr qsizetype EFirstBlock = 1 << 14; // in characters
 constexpr qsizetype EMaxBlock = 1 << 20;
-constexpr qint32 ERowsAStep = 2048; // between two reports of the progress
 // Rows after which the size of the file says how many there will be.
 constexpr qint32 ESampleRows = 1000;
 
@@ -51,11 +52,11 @@ bool CVelumCsvRows::ReadLine(QString& aLine, qsizetype aFrom) {
   if (!iFile->ReadLine(aLine)) return false;
   ++iLineNum;
   iCharsRead += aLine.size() + 1;
-  if (aLine.size() > EMaxLineLen)
+  if (aLine.size() > EMaxScanLine)
     CVelumError::RaiseHost(EHostOverflow, u"%1: the line has %2 characters, at most %3 can be read"_s
                                               .arg(Place(*iFile, iLineNum))
                                               .arg(aLine.size())
-                                              .arg(EMaxLineLen));
+                                              .arg(EMaxScanLine));
   if (const qsizetype marker = aLine.indexOf(EEolMarker, aFrom); marker >= 0) aLine.truncate(marker);
   return true;
 }
@@ -134,7 +135,7 @@ bool CVelumCsvRows::ReadRow(CVelumImportWatch& aWatch) {
 // What could not be read back from a stack file is refused before it gets into one.
 void CVelumCsvRows::CheckItems() const {
   for (size_t i = 0; i < iItems.size(); ++i)
-    if (iItems[i].iLen > CVelumImportLimits::EMaxText)
+    if (iItems[i].iLen > EMaxStoredText)
       CVelumImportLimits::RaiseTooLong(u"%1, item %2: it "_s.arg(Place(*iFile, iRowLine)).arg(i + 1));
 }
 

@@ -15,8 +15,6 @@
 class CVelumCsvRows {
 public:
   static constexpr int EMaxItems = 20;
-  // The longest line, as for all texts that are scanned.
-  static constexpr qsizetype EMaxLineLen = 32766;
 
   // aDelim is neither a blank nor a quote.
   explicit CVelumCsvRows(QChar aDelim) : iDelim(aDelim) {}

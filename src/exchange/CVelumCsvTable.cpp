@@ -1,5 +1,6 @@
 #include "exchange/CVelumCsvTable.h"
 
+#include "core/CVelumLimits.h"
 #include "exchange/CVelumImportLimits.h"
 
 #include <algorithm>
@@ -78,7 +79,7 @@ void CVelumCsvTable::CheckRecord() {
 
 // Counts without making the text, which may be as long as the file.
 bool CVelumCsvTable::IsTooLong(const TCsvCell& aCell) {
-  constexpr size_t most = CVelumImportLimits::EMaxText;
+  constexpr size_t most = EMaxStoredText;
   const std::string_view raw = aCell.iRaw;
   if (raw.size() <= most) return false;
   if (raw.size() > EBeyondMeasure) return true;
@@ -105,7 +106,7 @@ std::string_view CVelumCsvTable::CleanText(int aIndex) {
 
 std::string_view CVelumCsvTable::Cell(int aIndex) {
   const TCsvCell& cell = iReader.Cells()[static_cast<size_t>(aIndex)];
-  const bool simple = !cell.iDoubled && !iHasZero && cell.iRaw.size() <= CVelumImportLimits::EMaxText;
+  const bool simple = !cell.iDoubled && !iHasZero && cell.iRaw.size() <= EMaxStoredText;
   if (simple) return cell.iRaw;
   return IsTooLong(cell) ? std::string_view() : CleanText(aIndex);
 }

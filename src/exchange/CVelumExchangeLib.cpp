@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumDialogLib.h"
+#include "core/CVelumLimits.h"
 #include "core/CVelumMsg.h"
 #include "core/text/CVelumDays.h"
 #include "exchange/CVelumPicture.h"
@@ -14,8 +15,6 @@ namespace {
 
 constexpr int ESampleSide = 200;               // pixels
 const QString gSampleType = u"picture/jpeg"_s; // not image/jpeg, and must stay so: it is what files hold
-// The largest block that a stack file can hold.
-constexpr qint64 EMaxBytes = 10'000'000;
 
 // What is found out about a picture before the stack is touched.
 struct TDecoded {
@@ -68,9 +67,10 @@ void TakeDecoded(CVelumStack& aStack, CVelumBlob& aPicture, const TDecoded& aDec
 }
 
 void CheckLength(qint64 aBytes) {
-  if (aBytes > EMaxBytes)
+  if (aBytes > EMaxStoredBlock)
     CVelumError::RaiseHost(
-        EHostOverflow, u"the picture has %1 bytes; at most %2 can be stored"_s.arg(aBytes).arg(EMaxBytes));
+        EHostOverflow,
+        u"the picture has %1 bytes; at most %2 can be stored"_s.arg(aBytes).arg(EMaxStoredBlock));
 }
 
 CVelumLib::TPicSource ReadSource(const QString& aFilename) {

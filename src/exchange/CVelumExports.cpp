@@ -8,8 +8,8 @@
 
 #include <vector>
 
-QString gQuote;
-QString gQuoteQuote;
+const QString gQuote = u"\""_s;
+const QString gQuoteQuote = u"\"\""_s;
 
 namespace {
 
@@ -160,10 +160,7 @@ bool WriteContent(const QString& aPath, const CVelumStack& aStack, const TVelumS
 
 } // namespace
 
-void CVelumExports::InitExports() {
-  gQuote = u"\""_s;
-  gQuoteQuote = u"\"\""_s;
-}
+void CVelumExports::InitExports() {}
 
 QString CVelumExports::CsvQuote(const QString& aStr) {
   QString cell;

@@ -6,8 +6,8 @@
 #include "model/CVelumStack.h"
 
 // One and two double quote characters.
-extern QString gQuote;
-extern QString gQuoteQuote;
+extern const QString gQuote;
+extern const QString gQuoteQuote;
 
 // What a CSV file looks like.
 struct TVelumCsvForm {
@@ -17,7 +17,7 @@ struct TVelumCsvForm {
 
 namespace CVelumExports {
 
-// A step of the start: sets gQuote and gQuoteQuote. Safe to call again.
+// A step of the start, with nothing to do: gQuote and gQuoteQuote are constants.
 void InitExports();
 
 // The text of a cell: in quotes, with quotes doubled and each line end (CR LF) as "&eol;".

@@ -2,16 +2,14 @@
 #pragma once
 
 #include "core/CVelumError.h"
+#include "core/CVelumLimits.h"
 
 #include <QFileInfo>
 
 namespace CVelumImportLimits {
 
-// A stack file holds texts of up to so many characters.
-inline constexpr qsizetype EMaxText = 15000;
-
 [[nodiscard]] inline bool Fits(const QString& aText) {
-  return aText.size() <= EMaxText;
+  return aText.size() <= EMaxStoredText;
 }
 // Host error 6; aWhich ends in a blank and names the text.
 [[noreturn]] inline void RaiseTooLong(const QString& aWhich) {

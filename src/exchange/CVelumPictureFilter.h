@@ -18,7 +18,8 @@ struct TJpeg {
 // the frame, the tables, the scans, and the JFIF and Adobe segments that tell the colours.
 [[nodiscard]] TJpeg Jpeg(const QByteArray& aBytes);
 
-// The critical chunks and those that decide over colours, but no gamma. What follows a chunk that is cut off is dropped.
+// The critical chunks and those that decide over colours, but no gamma. What follows a chunk that is cut off
+// is dropped.
 [[nodiscard]] QByteArray Png(const QByteArray& aBytes);
 
 // The picture behind the 40-byte header that the library reads: longer ones, which many programs write, lose

@@ -266,7 +266,6 @@ private:
   qint32 iLastChangedIn =
       ENoInt; // the last changed card is the last one of this background; ENoInt: iChangeInfo
   qint32 iOrderCorrections = 0;
-  static constexpr int ECardsMoved = 5; // kind of ChangeNotify
   static constexpr qint32 EBulkOff = std::numeric_limits<qint32>::max();
   qint32 iBulkStart = EBulkOff; // id of the first card added in bulk mode
   int iListUpdates = 0;

@@ -61,8 +61,8 @@ void SetOwnText(CVelumCard& aCard, qint32 aControlId, const QString& aText, bool
 } // namespace
 
 QString CVelumListCut::CutText(const QString& aList) {
-  if (aList.size() <= EMaxLen) return aList;
-  qsizetype end = aList.lastIndexOf(ELineEnd, EMaxLen - ELineEnd.size());
+  if (aList.size() <= EMaxStoredText) return aList;
+  qsizetype end = aList.lastIndexOf(ELineEnd, EMaxStoredText - ELineEnd.size());
   return end < 0 ? ELineEnd : aList.left(end + ELineEnd.size());
 }
 
@@ -76,14 +76,14 @@ CVelumListCut::CVelumListCut(CVelumStack& aStack) {
 
 void CVelumListCut::CutDefault(CVelumControl& aControl) {
   QString text = aControl.DefaultVal();
-  if (text.size() <= EMaxLen) return;
+  if (text.size() <= EMaxStoredText) return;
   iDefaults.append({Ref<CVelumControl>(&aControl), text, aControl.Changed()});
   aControl.SetDefaultVal(CutText(text));
 }
 
 void CVelumListCut::CutValue(CVelumCard& aCard, qint32 aControlId) {
   QString text = OwnText(aCard, aControlId);
-  if (text.size() <= EMaxLen) return;
+  if (text.size() <= EMaxStoredText) return;
   bool changed = aCard.Value().OwnChanged();
   iValues.append({Ref<CVelumCard>(&aCard), aControlId, text, changed});
   SetOwnText(aCard, aControlId, CutText(text), changed);

@@ -10,16 +10,14 @@
 // tells a reader that there is more. The list is whole again once it has been computed anew.
 class CVelumListCut {
 public:
-  // The longest text that can be read back, in characters.
-  static constexpr qsizetype EMaxLen = 15000;
-
   // Shortens all computed lists of aStack that are too long, for as long as this object lives.
   explicit CVelumListCut(CVelumStack& aStack);
   ~CVelumListCut();
   CVelumListCut(const CVelumListCut&) = delete;
   CVelumListCut& operator=(const CVelumListCut&) = delete;
 
-  // aList up to its last line end within EMaxLen characters; a line end alone when the first line is longer.
+  // aList up to its last line end within EMaxStoredText characters; a line end alone when the first line is
+  // longer.
   [[nodiscard]] static QString CutText(const QString& aList);
   // After a load: has the cut lists of aStack computed anew when they are next read.
   static void MarkCutLists(CVelumStack& aStack);

@@ -1,10 +1,9 @@
 #include "persist/CVelumSaveCheck.h"
 
+#include "core/CVelumLimits.h"
 #include "core/CVelumMsg.h"
 
 namespace {
-
-constexpr qsizetype EMaxBlock = 10000000;
 
 qint64 Length(CVelumStored& aObj) {
   CVelumFile file({}, EFilMeasure);
@@ -93,10 +92,10 @@ QString PartOr(const QString& aPart, const QString& aReason) {
 
 void CheckBlob(const CVelumBlob& aBlob) {
   qsizetype size = aBlob.Bytes().size();
-  if (!aBlob.InfoOnly() && (size < 1 || size > EMaxBlock))
+  if (!aBlob.InfoOnly() && (size < 1 || size > EMaxStoredBlock))
     CVelumSaveCheck::Refuse(u"The picture '%1' has %2 bytes; 1 to %3 can be stored."_s.arg(aBlob.Name())
                                 .arg(size)
-                                .arg(EMaxBlock));
+                                .arg(EMaxStoredBlock));
   for (const QString* text : {&aBlob.Name(), &aBlob.Filename(), &aBlob.MimeType()})
     if (text->size() > EMaxStoredText)
       CVelumSaveCheck::Refuse(u"The description of picture %1 is too long."_s.arg(aBlob.Id()));

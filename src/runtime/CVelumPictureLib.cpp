@@ -5,6 +5,7 @@
 #include "core/CVelumValue.h"
 #include "exchange/CVelumExchangeLib.h"
 #include "exchange/CVelumPicture.h"
+#include "runtime/CVelumRuntimeDialogLib.h"
 #include "runtime/view/CVelumGenForm.h"
 #include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumBasePictureBox.h"
@@ -20,7 +21,6 @@
 namespace {
 
 const QString gUnreadable = u"This picture cannot be read."_s;
-const QString gReadOnly = u"Read-only!"_s;
 
 QPixmap Decode(const CVelumBlob& aBlob) {
   return QPixmap::fromImage(CVelumPicture(aBlob.Bytes()).ToImage());
@@ -68,7 +68,7 @@ template <class T> bool ImportInto(CVelumControl& aControl, T aImport) {
   if (!card || aControl.ConType() != EConPicture || card->ControlById(aControl.Id()) != &aControl)
     return false;
   if (aControl.Flag(EConReadOnly)) {
-    CVelumSeams::Presenter().Tell(gReadOnly);
+    CVelumDialogLib::TellReadOnly();
     return false;
   }
   Ref<CVelumBlob> blob;

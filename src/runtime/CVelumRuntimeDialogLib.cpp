@@ -1,6 +1,7 @@
 #include "runtime/CVelumRuntimeDialogLib.h"
 
 #include "core/CVelumLib.h"
+#include "core/CVelumSeams.h"
 #include "runtime/lists/CVelumCardLines.h"
 #include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumToolkitDialogLib.h"
@@ -134,6 +135,10 @@ QString ArrayToControlNameList(const CVelumArray* aArray, const CVelumControlSet
     if (found) names.append(control->Name());
   }
   return names.join(u',');
+}
+
+void TellReadOnly() {
+  CVelumSeams::Presenter().Tell(u"Read-only!"_s);
 }
 
 } // namespace CVelumDialogLib

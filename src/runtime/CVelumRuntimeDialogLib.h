@@ -32,6 +32,9 @@ void FillTypeCombo(CVelumListBox& aList);
 // The line of a standard command stands one below its EStdCmd; none stands first.
 void FillStdCmdCombo(CVelumListBox& aList);
 
+// Says that a field must not be changed.
+void TellReadOnly();
+
 // Shows a font; nothing empties both boxes and unsets the colour.
 void ShowFont(const CVelumFont* aFont, QLineEdit& aNameBox, QLineEdit& aSizeBox, QLabel& aColorBox);
 

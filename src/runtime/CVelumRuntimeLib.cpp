@@ -77,7 +77,7 @@ bool HandleLoadStack(const QString& aPath) {
     return false;
   }
   CVelumDialogLib::EndWait();
-  CVelumSeams::ChangeNotify(0);
+  CVelumSeams::ChangeNotify(EChangeStack);
   if (gStack && gStack->OrderCorrections() > 0)
     CVelumMsg::Show(EMsgOrderCorrections, EMsgExclamation, QString::number(gStack->OrderCorrections()));
   if (gFrameHost) gFrameHost->AddToFileHistory(aPath);

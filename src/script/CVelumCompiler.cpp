@@ -20,14 +20,7 @@ const char16_t* const EKeywords[] = {
     u"Number", u"Cards",  u"Background", u"Return", u"Tab",  u"The",    u"Date", u"Send",
 };
 
-// Blanks only: tabs are symbols of no rule.
-QString TrimBlanks(const QString& aText) {
-  qsizetype from = 0;
-  qsizetype to = aText.size();
-  while (from < to && aText.at(from) == u' ') ++from;
-  while (to > from && aText.at(to - 1) == u' ') --to;
-  return aText.mid(from, to - from);
-}
+static_assert(std::size(EKeywords) == ENumKeywords);
 
 } // namespace
 
@@ -118,7 +111,8 @@ void CVelumCompiler::AddLineLen() {
 // Walks on to the next line with a symbol on it. Lines with nothing but a comment get a line mark too.
 bool CVelumCompiler::NextLine() {
   while (iCurLine < iLines.size()) {
-    const QString line = TrimBlanks(iLines.at(iCurLine++));
+    // Tabs stay: they are symbols of no rule.
+    const QString line = CVelumLib::TrimBlanks(iLines.at(iCurLine++)).toString();
     if (!line.isEmpty()) {
       CodeByte(EOpLine);
       CodeInt(static_cast<qint16>(iCurLine - 1));
@@ -177,7 +171,7 @@ void CVelumCompiler::NoteLine() {
 }
 
 QString CVelumCompiler::Place() const {
-  return u"Line %1: "_s.arg(qMax(iCurLine, 1)) + TrimBlanks(iLines.value(iCurLine - 1));
+  return u"Line %1: "_s.arg(qMax(iCurLine, 1)) + CVelumLib::TrimBlanks(iLines.value(iCurLine - 1)).toString();
 }
 
 // ---- The grammar

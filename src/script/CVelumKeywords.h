@@ -37,4 +37,5 @@ enum EKw : qint16 {
   EKwThe,
   EKwDate,
   EKwSend,
+  ENumKeywords
 };

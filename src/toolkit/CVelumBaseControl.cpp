@@ -1,5 +1,6 @@
 #include "toolkit/CVelumBaseControl.h"
 
+#include "core/CVelumLimits.h"
 #include "core/text/CVelumLocale.h"
 #include "toolkit/CVelumBaseColor.h"
 #include "toolkit/CVelumFieldNote.h"
@@ -14,8 +15,6 @@
 namespace {
 
 constexpr const char* gProperty = "CVelumBaseControl";
-// The longest text that a document can hold.
-constexpr int EMaxText = 15000;
 
 struct TRoles {
   QPalette::ColorRole iText;
@@ -190,7 +189,8 @@ void CVelumBaseControl::TellNotFitting(int aNum, int aLimit) {
 }
 
 int CVelumBaseControl::EffMaxChar(qint16 aMax) {
-  return aMax == ENoShort || aMax <= 0 ? EMaxText : std::min<int>(aMax, EMaxText);
+  constexpr int most = EMaxStoredText;
+  return aMax == ENoShort || aMax <= 0 ? most : std::min<int>(aMax, most);
 }
 
 bool CVelumBaseControl::eventFilter(QObject* aWatched, QEvent* aEvent) {

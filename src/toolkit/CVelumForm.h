@@ -30,7 +30,7 @@ public:
   virtual void Load();
   // Keeps the place and lets go of what the form held.
   virtual void Unload();
-  // See CVelumSeams::ChangeNotify for the kinds.
+  // aKind is an EChange.
   virtual void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2);
 
   // Left, top, width and height in twips: of the child window when the form stands in a CVelumMdiArea,

@@ -1,18 +1,13 @@
 #include "toolkit/CVelumRtf.h"
 
+#include "core/CVelumLib.h"
+
 #include <QStringView>
 #include <algorithm>
-#include <array>
 
 using namespace Qt::Literals::StringLiterals;
 
 namespace {
-
-// Characters 128 to 159 of the Windows code page; the rest of it is as in Unicode.
-constexpr std::array<char16_t, 32> gUpper{0x20AC, 0x81,   0x201A, 0x192,  0x201E, 0x2026, 0x2020, 0x2021,
-                                          0x2C6,  0x2030, 0x160,  0x2039, 0x152,  0x8D,   0x17D,  0x8F,
-                                          0x90,   0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                          0x2DC,  0x2122, 0x161,  0x203A, 0x153,  0x9D,   0x17E,  0x178};
 
 constexpr int EMaxHalfPoints = 2000;
 constexpr qint64 EMaxNumber = 1000000000;
@@ -203,7 +198,7 @@ void CReader::HexChar() {
   const auto code = static_cast<char16_t>(iRtf.mid(iAt, 2).toUShort(&ok, 16));
   if (!ok) return;
   iAt = std::min(iAt + 2, iRtf.size());
-  Char(code >= 128 && code < 160 ? QChar(gUpper[code - 128U]) : QChar(code));
+  Char(QChar(CVelumLib::FromCodePage(code)));
 }
 
 void CReader::Unicode(int aCode) {

@@ -71,6 +71,23 @@ TEST(CVelumLib, ReplaceAllCountsCase) {
   EXPECT_EQ(text, u"aaAaaA"_s);
 }
 
+TEST(CVelumLib, TrimsBlanksOnly) {
+  EXPECT_EQ(CVelumLib::TrimBlanks(u"  a b "), u"a b");
+  EXPECT_EQ(CVelumLib::TrimBlanks(u" \ta\n "), u"\ta\n");
+  EXPECT_EQ(CVelumLib::TrimBlanks(u"a\u00A0"), u"a\u00A0");
+  EXPECT_EQ(CVelumLib::TrimBlanks(u"   "), u"");
+  EXPECT_EQ(CVelumLib::TrimBlanks({}), u"");
+}
+
+TEST(CVelumLib, CodesOfTheCodePageAreCharacters) {
+  EXPECT_EQ(CVelumLib::FromCodePage(0x80), u'€');
+  EXPECT_EQ(CVelumLib::FromCodePage(0x81), u'\x81');
+  EXPECT_EQ(CVelumLib::FromCodePage(0x9F), u'Ÿ');
+  EXPECT_EQ(CVelumLib::FromCodePage(u'a'), u'a');
+  EXPECT_EQ(CVelumLib::FromCodePage(0xA0), 0xA0);
+  EXPECT_EQ(CVelumLib::FromCodePage(0x20AC), 0x20AC);
+}
+
 TEST(CVelumLib, SplitAtTheFirst) {
   QString left;
   QString right;

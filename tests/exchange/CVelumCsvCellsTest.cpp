@@ -92,12 +92,6 @@ TEST_F(CVelumCsvCells, CountsNonDigits) {
   EXPECT_EQ(CountNonDigits(u"1/2 a"), 3);
 }
 
-TEST_F(CVelumCsvCells, OnlyBlanksAreTrimmed) {
-  EXPECT_EQ(TrimBlanks(u"  a b "), u"a b");
-  EXPECT_EQ(TrimBlanks(u"\ta\u00A0"), u"\ta\u00A0");
-  EXPECT_EQ(TrimBlanks(u"   "), u"");
-}
-
 TEST_F(CVelumCsvCells, ScanCountsEmptyCellsAndBooleansAlone) {
   EXPECT_EQ(Scanned(u"  "_s).iEmpty, 1);
   const TColStats yes = Scanned(u" yes "_s);

@@ -34,9 +34,9 @@ protected:
                              "\r\n";
 };
 
-TEST_F(CVelumExportsTest, TheQuotesAreSetAtTheStart) {
-  gQuote = gQuoteQuote = u"?"_s;
-  CVelumExports::InitExports();
+static_assert(std::is_const_v<decltype(gQuote)> && std::is_const_v<decltype(gQuoteQuote)>);
+
+TEST_F(CVelumExportsTest, TheQuotesAreThereWithoutAStart) {
   EXPECT_EQ(gQuote, u"\""_s);
   EXPECT_EQ(gQuoteQuote, u"\"\""_s);
 }

@@ -53,13 +53,7 @@ void ImportTwice(const QString& aPath, const TCsvOptions& aOptions) {
 
 QByteArray FuzzTarget::MakeInput(std::mt19937& aRandom) {
   QByteArray bytes(1, static_cast<char>(aRandom()));
-  for (auto left = aRandom() % 120; left > 0; --left) {
-    if (aRandom() % 30 == 0)
-      bytes += static_cast<char>(aRandom());
-    else
-      bytes += EPieces[aRandom() % std::size(EPieces)];
-  }
-  return bytes;
+  return bytes += Pieces(EPieces, 120, 30, aRandom);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {

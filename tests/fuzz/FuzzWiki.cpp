@@ -43,13 +43,7 @@ void RunWiki(const QString& aText) {
 
 QByteArray FuzzTarget::MakeInput(std::mt19937& aRandom) {
   QByteArray bytes(1, static_cast<char>(aRandom() % 4));
-  for (auto left = aRandom() % 200; left > 0; --left) {
-    if (aRandom() % 20 == 0)
-      bytes += static_cast<char>(aRandom());
-    else
-      bytes += EPieces[aRandom() % std::size(EPieces)];
-  }
-  return bytes;
+  return bytes += Pieces(EPieces, 200, 20, aRandom);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* aData, std::size_t aSize) {

@@ -118,7 +118,7 @@ TEST(CVelumFont, SettersMarkChanged) {
   EXPECT_TRUE(font.Changed());
 }
 
-TEST(CVelumFont, StoredForm) {
+TEST(CVelumFont, ReadsWhatItStores) {
   CVelumFont font(u"Ab"_s, 300, 0x112233);
   font.SetFlags(5);
   const QByteArray bytes = Bytes().Short(12).Short(0).Str(u"Ab"_s).Short(300).Int(0x112233).Int(5);

@@ -18,7 +18,7 @@ TEST(CVelumIdGen, CountsFromZero) {
   EXPECT_EQ(gen.PeekId(), 2);
 }
 
-TEST(CVelumIdGen, StoredForm) {
+TEST(CVelumIdGen, ReadsWhatItStores) {
   CVelumIdGen gen;
   static_cast<void>(gen.NextId());
   const QByteArray bytes = Bytes().Short(6).Short(0).Int(1);

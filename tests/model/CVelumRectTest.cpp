@@ -37,7 +37,7 @@ TEST(CVelumRect, NullOnlyWithFourZeros) {
   EXPECT_FALSE(CVelumRect(1, 0, 0, 0).IsNull());
 }
 
-TEST(CVelumRect, StoredForm) {
+TEST(CVelumRect, ReadsWhatItStores) {
   CVelumRect rect(1.5F, -2, 3, 4);
   const QByteArray bytes = Bytes().Short(8).Short(1).Single(1.5F).Single(-2).Single(3).Single(4);
   EXPECT_EQ(Stored(rect), bytes);

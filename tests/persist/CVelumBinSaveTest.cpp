@@ -418,7 +418,7 @@ TEST_F(CVelumBinSaveTest, EveryKindOfTextIsChecked) {
   }
 }
 
-TEST_F(CVelumBinSaveTest, AMillionBytesPictureGoesThrough) {
+TEST_F(CVelumBinSaveTest, APictureOfTenMillionBytesGoesThrough) {
   StackMaker doc = StackMaker::New(1, 10000000);
   doc.Save(iPath);
   ExpectOnDisk(doc);

@@ -192,31 +192,31 @@ QJsonObject TellView(const CVelumViewState& aView) {
           {u"card_list_rect"_s, TellRect(*aView.iCardListRect)}};
 }
 
-QJsonObject TellBackgrounds(const CVelumStack& aStack) {
+template <class T> using TWalk = bool (CVelumStack::*)(Ref<T>&, qint32&) const;
+
+// What aTell says of each object of a walk.
+template <class T, class TTell>
+QJsonObject TellAll(const CVelumStack& aStack, TWalk<T> aFirst, TWalk<T> aNext, const TTell& aTell) {
   QJsonArray told;
-  Ref<CVelumControlSet> obj;
+  Ref<T> obj;
   qint32 at = 0;
-  for (bool more = aStack.GetFirstBackground(obj, at); more; more = aStack.GetNextBackground(obj, at))
-    told.append(TellBackground(*obj));
+  for (bool more = (aStack.*aFirst)(obj, at); more; more = (aStack.*aNext)(obj, at)) told.append(aTell(*obj));
   return ElemsOf(told);
+}
+
+QJsonObject TellBackgrounds(const CVelumStack& aStack) {
+  return TellAll<CVelumControlSet>(aStack, &CVelumStack::GetFirstBackground, &CVelumStack::GetNextBackground,
+                                   TellBackground);
 }
 
 QJsonObject TellSortKeys(const CVelumStack& aStack) {
-  QJsonArray told;
-  Ref<CVelumSortKey> obj;
-  qint32 at = 0;
-  for (bool more = aStack.GetFirstSortKey(obj, at); more; more = aStack.GetNextSortKey(obj, at))
-    told.append(TellSortKey(*obj));
-  return ElemsOf(told);
+  return TellAll<CVelumSortKey>(aStack, &CVelumStack::GetFirstSortKey, &CVelumStack::GetNextSortKey,
+                                TellSortKey);
 }
 
 QJsonObject TellKeyIndexes(const CVelumStack& aStack) {
-  QJsonArray told;
-  Ref<CVelumArray> obj;
-  qint32 at = 0;
-  for (bool more = aStack.GetFirstKeyIndex(obj, at); more; more = aStack.GetNextKeyIndex(obj, at))
-    told.append(TellArray(*obj));
-  return ElemsOf(told);
+  return TellAll<CVelumArray>(aStack, &CVelumStack::GetFirstKeyIndex, &CVelumStack::GetNextKeyIndex,
+                              TellArray);
 }
 
 } // namespace

@@ -3,7 +3,7 @@
 
 #include "core/CVelumMsg.h"
 
-TEST_F(CVelumInterpreterTest, Calculates) {
+TEST_F(CVelumInterpreterTest, CalculatesWithIntegersRealsAndTexts) {
   EXPECT_EQ(Run(u"Answer 7 / 2\nAnswer 5 / 2\nAnswer 2 + 3 * 4\nAnswer 2 - 5\nAnswer -5"_s),
             (Answers{u"4"_s, u"2"_s, u"14"_s, u"-3"_s, u"5"_s}));
   EXPECT_EQ(

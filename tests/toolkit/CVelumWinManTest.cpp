@@ -272,7 +272,7 @@ TEST_F(CVelumWinManTest, ChangeNotifyReachesLoadedKnownFormsInOrder) {
   second.iOnNotify = [&] { order.append(2); };
   const auto obj1 = MakeRef<TestObject>();
   const auto obj2 = MakeRef<TestObject>();
-  CVelumSeams::ChangeNotify(6, obj1.Get(), obj2.Get());
+  CVelumSeams::ChangeNotify(EChangeBackgroundGoes, obj1.Get(), obj2.Get());
   EXPECT_EQ(order, (QList<int>{2, 1}));
   EXPECT_EQ(first.iKinds, QList<int>{6});
   EXPECT_EQ(first.iObj1, obj1.Get());
@@ -293,7 +293,7 @@ TEST_F(CVelumWinManTest, ChangeNotifyLeavesOutFormsThatWentMeanwhile) {
     CVelumWinMan::UnloadForm(*first);
     delete second;
   };
-  CVelumWinMan::ChangeNotify(7, nullptr, nullptr);
+  CVelumWinMan::ChangeNotify(EChangeStackCloses, nullptr, nullptr);
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardEdit"_s));
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }

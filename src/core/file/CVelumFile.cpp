@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumLimits.h"
 #include "core/CVelumMsg.h"
 #include "core/file/CVelumTextIo.h"
 
@@ -18,8 +19,6 @@
 namespace {
 
 constexpr qsizetype EBufSize = 65536;
-constexpr qint32 EMaxStrBytes = 30000;
-constexpr qint32 EMaxBlockBytes = 10000000;
 const QString EOpenProc = u"CVelumFile.OpenFile"_s;
 
 // A position is 32 bits without sign, so a negative one lies far behind.
@@ -456,7 +455,7 @@ void CVelumFile::RaiseIfTooLong(qint64 aLen, qint64 aMax) const {
 
 void CVelumFile::WriteStr(const QString& aStr) {
   AssertWrite(u"WriteStr"_s);
-  RaiseIfTooLong(2 * aStr.size(), EMaxStrBytes);
+  RaiseIfTooLong(2 * aStr.size(), EMaxStoredTextBytes);
   auto len = CVelumChecked::Narrow<qint16>(2 * aStr.size());
   WriteShort(len);
   if (len == 0) return;
@@ -473,7 +472,7 @@ void CVelumFile::WriteStr(const QString& aStr) {
 QString CVelumFile::ReadStr() {
   AssertRead(u"ReadStr"_s);
   qint16 len = ReadShort();
-  AssertLen(len >= 0 && len <= EMaxStrBytes, u"ReadStr"_s, len);
+  AssertLen(len >= 0 && len <= EMaxStoredTextBytes, u"ReadStr"_s, len);
   if (len == 0) return {};
   if (len < 0) CVelumError::RaiseHost(EHostIndex, iFilename);
   // Half a character at the end gets a zero for its other half.
@@ -494,7 +493,7 @@ QString CVelumFile::ReadStr() {
 void CVelumFile::WriteBytes(const QByteArray& aBytes) {
   AssertWrite(u"WriteBytes"_s);
   if (aBytes.isEmpty()) CVelumError::RaiseHost(EHostIndex, iFilename);
-  RaiseIfTooLong(aBytes.size(), EMaxBlockBytes);
+  RaiseIfTooLong(aBytes.size(), EMaxStoredBlock);
   WriteInt(CVelumChecked::Narrow<qint32>(aBytes.size()));
   WriteRawBytes(aBytes);
 }
@@ -507,7 +506,7 @@ void CVelumFile::WriteRawBytes(const QByteArray& aBytes) {
 
 qint32 CVelumFile::ReadBytesLen() {
   qint32 len = ReadInt();
-  AssertLen(len >= 0 && len <= EMaxBlockBytes, u"ReadBytes"_s, len);
+  AssertLen(len >= 0 && len <= EMaxStoredBlock, u"ReadBytes"_s, len);
   return len;
 }
 

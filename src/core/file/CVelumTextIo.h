@@ -27,9 +27,9 @@ private:
   int iFd;
   QString iPath;
   QByteArray iBuf;
-  qsizetype iPos = 0;    // first byte not yet used
-  qint64 iLines = 0;     // that have been taken, but for a last one without an end, behind which nothing comes
-  bool iAtEnd = false;   // the system has no more
+  qsizetype iPos = 0;  // first byte not yet used
+  qint64 iLines = 0;   // that have been taken, but for a last one without an end, behind which nothing comes
+  bool iAtEnd = false; // the system has no more
   bool iFirstEnd = true; // no line end has been seen yet
   bool iLfEnds = false;  // LF alone ends a line
 };

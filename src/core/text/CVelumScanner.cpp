@@ -1,6 +1,7 @@
 #include "core/text/CVelumScanner.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLimits.h"
 #include "core/CVelumValue.h"
 
 #include <algorithm>
@@ -11,8 +12,6 @@
 using namespace CVelumError;
 
 namespace {
-// A length, the end marker included, has 16 bits.
-constexpr qsizetype EMaxLineLen = 32766;
 
 struct TSymText {
   qint32 iSym;
@@ -163,12 +162,12 @@ void CVelumScanner::ReadFileLine() {
   // Into the memory of the line before.
   iEof = !CVelumChecked::Deref(iFile).ReadLine(iLine);
   if (iEof) return;
-  if (iLine.size() > EMaxLineLen)
+  if (iLine.size() > EMaxScanLine)
     RaiseHost(EHostOverflow,
               u"%1, line %2: the line has %3 characters, at most %4 can be read"_s.arg(iFile->Filename())
                   .arg(iLineNum + 1)
                   .arg(iLine.size())
-                  .arg(EMaxLineLen));
+                  .arg(EMaxScanLine));
   BeginLine();
 }
 

@@ -1,6 +1,7 @@
 #include "core/text/CVelumXmlWriter.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLimits.h"
 #include "core/text/CVelumDecimal.h"
 #include "core/text/CVelumXmlLib.h"
 
@@ -13,7 +14,6 @@ namespace {
 
 constexpr qsizetype EPieceLen = 80;
 constexpr qsizetype EBufSize = 65536; // characters that are written at a time
-constexpr qsizetype EMaxLine = 32766; // of the scanner that reads it
 constexpr qsizetype EShownLen = 60;   // of a text in a message
 constexpr qsizetype EEolLen = 2;
 constexpr qsizetype EIntLen = 11; // the most that a number of 32 bits takes
@@ -133,7 +133,7 @@ QString CVelumXmlWriter::LineBeginning() const {
 }
 
 void CVelumXmlWriter::EndLine() {
-  if (iUsed - iLineStart - iLineExtra > EMaxLine)
+  if (iUsed - iLineStart - iLineExtra > EMaxScanLine)
     CVelumError::RaiseHost(EHostOverflow, u"too long for a line of XML: "_s + LineBeginning());
   char* to = Room(EEolLen);
   to[0] = '\r';

@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumLimits.h"
 #include "core/CVelumMsg.h"
 #include "model/CVelumRecorder.h"
 
@@ -478,10 +479,9 @@ Ref<CVelumBlob> CVelumBlobStore::ReadSound(qint32 aId, const TPlace& aPlace) {
 // The bytes at a place where no blob can be read: as many as the table or the frame says, whichever is more,
 // as far as the file has them. A place must not be empty.
 QByteArray CVelumBlobStore::RawAt(const TPlace& aPlace) const {
-  constexpr qint64 ELongest = 11000000; // no blob is longer
   CVelumBlob::TSpan span;
   bool framed = SpanAt(OpenedFile(), aPlace.iPos, span);
-  qint64 len = std::clamp<qint64>(std::max<qint64>(framed ? span.iLen : 0, aPlace.iLen), 1, ELongest);
+  qint64 len = std::clamp<qint64>(std::max<qint64>(framed ? span.iLen : 0, aPlace.iLen), 1, ENoStoredBlob);
   QByteArray bytes = aPlace.iPos < 0 ? QByteArray() : OpenedFile().PeekAt(aPlace.iPos, len);
   return bytes.isEmpty() ? QByteArray(1, '\0') : bytes;
 }

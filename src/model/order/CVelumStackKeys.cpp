@@ -78,7 +78,7 @@ void CVelumStack::RenewKeysOf(qint32 aControlId) {
     if (!IsKeptBy(*background, *index) || !FollowKeys(*background, *index)) continue;
     NewListBasis();
     CVelumRecord::OrderRebuilt(*this);
-    CVelumSeams::ChangeNotify(ECardsMoved);
+    CVelumSeams::ChangeNotify(EChangeOrder);
     iChangeInfo.iCardListChanged = true;
   }
 }

@@ -265,7 +265,7 @@ void CVelumStack::PlaceByKey(const Ref<CVelumCard>& aCard, bool aIsNew, const CV
                              qint32 aIndex) {
   if (!aIsNew) RemoveCardOrder(*aCard);
   InsertCardOrder(aCard, NextByKey(aKeyIndex, aIndex));
-  CVelumSeams::ChangeNotify(ECardsMoved);
+  CVelumSeams::ChangeNotify(EChangeOrder);
   iChangeInfo.iCardListChanged = true;
 }
 

@@ -1,6 +1,7 @@
 #include "runtime/lists/CVelumCardListForm.h"
 
 #include "core/CVelumLib.h"
+#include "core/CVelumSeams.h"
 #include "runtime/lists/CVelumCardListView.h"
 #include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumGuard.h"
@@ -49,9 +50,9 @@ void CVelumCardListForm::Load() {
 }
 
 void CVelumCardListForm::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
-  if (aKind != 0 && aKind != 1 && aKind != 6) return;
+  if (aKind != EChangeStack && aKind != EChangeStructure && aKind != EChangeBackgroundGoes) return;
   if (gStackView && gStackView->CardListView())
-    gStackView->CardListView()->RefillBackgrounds(aKind == 6 ? aObj1 : nullptr);
+    gStackView->CardListView()->RefillBackgrounds(aKind == EChangeBackgroundGoes ? aObj1 : nullptr);
 }
 
 void CVelumCardListForm::OnItemClick() {

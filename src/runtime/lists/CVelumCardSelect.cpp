@@ -1,5 +1,6 @@
 #include "runtime/lists/CVelumCardSelect.h"
 
+#include "core/CVelumSeams.h"
 #include "runtime/CVelumRuntimeDialogLib.h"
 #include "toolkit/CVelumGuard.h"
 #include "toolkit/CVelumWinMan.h"
@@ -39,8 +40,8 @@ void CVelumCardSelect::Unload() {
 }
 
 void CVelumCardSelect::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
-  if (aKind == 6) LetGo(aObj1);
-  if (aKind == 7) CVelumWinMan::UnloadForm(*this);
+  if (aKind == EChangeBackgroundGoes) LetGo(aObj1);
+  if (aKind == EChangeStackCloses) CVelumWinMan::UnloadForm(*this);
 }
 
 void CVelumCardSelect::LetGo(const CVelumObject* aBackground) {

@@ -266,34 +266,29 @@ void CVelumCardLayout::PlaceCombo(TPlace& aPlace) {
 }
 
 void CVelumCardLayout::PlaceRichTextBox(TPlace& aPlace) {
-  CVelumControl& control = aPlace.iControl;
   auto& box = Next<CVelumBaseRichTextBox>(EBaseRichTextBox);
-  Activate(control, box);
-  box.SetLocked(control.Flag(EConWikiText));
-  const TFieldMetrics metrics = Metrics(box, aPlace.iCard, &control);
-  box.SetBackColor(control.BackColor());
-  box.SetMaxChar(control.MaxChar());
-  PutAtValue(aPlace, box,
-             ClampWidth(static_cast<float>(control.VisChar()) * metrics.iCharWidth +
-                        CVelumSeams::Metrics().iFieldGapX),
-             static_cast<float>(EffVisLines(control)) * metrics.iLineHeight +
-                 CVelumSeams::Metrics().iLabelWidth);
-  Bind(control, box);
+  Activate(aPlace.iControl, box);
+  box.SetLocked(aPlace.iControl.Flag(EConWikiText));
+  PlaceTextLines(aPlace, box, EffVisLines(aPlace.iControl));
 }
 
 void CVelumCardLayout::PlaceTextBox(TPlace& aPlace) {
-  CVelumControl& control = aPlace.iControl;
-  CVelumError::Assert(control.VisLines() == 1, u"AssignBaseControl TextBox 1"_s);
+  CVelumError::Assert(aPlace.iControl.VisLines() == 1, u"AssignBaseControl TextBox 1"_s);
   auto& box = Next<CVelumBaseTextBox>(EBaseTextBox);
-  Activate(control, box);
-  const TFieldMetrics metrics = Metrics(box, aPlace.iCard, &control);
-  box.SetBackColor(control.BackColor());
-  box.SetMaxChar(control.MaxChar());
-  PutAtValue(aPlace, box,
+  Activate(aPlace.iControl, box);
+  PlaceTextLines(aPlace, box, 1);
+}
+
+void CVelumCardLayout::PlaceTextLines(TPlace& aPlace, CVelumBaseControl& aBox, int aLines) {
+  CVelumControl& control = aPlace.iControl;
+  const TFieldMetrics metrics = Metrics(aBox, aPlace.iCard, &control);
+  aBox.SetBackColor(control.BackColor());
+  aBox.SetMaxChar(control.MaxChar());
+  PutAtValue(aPlace, aBox,
              ClampWidth(static_cast<float>(control.VisChar()) * metrics.iCharWidth +
                         CVelumSeams::Metrics().iFieldGapX),
-             CVelumSeams::Metrics().iLabelWidth + metrics.iLineHeight);
-  Bind(control, box);
+             static_cast<float>(aLines) * metrics.iLineHeight + CVelumSeams::Metrics().iLabelWidth);
+  Bind(control, aBox);
 }
 
 void CVelumCardLayout::PlaceCheckBox(TPlace& aPlace) {

@@ -61,6 +61,8 @@ private:
   void PlaceCombo(TPlace& aPlace);
   void PlaceRichTextBox(TPlace& aPlace);
   void PlaceTextBox(TPlace& aPlace);
+  // A box of so many lines, from its font on.
+  void PlaceTextLines(TPlace& aPlace, CVelumBaseControl& aBox, int aLines);
   void PlaceCheckBox(TPlace& aPlace);
   void PlaceList(TPlace& aPlace);
   void PlacePicture(TPlace& aPlace);

@@ -3,6 +3,7 @@
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
+#include "runtime/CVelumRuntimeDialogLib.h"
 #include "runtime/script/CVelumScriptRunner.h"
 #include "runtime/view/CVelumFrameHost.h"
 #include "runtime/view/CVelumStackView.h"
@@ -14,11 +15,8 @@
 
 namespace {
 
-const QString gReadOnly = u"Read-only!"_s;
 // Begins a link that runs a script.
 const QString gSelect = u"select:"_s;
-// The longest text that a document can hold.
-constexpr qsizetype EMaxText = 15000;
 
 // Until there is an editor to mark the line in, the message names owner, line and its text.
 void ShowRunError(const TRunError& aError) {
@@ -108,10 +106,11 @@ void CVelumStackView::BaseObjPaste(CVelumBaseControl* aObj) {
   const Ref<CVelumControl> control = iCurCard && Bound(aObj) ? iCardView->VelumControl(aObj) : nullptr;
   const QString text = CVelumLib::ToCrLf(CVelumLib::GetClipboardText());
   if (!control || text.isEmpty()) return;
-  if (control->Flag(EConReadOnly)) return CVelumSeams::Presenter().Tell(gReadOnly);
-  const TVelumValue value = CVelumValue::ExtTextToVal(text.left(EMaxText), control->FieldInfo());
+  if (control->Flag(EConReadOnly)) return CVelumDialogLib::TellReadOnly();
+  const TVelumValue value = CVelumValue::ExtTextToVal(text.left(EMaxStoredText), control->FieldInfo());
   SetCardValue(iCurCard, control->Id(), value);
-  if (text.size() > EMaxText) aObj->TellNotFitting(static_cast<int>(text.size() - EMaxText), EMaxText);
+  if (text.size() > EMaxStoredText)
+    aObj->TellNotFitting(static_cast<int>(text.size() - EMaxStoredText), EMaxStoredText);
 }
 
 bool CVelumStackView::ValidateCurControl() {
@@ -151,7 +150,7 @@ void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {
 bool CVelumStackView::TakeValue(CVelumControl& aControl) {
   if (!iCurObjChanged) return false;
   if (aControl.Flag(EConReadOnly)) {
-    CVelumSeams::Presenter().Tell(gReadOnly);
+    CVelumDialogLib::TellReadOnly();
     ShowStored(aControl);
     return false;
   }
@@ -203,7 +202,7 @@ void CVelumStackView::ClickCheckBox(CVelumBaseControl& aObj) {
   const Ref<CVelumControl> control = iCardView->VelumControl(&aObj);
   if (!control) return;
   if (control->Flag(EConReadOnly)) {
-    CVelumSeams::Presenter().Tell(gReadOnly);
+    CVelumDialogLib::TellReadOnly();
     ShowStored(*control);
     return;
   }

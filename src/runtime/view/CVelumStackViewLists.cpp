@@ -2,6 +2,7 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumSeams.h"
 #include "model/CVelumModelLib.h"
+#include "runtime/CVelumRuntimeDialogLib.h"
 #include "runtime/lists/CVelumCardListForm.h"
 #include "runtime/lists/CVelumListBox.h"
 #include "runtime/script/CVelumScriptRunner.h"
@@ -15,7 +16,6 @@
 namespace {
 
 const QString gListForm = u"CVelumCardListForm"_s;
-const QString gReadOnly = u"Read-only!"_s;
 
 CVelumCardListForm& ListForm() {
   return CVelumChecked::Deref(dynamic_cast<CVelumCardListForm*>(CVelumWinMan::NameToForm(gListForm)));
@@ -153,7 +153,7 @@ void CVelumStackView::EditLines(CVelumBaseControl* aObj) {
   if (!iCurCard || !Bound(aObj) || !ValidateCurControl()) return;
   const Ref<CVelumControl> control = iCurCard && Bound(aObj) ? LinesControl(aObj) : nullptr;
   if (!control) return;
-  if (control->Flag(EConReadOnly)) return CVelumSeams::Presenter().Tell(gReadOnly);
+  if (control->Flag(EConReadOnly)) return CVelumDialogLib::TellReadOnly();
   const Ref<CVelumCard> card = iCurCard;
   CVelumGenForm& form = iCardView->ViewForm();
   form.ShowLines(*aObj, card->GetControlVal(control->Id(), false).Str());

@@ -8,13 +8,6 @@
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumWikiTextEdit.h"
 
-namespace {
-
-// The change notification of a stack that is being closed.
-constexpr int EStackCloses = 7;
-
-} // namespace
-
 CVelumWikiTextEdit::CVelumWikiTextEdit()
     : CVelumDialogForm(u"CVelumWikiTextEdit"_s, true), iUi(new Ui::CVelumWikiTextEdit) {
   iUi->setupUi(this);
@@ -64,7 +57,7 @@ bool CVelumWikiTextEdit::IsThere() const {
 }
 
 void CVelumWikiTextEdit::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
-  if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
+  if (aKind == EChangeStackCloses) CVelumWinMan::UnloadForm(*this);
 }
 
 void CVelumWikiTextEdit::Unload() {

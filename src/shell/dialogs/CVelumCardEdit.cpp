@@ -25,17 +25,6 @@ QString Moment(double aDate, double aTime) {
   return CVelumLocale::ShortDate(aDate) + u' ' + CVelumLocale::LongTime(aTime);
 }
 
-// Opens another window of the program; for one that does not exist yet says so, and gives nothing. aCaption
-// is how the user knows the command.
-CVelumForm* OpenForm(const QString& aName, const QString& aCaption) {
-  CVelumForm* form = CVelumWinMan::HasForm(aName) ? CVelumWinMan::NameToForm(aName) : nullptr;
-  if (form)
-    CVelumWinMan::ShowDialog(*form);
-  else
-    CVelumNotBuilt::Tell(aCaption, gFrame);
-  return form;
-}
-
 // Shows the new state in the card window and in the card list.
 void RefreshViews() {
   if (gStackView) gStackView->RefreshViews(true, true);
@@ -83,8 +72,9 @@ void CVelumCardEdit::ConnectButtons() {
       if (form) CVelumGuard::Run(u"CVelumCardEdit.fDeleteBut"_s, [&] { form->DeleteCard(); });
     });
   });
-  on(iUi->fScriptBut, [] { OpenForm(u"CVelumScriptEdit"_s, tr("Cards, Script")); });
-  on(iUi->fSelectFontBut, [] { OpenForm(u"CVelumFontSelect"_s, tr("Cards, Select font")); });
+  on(iUi->fScriptBut, [] { CVelumNotBuilt::OpenForm(u"CVelumScriptEdit"_s, tr("Cards, Script"), gFrame); });
+  on(iUi->fSelectFontBut,
+     [] { CVelumNotBuilt::OpenForm(u"CVelumFontSelect"_s, tr("Cards, Select font"), gFrame); });
   on(iUi->fSelectColorBut, [this] {
     if (CVelumDialogLib::SelectColor(this, *iUi->fColorSample, iBackColor)) iEdited = true;
   });
@@ -125,17 +115,17 @@ void CVelumCardEdit::Unload() {
 
 void CVelumCardEdit::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) {
   switch (aKind) {
-  case 1:
-  case 2:
-  case 3:
+  case EChangeStructure:
+  case EChangeValues:
+  case EChangeCards:
     return Refresh(nullptr);
-  case 6:
+  case EChangeBackgroundGoes:
     // It lets go of a background that is about to be deleted.
     if (aObj1 && aObj1 == iCurSet.Get()) SelectBackground(nullptr);
     return;
-  case 7:
+  case EChangeStackCloses:
     return CVelumWinMan::UnloadForm(*this);
-  case 9: {
+  case EChangeCardGoes: {
     const Ref<CVelumCard> before = gStack ? gStack->GetCardById(iBeforeId) : nullptr;
     if (aObj2 && aObj2 == before.Get()) ForgetInsertPos();
     return Refresh(aObj2);
@@ -370,7 +360,7 @@ void CVelumCardEdit::CreateCard() {
     RefreshViews();
   }
   gStackView->GoToCard(card);
-  CVelumSeams::ChangeNotify(3);
+  CVelumSeams::ChangeNotify(EChangeCards);
   // A script that hears of the card may have closed the stack, and this window with it.
   if (IsLoaded()) SetAndShowCard(card);
 }
@@ -380,7 +370,7 @@ void CVelumCardEdit::ModifyCard() {
   if (!card || !CheckName()) return;
   WriteCard(card);
   ShowCard();
-  CVelumSeams::ChangeNotify(3);
+  CVelumSeams::ChangeNotify(EChangeCards);
 }
 
 void CVelumCardEdit::WriteCard(const Ref<CVelumCard>& aCard) {
@@ -396,14 +386,14 @@ void CVelumCardEdit::WriteCard(const Ref<CVelumCard>& aCard) {
 void CVelumCardEdit::EditControl() {
   const Ref<CVelumControl> control = dynamic_cast<CVelumControl*>(iControlBox->SelObj().Get());
   if (!control) return;
-  CVelumForm* form = OpenForm(u"CVelumControlEdit"_s, tr("Cards, Field"));
+  CVelumForm* form = CVelumNotBuilt::OpenForm(u"CVelumControlEdit"_s, tr("Cards, Field"), gFrame);
   if (auto* editor = dynamic_cast<CVelumControlEditor*>(form)) editor->SetAndShowControl(iCurSet, control);
 }
 
 void CVelumCardEdit::DeleteCard() {
   const Ref<CVelumCard> card = CurCard();
   if (!card || !gStackView) return;
-  CVelumSeams::ChangeNotify(9, nullptr, card.Get());
+  CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, card.Get());
   if (gStackView && card->Stack()) gStackView->DeleteCard(card, nullptr);
   SetMode(ENone);
 }

@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumDialogLib.h"
+#include "core/CVelumSeams.h"
 #include "exchange/CVelumExports.h"
 #include "exchange/CVelumPlainExport.h"
 #include "shell/dialogs/CVelumExportOptions.h"
@@ -19,7 +20,6 @@
 
 namespace {
 
-constexpr int EStackCloses = 7;
 constexpr qint64 EPatience = 300; // milliseconds of counting before the window comes up
 const QString EExportForm = u"CVelumExportOptions"_s;
 
@@ -66,7 +66,7 @@ void CVelumCsvExportOptions::Unload() {
 }
 
 void CVelumCsvExportOptions::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
-  if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
+  if (aKind == EChangeStackCloses) CVelumWinMan::UnloadForm(*this);
 }
 
 QString CVelumCsvExportOptions::Delimiter() const {

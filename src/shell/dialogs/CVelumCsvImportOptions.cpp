@@ -1,6 +1,7 @@
 #include "shell/dialogs/CVelumCsvImportOptions.h"
 
 #include "core/CVelumDialogLib.h"
+#include "core/CVelumSeams.h"
 #include "exchange/CVelumCsvProposal.h"
 #include "shell/dialogs/CVelumCsvPreviewBox.h"
 #include "shell/dialogs/CVelumOptions.h"
@@ -19,10 +20,6 @@
 namespace {
 
 constexpr int ERowMargins = 6; // pixels
-constexpr int ENewStack = 0;
-constexpr int EStructure = 1;
-constexpr int EBackgroundGoes = 6;
-constexpr int EStackCloses = 7;
 
 } // namespace
 
@@ -119,11 +116,11 @@ void CVelumCsvImportOptions::Unload() {
 
 void CVelumCsvImportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
   if (iBusy) return;
-  if (aKind == EStackCloses) return CVelumWinMan::UnloadForm(*this);
-  if (aKind != EStructure && aKind != ENewStack && aKind != EBackgroundGoes) return;
+  if (aKind == EChangeStackCloses) return CVelumWinMan::UnloadForm(*this);
+  if (aKind != EChangeStructure && aKind != EChangeStack && aKind != EChangeBackgroundGoes) return;
   // What is known of its fields does not hold any more.
   iFields.clear();
-  if (aKind == EBackgroundGoes && aObj1 == Target().Get()) return iWork.SetChoice(Choice(), nullptr);
+  if (aKind == EChangeBackgroundGoes && aObj1 == Target().Get()) return iWork.SetChoice(Choice(), nullptr);
   TakeChoice();
 }
 

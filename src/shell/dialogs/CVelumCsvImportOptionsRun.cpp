@@ -1,5 +1,6 @@
 // The import itself, out of the window of the CSV settings.
 #include "core/CVelumDialogLib.h"
+#include "core/CVelumSeams.h"
 #include "core/CVelumMsg.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/view/CVelumStackView.h"
@@ -19,8 +20,6 @@
 
 namespace {
 
-constexpr int ENewStack = 0;
-constexpr int EStructure = 1;
 
 CVelumImportOptions* ImportForm() {
   const QString name = u"CVelumImportOptions"_s;
@@ -78,7 +77,7 @@ void CVelumCsvImportOptions::Finish(Ref<CVelumControlSet> aBackground) {
   qint32 index = 0;
   if (!into) static_cast<void>(stack->GetFirstBackground(aBackground, index));
   const QPointer<CVelumCsvImportOptions> self(this);
-  CVelumSeams::ChangeNotify(into ? EStructure : ENewStack);
+  CVelumSeams::ChangeNotify(into ? EChangeStructure : EChangeStack);
   // This window goes with the other one. A script that hears of the new stack may have closed both.
   if (CVelumImportOptions* other = ImportForm(); self && other) {
     other->ForgetTarget();

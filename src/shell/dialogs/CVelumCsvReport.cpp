@@ -1,6 +1,7 @@
 #include "shell/dialogs/CVelumCsvReport.h"
 
 #include "core/CVelumDialogLib.h"
+#include "core/CVelumSeams.h"
 #include "exchange/CVelumCsvExact.h"
 #include "runtime/view/CVelumStackView.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
@@ -13,9 +14,6 @@
 
 namespace {
 
-constexpr int EStructure = 1;
-constexpr int EBackgroundGoes = 6;
-constexpr int EStackCloses = 7;
 const QString EForm = u"CVelumCsvReport"_s;
 
 } // namespace
@@ -43,8 +41,8 @@ void CVelumCsvReport::Load() {
 }
 
 void CVelumCsvReport::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
-  if (aKind == EStackCloses) return CVelumWinMan::UnloadForm(*this);
-  if (aKind != EBackgroundGoes || aObj1 != iBackground.Get()) return;
+  if (aKind == EChangeStackCloses) return CVelumWinMan::UnloadForm(*this);
+  if (aKind != EChangeBackgroundGoes || aObj1 != iBackground.Get()) return;
   iBackground = nullptr;
   iUi->fKeepSorted->setVisible(false);
 }
@@ -95,5 +93,5 @@ void CVelumCsvReport::KeepSorted() {
   CVelumCsvExact::KeepSorted(*gStack, iBackground, iSortField);
   iUi->fKeepSorted->setEnabled(false);
   if (gStackView) gStackView->RefreshViews(false, true);
-  CVelumSeams::ChangeNotify(EStructure);
+  CVelumSeams::ChangeNotify(EChangeStructure);
 }

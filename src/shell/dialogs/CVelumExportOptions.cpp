@@ -1,6 +1,7 @@
 #include "shell/dialogs/CVelumExportOptions.h"
 
 #include "core/CVelumDialogLib.h"
+#include "core/CVelumSeams.h"
 #include "exchange/CVelumExports.h"
 #include "runtime/CVelumRuntimeDialogLib.h"
 #include "shell/dialogs/CVelumOptions.h"
@@ -15,9 +16,6 @@
 
 namespace {
 
-constexpr int EStructure = 1;
-constexpr int EBackgroundGoes = 6;
-constexpr int EStackCloses = 7;
 const QString ECsvForm = u"CVelumCsvExportOptions"_s;
 
 } // namespace
@@ -51,9 +49,9 @@ void CVelumExportOptions::Unload() {
 }
 
 void CVelumExportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
-  if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
-  const bool goes = aKind == EBackgroundGoes;
-  if (aKind <= EStructure || goes)
+  if (aKind == EChangeStackCloses) CVelumWinMan::UnloadForm(*this);
+  const bool goes = aKind == EChangeBackgroundGoes;
+  if (aKind <= EChangeStructure || goes)
     CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), goes ? aObj1 : nullptr);
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/CVelumDialogLib.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumSeams.h"
 #include "exchange/CVelumContentImport.h"
 #include "exchange/CVelumTextImport.h"
 #include "runtime/CVelumRuntimeDialogLib.h"
@@ -22,9 +23,6 @@
 
 namespace {
 
-constexpr int EStructure = 1;
-constexpr int EBackgroundGoes = 6;
-constexpr int EStackCloses = 7;
 const QString ECsvForm = u"CVelumCsvImportOptions"_s;
 
 // The choice as it was when the window was last unloaded; for this run of the program.
@@ -78,10 +76,10 @@ void CVelumImportOptions::Unload() {
 }
 
 void CVelumImportOptions::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
-  if (aKind == EStackCloses && !iBusy) return CVelumWinMan::UnloadForm(*this);
-  if (aKind > EStructure && aKind != EBackgroundGoes) return;
+  if (aKind == EChangeStackCloses && !iBusy) return CVelumWinMan::UnloadForm(*this);
+  if (aKind > EChangeStructure && aKind != EChangeBackgroundGoes) return;
   CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(),
-                                        aKind == EBackgroundGoes ? aObj1 : nullptr);
+                                        aKind == EChangeBackgroundGoes ? aObj1 : nullptr);
   HandleDisables();
 }
 
@@ -99,7 +97,7 @@ void CVelumImportOptions::ForgetTarget() {
 
 void CVelumImportOptions::CloseOthers() {
   const QScopedValueRollback busy(iBusy, true);
-  CVelumSeams::ChangeNotify(EStackCloses);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
 }
 
 void CVelumImportOptions::SetTarget(bool aEnabled, bool aInto, bool aBackgroundEnabled) {
@@ -204,7 +202,7 @@ void CVelumImportOptions::ImportXmlFile() {
   if (Ref<CVelumCard> card; done && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
   if (done) KeepFolder(path, gOptions.iImportXmlDialogInitDir);
   if (done) Report(path, gStack->NumCards() - before);
-  CVelumSeams::ChangeNotify(EStructure);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   if (done) CVelumWinMan::UnloadForm(*this);
 }
 
@@ -223,7 +221,7 @@ void CVelumImportOptions::ImportTextFile() {
   KeepFolder(path, gOptions.iImportTextDialogInitDir);
   Report(path, background->NumCards());
   CVelumCsvImportOptions::ShowCards();
-  CVelumSeams::ChangeNotify(EStructure);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   CVelumWinMan::UnloadForm(*this);
 }
 

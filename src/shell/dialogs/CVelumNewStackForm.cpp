@@ -1,6 +1,7 @@
 #include "shell/dialogs/CVelumNewStackForm.h"
 
 #include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
 #include "runtime/view/CVelumStackView.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
 #include "shell/frame/CVelumScriptBar.h"
@@ -78,7 +79,7 @@ void CVelumNewStackForm::Load() {
 }
 
 void CVelumNewStackForm::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
-  if (aKind == 7 && !iBusy) CVelumWinMan::UnloadForm(*this);
+  if (aKind == EChangeStackCloses && !iBusy) CVelumWinMan::UnloadForm(*this);
 }
 
 bool CVelumNewStackForm::CheckNames() {
@@ -99,7 +100,7 @@ void CVelumNewStackForm::MakeStack() {
     ShowStack(NewStack(iUi->fDescr->text(), iUi->fBackgroundName->text(), iUi->fCardName->text()));
   }
   const QPointer<CVelumNewStackForm> self(this);
-  CVelumSeams::ChangeNotify(0);
+  CVelumSeams::ChangeNotify(EChangeStack);
   // A script that hears of the new stack may have closed it, and this window with it.
   if (self) CVelumWinMan::UnloadForm(*this);
 }

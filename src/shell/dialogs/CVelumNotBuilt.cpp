@@ -2,7 +2,9 @@
 
 #include "core/CVelumObject.h"
 #include "runtime/CVelumIcons.h"
+#include "toolkit/CVelumForm.h"
 #include "toolkit/CVelumToolkitLib.h"
+#include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumNotBuilt.h"
 
 #include <QPointer>
@@ -29,6 +31,15 @@ void CVelumNotBuilt::Tell(const QString& aCommand, QWidget* aOwner) {
   gInstance->adjustSize();
   if (isNew) CVelumLib::CentreOver(*gInstance, aOwner);
   CVelumLib::BringUp(*gInstance);
+}
+
+CVelumForm* CVelumNotBuilt::OpenForm(const QString& aName, const QString& aCommand, QWidget* aOwner) {
+  CVelumForm* form = CVelumWinMan::HasForm(aName) ? CVelumWinMan::NameToForm(aName) : nullptr;
+  if (form)
+    CVelumWinMan::ShowDialog(*form);
+  else
+    Tell(aCommand, aOwner);
+  return form;
 }
 
 CVelumNotBuilt* CVelumNotBuilt::Instance() {

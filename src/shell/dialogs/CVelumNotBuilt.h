@@ -7,6 +7,7 @@
 namespace Ui {
 class CVelumNotBuilt;
 }
+class CVelumForm;
 
 // One small window for all such commands. It stays open beside the others, takes no part in their
 // notifications, and keeps no place.
@@ -19,6 +20,9 @@ public:
 
   // Shows the window for a command, named as the user reads it. aOwner: the main window.
   static void Tell(const QString& aCommand, QWidget* aOwner);
+  // Shows another window of the program by its name; for one that is not written yet tells the user, and
+  // gives nothing.
+  static CVelumForm* OpenForm(const QString& aName, const QString& aCommand, QWidget* aOwner);
   // The window while it exists, otherwise null.
   [[nodiscard]] static CVelumNotBuilt* Instance();
 

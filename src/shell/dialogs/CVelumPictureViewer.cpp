@@ -1,5 +1,6 @@
 #include "shell/dialogs/CVelumPictureViewer.h"
 
+#include "core/CVelumSeams.h"
 #include "core/text/CVelumLocale.h"
 #include "model/CVelumStack.h"
 #include "runtime/CVelumPictureLib.h"
@@ -68,8 +69,7 @@ void CVelumPictureViewer::Unload() {
 }
 
 void CVelumPictureViewer::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
-  constexpr int EStackCloses = 7;
-  if (aKind == EStackCloses) CVelumWinMan::UnloadForm(*this);
+  if (aKind == EChangeStackCloses) CVelumWinMan::UnloadForm(*this);
 }
 
 void CVelumPictureViewer::BaseEvent(CVelumBaseControl&, EBaseEvent aEvent, bool&) {

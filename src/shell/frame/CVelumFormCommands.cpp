@@ -71,12 +71,6 @@ void Tell(CVelumForm& aForm, EVelumShows aShows, const TSubject& aSubject) {
 void CVelumFormCommands::Show(const TVelumCommand& aCommand, const QString& aCaption, QWidget* aFrame) {
   const TSubject subject = CurSubject();
   if (!IsThere(aCommand.iShows, subject)) return;
-  const QString name = aCommand.iForm.toString();
-  CVelumForm* form = CVelumWinMan::HasForm(name) ? CVelumWinMan::NameToForm(name) : nullptr;
-  if (!form) {
-    CVelumNotBuilt::Tell(aCaption, aFrame);
-    return;
-  }
-  CVelumWinMan::ShowDialog(*form);
-  Tell(*form, aCommand.iShows, subject);
+  CVelumForm* form = CVelumNotBuilt::OpenForm(aCommand.iForm.toString(), aCaption, aFrame);
+  if (form) Tell(*form, aCommand.iShows, subject);
 }

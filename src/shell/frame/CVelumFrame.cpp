@@ -1,6 +1,7 @@
 #include "shell/frame/CVelumFrame.h"
 
 #include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
 #include "runtime/CVelumIcons.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/view/CVelumGenForm.h"
@@ -250,17 +251,17 @@ void CVelumFrame::closeEvent(QCloseEvent* aEvent) {
 
 void CVelumFrame::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
   switch (aKind) {
-  case 0:
+  case EChangeStack:
     ShowStackName();
     UpdateToolbar();
     if (gStackView) gStackView->ExecScript(nullptr, u"openStack"_s);
     break;
-  case 1:
-  case 3:
-  case 9:
+  case EChangeStructure:
+  case EChangeCards:
+  case EChangeCardGoes:
     if (gStackView) gStackView->RefreshViews(true, true);
     break;
-  case 8:
+  case EChangeStackClosed:
     iChangeMark.Check();
     setWindowTitle(iTitle);
     UpdateToolbar();

@@ -65,16 +65,9 @@ void ShowFrame(std::function<void()> aEndProcess) {
   CVelumWinMan::ShowDialog(*gFrame);
 }
 
-// Only blanks: a file name may begin or end with other white space.
-QString Trimmed(QStringView aText) {
-  while (aText.startsWith(u' ')) aText = aText.sliced(1);
-  while (aText.endsWith(u' ')) aText.chop(1);
-  return aText.toString();
-}
-
 // The stack of the command line, or else the one of the options.
 void OpenFirstStack(const QString& aCommandLine) {
-  if (!Trimmed(aCommandLine).isEmpty())
+  if (!CVelumLib::TrimBlanks(aCommandLine).isEmpty())
     CVelumLib::HandleLoadStack(CVelumMain::StackPath(aCommandLine));
   else if (!gOptions.iAutoLoadName.isEmpty())
     CVelumLib::HandleLoadStack(gOptions.iAutoLoadName);
@@ -91,7 +84,8 @@ void Greet() {
 } // namespace
 
 QString CVelumMain::StackPath(const QString& aCommandLine) {
-  QString path = Trimmed(aCommandLine);
+  // A file name may begin or end with other white space than blanks.
+  QString path = CVelumLib::TrimBlanks(aCommandLine).toString();
   if (path.startsWith(u'"') && path.endsWith(u'"')) {
     if (path.size() < 2) CVelumError::RaiseHost(EHostBadCall);
     path = path.sliced(1, path.size() - 2);
@@ -115,7 +109,7 @@ void CVelumMain::Main(const QString& aCommandLine, CVelumPresenter* aPresenter,
   CVelumGuard::Run(u"Main"_s, [&] { OpenFirstStack(aCommandLine); });
   // The transfer server is to be made here, behind the first stack.
   CVelumSeams::EventPump().Pump();
-  const bool showWelcome = Trimmed(aCommandLine).isEmpty();
+  const bool showWelcome = CVelumLib::TrimBlanks(aCommandLine).isEmpty();
   if (showWelcome && gOptions.iShowWelcome) Greet();
   static_cast<void>(CVelumLib::GetDocDir());
 }

@@ -3,6 +3,7 @@
 #include "core/CVelumDialogLib.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
 #include "persist/CVelumAccess.h"
 #include "persist/CVelumStackFile.h"
 #include "runtime/CVelumRuntimeLib.h"
@@ -128,7 +129,7 @@ void CVelumStackCommands::SaveStackAs() {
     gStack->SetFilename(path);
     gStack->ResetChanged();
     CVelumOptions::AddToFileHistory(path);
-    CVelumSeams::ChangeNotify(0);
+    CVelumSeams::ChangeNotify(EChangeStack);
   });
 }
 
@@ -140,13 +141,13 @@ void CVelumStackCommands::CloseStack() {
 }
 
 void CVelumStackCommands::ReleaseStack() {
-  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
   CVelumSeams::EventPump().PumpPaint();
   if (gStack && gStack->BlobStore()) gStack->BlobStore()->CloseFile();
   if (gStackView) gStackView->Release();
   gStackView = nullptr;
   gStack = nullptr;
-  CVelumSeams::ChangeNotify(8);
+  CVelumSeams::ChangeNotify(EChangeStackClosed);
 }
 
 void CVelumStackCommands::DeleteCard() {
@@ -155,7 +156,7 @@ void CVelumStackCommands::DeleteCard() {
   CVelumGuard::Run(u"CVelumFrame.fDeleteCard"_s, [&] {
     const QString name = card->Name();
     if (!CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, name)) return;
-    CVelumSeams::ChangeNotify(9, nullptr, card.Get());
+    CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, card.Get());
     if (!gStackView) return;
     gStackView->DeleteCard(card, nullptr);
     CVelumReport::Done(tr("Deleted the card “%1”").arg(name));

@@ -20,7 +20,7 @@ double Rounded(double aReal, int aDecimals) {
   return decimal.ToReal();
 }
 
-TEST(CVelumDecimal, ShortestText) {
+TEST(CVelumDecimal, WritesTheFewestDigitsThatReadBackEqual) {
   EXPECT_EQ(Text(0), u"0"_s);
   EXPECT_EQ(Text(-0.0), u"0"_s);
   EXPECT_EQ(Text(5), u"5"_s);

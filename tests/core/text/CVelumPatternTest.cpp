@@ -67,7 +67,7 @@ TEST(CVelumPattern, Matches) {
   EXPECT_EQ(Matched(u"'kl'. HH:mm:ss"_s, u"7:08:09"_s, fields), 7);
 }
 
-TEST(CVelumPattern, NormalForm) {
+TEST(CVelumPattern, NormalHasOneKindOfBlanksAndDigits) {
   EXPECT_EQ(CVelumPattern::Normal(u" a b "_s), u"a b"_s);
   EXPECT_EQ(CVelumPattern::Normal(u"\u00A01\u202F2\u2009"_s), u"1 2"_s);
   EXPECT_EQ(CVelumPattern::Normal(u"٣\u200F/۴"_s), u"3/4"_s);

@@ -226,7 +226,7 @@ template <class... Args> qint32 LoadSet(CVelumControlSet& aSet, Args... aArgs) {
   return Raised([&] { Load(aSet, bytes); });
 }
 
-TEST(CVelumControlSet, StoredForm) {
+TEST(CVelumControlSet, ReadsWhatItStores) {
   Bytes bytes;
   PutSet(bytes, {7, 5}, {{5, 1}, {7, 0}});
   CVelumControlSet set;

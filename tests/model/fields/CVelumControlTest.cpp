@@ -513,7 +513,7 @@ const Bytes& PutControl(Bytes& aBytes, int aGen) {
   return aBytes;
 }
 
-TEST(CVelumControl, StoredForm) {
+TEST(CVelumControl, ReadsWhatItStores) {
   Bytes bytes;
   CVelumControl control;
   control.SetFlags(1);

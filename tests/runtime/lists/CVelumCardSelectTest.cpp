@@ -151,9 +151,9 @@ TEST_F(CVelumCardSelectTest, WithoutOwnerOrCardNothingHappens) {
 
 TEST_F(CVelumCardSelectTest, UnloadsItselfWhenTheStackCloses) {
   iForm->SelectCard(&iOwner, nullptr, 1);
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_TRUE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
-  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
 }
 
@@ -162,7 +162,7 @@ TEST_F(CVelumCardSelectTest, LetsGoOfABackgroundThatIsDeleted) {
   const QString first = Combo().itemText(0);
   ASSERT_EQ(Names(), QStringList(u"x"_s));
   ClickLine(0);
-  iForm->ChangeNotify(6, iSecond.Get(), nullptr);
+  iForm->ChangeNotify(EChangeBackgroundGoes, iSecond.Get(), nullptr);
   EXPECT_EQ(Combo().count(), 1);
   EXPECT_EQ(Combo().currentText(), first);
   EXPECT_EQ(Names(), (QStringList{u"a"_s, u"b"_s}));
@@ -173,7 +173,7 @@ TEST_F(CVelumCardSelectTest, KeepsItsChoiceWhenAnotherBackgroundIsDeleted) {
   iForm->SelectCard(&iOwner, nullptr, 0);
   Combo().setCurrentIndex(0);
   ClickLine(1);
-  iForm->ChangeNotify(6, iSecond.Get(), nullptr);
+  iForm->ChangeNotify(EChangeBackgroundGoes, iSecond.Get(), nullptr);
   EXPECT_EQ(Combo().count(), 1);
   ASSERT_TRUE(iForm->Card());
   EXPECT_EQ(iForm->Card()->Name(), u"b"_s);
@@ -181,7 +181,7 @@ TEST_F(CVelumCardSelectTest, KeepsItsChoiceWhenAnotherBackgroundIsDeleted) {
 
 TEST_F(CVelumCardSelectTest, ClosesWhenTheOnlyBackgroundThatWillDoIsDeleted) {
   iForm->SelectCard(&iOwner, iSecond, 0);
-  iForm->ChangeNotify(6, iSecond.Get(), nullptr);
+  iForm->ChangeNotify(EChangeBackgroundGoes, iSecond.Get(), nullptr);
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCardSelect"_s));
 }
 

@@ -180,9 +180,9 @@ TEST_F(CVelumWikiTextEditTest, AFieldThatIsGoneIsNotSaved) {
 
 TEST_F(CVelumWikiTextEditTest, ClosesWithTheStack) {
   OpenEditor();
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_TRUE(IsOpen());
-  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
   EXPECT_FALSE(IsOpen());
 }
 

@@ -34,7 +34,7 @@ protected:
     for (const QString& name : {u"a"_s, u"b"_s, u"c"_s}) iCards.append(AddCard(name, iSet));
     gStackView = MakeRef<CVelumStackView>(u"Test"_s, gStack);
     gStackView->OpenCardView();
-    CVelumSeams::ChangeNotify(0);
+    CVelumSeams::ChangeNotify(EChangeStack);
   }
 
   Ref<CVelumControl> AddField(const QString& aName, qint32 aType) const {
@@ -408,7 +408,7 @@ TEST_F(CVelumCardEditTest, FollowsChangesAndKeepsItsSelection) {
   EXPECT_EQ(Column(u"fCardBox"_s, 0).last(), u"d"_s);
   EXPECT_EQ(Column(u"fControlBox"_s, 1).first(), u"Tale"_s);
   iSet->SetName(u"Renamed"_s);
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_EQ(Selected(u"fBackgroundBox"_s), u"Renamed"_s);
 }
 
@@ -416,12 +416,12 @@ TEST_F(CVelumCardEditTest, ChangesElsewhereKeepWhatIsBeingTyped) {
   OpenForm().SetAndShowCard(iCards[1]);
   Find<QLineEdit>(u"fName"_s).clear();
   QTest::keyClicks(&Find<QLineEdit>(u"fName"_s), u"half a na"_s);
-  CVelumSeams::ChangeNotify(2);
+  CVelumSeams::ChangeNotify(EChangeValues);
   EXPECT_EQ(Text(u"fName"_s), u"half a na"_s);
   iForm->NewCard(iSet);
   QTest::keyClicks(&Find<QLineEdit>(u"fName"_s), u"new"_s);
   Choose1(u"fBeforeCur"_s);
-  CVelumSeams::ChangeNotify(3);
+  CVelumSeams::ChangeNotify(EChangeCards);
   EXPECT_EQ(Text(u"fName"_s), u"new"_s);
   EXPECT_TRUE(Checked(u"fBeforeCur"_s));
   EXPECT_EQ(ModeText(), u"<new \"Main\">"_s);
@@ -431,10 +431,10 @@ TEST_F(CVelumCardEditTest, LetsGoOfABackgroundThatIsDeleted) {
   const Ref<CVelumControlSet> other = AddBackground(u"Other"_s);
   const Ref<CVelumCard> x = AddCard(u"x"_s, other);
   OpenForm().SetAndShowCard(x);
-  CVelumSeams::ChangeNotify(6, other.Get());
+  CVelumSeams::ChangeNotify(EChangeBackgroundGoes, other.Get());
   gStackView->DeleteBackground(other, false);
   EXPECT_EQ(ModeText(), QString());
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_EQ(Column(u"fBackgroundBox"_s, 0), QStringList{u"Main"_s});
 }
 
@@ -504,7 +504,7 @@ TEST_F(CVelumCardEditTest, TheChangedBoxOnlyTells) {
 
 TEST_F(CVelumCardEditTest, GoesWithTheStackAndKeepsItsPlace) {
   OpenForm().move(33, 44);
-  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
   EXPECT_FALSE(IsOpen());
   QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
   EXPECT_EQ(OpenForm().pos(), QPoint(33, 44));

@@ -70,14 +70,14 @@ TEST_F(CVelumExportOptionsTest, KeepsTheChosenBackgroundUntilItIsDeleted) {
   OpenExport();
   const auto chosen = MakeRef<CVelumControlSet>(u"New"_s, gStack->IdGen().NextId());
   gStack->AddBackground(chosen);
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   const auto& form = dynamic_cast<const CVelumExportOptions&>(Form(EExport));
   auto& box = dynamic_cast<CVelumListWidget&>(Background());
   box.SetSelLine(gStack->NumBackgrounds() - 1);
   ASSERT_EQ(form.Background(), chosen);
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_EQ(form.Background(), chosen);
-  CVelumSeams::ChangeNotify(6, chosen.Get());
+  CVelumSeams::ChangeNotify(EChangeBackgroundGoes, chosen.Get());
   EXPECT_TRUE(form.Background());
   EXPECT_NE(form.Background(), chosen);
 }
@@ -318,10 +318,10 @@ TEST_F(CVelumExportOptionsTest, TheListFollowsTheStackAndKeepsItsSelection) {
   QTest::keyClick(&Background(), Qt::Key_Down);
   const Ref<CVelumControlSet> second = form.Background();
   gStack->AddBackground(MakeRef<CVelumControlSet>(u"A new one"_s, gStack->IdGen().NextId()));
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_EQ(form.Background(), second);
   gStack->DeleteBackground(second, false);
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_TRUE(form.Background());
   EXPECT_NE(form.Background(), second);
 }

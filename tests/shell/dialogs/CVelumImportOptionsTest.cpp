@@ -85,7 +85,7 @@ TEST_F(CVelumImportOptionsTest, ListsTheBackgroundsAndSelectsTheFirst) {
   ASSERT_TRUE(gStack->GetFirstBackground(first, index));
   EXPECT_EQ(form.Background(), first);
   gStack->AddBackground(MakeRef<CVelumControlSet>(u"New"_s, gStack->IdGen().NextId()));
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_EQ(Box().model()->rowCount(), gStack->NumBackgrounds());
   EXPECT_EQ(form.Background(), first);
 }
@@ -97,9 +97,9 @@ TEST_F(CVelumImportOptionsTest, KeepsTheChosenBackgroundUntilItIsDeleted) {
   const CVelumImportOptions& form = OpenForm();
   Box().SetSelLine(Box().model()->rowCount() - 1);
   ASSERT_EQ(form.Background(), chosen);
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   EXPECT_EQ(form.Background(), chosen);
-  CVelumSeams::ChangeNotify(6, chosen.Get());
+  CVelumSeams::ChangeNotify(EChangeBackgroundGoes, chosen.Get());
   ASSERT_TRUE(form.Background());
   EXPECT_NE(form.Background(), chosen);
   EXPECT_EQ(Box().model()->rowCount(), gStack->NumBackgrounds() - 1);

@@ -95,7 +95,7 @@ TEST_F(CVelumNewStackFormTest, BackKeepsTheFormAndTheOldStackOpen) {
   EXPECT_TRUE(FormIsOpen());
   EXPECT_TRUE(form.isVisible());
   // It is no longer busy: the next close takes it along.
-  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
   EXPECT_FALSE(FormIsOpen());
 }
 

@@ -118,7 +118,7 @@ TEST_F(CVelumOptionEditTest, OptionsThatCannotBeWrittenLeaveTheWindowOpen) {
 
 TEST_F(CVelumOptionEditTest, ClosingTheStackLeavesTheWindowOpen) {
   Open();
-  CVelumSeams::ChangeNotify(7);
+  CVelumSeams::ChangeNotify(EChangeStackCloses);
   EXPECT_TRUE(Form());
   Press(u"fCancelBut"_s);
 }

@@ -377,7 +377,7 @@ TEST_F(CVelumFrameTest, CommandsOfTheCardRunFromTheMenu) {
     for (const qint32 flag : {EConInMenu, EConInCardView}) command->SetFlag(flag, true);
     set->AddControl(command, ENoInt);
   }
-  CVelumSeams::ChangeNotify(1);
+  CVelumSeams::ChangeNotify(EChangeStructure);
   iRunner.iSent.clear();
   Open(u"fCmd"_s);
   ASSERT_EQ(Action(u"fGenFunc1"_s)->text(), u"Second"_s);
@@ -404,12 +404,12 @@ TEST_F(CVelumFrameTest, NotificationsReachTheFrame) {
   Start(CopyStack(u"a.Orvelle"_s));
   const QString other = iFolder.Path(u"other.Orvelle"_s);
   gStack->SetFilename(other);
-  CVelumSeams::ChangeNotify(0);
+  CVelumSeams::ChangeNotify(EChangeStack);
   EXPECT_EQ(gFrame->windowTitle(), other + u"[*] - Orvelles"_s);
   for (const int kind : {1, 2, 3, 4, 5, 6, 9}) CVelumSeams::ChangeNotify(kind);
   EXPECT_EQ(CardName(), u"card 00"_s);
   EXPECT_EQ(iPresenter.Count(), 0);
-  CVelumSeams::ChangeNotify(8);
+  CVelumSeams::ChangeNotify(EChangeStackClosed);
   EXPECT_EQ(gFrame->windowTitle(), u"Orvelles"_s);
 }
 
@@ -432,7 +432,7 @@ TEST_F(CVelumFrameTest, ViewsAreRefreshedByTheKindsThatConcernThem) {
 TEST_F(CVelumFrameTest, CaptionOfAStackWithoutFileIsItsDescription) {
   Start(CopyStack(u"a.Orvelle"_s));
   gStack->SetFilename({});
-  CVelumSeams::ChangeNotify(0);
+  CVelumSeams::ChangeNotify(EChangeStack);
   EXPECT_EQ(gFrame->windowTitle(), u"Four backgrounds[*] - Orvelles"_s);
 }
 
