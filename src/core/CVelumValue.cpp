@@ -1,6 +1,7 @@
 #include "core/CVelumValue.h"
 
 #include "core/CVelumError.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/text/CVelumDays.h"
 #include "core/text/CVelumDecimal.h"
@@ -239,26 +240,9 @@ QString CVelumValue::ValToIntText(const TVelumValue& aVal) {
 }
 
 int CVelumValue::ConToValType(int aConType) {
-  switch (aConType) {
-  case EConText:
-  case EConList:
-    return EValStr;
-  case EConInteger:
-    return EValInt;
-  case EConReal:
-    return EValReal;
-  case EConDate:
-    return EValDate;
-  case EConTime:
-    return EValTime;
-  case EConBoolean:
-    return EValBoolean;
-  case EConPicture:
-    return EValBlobId;
-  default:
-    Assert(false, u"ConToValType type"_s);
-    return EValUndef;
-  }
+  const TVelumFieldType& type = CVelumFieldTypes::Of(aConType);
+  Assert(type.HasValue(), u"ConToValType type"_s);
+  return type.iValType;
 }
 
 TVelumValue CVelumValue::ExtTextToVal(const QString& aText, const TVelumFieldInfo& aField) {

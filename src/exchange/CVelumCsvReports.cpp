@@ -1,5 +1,6 @@
 #include "exchange/CVelumCsvReports.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumObject.h"
 
 #include <QJsonArray>
@@ -68,9 +69,7 @@ QJsonArray CellsJson(const TCsvReport& aReport) {
 } // namespace
 
 QString CVelumCsvReports::TypeName(qint32 aType) {
-  static const QStringList names = {u"Text"_s,    u"Integer"_s, u"Real"_s,    u"Date"_s,   u"Time"_s,
-                                    u"Boolean"_s, u"List"_s,    u"Command"_s, u"Picture"_s};
-  return names.value(aType);
+  return CVelumFieldTypes::Of(aType).iName.toString();
 }
 
 QString CVelumCsvReports::DelimName(QChar aDelim) {

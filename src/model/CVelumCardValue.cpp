@@ -1,5 +1,6 @@
 // The values of a card: reading, the change hub, computed lists.
 #include "core/CVelumChecked.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "model/CVelumCard.h"
@@ -148,18 +149,18 @@ void CVelumCard::InitVal(const Ref<CVelumControl>& aControl) {
 }
 
 TVelumValue CVelumCard::InitialVal(const CVelumControl& aControl) {
-  switch (aControl.ConType()) {
-  case EConText:
+  switch (CVelumFieldTypes::Of(aControl.ConType()).iValType) {
+  case EValStr:
     return InitialText(aControl);
-  case EConInteger:
+  case EValInt:
     return TVelumValue::OfInt(0);
-  case EConReal:
+  case EValReal:
     return TVelumValue::OfReal(0.0);
-  case EConDate:
+  case EValDate:
     return TVelumValue::OfDate(CVelumValue::Today());
-  case EConTime:
+  case EValTime:
     return TVelumValue::OfTime(CVelumValue::Now());
-  case EConBoolean:
+  case EValBoolean:
     return TVelumValue::OfBoolean(false);
   default:
     CVelumError::AssertObj(false, this, u"InitVal"_s, u"conType"_s);

@@ -1,36 +1,21 @@
 #include "model/CVelumModelLib.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumValue.h"
 
 namespace {
 
-constexpr qint16 EMaxTextKeyLen = 30;
-
-qint16 TextKeyLen(const CVelumControl& aControl) {
+qint16 TextKeyLen(const CVelumControl& aControl, qint16 aMost) {
   const qint16 len = aControl.MaxChar() != ENoShort ? aControl.MaxChar() : aControl.VisChar();
-  return qMin(len, EMaxTextKeyLen);
+  return qMin(len, aMost);
 }
 
 } // namespace
 
 qint16 CVelumLib::SortKeyLen(const CVelumControl& aControl) {
-  switch (aControl.ConType()) {
-  case EConText:
-    return TextKeyLen(aControl);
-  case EConInteger:
-    return 11;
-  case EConReal:
-    return 15;
-  case EConDate:
-    return 8;
-  case EConTime:
-    return 6;
-  case EConBoolean:
-    return 2;
-  default:
-    CVelumError::AssertObj(false, &aControl, u"SortKeyLen"_s, u"SortKeyLen type"_s);
-    return 0;
-  }
+  const TVelumFieldType& type = CVelumFieldTypes::Of(aControl.ConType());
+  CVelumError::AssertObj(type.IsSortable(), &aControl, u"SortKeyLen"_s, u"SortKeyLen type"_s);
+  return type.iKey == EFieldTextKey ? TextKeyLen(aControl, type.iKeyLen) : type.iKeyLen;
 }
 
 Ref<CVelumFont> CVelumLib::EvalFont(const CVelumCard& aCard, const CVelumControl* aControl) {

@@ -1,5 +1,6 @@
 #include "persist/CVelumStackCheck.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumValue.h"
 #include "persist/CVelumBlobCheck.h"
 #include "persist/CVelumLayoutCheck.h"
@@ -85,7 +86,7 @@ void CVelumStackCheck::CheckControl(const CVelumControlSet& aBackground, const C
   const QString name = FieldText(aBackground, aControl);
   CheckId(aControl.Id(), name);
   if (aBackground.FindControl(aControl.Id()) != &aControl) Add(name + u": is not listed under its id"_s);
-  if (aControl.ConType() < EConText || aControl.ConType() > EConPicture)
+  if (!CVelumFieldTypes::IsType(aControl.ConType()))
     Add(u"%1: there is no field type %2"_s.arg(name).arg(aControl.ConType()));
   if (aControl.PartnerId() != ENoInt) CheckPartner(aBackground, aControl);
   if (aControl.Flag(EConCardList)) CheckCardList(aBackground, aControl);
@@ -154,7 +155,7 @@ void CVelumStackCheck::CheckValue(const CVelumCard& aCard, const CVelumControlSe
             .arg(aBackground.Name()));
     return;
   }
-  if (aVal.Type() == EValUndef || control->ConType() < EConText || control->ConType() > EConPicture) return;
+  if (aVal.Type() == EValUndef || !CVelumFieldTypes::IsType(control->ConType())) return;
   if (!HasValue(*control) || aVal.Type() != CVelumValue::ConToValType(control->ConType()))
     Add(u"%1: the value of field '%2' has the type %3, which does not go with %4"_s.arg(
         CardText(aCard), control->Name(), CVelumValue::TypeStr(aVal), control->TypeStr()));

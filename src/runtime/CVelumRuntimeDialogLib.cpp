@@ -1,5 +1,6 @@
 #include "runtime/CVelumRuntimeDialogLib.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumSeams.h"
 #include "runtime/lists/CVelumCardLines.h"
@@ -97,7 +98,8 @@ void FillCardList(CVelumListBox& aList, const CVelumControlSet& aSet, const CVel
 }
 
 void FillTypeCombo(CVelumListBox& aList) {
-  FillCommaList(aList, u"Text,Integer,Float,Date,Time,Boolean,List,Command,Picture"_s);
+  const CRefill refill(aList, {});
+  for (const TVelumFieldType& type : CVelumFieldTypes::gRows) aList.AddLine(type.iChoice.toString(), nullptr);
 }
 
 void FillStdCmdCombo(CVelumListBox& aList) {

@@ -1,16 +1,8 @@
 // Fused instructions on values of any type.
 #include "script/CVelumInterpreter.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumValue.h"
-
-namespace {
-
-// Field types whose values a script can take.
-bool HasPlainValue(int aConType) {
-  return (aConType >= EConText && aConType <= EConBoolean) || aConType == EConList;
-}
-
-} // namespace
 
 // ---- Operands
 
@@ -20,7 +12,7 @@ bool CVelumInterpreter::FindField(TFieldOperand& aField, const CVelumCard& aCard
   if (!set || !(aField.iByName ? set->GetControlByName(aField.iName, control)
                                : set->GetControlByNum(aField.iNum, control)))
     return false;
-  if (!HasPlainValue(control->ConType())) return false;
+  if (!CVelumFieldTypes::Of(control->ConType()).HasPlainValue()) return false;
   aField.iStamp = iStamp;
   aField.iStack = aCard.Stack();
   aField.iBackgroundId = aCard.BackgroundId();

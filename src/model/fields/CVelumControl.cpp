@@ -1,6 +1,7 @@
 #include "model/fields/CVelumControl.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
@@ -23,16 +24,6 @@ constexpr qsizetype EMaxBoxCols = 100;
 
 const QString EReadProc = u"CVelumControl.Internalize"_s;
 const QString ECrLf = u"\r\n"_s;
-
-const QString& TypeName(qint32 aConType) {
-  static const QString names[] = {u"Text"_s,    u"Integer"_s, u"Real"_s,    u"Date"_s,   u"Time"_s,
-                                  u"Boolean"_s, u"List"_s,    u"Command"_s, u"Picture"_s};
-  return names[aConType];
-}
-
-bool IsConType(qint32 aConType) {
-  return aConType >= EConText && aConType <= EConPicture;
-}
 
 // A column's value on one line of its own cell.
 QString OneCell(QString aText) {
@@ -187,16 +178,16 @@ void CVelumControl::SetChanged(bool aChanged) {
 }
 
 QString CVelumControl::TypeStr() const {
-  CVelumError::AssertObj(IsConType(iConType), this, u"TypeStr"_s, u"iType"_s);
-  return IsConType(iConType) ? TypeName(iConType) : QString();
+  CVelumError::AssertObj(CVelumFieldTypes::IsType(iConType), this, u"TypeStr"_s, u"iType"_s);
+  return CVelumFieldTypes::Of(iConType).iName.toString();
 }
 
 bool CVelumControl::OkForListCol() const {
-  return iConType >= EConText && iConType <= EConTime;
+  return CVelumFieldTypes::Of(iConType).iTextLike;
 }
 
 bool CVelumControl::AllowsCombo() const {
-  return iConType >= EConText && iConType <= EConReal;
+  return CVelumFieldTypes::Of(iConType).iCombo;
 }
 
 bool CVelumControl::GetListColInfo(qint16& aWidth) const {
@@ -332,7 +323,7 @@ void CVelumControl::Internalize(CVelumFile& aFile) {
   iDescr = aFile.ReadStr();
   iLabel = aFile.ReadStr();
   iConType = aFile.ReadShort();
-  CVelumLib::CheckRead(aFile, IsConType(iConType), this, EReadProc, u"ConType"_s);
+  CVelumLib::CheckRead(aFile, CVelumFieldTypes::IsType(iConType), this, EReadProc, u"ConType"_s);
   iDefaultVal = aFile.ReadStr();
   iVisLines = aFile.ReadShort();
   iVisChar = aFile.ReadShort();

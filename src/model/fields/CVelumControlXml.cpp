@@ -1,5 +1,6 @@
 // The XML form of a control.
 #include "core/CVelumChecked.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
 #include "model/fields/CVelumControl.h"
@@ -34,7 +35,7 @@ void CVelumControl::ReadAttrXml(const CVelumXmlParser& aParser) {
   iDescr = aParser.Attr(u"descr"_s);
   iLabel = aParser.Attr(u"label"_s);
   iConType = aParser.ShortAttr(u"type"_s);
-  CVelumError::ThrowBadStruct(iConType >= EConText && iConType <= EConPicture, this, EProc, u"ConType"_s);
+  CVelumError::ThrowBadStruct(CVelumFieldTypes::IsType(iConType), this, EProc, u"ConType"_s);
   iVisLines = aParser.ShortAttr(u"visLines"_s);
   iVisChar = aParser.ShortAttr(u"visChar"_s);
   iFlags = aParser.CountAttr(u"flags"_s);

@@ -1,6 +1,7 @@
 #include "model/order/CVelumSortKey.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "core/file/CVelumFile.h"
@@ -126,15 +127,12 @@ int CVelumSortKey::Compare(const QString& aKey1, const QString& aKey2) const {
 }
 
 int CVelumSortKey::ComparePart(const TVelumKeyPart& aPart, QStringView aA, QStringView aB) const {
-  switch (aPart.iType) {
-  case EConText:
+  switch (CVelumFieldTypes::Of(aPart.iType).iKey) {
+  case EFieldTextKey:
     return CVelumCollation::CompareKeys(aA, aB);
-  case EConInteger:
-  case EConDate:
-  case EConTime:
-  case EConBoolean:
+  case EFieldWholeKey:
     return CompareNum(aA, aB, true);
-  case EConReal:
+  case EFieldRealKey:
     return CompareNum(aA, aB, false);
   default:
     CVelumError::AssertObj(false, this, u"Compare"_s, u"type "_s + QString::number(aPart.iType));
@@ -169,7 +167,7 @@ bool CVelumSortKey::CanBuild(const CVelumControlSet* aBackground) const {
   return aBackground &&
          std::all_of(iKeyPart, iKeyPart + iNumKeyPart, [aBackground](const TVelumKeyPart& aPart) {
            const CVelumControl* control = aBackground->FindControl(aPart.iControlId);
-           return control && control->ConType() >= EConText && control->ConType() <= EConPicture;
+           return control && CVelumFieldTypes::IsType(control->ConType());
          });
 }
 
@@ -200,7 +198,7 @@ void CVelumSortKey::BuildKey(CVelumCard& aCard, QString& aKey) const {
 }
 
 void CVelumSortKey::SetControlType(qint32 aControlId, qint32 aConType) {
-  if (!ControlOccurs(aControlId) || aConType < EConText || aConType > EConBoolean) return;
+  if (!ControlOccurs(aControlId) || !CVelumFieldTypes::Of(aConType).IsSortable()) return;
   const QString old = RecordedParts();
   for (qint32 i = 0; i < iNumKeyPart; ++i)
     if (iKeyPart[i].iControlId == aControlId) iKeyPart[i].iType = aConType;

@@ -1,6 +1,7 @@
 #include "runtime/view/CVelumCardLayout.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumSeams.h"
 #include "model/CVelumModelLib.h"
 #include "runtime/CVelumIcons.h"
@@ -58,10 +59,6 @@ qint16 EffVisLines(const CVelumControl& aControl) {
 bool HasLabel(const CVelumControl& aControl) {
   return !aControl.Flag(EConComboList) && aControl.InCardView() && aControl.ConType() != EConCommand &&
          !aControl.Label().isEmpty();
-}
-
-bool IsText(qint32 aConType) {
-  return aConType >= EConText && aConType <= EConTime;
 }
 
 float AvgWidth(const CVelumControl& aControl) {
@@ -221,17 +218,22 @@ void CVelumCardLayout::PlaceLabel(TPlace& aPlace) {
 }
 
 void CVelumCardLayout::PlaceValue(TPlace& aPlace) {
-  const qint32 type = aPlace.iControl.ConType();
-  if (IsText(type))
+  switch (CVelumFieldTypes::Of(aPlace.iControl.ConType()).iWidget) {
+  case EFieldText:
     PlaceText(aPlace);
-  else if (type == EConBoolean)
+    break;
+  case EFieldCheckBox:
     PlaceCheckBox(aPlace);
-  else if (type == EConList)
+    break;
+  case EFieldList:
     PlaceList(aPlace);
-  else if (type == EConPicture)
+    break;
+  case EFieldPicture:
     PlacePicture(aPlace);
-  else
+    break;
+  default:
     CVelumError::Assert(false, u"AssignBaseControl conType"_s);
+  }
   if (auto* base = qobject_cast<CVelumBaseControl*>(aPlace.iControl.BaseControl()))
     base->Widget()->setAccessibleName(SpokenName(aPlace.iControl));
 }

@@ -1,6 +1,7 @@
 // The part of CVelumStackView that keeps what is being typed: entries that are no value of their field, and
 // whatever stands in the field that has the focus while the window is laid out anew.
 #include "core/CVelumEntry.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumValue.h"
 #include "core/text/CVelumLocale.h"
 #include "runtime/view/CVelumGenForm.h"
@@ -11,26 +12,26 @@
 namespace {
 
 // A value as this desktop writes it.
-QString Example(qint32 aConType) {
-  switch (aConType) {
-  case EConInteger:
+QString Example(EVal aValType) {
+  switch (aValType) {
+  case EValInt:
     return u"1234"_s;
-  case EConReal:
+  case EValReal:
     return CVelumLocale::Real(1234.5, 1, true);
-  case EConDate:
+  case EValDate:
     return CVelumLocale::ShortDate(CVelumValue::Today());
   default:
     return CVelumLocale::LongTime(0.75);
   }
 }
 
-QString WhatItIsNot(qint32 aConType) {
-  switch (aConType) {
-  case EConInteger:
+QString WhatItIsNot(EVal aValType) {
+  switch (aValType) {
+  case EValInt:
     return CVelumGenForm::tr("\"%1\" is no whole number that this field can hold, such as %2.");
-  case EConReal:
+  case EValReal:
     return CVelumGenForm::tr("\"%1\" is no number as they are written here, such as %2.");
-  case EConDate:
+  case EValDate:
     return CVelumGenForm::tr("\"%1\" is no date as they are written here, such as %2.");
   default:
     return CVelumGenForm::tr("\"%1\" is no time as they are written here, such as %2.");
@@ -40,7 +41,8 @@ QString WhatItIsNot(qint32 aConType) {
 QString NoteText(const CVelumControl& aControl, const QString& aEntry) {
   constexpr qsizetype most = 40;
   const QString entry = aEntry.size() > most ? aEntry.first(most) + u"..."_s : aEntry;
-  return WhatItIsNot(aControl.ConType()).arg(entry.simplified(), Example(aControl.ConType())) + u' ' +
+  const EVal type = CVelumFieldTypes::Of(aControl.ConType()).iValType;
+  return WhatItIsNot(type).arg(entry.simplified(), Example(type)) + u' ' +
          CVelumGenForm::tr("Esc brings back what was there.");
 }
 

@@ -1,4 +1,5 @@
 // The part of CVelumStackView that answers the events of the card window.
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
@@ -139,7 +140,7 @@ void CVelumStackView::BaseObjValidate(CVelumBaseControl* aObj, bool& ioCancel) {
       iCurCard->UpdateCardLists();
       CVelumError::AssertObj(iCurObj, this, u"BaseObjValidate"_s, u"iCurObj"_s);
     }
-    if (control->ConType() >= EConInteger && control->ConType() <= EConBoolean) ShowStored(*control);
+    if (CVelumFieldTypes::Of(control->ConType()).iShownAgain) ShowStored(*control);
     ForgetFocus();
     CVelumSeams::EventPump().PumpPaint();
   }
