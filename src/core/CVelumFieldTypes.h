@@ -34,8 +34,7 @@ struct TVelumFieldType {
   bool iCombo = false;       // can be the text of a combo box
   bool iInCsv = false;       // a column of a CSV file can become a new field of the type
   EFieldKey iKey = EFieldNoKey;
-  qint16 iKeyLen =
-      0; // default width of its part of a sort key; of a text the most, which its own width bounds
+  qint16 iKeyLen = 0; // default width of its part of a sort key; the most for a text, as wide as its field
   EFieldWidget iWidget = EFieldNoWidget;
 
   [[nodiscard]] constexpr bool IsSortable() const { return iKey != EFieldNoKey; }

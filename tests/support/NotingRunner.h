@@ -10,8 +10,8 @@
 // Installs itself, and takes itself away again.
 class NotingRunner final : public CVelumScriptRunner {
 public:
-  NotingRunner() { gScriptRunner = this; }
-  ~NotingRunner() override { gScriptRunner = nullptr; }
+  NotingRunner() { Install(this); }
+  ~NotingRunner() override { Install(nullptr); }
 
   void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
                            const QString& aMsg) override {

@@ -25,9 +25,9 @@ CVelumCardListForm::CVelumCardListForm()
   iUi->fCardBox->viewport()->installEventFilter(this);
   ShowMovable();
   connect(iUi->fBackgroundCombo, &QComboBox::currentIndexChanged, this, [this] {
-    if (iShowing || !gStackView || !gStackView->CardListView()) return;
+    if (iShowing || !iView || !iView->CardListView()) return;
     CVelumGuard::Run(u"CVelumCardListForm.fBackgroundCombo"_s,
-                     [] { gStackView->CardListView()->FillAndShowCardList(false); });
+                     [this] { iView->CardListView()->FillAndShowCardList(false); });
   });
   connect(iUi->fUpBut, &QPushButton::clicked, this, [this] { Move(false); });
   connect(iUi->fDownBut, &QPushButton::clicked, this, [this] { Move(true); });
@@ -43,32 +43,40 @@ CVelumComboWidget* CVelumCardListForm::BackgroundCombo() const {
   return iUi->fBackgroundCombo;
 }
 
+void CVelumCardListForm::SetView(const Ref<CVelumStackView>& aView) {
+  iView = aView;
+}
+
+void CVelumCardListForm::Unload() {
+  iView = nullptr;
+}
+
 void CVelumCardListForm::Load() {
-  if (!gStackView) return;
+  if (!iView) return;
   const QScopedValueRollback loading(iLoading, true);
-  CVelumWinMan::SetFormRect(*this, gStackView->CardListPlace());
+  CVelumWinMan::SetFormRect(*this, iView->CardListPlace());
 }
 
 void CVelumCardListForm::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject*) {
   if (aKind != EChangeStack && aKind != EChangeStructure && aKind != EChangeBackgroundGoes) return;
-  if (gStackView && gStackView->CardListView())
-    gStackView->CardListView()->RefillBackgrounds(aKind == EChangeBackgroundGoes ? aObj1 : nullptr);
+  if (iView && iView->CardListView())
+    iView->CardListView()->RefillBackgrounds(aKind == EChangeBackgroundGoes ? aObj1 : nullptr);
 }
 
 void CVelumCardListForm::OnItemClick() {
   // Lines are also clicked to be copied or to be moved.
   if (QGuiApplication::keyboardModifiers() & (Qt::ShiftModifier | Qt::ControlModifier)) return;
-  const Ref<CVelumStackView> view = gStackView;
+  const Ref<CVelumStackView> view = iView;
   if (view) CVelumGuard::Run(u"CVelumCardListForm.fCardBox"_s, [&] { view->GoToSelectedCard(); });
 }
 
 void CVelumCardListForm::OnItemDblClick() {
   OnItemClick();
-  if (gStackView && gStackView->CardView()) gStackView->SetFocusToCardView();
+  if (iView && iView->CardView()) iView->SetFocusToCardView();
 }
 
 void CVelumCardListForm::Move(bool aDown) {
-  const Ref<CVelumStackView> view = gStackView;
+  const Ref<CVelumStackView> view = iView;
   if (!view || !view->CardListView()) return;
   CVelumGuard::Run(u"CVelumCardListForm.Move"_s, [&] {
     const Ref<CVelumCard> card = view->CardListView()->SelCard();
@@ -87,7 +95,7 @@ QString CVelumCardListForm::MoveTip(bool aDown) const {
 }
 
 void CVelumCardListForm::ShowMovable() {
-  const CVelumCardListView* list = gStackView ? gStackView->CardListView() : nullptr;
+  const CVelumCardListView* list = iView ? iView->CardListView() : nullptr;
   for (const auto& [button, down] : {std::pair(iUi->fUpBut, false), std::pair(iUi->fDownBut, true)}) {
     button->setEnabled(list && list->CanMove(down));
     button->setToolTip(MoveTip(down));
@@ -114,16 +122,16 @@ bool CVelumCardListForm::event(QEvent* aEvent) {
 }
 
 void CVelumCardListForm::ShowListFont() {
-  if (gStackView && gStackView->CardListView()) gStackView->CardListView()->ApplyListFont();
+  if (iView && iView->CardListView()) iView->CardListView()->ApplyListFont();
 }
 
 void CVelumCardListForm::resizeEvent(QResizeEvent* aEvent) {
   QWidget::resizeEvent(aEvent);
-  if (gStackView && IsLoaded() && !iLoading) gStackView->ResizeCardList();
+  if (iView && IsLoaded() && !iLoading) iView->ResizeCardList();
 }
 
 void CVelumCardListForm::closeEvent(QCloseEvent* aEvent) {
   // The window stays, hidden, for the next time.
   aEvent->ignore();
-  if (gStackView && IsLoaded()) gStackView->CloseCardList();
+  if (iView && IsLoaded()) iView->CloseCardList();
 }

@@ -11,8 +11,9 @@ class CVelumCardListForm;
 }
 class CVelumComboWidget;
 class CVelumListWidget;
+class CVelumStackView;
 
-// Stands in the main window beside the card window. Its logic is in CVelumCardListView and in gStackView.
+// Stands in the main window beside the card window. Its logic is in CVelumCardListView and in its view.
 class CVelumCardListForm final : public QWidget, public CVelumForm {
   Q_OBJECT
 
@@ -21,9 +22,11 @@ public:
   ~CVelumCardListForm() override;
 
   [[nodiscard]] QWidget* Widget() override { return this; }
+  // The view whose cards it lists, from then on until it is unloaded; without one, it does nothing.
+  void SetView(const Ref<CVelumStackView>& aView);
   // Takes the place that the stack keeps for the list.
   void Load() override;
-  void Unload() override {}
+  void Unload() override;
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
 
   [[nodiscard]] CVelumListWidget* CardBox() const;
@@ -48,5 +51,6 @@ private:
   void ShowListFont();
 
   std::unique_ptr<Ui::CVelumCardListForm> iUi;
+  Ref<CVelumStackView> iView;
   bool iLoading = false; // the window takes its place
 };

@@ -8,6 +8,11 @@
 class CVelumScriptRunner {
 public:
   virtual ~CVelumScriptRunner() = default;
+  // The installed runner; while it is null no handler is found and no script runs. Set once, by what starts
+  // the program, which also takes it away.
+  [[nodiscard]] static CVelumScriptRunner* Installed();
+  static void Install(CVelumScriptRunner* aRunner);
+
   // Looks for a handler of aMsg on the control (or nothing), the card, its background and the stack, and runs
   // the first one.
   virtual void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
@@ -23,6 +28,3 @@ public:
   // Where the last one failed, and with what when that was EMsgRunError; without an owner when none did.
   [[nodiscard]] virtual TRunError RunError() const { return {}; }
 };
-
-// The installed runner; while it is null no handler is found and no script runs.
-extern CVelumScriptRunner* gScriptRunner;

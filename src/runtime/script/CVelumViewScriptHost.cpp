@@ -19,20 +19,20 @@ void CheckEntry() {
 
 } // namespace
 
-CVelumViewScriptHost::CVelumViewScriptHost() {
-  gInterpreter = MakeRef<CVelumInterpreter>();
-  gInterpreter->SetHost(this);
-  gScriptRunner = this;
+CVelumViewScriptHost::CVelumViewScriptHost() : iInterpreter(MakeRef<CVelumInterpreter>()) {
+  iInterpreter->SetHost(this);
+  gInterpreter = iInterpreter;
+  Install(this);
 }
 
 CVelumViewScriptHost::~CVelumViewScriptHost() {
-  gScriptRunner = nullptr;
+  Install(nullptr);
   gInterpreter = nullptr;
 }
 
 void CVelumViewScriptHost::LocateAndExecScript(const Ref<CVelumCard>& aCard,
                                                const Ref<CVelumControl>& aControl, const QString& aMsg) {
-  gInterpreter->LocateAndExecScript(aCard, aControl, aMsg);
+  iInterpreter->LocateAndExecScript(aCard, aControl, aMsg);
 }
 
 Ref<CVelumStack> CVelumViewScriptHost::Stack() {
@@ -60,7 +60,7 @@ void CVelumViewScriptHost::SetCardValue(const Ref<CVelumCard>& aCard, CVelumCont
 }
 
 void CVelumViewScriptHost::Answer(const QString& aText) {
-  if (CVelumSeams::Presenter().Answer(aText)) gInterpreter->Break();
+  if (CVelumSeams::Presenter().Answer(aText)) iInterpreter->Break();
 }
 
 void CVelumViewScriptHost::ShowProgress(int aPercent) {

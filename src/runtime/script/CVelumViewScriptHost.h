@@ -4,10 +4,10 @@
 #include "runtime/script/CVelumScriptRunner.h"
 #include "script/CVelumInterpreter.h"
 
-// Passes everything on to gStackView, whichever that is at the moment, and to gInterpreter.
+// Passes everything on to gStackView, whichever that is at the moment, and to its interpreter.
 class CVelumViewScriptHost final : public CVelumScriptHost, public CVelumScriptRunner {
 public:
-  // Makes gInterpreter, and installs itself on both sides.
+  // Makes the interpreter, which is gInterpreter then, and installs itself on both sides.
   CVelumViewScriptHost();
   ~CVelumViewScriptHost() override;
   CVelumViewScriptHost(const CVelumViewScriptHost&) = delete;
@@ -26,9 +26,12 @@ public:
   // CVelumScriptRunner
   void LocateAndExecScript(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl,
                            const QString& aMsg) override;
-  void SetParamVal(const QString& aVal) override { gInterpreter->SetParamVal(aVal); }
-  [[nodiscard]] bool Running() const override { return gInterpreter->Running(); }
-  void Break() override { gInterpreter->Break(); }
-  void Reset() override { gInterpreter->Reset(); }
-  [[nodiscard]] TRunError RunError() const override { return gInterpreter->GetError(); }
+  void SetParamVal(const QString& aVal) override { iInterpreter->SetParamVal(aVal); }
+  [[nodiscard]] bool Running() const override { return iInterpreter->Running(); }
+  void Break() override { iInterpreter->Break(); }
+  void Reset() override { iInterpreter->Reset(); }
+  [[nodiscard]] TRunError RunError() const override { return iInterpreter->GetError(); }
+
+private:
+  const Ref<CVelumInterpreter> iInterpreter;
 };

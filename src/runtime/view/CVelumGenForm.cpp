@@ -96,6 +96,8 @@ CVelumGenForm::CVelumGenForm() : CVelumForm(u"CVelumGenForm"_s, true) {
   SetCaption(u"(No Card)"_s);
 }
 
+CVelumGenForm::~CVelumGenForm() = default;
+
 QString CVelumGenForm::Prefix(EBase aKind) {
   return PoolOf(aKind).iPrefix.toString();
 }
@@ -137,8 +139,16 @@ void CVelumGenForm::Add(CVelumBaseControl* aBase) {
   iByName.insert(aBase->Name(), aBase);
 }
 
+void CVelumGenForm::SetView(const Ref<CVelumStackView>& aView) {
+  iView = aView;
+}
+
 void CVelumGenForm::Load() {
-  if (gStackView) CVelumWinMan::SetFormRect(*this, gStackView->CardViewPlace());
+  if (iView) CVelumWinMan::SetFormRect(*this, iView->CardViewPlace());
+}
+
+void CVelumGenForm::Unload() {
+  iView = nullptr;
 }
 
 CVelumBaseControl* CVelumGenForm::ActiveControl() const {
@@ -160,7 +170,7 @@ void CVelumGenForm::SetCaption(const QString& aCaption) {
 }
 
 void CVelumGenForm::SetCard(int, const Ref<CVelumCard>& aCard) {
-  const Ref<CVelumStackView> view = gStackView;
+  const Ref<CVelumStackView> view = iView;
   if (!view) return;
   view->GoToCard(aCard);
   view->SetFocusToCardView();
@@ -194,7 +204,7 @@ void CVelumGenForm::BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool&
       {EBasePictureBox, EBaseClick, &CVelumGenForm::OnClick},
       {EBasePictureBox, EBaseDblClick, &CVelumGenForm::OnDblClick},
   };
-  if (!gStackView) return;
+  if (!iView) return;
   for (const TRoad& road : roads)
     if (road.iKind == aBase.Kind() && road.iEvent == aEvent) {
       // A value that could not be taken stays where it can be seen.
@@ -205,23 +215,23 @@ void CVelumGenForm::BaseEvent(CVelumBaseControl& aBase, EBaseEvent aEvent, bool&
 }
 
 void CVelumGenForm::OnChange(CVelumBaseControl& aBase, bool&) {
-  gStackView->BaseObjChange(&aBase);
+  iView->BaseObjChange(&aBase);
 }
 
 void CVelumGenForm::OnClick(CVelumBaseControl& aBase, bool&) {
   // A click on the progress display stops the running script.
   const bool progress = aBase.Name() == u"fProgress" || aBase.Name() == u"fProgressBox";
   if (aBase.Kind() != EBasePictureBox)
-    gStackView->BaseObjClick(&aBase);
+    iView->BaseObjClick(&aBase);
   else if (!progress)
     CVelumLib::TogglePictureFit(static_cast<CVelumBasePictureBox&>(aBase));
-  else if (gScriptRunner)
-    gScriptRunner->Break();
+  else if (CVelumScriptRunner* runner = CVelumScriptRunner::Installed())
+    runner->Break();
 }
 
 void CVelumGenForm::TakeOffer(CVelumBasePictureBox& aBox, const QMimeData& aData) {
   CVelumGuard::Run(u"CVelumGenForm.TakeOffer"_s, [&] {
-    const CVelumCardView* view = gStackView ? gStackView->CardView() : nullptr;
+    const CVelumCardView* view = iView ? iView->CardView() : nullptr;
     if (!view || !view->IsVelumControl(&aBox)) return;
     const Ref<CVelumControl> control = view->VelumControl(&aBox);
     CVelumLib::ImportPicture(*control, aData);
@@ -229,48 +239,48 @@ void CVelumGenForm::TakeOffer(CVelumBasePictureBox& aBox, const QMimeData& aData
 }
 
 void CVelumGenForm::OnCheckClick(CVelumBaseControl& aBase, bool&) {
-  if (!iShowing) gStackView->BaseObjClick(&aBase);
+  if (!iShowing) iView->BaseObjClick(&aBase);
 }
 
 void CVelumGenForm::OnDblClick(CVelumBaseControl& aBase, bool&) {
-  gStackView->BaseObjDblClick(&aBase);
+  iView->BaseObjDblClick(&aBase);
 }
 
 void CVelumGenForm::OnGotFocus(CVelumBaseControl& aBase, bool&) {
-  gStackView->BaseObjGotFocus(&aBase);
+  iView->BaseObjGotFocus(&aBase);
 }
 
 void CVelumGenForm::OnPaste(CVelumBaseControl& aBase, bool&) {
-  gStackView->BaseObjPaste(&aBase);
+  iView->BaseObjPaste(&aBase);
 }
 
 void CVelumGenForm::OnValidate(CVelumBaseControl& aBase, bool& ioCancel) {
-  if (&aBase == iLinesBox) return gStackView->TakeLines();
+  if (&aBase == iLinesBox) return iView->TakeLines();
   // A menu opens over a field that keeps the focus: only what was typed is to be taken then.
-  if (aBase.HasFocus() && !gStackView->CurObjChanged()) return;
+  if (aBase.HasFocus() && !iView->CurObjChanged()) return;
   // Anything that was typed elsewhere meanwhile is taken by the same rule.
-  if (gStackView->CurObj() == &aBase)
-    gStackView->BaseObjValidate(&aBase, ioCancel);
+  if (iView->CurObj() == &aBase)
+    iView->BaseObjValidate(&aBase, ioCancel);
   else
-    gStackView->ValidateCurControl();
-  if (aBase.HasFocus() && gStackView) gStackView->BaseObjGotFocus(&aBase);
+    iView->ValidateCurControl();
+  if (aBase.HasFocus() && iView) iView->BaseObjGotFocus(&aBase);
 }
 
 void CVelumGenForm::OnEscape(CVelumBaseControl& aBase, bool& ioCancel) {
-  ioCancel = gStackView->CurObj() == &aBase && gStackView->TakeBackEntry();
+  ioCancel = iView->CurObj() == &aBase && iView->TakeBackEntry();
 }
 
 void CVelumGenForm::OnItemClick(CVelumBaseControl& aBase, bool&) {
-  gStackView->BaseObjItemClick(&aBase);
+  iView->BaseObjItemClick(&aBase);
 }
 
 void CVelumGenForm::OnEditLines(CVelumBaseControl& aBase, bool&) {
-  gStackView->EditLines(&aBase);
+  iView->EditLines(&aBase);
 }
 
 bool CVelumGenForm::eventFilter(QObject* aWatched, QEvent* aEvent) {
   if (DropsMouse(aWatched, *aEvent)) return true;
-  const bool isKey = aWatched == iLinesBox->Widget() && aEvent->type() == QEvent::KeyPress && gStackView;
+  const bool isKey = aWatched == iLinesBox->Widget() && aEvent->type() == QEvent::KeyPress && iView;
   return (isKey && LinesKey(static_cast<const QKeyEvent&>(*aEvent))) ||
          QWidget::eventFilter(aWatched, aEvent);
 }
@@ -278,9 +288,9 @@ bool CVelumGenForm::eventFilter(QObject* aWatched, QEvent* aEvent) {
 bool CVelumGenForm::LinesKey(const QKeyEvent& aKey) {
   const bool enter = aKey.key() == Qt::Key_Return || aKey.key() == Qt::Key_Enter;
   if (aKey.key() == Qt::Key_Escape)
-    gStackView->DropLines();
+    iView->DropLines();
   else if (aKey.key() == Qt::Key_F2 || (enter && (aKey.modifiers() & Qt::ControlModifier)))
-    CVelumGuard::Run(u"CVelumGenForm.fLinesBox"_s, [] { gStackView->TakeLines(); });
+    CVelumGuard::Run(u"CVelumGenForm.fLinesBox"_s, [this] { iView->TakeLines(); });
   else
     return false;
   return true;

@@ -12,24 +12,28 @@
 #include <QWidget>
 
 class CVelumBasePictureBox;
+class CVelumStackView;
 class QKeyEvent;
 class QMimeData;
 
-// Holds no logic: all events go to gStackView. Pool members are named by a prefix of their kind and a number
+// Holds no logic: all events go to its view. Pool members are named by a prefix of their kind and a number
 // from 0, such as "fGenTextBox0"; besides them there are "fProgressBox" with "fProgress" inside it,
 // "fWallPaperBox" (keeps the wallpaper, never seen), "fTempPicBox", and "fLinesBox" for the lines of lists.
 class CVelumGenForm final : public QWidget, public CVelumForm, public CVelumBaseSink, public CVelumCardTaker {
   Q_OBJECT
 public:
   CVelumGenForm();
+  ~CVelumGenForm() override;
   // The prefix and the number of the members of a kind.
   [[nodiscard]] static QString Prefix(EBase aKind);
   [[nodiscard]] static int PoolSize(EBase aKind);
 
   [[nodiscard]] QWidget* Widget() override { return this; }
+  // The view whose cards it shows, from then on until it is unloaded; without one, events go nowhere.
+  void SetView(const Ref<CVelumStackView>& aView);
   // Takes the place that the stack keeps for the card window.
   void Load() override;
-  void Unload() override {}
+  void Unload() override;
 
   // Null for a name that no control has. Exact, case-sensitive.
   [[nodiscard]] CVelumBaseControl* FindControl(const QString& aName) const { return iByName.value(aName); }
@@ -105,6 +109,7 @@ private:
   bool LinesKey(const QKeyEvent& aKey);
   bool DropsMouse(const QObject* aWatched, const QEvent& aEvent);
 
+  Ref<CVelumStackView> iView;
   QList<CVelumBaseControl*> iControls;
   QHash<QString, CVelumBaseControl*> iByName;
   CVelumBaseControl* iLinesBox = nullptr;

@@ -42,7 +42,7 @@ void CVelumGenForm::FollowDesktop() {
 
 bool CVelumGenForm::event(QEvent* aEvent) {
   const bool done = QWidget::event(aEvent);
-  if (aEvent->type() == QEvent::WindowDeactivate && gStackView) gStackView->BaseFormLostFocus();
+  if (aEvent->type() == QEvent::WindowDeactivate && iView) iView->BaseFormLostFocus();
   switch (aEvent->type()) {
   case QEvent::ApplicationPaletteChange:
   case QEvent::ThemeChange:
@@ -81,17 +81,17 @@ void CVelumGenForm::QueueLayout(int aMs) {
 
 void CVelumGenForm::LayOut() {
   iLayoutQueued = false;
-  if (!gStackView || !IsLoaded()) return;
-  CVelumGuard::Run(u"CVelumGenForm.Resize"_s, [] { gStackView->BaseFormResize(); });
+  if (!iView || !IsLoaded()) return;
+  CVelumGuard::Run(u"CVelumGenForm.Resize"_s, [this] { iView->BaseFormResize(); });
   // The view is in the middle of something else.
-  if (gStackView && gStackView->ResizePending()) QueueLayout(EBusyMs);
+  if (iView && iView->ResizePending()) QueueLayout(EBusyMs);
 }
 
 void CVelumGenForm::paintEvent(QPaintEvent* aEvent) {
   QWidget::paintEvent(aEvent);
-  if (!gStackView || !gStackView->CurCard() || !gStackView->CardView()) return;
+  if (!iView || !iView->CurCard() || !iView->CardView()) return;
   QPainter painter(this);
-  gStackView->CardView()->PaintWallPaper(painter, *gStackView->CurCard());
+  iView->CardView()->PaintWallPaper(painter, *iView->CurCard());
 }
 
 void CVelumGenForm::mouseReleaseEvent(QMouseEvent* aEvent) {

@@ -3,7 +3,6 @@
 #include "core/CVelumChecked.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
-#include "runtime/script/CVelumScriptRunner.h"
 #include "runtime/view/CVelumFrameHost.h"
 #include "runtime/view/CVelumGenForm.h"
 #include "toolkit/CVelumToolkitLib.h"
@@ -13,7 +12,6 @@
 #include <cmath>
 
 Ref<CVelumStackView> gStackView;
-CVelumScriptRunner* gScriptRunner = nullptr;
 
 namespace {
 
@@ -95,6 +93,7 @@ void CVelumStackView::OpenCardView() {
   if (iCardViewOpen) return;
   if (!iCardView) iCardView = std::make_unique<CVelumCardView>(iStack, gCardForm);
   CVelumGenForm& form = iCardView->ViewForm();
+  form.SetView(this);
   if (gFrameHost && !form.IsLoaded()) gFrameHost->AddChild(&form);
   CVelumWinMan::LoadForm(form);
   if (gFrameHost)

@@ -12,6 +12,7 @@
 #include <QRectF>
 
 class CVelumBaseRichTextBox;
+class CVelumScriptRunner;
 
 // One for each open stack. Events of the card window end up here and become changes of values and messages
 // to scripts. Pending window events run at fixed points, also in the middle of a change of cards.
@@ -182,7 +183,7 @@ private:
   void FollowCard();
   void TellCardShown() const;
   void RaiseCardList();
-  void RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg);
+  void RunMessage(CVelumScriptRunner& aRunner, const Ref<CVelumObject>& aObj, const QString& aMsg);
 
   Ref<CVelumViewState> iState;
   Ref<CVelumStack> iStack;

@@ -188,7 +188,8 @@ void CVelumStackView::BaseObjLink(CVelumBaseControl* aObj, const QString& aTarge
   const Ref<CVelumControl> control = iCardView->VelumControl(aObj);
   if (aTarget.startsWith(gSelect)) {
     if (RefuseEntry()) return;
-    if (gScriptRunner) gScriptRunner->SetParamVal(aTarget.sliced(gSelect.size()));
+    if (CVelumScriptRunner* runner = CVelumScriptRunner::Installed())
+      runner->SetParamVal(aTarget.sliced(gSelect.size()));
     ExecScript(control, u"select"_s);
     return;
   }
@@ -282,14 +283,15 @@ void CVelumStackView::EditWikiText(const CVelumBaseControl& aObj) {
 
 void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& aMsg) {
   const Ref<CVelumObject> obj = aObj ? aObj : Ref<CVelumObject>(iCurCard);
-  if (!obj || !gScriptRunner) return;
+  CVelumScriptRunner* const runner = CVelumScriptRunner::Installed();
+  if (!obj || !runner) return;
   try {
-    RunMessage(obj, aMsg);
+    RunMessage(*runner, obj, aMsg);
   } catch (...) {
     CVelumError::CatchError(u"CVelumStackView.ExecScript"_s);
     const bool inScript = CVelumError::GetErrorCode() == EMsgRunError;
-    const TRunError error = gScriptRunner->RunError();
-    gScriptRunner->Reset();
+    const TRunError error = runner->RunError();
+    runner->Reset();
     if (inScript)
       ShowRunError(error);
     else
@@ -297,9 +299,10 @@ void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& a
   }
 }
 
-void CVelumStackView::RunMessage(const Ref<CVelumObject>& aObj, const QString& aMsg) {
+void CVelumStackView::RunMessage(CVelumScriptRunner& aRunner, const Ref<CVelumObject>& aObj,
+                                 const QString& aMsg) {
   if (auto* control = dynamic_cast<CVelumControl*>(aObj.Get()))
-    gScriptRunner->LocateAndExecScript(iCurCard, control, aMsg);
+    aRunner.LocateAndExecScript(iCurCard, control, aMsg);
   else if (auto* card = dynamic_cast<CVelumCard*>(aObj.Get()))
-    gScriptRunner->LocateAndExecScript(card, nullptr, aMsg);
+    aRunner.LocateAndExecScript(card, nullptr, aMsg);
 }

@@ -22,13 +22,15 @@ CVelumCardListForm& ListForm() {
 }
 
 bool ScriptRuns() {
-  return gScriptRunner && gScriptRunner->Running();
+  const CVelumScriptRunner* runner = CVelumScriptRunner::Installed();
+  return runner && runner->Running();
 }
 
 } // namespace
 
 void CVelumStackView::OpenCardList() {
   CVelumCardListForm& form = ListForm();
+  form.SetView(this);
   if (gFrameHost && !form.IsLoaded()) gFrameHost->AddChild(&form);
   CVelumWinMan::LoadForm(form);
   if (!iCardListView) iCardListView = std::make_unique<CVelumCardListView>(iStack, form);

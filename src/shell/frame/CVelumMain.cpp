@@ -55,7 +55,7 @@ void InitLibraries() {
 void MakeScripts() {
   gCompiler = MakeRef<CVelumCompiler>();
   // Whoever starts the program may have put another runner in. The interpreter seeds its random numbers.
-  if (!gScriptRunner) gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();
+  if (!CVelumScriptRunner::Installed()) gInstalled->iScripts = std::make_unique<CVelumViewScriptHost>();
 }
 
 void ShowFrame(std::function<void()> aEndProcess) {

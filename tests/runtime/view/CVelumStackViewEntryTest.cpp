@@ -249,7 +249,7 @@ TEST_F(CVelumStackViewEntryTest, AScriptThatLeafsStops) {
   EXPECT_EQ(Raised([&] { host.GoToCard(iCards[1]); }), EHostBadCall);
   EXPECT_EQ(Raised([&] { host.GoToNextCard(); }), EHostBadCall);
   ExpectRefused(u"12x"_s);
-  gScriptRunner = &iRunner;
+  CVelumScriptRunner::Install(&iRunner);
 }
 
 // --- Pastes

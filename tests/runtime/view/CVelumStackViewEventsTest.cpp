@@ -200,7 +200,7 @@ TEST_F(CVelumStackViewEventsTest, AMessageWithoutAnObjectGoesToTheCurrentCard) {
 
 TEST_F(CVelumStackViewEventsTest, WithoutARunnerNoHandlerIsFound) {
   OpenThree();
-  gScriptRunner = nullptr;
+  CVelumScriptRunner::Install(nullptr);
   View().GoToCard(iCards[1]);
   EXPECT_EQ(Cur(), u"b"_s);
 }
