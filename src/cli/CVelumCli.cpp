@@ -4,6 +4,7 @@
 #include "cli/CVelumCliHelp.h"
 #include "cli/CVelumCommands.h"
 #include "cli/CVelumTerminal.h"
+#include "core/CVelumLog.h"
 #include "core/CVelumMsg.h"
 #include "core/text/CVelumLocale.h"
 #include "exchange/CVelumExports.h"
@@ -114,6 +115,7 @@ int RunCommand(const TCall& aCall, CVelumTerminal& aTerminal) {
   aTerminal.SetAnswer(aCall.iYes);
   // A damaged file can fail the same check thousands of times.
   const CVelumError::CCommand command;
+  qCDebug(gLogCli) << "command" << aCall.iCommand->iName;
   const int status = aCall.iCommand->iRun(aCall.iArgs, aTerminal);
   if (!aTerminal.Flush()) CVelumError::RaiseHost(EHostDiskFull, u"standard output"_s);
   return status;

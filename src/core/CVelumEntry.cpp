@@ -1,7 +1,7 @@
 #include "core/CVelumEntry.h"
 
-#include "core/CVelumConst.h"
 #include "core/CVelumError.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "core/text/CVelumLocale.h"
@@ -28,13 +28,13 @@ bool CVelumEntry::IsWhole(const QString& aText, const TVelumFieldInfo& aField) {
   const QString text = aText.trimmed();
   qint16 whole = 0;
   double real = 0.0;
-  switch (aField.iConType) {
-  case EConInteger:
+  switch (CVelumFieldTypes::Of(aField.iConType).iValType) {
+  case EValInt:
     return CVelumLocale::ToShort(text, whole) || ScansWhole(text, true);
-  case EConReal:
+  case EValReal:
     return CVelumLocale::ToReal(text, real) || ScansWhole(text, false);
-  case EConDate:
-  case EConTime:
+  case EValDate:
+  case EValTime:
     return CVelumLocale::ToDateTime(text, real);
   default:
     return true;

@@ -1,5 +1,6 @@
 #include "core/CVelumError.h"
 
+#include "core/CVelumLog.h"
 #include "core/CVelumMsg.h"
 
 #include <QHash>
@@ -161,6 +162,7 @@ void CVelumError::CatchError(const QString& aProc) {
   } catch (const std::exception& e) {
     RecordStd(EHostBadCall, aProc, e);
   }
+  qCDebug(gLogCore) << aProc << "caught" << gLastError.iMsgId << gLastError.iP0 << gLastError.iSysDescr;
 }
 
 TVelumError CVelumError::GetErrorRecord() {

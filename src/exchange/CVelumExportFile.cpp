@@ -1,9 +1,11 @@
 #include "exchange/CVelumExportFile.h"
 
+#include "core/CVelumLog.h"
 #include "persist/CVelumNewFile.h"
 
 bool CVelumExportFile::WriteBeside(const QString& aPath, const CVelumStack& aStack,
                                    const std::function<bool(const QString&)>& aWrite) {
+  qCDebug(gLogExchange) << "export to" << aPath;
   const QString path = CVelumOs::RealPath(aPath);
   const TVelumFileId there = CVelumOs::IdOf(path);
   const QString own = aStack.Filename();

@@ -1,6 +1,7 @@
 #include "persist/CVelumStackFile.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLog.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "persist/CVelumAccess.h"
@@ -113,6 +114,7 @@ bool CVelumStackFile::LoadUnchanged(Ref<CVelumStack>& aStack, Ref<CVelumViewStat
 }
 
 void CVelumStackFile::LoadStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState>& aView) {
+  qCDebug(gLogPersist) << "load" << iFilename;
   constexpr int ETries = 3;
   for (int i = 0; i < ETries; ++i)
     if (LoadUnchanged(aStack, aView)) return;
@@ -139,6 +141,7 @@ void CVelumStackFile::LoadXmlStack(Ref<CVelumStack>& aStack, Ref<CVelumViewState
 }
 
 void CVelumStackFile::SaveStack(const Ref<CVelumStack>& aStack, const Ref<CVelumViewState>& aView) {
+  qCDebug(gLogPersist) << "save" << iFilename;
   iStack = aStack;
   iView = aView;
   if (CVelumChecked::Deref(iStack).Flag(EStaBinary)) {

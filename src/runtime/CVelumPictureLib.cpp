@@ -20,7 +20,9 @@
 
 namespace {
 
-const QString gUnreadable = u"This picture cannot be read."_s;
+QString Unreadable() {
+  return CVelumGenForm::tr("This picture cannot be read.");
+}
 
 QPixmap Decode(const CVelumBlob& aBlob) {
   return QPixmap::fromImage(CVelumPicture(aBlob.Bytes()).ToImage());
@@ -35,7 +37,7 @@ void Empty(CVelumBasePictureBox& aBox, const QString& aNote = {}, const QString&
 
 void ShowBlob(CVelumBlobStore& aStore, CVelumBasePictureBox& aBox, qint32 aBlobId) {
   // A value can name a blob that is not there, or whose damage was told before.
-  if (!aStore.HasBlob(aBlobId) || aStore.Damaged().contains(aBlobId)) return Empty(aBox, gUnreadable);
+  if (!aStore.HasBlob(aBlobId) || aStore.Damaged().contains(aBlobId)) return Empty(aBox, Unreadable());
   const Ref<CVelumBlob> blob = aStore.ReadBlob(aBlobId, false);
   aBox.SetPicture(Decode(*blob));
   blob->IncDynRefCount();
@@ -109,7 +111,7 @@ void CVelumLib::ShowPictureBlob(CVelumBlobStore& aStore, CVelumBasePictureBox& a
   } catch (...) {
     CVelumError::CatchError(u"CVelumLib.ShowPictureBlob"_s);
     const TVelumError error = CVelumError::GetErrorRecord();
-    Empty(aBox, gUnreadable, error.iSysNum == ENoInt ? QString() : error.iSysDescr);
+    Empty(aBox, Unreadable(), error.iSysNum == ENoInt ? QString() : error.iSysDescr);
   }
 }
 
@@ -131,7 +133,8 @@ bool CVelumLib::ImportPicture(CVelumControl& aControl, const QString& aFilename)
 bool CVelumLib::ImportPicture(CVelumControl& aControl, const QMimeData& aData) {
   for (const QUrl& url : aData.urls())
     if (url.isLocalFile()) return ImportPicture(aControl, url.toLocalFile());
-  const TPicSource source{PictureBytes(aData), u"Clipboard"_s, {}, CVelumValue::Today(), CVelumValue::Now()};
+  const TPicSource source{
+      PictureBytes(aData), CVelumGenForm::tr("Clipboard"), {}, CVelumValue::Today(), CVelumValue::Now()};
   return ImportInto(aControl, [&](CVelumStack& aStack, Ref<CVelumBlob>& aBlob) {
     return HandleImportPic(aStack, source, aBlob);
   });

@@ -7,6 +7,7 @@
 #include "runtime/view/CVelumStackView.h"
 #include "toolkit/CVelumToolkitDialogLib.h"
 
+#include <QCoreApplication>
 #include <QLineEdit>
 
 namespace {
@@ -48,7 +49,8 @@ namespace CVelumDialogLib {
 
 void FillBackgroundList(CVelumListBox& aList, const CVelumStack* aStack, const QString& aFirst,
                         const CVelumObject* aExclude) {
-  const CRefill refill(aList, aStack ? aFirst : u"(No stack available)"_s);
+  const CRefill refill(
+      aList, aStack ? aFirst : QCoreApplication::translate("CVelumDialogLib", "(No stack available)"));
   Ref<CVelumControlSet> set;
   for (qint32 i = 0; aStack && aStack->GetNextBackground(set, i);)
     if (set.Get() != aExclude) aList.AddLine(set->Name(), set);
@@ -103,8 +105,10 @@ void FillTypeCombo(CVelumListBox& aList) {
 }
 
 void FillStdCmdCombo(CVelumListBox& aList) {
-  FillCommaList(aList, u"(None),First Card,Previous Card,Next Card,Last Card,Back in History,Forward in "
-                       u"History,Go to Card by Name,Show Card List,Select Card"_s);
+  FillCommaList(aList, QCoreApplication::translate(
+                           "CVelumDialogLib",
+                           "(None),First Card,Previous Card,Next Card,Last Card,Back in History,Forward in "
+                           "History,Go to Card by Name,Show Card List,Select Card"));
 }
 
 void ShowFont(const CVelumFont* aFont, QLineEdit& aNameBox, QLineEdit& aSizeBox, QLabel& aColorBox) {
@@ -140,7 +144,7 @@ QString ArrayToControlNameList(const CVelumArray* aArray, const CVelumControlSet
 }
 
 void TellReadOnly() {
-  CVelumSeams::Presenter().Tell(u"Read-only!"_s);
+  CVelumSeams::Presenter().Tell(QCoreApplication::translate("CVelumDialogLib", "Read-only!"));
 }
 
 } // namespace CVelumDialogLib

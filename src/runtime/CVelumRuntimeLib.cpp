@@ -2,6 +2,7 @@
 
 #include "core/CVelumDialogLib.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumLog.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "persist/CVelumStackFile.h"
@@ -50,6 +51,7 @@ QFont MakeToolkitFont(const CVelumFont& aFont, bool aExact) {
 }
 
 void ReplaceStack(const Ref<CVelumStack>& aStack, const Ref<CVelumStackView>& aView) {
+  qCDebug(gLogRuntime) << "show stack" << aStack->Name() << "of" << aStack->Filename();
   const Ref<CVelumStack> oldStack = gStack;
   const Ref<CVelumStackView> oldView = gStackView;
   if (oldView) oldView->Release();

@@ -1,6 +1,7 @@
 #include "script/CVelumInterpreter.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumLog.h"
 
 #include <chrono>
 
@@ -116,6 +117,7 @@ bool CVelumInterpreter::TryScript(const Ref<CVelumScripted>& aObj, const QString
   QString code;
   qint32 next = 0;
   if (!script->ReadStr(aMsg, code, next)) return false;
+  qCDebug(gLogScript) << "run" << aMsg << "of" << aObj->ObjDescr();
   Execute(aObj, code);
   return true;
 }

@@ -2,6 +2,7 @@
 
 #include "core/CVelumChecked.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumLog.h"
 #include "core/CVelumSeams.h"
 #include "toolkit/CVelumReg.h"
 #include "toolkit/CVelumScreenFit.h"
@@ -205,12 +206,14 @@ bool FormIsLoaded(const QString& aName) {
 
 void LoadForm(CVelumForm& aForm) {
   if (aForm.IsLoaded()) return;
+  qCDebug(gLogToolkit) << "load" << aForm.Name();
   Windows().iLoaded.Add(aForm);
   aForm.Load();
 }
 
 void UnloadForm(CVelumForm& aForm) {
   if (!aForm.IsLoaded()) return;
+  qCDebug(gLogToolkit) << "unload" << aForm.Name();
   // A window whose place cannot be kept goes all the same.
   const auto gone = qScopeGuard([&aForm] {
     Forget(aForm);
@@ -238,6 +241,7 @@ void ShowDialog(CVelumForm& aForm, bool aModal, QWidget* aOwner) {
 }
 
 void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) {
+  qCDebug(gLogToolkit) << "change of kind" << aKind;
   // Listeners may drop the last other reference.
   const Ref<CVelumObject> keep1(aObj1);
   const Ref<CVelumObject> keep2(aObj2);

@@ -1,6 +1,7 @@
 // The stack on file, and what is put right and connected after reading.
 #include "core/CVelumChecked.h"
 #include "core/CVelumLib.h"
+#include "core/CVelumLog.h"
 #include "core/file/CVelumFile.h"
 #include "model/CVelumStack.h"
 
@@ -63,6 +64,7 @@ void CVelumStack::LinkLoaded() {
   SetControlDynFlags();
   CheckOrderIndex(sums);
   BuildCardFinder();
+  qCDebug(gLogModel) << "linked" << NumCards() << "cards," << iLoadProblems.size() << "faults mended";
   iOrder.SetChanged(false);
   iChanged = false;
 }

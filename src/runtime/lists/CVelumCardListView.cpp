@@ -99,13 +99,14 @@ void CVelumCardListView::DefineColumns() {
     titles.append(aTitle);
     widths.append(aChars * metrics.iAvgCharWidth + aMargin);
   };
-  if (iWithName) add(u"Card"_s, ENameChars, metrics.iFieldGapY);
+  if (iWithName) add(CVelumCardListForm::tr("Card"), ENameChars, metrics.iFieldGapY);
   for (qint32 i = 0; !iMixed && i < set->NumControls(); ++i) {
     const CVelumControl* control = set->ControlAt(i);
     if (control && control->InCardList())
       add(control->ListColTitle(), static_cast<float>(control->ListVisChar()), metrics.iFieldGapY);
   }
-  for (qint32 i = 1; iMixed && i <= maxCols; ++i) add(u"Field "_s + QString::number(i), EMixedChars, 0);
+  for (qint32 i = 1; iMixed && i <= maxCols; ++i)
+    add(CVelumCardListForm::tr("Field %1").arg(i), EMixedChars, 0);
   iCardBox->DefineColumns(titles, widths);
 }
 

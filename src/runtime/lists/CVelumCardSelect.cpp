@@ -27,7 +27,7 @@ CVelumCardSelect::~CVelumCardSelect() = default;
 void CVelumCardSelect::Load() {
   CVelumDialogForm::Load();
   const QScopedValueRollback loading(iLoading, true);
-  iCardBox->Define1Column(u"Name"_s);
+  iCardBox->Define1Column(tr("Name"));
   CVelumDialogLib::FillBackgroundList(*iBackgroundBox, gStack.Get(), {}, nullptr);
   CVelumDialogLib::SelectCurBackground(*iBackgroundBox);
   FillCards();

@@ -142,7 +142,7 @@ void CVelumCardLayout::MeasureLabels(CVelumCard& aCard, const CVelumControlSet& 
 void CVelumCardLayout::PlaceHeader(CVelumCard& aCard) {
   auto& label = Next<CVelumBaseLabel>(EBaseLabel);
   iCardNameLabel = &label;
-  label.SetText(u"Card Name"_s);
+  label.SetText(CVelumGenForm::tr("Card Name"));
   label.SetNudge(0);
   const float height = Metrics(label, aCard, nullptr).iLineHeight;
   label.SetPlace(iLabelGap[0], iNextY[0]);

@@ -129,7 +129,7 @@ void CVelumCardView::Clear() {
   CVelumGenForm& form = ViewForm();
   Unbind();
   HideAll(form);
-  SetTitle(u"(No Card)"_s);
+  SetTitle(CVelumGenForm::tr("(No Card)"));
   iCurSet = nullptr;
   CVelumSeams::EventPump().PumpPaint();
 }
@@ -234,7 +234,7 @@ void CVelumCardView::HoldWallPaper(CVelumBasePictureBox& aBox, qint32 aId) {
   if (!aBox.Picture().isNull()) return;
   // Told once, when the card stands.
   QMetaObject::invokeMethod(
-      &ViewForm(), [] { CVelumSeams::Presenter().Tell(u"The wallpaper cannot be read."_s); },
+      &ViewForm(), [] { CVelumSeams::Presenter().Tell(CVelumGenForm::tr("The wallpaper cannot be read.")); },
       Qt::QueuedConnection);
 }
 

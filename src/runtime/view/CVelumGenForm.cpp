@@ -93,7 +93,7 @@ CVelumGenForm::CVelumGenForm() : CVelumForm(u"CVelumGenForm"_s, true) {
   setAutoFillBackground(true);
   for (const TPool& pool : gPools) AddPool(pool.iKind);
   AddOthers();
-  SetCaption(u"(No Card)"_s);
+  SetCaption(tr("(No Card)"));
 }
 
 CVelumGenForm::~CVelumGenForm() = default;

@@ -105,7 +105,7 @@ void CVelumGenForm::mouseReleaseEvent(QMouseEvent* aEvent) {
 void CVelumGenForm::mouseDoubleClickEvent(QMouseEvent* aEvent) {
   QWidget::mouseDoubleClickEvent(aEvent);
   // A passive control hands its events on; they are not the form's own.
-  if (!childAt(aEvent->position().toPoint())) CVelumSeams::Presenter().Tell(u"DblClick"_s);
+  if (!childAt(aEvent->position().toPoint())) CVelumSeams::Presenter().Tell(tr("DblClick"));
 }
 
 void CVelumGenForm::closeEvent(QCloseEvent* aEvent) {

@@ -222,8 +222,8 @@ void CVelumStackView::ShowTitle() {
   if (!iCurCard || !iCardView) return;
   qint32 num = 0;
   const qint32 index = iStack->GetCardIndex(*iCurCard, num);
-  iCardView->SetTitle(
-      u"%1 - %2 of %3"_s.arg(iCurCard->Name(), QString::number(index + 1), QString::number(num)));
+  iCardView->SetTitle(CVelumGenForm::tr("%1 - %2 of %3")
+                          .arg(iCurCard->Name(), QString::number(index + 1), QString::number(num)));
 }
 
 void CVelumStackView::BaseFormResize() {

@@ -31,7 +31,7 @@ CVelumWikiTextEdit::~CVelumWikiTextEdit() = default;
 void CVelumWikiTextEdit::SetObj(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl) {
   if (Changed()) {
     if (aCard == iCard && aControl == iControl) return;
-    CVelumSeams::Presenter().Tell(u"Another text is still being edited. Save or cancel it first."_s);
+    CVelumSeams::Presenter().Tell(tr("Another text is still being edited. Save or cancel it first."));
     return;
   }
   iCard = aCard;
@@ -72,13 +72,13 @@ void CVelumWikiTextEdit::SelToLink() {
   if (len <= 0) return;
   if (fWikiText->Text().mid(start + len - 1, 1) == u" "_s) --len;
   if (!fWikiText->Surround(start, len, u"[["_s, u"]]"_s))
-    CVelumSeams::Presenter().Tell(u"The text would get too long."_s);
+    CVelumSeams::Presenter().Tell(tr("The text would get too long."));
   fWikiText->SetFocus();
 }
 
 void CVelumWikiTextEdit::Save() {
   if (!IsThere()) {
-    CVelumSeams::Presenter().Tell(u"The field is no longer there. Its text cannot be saved."_s);
+    CVelumSeams::Presenter().Tell(tr("The field is no longer there. Its text cannot be saved."));
     return;
   }
   gStackView->SetCardValue(iCard, iControl->Id(),

@@ -97,8 +97,8 @@ void CVelumCardEdit::ConnectButtons() {
 
 void CVelumCardEdit::Load() {
   CVelumDialogForm::Load();
-  iCardBox->Define1Column(u"Card Name"_s);
-  iControlBox->DefineColumnsList(u"Name:0.4,Current Value:0.6"_s);
+  iCardBox->Define1Column(tr("Card Name"));
+  iControlBox->DefineColumnsList(u"%1:0.4,%2:0.6"_s.arg(tr("Name"), tr("Current Value")));
   const QScopedValueRollback showing(iShowing, true);
   FillBackgrounds();
   CVelumDialogLib::SelectCurBackground(*iBackgroundBox);

@@ -37,7 +37,7 @@ Ref<CVelumControlSet> Background() {
 
 CVelumCsvExportOptions::CVelumCsvExportOptions()
     : CVelumDialogForm(u"CVelumCsvExportOptions"_s, false), iUi(new Ui::CVelumCsvExportOptions),
-      fExportDialog(u"CSV Export File Name"_s, u"csv"_s, u"CSV Files (*.csv)|*.csv|All Files (*.*)|*"_s) {
+      fExportDialog(tr("CSV Export File Name"), u"csv"_s, tr("CSV Files (*.csv)|*.csv|All Files (*.*)|*")) {
   iUi->setupUi(this);
   connect(iUi->fExportBut, &QPushButton::clicked, this,
           [this] { CVelumGuard::Run(u"CVelumCsvExportOptions.fExportBut"_s, [this] { Export(); }); });

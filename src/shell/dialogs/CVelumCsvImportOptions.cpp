@@ -92,7 +92,7 @@ void CVelumCsvImportOptions::Load() {
   CVelumDialogForm::Load();
   CVelumScreenFit::KeepOnScreen(*this, true);
   const QScopedValueRollback showing(iShowing, true);
-  iLineBox->Define1Column(u"Line"_s);
+  iLineBox->Define1Column(tr("Line"));
   iUi->fExact->setChecked(true);
   iUi->fAutoCoding->setChecked(true);
   iUi->fHeaderLine->setChecked(true);

@@ -22,7 +22,8 @@ const QString ECsvForm = u"CVelumCsvExportOptions"_s;
 
 CVelumExportOptions::CVelumExportOptions()
     : CVelumDialogForm(u"CVelumExportOptions"_s, true), iUi(new Ui::CVelumExportOptions),
-      fExportXmlDialog(u"XML Export File Name"_s, u"csv"_s, u"XML Files (*.xml)|*.xml|All Files (*.*)|*"_s) {
+      fExportXmlDialog(tr("XML Export File Name"), u"csv"_s,
+                       tr("XML Files (*.xml)|*.xml|All Files (*.*)|*")) {
   iUi->setupUi(this);
   iBackgroundBox = MakeRef<CVelumListBox>(ELisSingle, iUi->fBackgroundBox, this);
   for (const QRadioButton* choice : {iUi->fCsv, iUi->fXml})
@@ -36,7 +37,7 @@ CVelumExportOptions::~CVelumExportOptions() = default;
 void CVelumExportOptions::Load() {
   CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
-  iBackgroundBox->Define1Column(u"Background"_s);
+  iBackgroundBox->Define1Column(tr("Background"));
   CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
   iUi->fCsv->setChecked(true);
   HandleDisables();

@@ -32,13 +32,13 @@ bool gIntoCurStack = false;
 
 CVelumImportOptions::CVelumImportOptions()
     : CVelumDialogForm(u"CVelumImportOptions"_s, true), iUi(new Ui::CVelumImportOptions),
-      fImportCsvDialog(u"Import CSV File"_s, u"csv"_s, u"CSV Files (*.csv)|*.csv|All Files (*.*)|*"_s),
-      fImportXmlDialog(u"Import XML File"_s, u"xml"_s, u"XML Files (*.xml)|*.xml|All Files (*.*)|*"_s),
-      fImportHandBaseDialog(u"Import HanDBase File"_s, u"csv"_s,
-                            u"HanDBase Files (*.pdb)|*.pdb|All Files (*.*)|*"_s),
-      fImportOrvelleDialog(u"Import Orvelle / Merge Orvelles"_s, u"Orvelle"_s,
-                           u"Orvelle  (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s),
-      fImportTextDialog(u"Import Pure Text File"_s, u"csv"_s, u"All Files (*.*)|*"_s) {
+      fImportCsvDialog(tr("Import CSV File"), u"csv"_s, tr("CSV Files (*.csv)|*.csv|All Files (*.*)|*")),
+      fImportXmlDialog(tr("Import XML File"), u"xml"_s, tr("XML Files (*.xml)|*.xml|All Files (*.*)|*")),
+      fImportHandBaseDialog(tr("Import HanDBase File"), u"csv"_s,
+                            tr("HanDBase Files (*.pdb)|*.pdb|All Files (*.*)|*")),
+      fImportOrvelleDialog(tr("Import Orvelle / Merge Orvelles"), u"Orvelle"_s,
+                           tr("Orvelle  (*.Orvelle)|*.Orvelle|All Files (*.*)|*")),
+      fImportTextDialog(tr("Import Pure Text File"), u"csv"_s, tr("All Files (*.*)|*")) {
   iUi->setupUi(this);
   iBackgroundBox = MakeRef<CVelumListBox>(ELisSingle, iUi->fBackgroundBox, this);
   for (QAbstractButton* choice : std::initializer_list<QAbstractButton*>{
@@ -60,7 +60,7 @@ CVelumImportOptions::~CVelumImportOptions() = default;
 void CVelumImportOptions::Load() {
   CVelumDialogLib::StayAboveFrame(*this);
   CVelumDialogForm::Load();
-  iBackgroundBox->Define1Column(u"Background"_s);
+  iBackgroundBox->Define1Column(tr("Background"));
   CVelumDialogLib::RefillBackgroundList(*iBackgroundBox, gStack.Get(), nullptr);
   iUi->fCsv->setChecked(true);
   iUi->fIntoCurStack->setChecked(gIntoCurStack);

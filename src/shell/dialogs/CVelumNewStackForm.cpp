@@ -73,8 +73,8 @@ CVelumNewStackForm::~CVelumNewStackForm() = default;
 void CVelumNewStackForm::Load() {
   CVelumDialogForm::Load();
   iUi->fDescr->clear();
-  iUi->fBackgroundName->setText(u"Normal Card"_s);
-  iUi->fCardName->setText(u"Start"_s);
+  iUi->fBackgroundName->setText(tr("Normal Card"));
+  iUi->fCardName->setText(tr("Start"));
   iUi->fDescr->setFocus();
 }
 

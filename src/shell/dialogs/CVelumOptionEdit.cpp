@@ -7,7 +7,7 @@
 
 CVelumOptionEdit::CVelumOptionEdit()
     : CVelumDialogForm(u"CVelumOptionEdit"_s, false), iUi(new Ui::CVelumOptionEdit),
-      fSelectDialog(u"Auto-load Stack"_s, u"orv"_s, u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s) {
+      fSelectDialog(tr("Auto-load Stack"), u"orv"_s, tr("Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*")) {
   iUi->setupUi(this);
   connect(iUi->fSelectAutoBut, &QPushButton::clicked, this, &CVelumOptionEdit::SelectAuto);
   connect(iUi->fSelectFolderBut, &QPushButton::clicked, this, &CVelumOptionEdit::SelectFolder);
@@ -31,7 +31,7 @@ void CVelumOptionEdit::SelectAuto() {
 
 void CVelumOptionEdit::SelectFolder() {
   const QString start = CVelumOptions::StartFolder(iUi->fStackFolder->text());
-  const QString folder = CVelumLib::BrowseForFolder(this, u"Select Stack Folder"_s, start);
+  const QString folder = CVelumLib::BrowseForFolder(this, tr("Select Stack Folder"), start);
   if (!folder.isEmpty()) iUi->fStackFolder->setText(folder);
 }
 

@@ -1,5 +1,6 @@
 #include "shell/frame/CVelumFrame.h"
 
+#include "core/CVelumLog.h"
 #include "core/CVelumMsg.h"
 #include "core/CVelumSeams.h"
 #include "runtime/CVelumIcons.h"
@@ -101,7 +102,10 @@ void CVelumFrame::AddCardListButton() {
 
 void CVelumFrame::ConnectMenus() {
   const auto on = [this](QAction* aAction, auto aCommand) {
-    connect(aAction, &QAction::triggered, this, [aCommand] { CVelumGuard::Run(u"CVelumFrame"_s, aCommand); });
+    connect(aAction, &QAction::triggered, this, [aAction, aCommand] {
+      qCDebug(gLogShell) << "command" << aAction->objectName();
+      CVelumGuard::Run(u"CVelumFrame"_s, aCommand);
+    });
   };
   // These close, replace or empty the stack: a running script ends first.
   const auto onIdle = [&on](QAction* aAction, auto aCommand) {

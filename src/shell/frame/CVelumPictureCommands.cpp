@@ -8,6 +8,8 @@
 #include "shell/frame/CVelumCommandTable.h"
 #include "toolkit/CVelumWinMan.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 // The picture field that has the focus, or nothing.
@@ -20,8 +22,10 @@ Ref<CVelumControl> PictureField() {
 
 CVelumPictureCommands::CVelumPictureCommands(QWidget& aFrame)
     : iFrame(aFrame),
-      fImportPicDialog(u"Import Picture"_s, u"gif"_s,
-                       u"Pictures (*.gif;*.jpg;*.bmp)|*.gif;*.jpg;*.bmp|All Files (*.*)|*"_s) {}
+      fImportPicDialog(
+          QCoreApplication::translate("CVelumPictureCommands", "Import Picture"), u"gif"_s,
+          QCoreApplication::translate("CVelumPictureCommands",
+                                      "Pictures (*.gif;*.jpg;*.bmp)|*.gif;*.jpg;*.bmp|All Files (*.*)|*")) {}
 
 void CVelumPictureCommands::ImportPicFile() {
   const Ref<CVelumControl> field = PictureField();

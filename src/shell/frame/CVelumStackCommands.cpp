@@ -14,6 +14,7 @@
 #include "shell/frame/CVelumStackName.h"
 #include "toolkit/CVelumGuard.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -40,7 +41,12 @@ template <class T> bool RunSave(T aSave) {
   return false;
 }
 
-const QString EFilter = u"Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*"_s;
+QString Text(const char* aText) {
+  return QCoreApplication::translate("CVelumStackCommands", aText);
+}
+
+const char* const EFilter =
+    QT_TRANSLATE_NOOP("CVelumStackCommands", "Orvelle (*.Orvelle)|*.Orvelle|All Files (*.*)|*");
 
 // The message, and below it what it is about.
 bool AskEmpty(const QString& aCards) {
@@ -65,8 +71,10 @@ QString FolderOf(const QString& aPath) {
 } // namespace
 
 CVelumStackCommands::CVelumStackCommands(QWidget& aFrame)
-    : iFrame(aFrame), fLoadDialog(u"Open Stack"_s, u"Orvelle"_s, EFilter),
-      fSaveDialog(u"Save Stack As"_s, u"Orvelle"_s, EFilter) {}
+    : iFrame(aFrame), fLoadDialog(QCoreApplication::translate("CVelumStackCommands", "Open Stack"),
+                                  u"Orvelle"_s, Text(EFilter)),
+      fSaveDialog(QCoreApplication::translate("CVelumStackCommands", "Save Stack As"), u"Orvelle"_s,
+                  Text(EFilter)) {}
 
 void CVelumStackCommands::OpenStack() {
   if (fLoadDialog.InitDir().isEmpty())
