@@ -83,6 +83,12 @@ TEST(CVelumFieldTypes, ValuesAreThoseOfConversions) {
             (QList<qint32>{EConCommand, EConPicture}));
 }
 
+// Windows that offer types of columns know them by their place.
+TEST(CVelumFieldTypes, TypesOfColumnsComeFirst) {
+  EXPECT_EQ(TypesThat([](const auto& aType) { return aType.iInCsv; }),
+            (QList<qint32>{EConText, EConInteger, EConReal, EConDate, EConTime, EConBoolean}));
+}
+
 TEST(CVelumFieldTypes, OtherNumbersCanDoNothing) {
   for (const qint32 number : {-1, static_cast<qint32>(gRows.size()), ENoInt, INT_MIN}) {
     EXPECT_FALSE(CVelumFieldTypes::IsType(number));

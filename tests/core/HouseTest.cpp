@@ -119,4 +119,19 @@ TEST(HouseTest, GivesEveryNameOfATypeOnce) {
   EXPECT_GT(seen.size(), 100);
 }
 
+// Without tr() a translator never sees a text. Calls that show one are known by their names.
+TEST(HouseTest, ShowsOnlyTextsThatCanBeTranslated) {
+  static const QRegularExpression shown(
+      u"\\b(Tell|SetCaption|SetTitle|SetText|Define1Column|DefineColumnsList|setWindowTitle|setText|"
+      u"setToolTip"
+      "|setTitle|addAction|addItem|addButton|BrowseForFolder|f\\w+Dialog)\\((?:this, )?u\"[A-Z&(][^\"]*[a-z]"_s);
+  for (const QString& file : Files({u"*.cpp"_s})) {
+    static const QStringList rooms{u"shell"_s, u"runtime"_s, u"toolkit"_s};
+    // Names what it takes pictures of, for nobody to read.
+    if (!rooms.contains(file.section(u'/', 0, 0)) || file.endsWith(u"/CVelumPictures.cpp")) continue;
+    const QRegularExpressionMatch found = shown.match(TextOf(Sources().filePath(file)));
+    EXPECT_FALSE(found.hasMatch()) << file.toStdString() << ": " << found.captured().toStdString();
+  }
+}
+
 } // namespace

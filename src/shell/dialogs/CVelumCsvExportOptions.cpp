@@ -5,7 +5,6 @@
 #include "core/CVelumSeams.h"
 #include "exchange/CVelumExports.h"
 #include "exchange/CVelumPlainExport.h"
-#include "shell/dialogs/CVelumExportOptions.h"
 #include "shell/dialogs/CVelumOptions.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
 #include "shell/frame/CVelumProgressBox.h"
@@ -21,17 +20,6 @@
 namespace {
 
 constexpr qint64 EPatience = 300; // milliseconds of counting before the window comes up
-const QString EExportForm = u"CVelumExportOptions"_s;
-
-CVelumExportOptions* ExportForm() {
-  if (!CVelumWinMan::FormIsLoaded(EExportForm)) return nullptr;
-  return dynamic_cast<CVelumExportOptions*>(CVelumWinMan::NameToForm(EExportForm));
-}
-
-Ref<CVelumControlSet> Background() {
-  const CVelumExportOptions* form = ExportForm();
-  return form ? form->Background() : nullptr;
-}
 
 } // namespace
 
@@ -81,7 +69,7 @@ void CVelumCsvExportOptions::ShowLacking() {
     iUi->fUtf8->setChecked(true);
     return iUi->fLacking->setVisible(false);
   }
-  const Ref<CVelumControlSet> background = Background();
+  const Ref<CVelumControlSet> background = iExport.iBackground();
   QElapsedTimer clock;
   clock.start();
   bool whole = true;
@@ -112,12 +100,11 @@ void CVelumCsvExportOptions::Export() {
   if (lacking > 0 && iUi->fLacking->isHidden())
     CVelumSeams::Presenter().Tell(
         tr("%1 characters are not in Latin-1 / Windows and became “?”.").arg(QLocale().toString(lacking)));
-  // Takes this window along.
-  if (CVelumExportOptions* form = ExportForm()) CVelumWinMan::UnloadForm(*form);
+  iExport.iDone();
 }
 
 bool CVelumCsvExportOptions::WriteFile(const QString& aPath, qint64& aLacking, QStringList& aLeftOut) {
-  const Ref<CVelumControlSet> background = Background();
+  const Ref<CVelumControlSet> background = iExport.iBackground();
   const TVelumCsvForm form{Delimiter(), iUi->fUtf8->isChecked() ? ECodUtf8 : ECodLatin1};
   bool done = false;
   {

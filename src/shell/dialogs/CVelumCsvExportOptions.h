@@ -1,6 +1,7 @@
 // The settings of an export as CSV.
 #pragma once
 
+#include "shell/dialogs/CVelumCsvExporter.h"
 #include "toolkit/CVelumDialogForm.h"
 #include "toolkit/CVelumFileDialog.h"
 
@@ -10,14 +11,15 @@ namespace Ui {
 class CVelumCsvExportOptions;
 }
 
-// Exports the background that is selected in CVelumExportOptions.
-class CVelumCsvExportOptions final : public CVelumDialogForm {
+// Exports the background that is handed over.
+class CVelumCsvExportOptions final : public CVelumDialogForm, public CVelumCsvExporter {
   Q_OBJECT
 
 public:
   CVelumCsvExportOptions();
   ~CVelumCsvExportOptions() override;
 
+  void SetExport(const TVelumCsvExport& aExport) override { iExport = aExport; }
   void Load() override;
   // Keeps the folder and the delimiter for the next time.
   void Unload() override;
@@ -35,4 +37,5 @@ private:
 
   std::unique_ptr<Ui::CVelumCsvExportOptions> iUi;
   CVelumFileDialog fExportDialog;
+  TVelumCsvExport iExport;
 };

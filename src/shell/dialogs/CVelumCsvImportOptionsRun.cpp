@@ -1,7 +1,7 @@
 // The import itself, out of the window of the CSV settings.
 #include "core/CVelumDialogLib.h"
-#include "core/CVelumSeams.h"
 #include "core/CVelumMsg.h"
+#include "core/CVelumSeams.h"
 #include "runtime/CVelumRuntimeLib.h"
 #include "runtime/view/CVelumStackView.h"
 #include "shell/dialogs/CVelumCsvImportOptions.h"
@@ -19,7 +19,6 @@
 #include <QScopedValueRollback>
 
 namespace {
-
 
 CVelumImportOptions* ImportForm() {
   const QString name = u"CVelumImportOptions"_s;

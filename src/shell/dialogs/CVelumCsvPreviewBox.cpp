@@ -1,5 +1,7 @@
 #include "shell/dialogs/CVelumCsvPreviewBox.h"
 
+#include "core/CVelumFieldTypes.h"
+
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QLocale>
@@ -64,6 +66,8 @@ QString CVelumCsvPreviewBox::Counts(qint64 aChanged, qint64 aLeftOut) {
 }
 
 QStringList CVelumCsvPreviewBox::TypeNames() {
-  return {QStringLiteral("Text"), QStringLiteral("Integer"), QStringLiteral("Float"),
-          QStringLiteral("Date"), QStringLiteral("Time"),    QStringLiteral("Boolean")};
+  QStringList names;
+  for (const TVelumFieldType& type : CVelumFieldTypes::gRows)
+    if (type.iInCsv) names.append(type.iChoice.toString());
+  return names;
 }

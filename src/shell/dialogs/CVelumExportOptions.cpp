@@ -4,6 +4,7 @@
 #include "core/CVelumSeams.h"
 #include "exchange/CVelumExports.h"
 #include "runtime/CVelumRuntimeDialogLib.h"
+#include "shell/dialogs/CVelumCsvExporter.h"
 #include "shell/dialogs/CVelumOptions.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
 #include "shell/frame/CVelumProgressBox.h"
@@ -13,6 +14,7 @@
 #include "ui_CVelumExportOptions.h"
 
 #include <QFileInfo>
+#include <QPointer>
 
 namespace {
 
@@ -69,8 +71,20 @@ void CVelumExportOptions::Export() {
     if (iUi->fXml->isChecked())
       ExportXmlFile();
     else
-      CVelumWinMan::ShowDialog(*CVelumWinMan::NameToForm(ECsvForm), false, this);
+      ShowCsvSettings();
   });
+}
+
+void CVelumExportOptions::ShowCsvSettings() {
+  CVelumForm* form = CVelumWinMan::NameToForm(ECsvForm);
+  if (auto* exporter = dynamic_cast<CVelumCsvExporter*>(form)) {
+    const QPointer<CVelumExportOptions> self(this);
+    exporter->SetExport({[self] { return self ? self->Background() : nullptr; },
+                         [self] {
+                           if (self) CVelumWinMan::UnloadForm(*self);
+                         }});
+  }
+  CVelumWinMan::ShowDialog(*form, false, this);
 }
 
 void CVelumExportOptions::ExportXmlFile() {

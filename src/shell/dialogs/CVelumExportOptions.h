@@ -33,6 +33,7 @@ private:
   void HandleDisables();
   void Export();
   void ExportXmlFile();
+  void ShowCsvSettings();
 
   std::unique_ptr<Ui::CVelumExportOptions> iUi;
   Ref<CVelumListBox> iBackgroundBox;
