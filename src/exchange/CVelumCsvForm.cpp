@@ -1,5 +1,6 @@
 #include "exchange/CVelumCsvForm.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "core/text/CVelumDays.h"
 #include "core/text/CVelumDecimal.h"
 #include "core/text/CVelumLocale.h"
@@ -142,16 +143,16 @@ ECsvFit ReadBoolean(std::string_view aText, TVelumValue& aValue) {
 }
 
 ECsvFit ReadTyped(std::string_view aText, const TCsvForm& aForm, TVelumValue& aValue) {
-  switch (aForm.iType) {
-  case EConInteger:
+  switch (CVelumFieldTypes::Of(aForm.iType).iValType) {
+  case EValInt:
     return ReadWhole(aText, aForm, aValue);
-  case EConReal:
+  case EValReal:
     return ReadReal(aText, aForm, aValue);
-  case EConDate:
+  case EValDate:
     return ReadDateForm(aText, aForm, aValue);
-  case EConTime:
+  case EValTime:
     return ReadTimeForm(aText, aValue);
-  case EConBoolean:
+  case EValBoolean:
     return ReadBoolean(aText, aValue);
   default:
     return ECsvFit::Refused;
@@ -205,7 +206,7 @@ void AppendTime(double aTime, std::string& aTo) {
 } // namespace
 
 ECsvFit CVelumCsvForms::Read(std::string_view aText, const TCsvForm& aForm, TVelumValue& aValue) {
-  if (aForm.iType == EConText || aForm.iType == EConList) {
+  if (CVelumFieldTypes::Of(aForm.iType).iValType == EValStr) {
     aValue = TVelumValue::OfStr(Wide(aText));
     return ECsvFit::Same;
   }

@@ -1,6 +1,7 @@
 #include "exchange/CVelumCsvMaker.h"
 
 #include "core/CVelumChecked.h"
+#include "core/CVelumFieldTypes.h"
 #include "core/CVelumValue.h"
 #include "core/text/CVelumCollation.h"
 #include "exchange/CVelumCsvText.h"
@@ -14,7 +15,7 @@ namespace {
 constexpr size_t EMaxCached = 64; // bytes of a text that others may repeat
 
 bool IsText(qint32 aType) {
-  return aType == EConText || aType == EConList;
+  return CVelumFieldTypes::Of(aType).iValType == EValStr;
 }
 
 // Negative, 0 or positive, as sort keys compare them. Both are of one type.

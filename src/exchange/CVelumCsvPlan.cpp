@@ -1,5 +1,6 @@
 #include "exchange/CVelumCsvPlan.h"
 
+#include "core/CVelumFieldTypes.h"
 #include "exchange/CVelumFieldNames.h"
 
 #include <QSet>
@@ -51,7 +52,7 @@ QStringList NamesOf(const CVelumCsvScan& aScan) {
 void TakeField(const CVelumControl& aField, const CVelumCsvColumn& aColumn, TCsvPlanColumn& aPlan) {
   aPlan.iField = aField.Id();
   aPlan.iForm = aColumn.FormFor(aField.ConType());
-  const bool text = aField.ConType() == EConText || aField.ConType() == EConList;
+  const bool text = CVelumFieldTypes::Of(aField.ConType()).iValType == EValStr;
   aPlan.iChecked = !text && !(aPlan.iForm == aColumn.Found());
   aPlan.iQuotedEmpty = text && !aField.DefaultVal().isEmpty();
 }

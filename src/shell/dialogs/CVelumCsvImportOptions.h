@@ -3,6 +3,7 @@
 
 #include "exchange/CVelumCsvPreview.h"
 #include "runtime/lists/CVelumListBox.h"
+#include "shell/dialogs/CVelumCsvImporter.h"
 #include "shell/dialogs/CVelumCsvWork.h"
 #include "toolkit/CVelumDialogForm.h"
 
@@ -14,12 +15,10 @@ namespace Ui {
 class CVelumCsvImportOptions;
 }
 
-class CVelumImportOptions;
-
 // Shows the first records as they would come in, proposes how to read them, and imports into what
-// CVelumImportOptions, which must stay loaded, says. Exact, the way that is chosen at first, looks through
+// the window that opened it says. Exact, the way that is chosen at first, looks through
 // the whole file meanwhile, and its import waits for that; Classic reads by the older rules.
-class CVelumCsvImportOptions final : public CVelumDialogForm {
+class CVelumCsvImportOptions final : public CVelumDialogForm, public CVelumCsvImporter {
   Q_OBJECT
 
 public:
@@ -31,12 +30,8 @@ public:
   // Unloads itself when the stack is about to close, unless it replaces it itself.
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
 
-  // Shows the beginning of a file and proposes how to read it.
-  void SetImportFile(const QString& aFilename) { Prepare(aFilename); }
-
-  // Brings up the windows of the open stack after cards have come or gone, at the first card if none is
-  // shown.
-  static void ShowCards();
+  void SetImport(const TVelumCsvImport& aImport) override { iImport = aImport; }
+  void SetImportFile(const QString& aFilename) override { Prepare(aFilename); }
 
 protected:
   // The target may have been changed in the other window.
@@ -95,6 +90,7 @@ private:
   std::unique_ptr<Ui::CVelumCsvImportOptions> iUi;
   Ref<CVelumListBox> iLineBox;
   QMenu* iTypeMenu;
+  TVelumCsvImport iImport;
   QString iFilename;
   CVelumCsvWork iWork;
   // Types and fields that the user named, by column.

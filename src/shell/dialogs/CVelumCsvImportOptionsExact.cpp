@@ -3,7 +3,6 @@
 #include "exchange/CVelumCsvText.h"
 #include "shell/dialogs/CVelumCsvImportOptions.h"
 #include "shell/dialogs/CVelumCsvPreviewBox.h"
-#include "shell/dialogs/CVelumImportOptions.h"
 #include "shell/frame/CVelumReport.h"
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumCsvImportOptions.h"
@@ -65,10 +64,7 @@ TCsvChoice CVelumCsvImportOptions::Choice() const {
 }
 
 Ref<CVelumControlSet> CVelumCsvImportOptions::Target() const {
-  const QString name = u"CVelumImportOptions"_s;
-  if (!CVelumWinMan::FormIsLoaded(name)) return nullptr;
-  const auto* form = dynamic_cast<CVelumImportOptions*>(CVelumWinMan::NameToForm(name));
-  return form && form->IntoCurStack() ? form->Background() : nullptr;
+  return iImport.iInto && iImport.iInto() ? iImport.iBackground() : nullptr;
 }
 
 void CVelumCsvImportOptions::ShowTarget() {

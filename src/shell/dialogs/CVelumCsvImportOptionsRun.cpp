@@ -6,7 +6,6 @@
 #include "runtime/view/CVelumStackView.h"
 #include "shell/dialogs/CVelumCsvImportOptions.h"
 #include "shell/dialogs/CVelumCsvReport.h"
-#include "shell/dialogs/CVelumImportOptions.h"
 #include "shell/dialogs/CVelumImportProgress.h"
 #include "shell/dialogs/CVelumOptions.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
@@ -17,16 +16,6 @@
 
 #include <QPointer>
 #include <QScopedValueRollback>
-
-namespace {
-
-CVelumImportOptions* ImportForm() {
-  const QString name = u"CVelumImportOptions"_s;
-  if (!CVelumWinMan::FormIsLoaded(name)) return nullptr;
-  return dynamic_cast<CVelumImportOptions*>(CVelumWinMan::NameToForm(name));
-}
-
-} // namespace
 
 bool CVelumCsvImportOptions::AskReplace(const Ref<CVelumControlSet>& aBackground) const {
   const bool adds = IsExact() && iUi->fAddCards->isChecked();
@@ -39,9 +28,8 @@ bool CVelumCsvImportOptions::AskReplace(const Ref<CVelumControlSet>& aBackground
 }
 
 void CVelumCsvImportOptions::Import() {
-  const CVelumImportOptions* form = ImportForm();
-  if (iBusy || !form || (IsExact() && !iWork.IsKnown())) return;
-  const bool into = form->IntoCurStack();
+  if (iBusy || !iImport.iInto || (IsExact() && !iWork.IsKnown())) return;
+  const bool into = iImport.iInto();
   const Ref<CVelumControlSet> background = Target();
   if (into && (!background || !gStackView)) {
     CVelumSeams::Presenter().Tell(tr("Choose the background that the cards are to belong to."));
@@ -69,7 +57,7 @@ void CVelumCsvImportOptions::Import() {
 void CVelumCsvImportOptions::Finish(Ref<CVelumControlSet> aBackground) {
   const bool into = static_cast<bool>(aBackground);
   RememberChoices();
-  CVelumImportOptions::Report(iFilename, iReport.iRecords);
+  CVelumReport::Imported(iFilename, iReport.iRecords);
   const TCsvReport report = iReport;
   const qint32 sortField = iSortField;
   const Ref<CVelumStack> stack = gStack;
@@ -78,10 +66,7 @@ void CVelumCsvImportOptions::Finish(Ref<CVelumControlSet> aBackground) {
   const QPointer<CVelumCsvImportOptions> self(this);
   CVelumSeams::ChangeNotify(into ? EChangeStructure : EChangeStack);
   // This window goes with the other one. A script that hears of the new stack may have closed both.
-  if (CVelumImportOptions* other = ImportForm(); self && other) {
-    other->ForgetTarget();
-    CVelumWinMan::UnloadForm(*other);
-  }
+  if (self) iImport.iDone();
   if (gStack == stack) CVelumCsvReport::Show(report, aBackground, sortField);
 }
 
@@ -96,7 +81,7 @@ bool CVelumCsvImportOptions::IntoNewStack() {
   }
   iSortField = IsExact() ? iWork.Run().SortField() : ENoInt;
   if (IsExact()) iReport = iWork.Run().Report();
-  if (CVelumImportOptions* form = ImportForm()) form->CloseOthers();
+  iImport.iCloseOthers();
   CVelumLib::ReplaceStack(made.iStack, MakeRef<CVelumStackView>(made.iView, made.iStack));
   return true;
 }
@@ -114,17 +99,8 @@ bool CVelumCsvImportOptions::IntoBackground(const Ref<CVelumControlSet>& aBackgr
   if (IsExact()) iReport = iWork.Run().Report();
   ShowFaults(iReport.iFaults);
   if (outcome != ECsvOutcome::Done) return false;
-  ShowCards();
+  CVelumDialogLib::ShowCards();
   return true;
-}
-
-void CVelumCsvImportOptions::ShowCards() {
-  if (!gStackView) return;
-  gStackView->OpenCardList();
-  gStackView->OpenCardView();
-  gStackView->RefreshViews(true, true);
-  Ref<CVelumCard> card;
-  if (!gStackView->CurCard() && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
 }
 
 void CVelumCsvImportOptions::RememberChoices() const {

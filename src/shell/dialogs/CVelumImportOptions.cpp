@@ -7,7 +7,7 @@
 #include "exchange/CVelumTextImport.h"
 #include "runtime/CVelumRuntimeDialogLib.h"
 #include "runtime/view/CVelumStackView.h"
-#include "shell/dialogs/CVelumCsvImportOptions.h"
+#include "shell/dialogs/CVelumCsvImporter.h"
 #include "shell/dialogs/CVelumImportProgress.h"
 #include "shell/dialogs/CVelumOptions.h"
 #include "shell/dialogs/CVelumShellDialogLib.h"
@@ -17,7 +17,6 @@
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumImportOptions.h"
 
-#include <QFileInfo>
 #include <QPointer>
 #include <QScopedValueRollback>
 
@@ -147,11 +146,6 @@ void CVelumImportOptions::KeepFolder(const QString& aPath, QString& aInitDir) {
   CVelumLib::SplitPath(aPath, aInitDir, name);
 }
 
-void CVelumImportOptions::Report(const QString& aPath, qint64 aNumCards) {
-  const QString file = QFileInfo(aPath).fileName();
-  CVelumReport::Done(tr("Imported %1 from %2").arg(CVelumReport::Cards(aNumCards), file));
-}
-
 template <class TWork>
 bool CVelumImportOptions::Run(const QString& aProc, const QString& aPath, const TWork& aWork) {
   const QScopedValueRollback busy(iBusy, true);
@@ -181,13 +175,30 @@ void CVelumImportOptions::ShowCsvImport(const QString& aPath) {
 
 void CVelumImportOptions::ImportCsvFrom(const QString& aPath) {
   CVelumGuard::Run(u"CVelumImportOptions.ImportCsvFile"_s, [&] {
-    auto* form = dynamic_cast<CVelumCsvImportOptions*>(CVelumWinMan::NameToForm(ECsvForm));
-    if (!form) return;
+    CVelumForm* form = CVelumWinMan::NameToForm(ECsvForm);
+    auto* importer = dynamic_cast<CVelumCsvImporter*>(form);
+    if (!importer) return;
+    importer->SetImport(HandOver());
     CVelumWinMan::LoadForm(*form);
-    form->SetImportFile(aPath);
+    importer->SetImportFile(aPath);
     KeepFolder(aPath, gOptions.iImportCsvDialogInitDir);
     CVelumWinMan::ShowDialog(*form, false, this);
   });
+}
+
+TVelumCsvImport CVelumImportOptions::HandOver() {
+  const QPointer<CVelumImportOptions> self(this);
+  const auto open = [self] { return self && self->IsLoaded(); };
+  return {[self, open] { return open() && self->IntoCurStack(); },
+          [self, open] { return open() ? self->Background() : nullptr; },
+          [self, open] {
+            if (open()) self->CloseOthers();
+          },
+          [self, open] {
+            if (!open()) return;
+            self->ForgetTarget();
+            CVelumWinMan::UnloadForm(*self);
+          }};
 }
 
 void CVelumImportOptions::ImportXmlFile() {
@@ -198,10 +209,10 @@ void CVelumImportOptions::ImportXmlFile() {
     return CVelumImports::ImportXml(path, *gStack, aStep);
   });
   // What was read before a failure stays, and is to be seen.
-  CVelumCsvImportOptions::ShowCards();
+  CVelumDialogLib::ShowCards();
   if (Ref<CVelumCard> card; done && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
   if (done) KeepFolder(path, gOptions.iImportXmlDialogInitDir);
-  if (done) Report(path, gStack->NumCards() - before);
+  if (done) CVelumReport::Imported(path, gStack->NumCards() - before);
   CVelumSeams::ChangeNotify(EChangeStructure);
   if (done) CVelumWinMan::UnloadForm(*this);
 }
@@ -219,8 +230,8 @@ void CVelumImportOptions::ImportTextFile() {
   });
   if (!done) return;
   KeepFolder(path, gOptions.iImportTextDialogInitDir);
-  Report(path, background->NumCards());
-  CVelumCsvImportOptions::ShowCards();
+  CVelumReport::Imported(path, background->NumCards());
+  CVelumDialogLib::ShowCards();
   CVelumSeams::ChangeNotify(EChangeStructure);
   CVelumWinMan::UnloadForm(*this);
 }

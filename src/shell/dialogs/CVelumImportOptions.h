@@ -4,6 +4,7 @@
 #include "exchange/CVelumStep.h"
 #include "model/fields/CVelumControlSet.h"
 #include "runtime/lists/CVelumListBox.h"
+#include "shell/dialogs/CVelumCsvImporter.h"
 #include "toolkit/CVelumDialogForm.h"
 #include "toolkit/CVelumFileDialog.h"
 
@@ -36,8 +37,6 @@ public:
   void ForgetTarget();
   // Tells all other windows that the stack is about to close, before an import takes its place.
   void CloseOthers();
-  // Says in the main window what was imported.
-  static void Report(const QString& aPath, qint64 aNumCards);
   // Nothing where none is selected.
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
 
@@ -51,6 +50,8 @@ private:
   static void KeepFolder(const QString& aPath, QString& aInitDir);
   void ImportCsvFile();
   void ImportCsvFrom(const QString& aPath);
+  // What the window of the CSV settings is to know of this one.
+  [[nodiscard]] TVelumCsvImport HandOver();
   void ImportXmlFile();
   void ImportHandBaseFile();
   void ImportOrvelle();

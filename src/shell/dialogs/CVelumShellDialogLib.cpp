@@ -39,3 +39,12 @@ void CVelumDialogLib::CloseStackStep(bool& aStillOpen) {
   if (gFrame) gFrame->Commands().CloseStack();
   aStillOpen = bool(gStack);
 }
+
+void CVelumDialogLib::ShowCards() {
+  if (!gStackView) return;
+  gStackView->OpenCardList();
+  gStackView->OpenCardView();
+  gStackView->RefreshViews(true, true);
+  Ref<CVelumCard> card;
+  if (!gStackView->CurCard() && gStack->NumCards() > 0) static_cast<void>(gStackView->OrderFirst(card));
+}

@@ -15,5 +15,7 @@ void CheckLeaveStack(bool& aProceed, bool& aSave);
 [[nodiscard]] bool LeaveStackStep();
 // Runs the close command of the main window; aStillOpen tells whether a stack is open afterwards.
 void CloseStackStep(bool& aStillOpen);
+// Brings up the windows of the open stack after cards have come or gone, at the first card if none is shown.
+void ShowCards();
 
 } // namespace CVelumDialogLib

@@ -3,6 +3,7 @@
 #include "shell/frame/CVelumFrame.h"
 
 #include <QCoreApplication>
+#include <QFileInfo>
 #include <QLocale>
 
 namespace {
@@ -17,6 +18,10 @@ struct TTexts {
 
 void CVelumReport::Done(const QString& aText) {
   if (gFrame) gFrame->Report(aText);
+}
+
+void CVelumReport::Imported(const QString& aPath, qint64 aNumCards) {
+  Done(TTexts::tr("Imported %1 from %2").arg(Cards(aNumCards), QFileInfo(aPath).fileName()));
 }
 
 QString CVelumReport::Cards(qint64 aNum) {

@@ -1,4 +1,5 @@
 // Where a layout puts the fields of a card.
+#include "core/CVelumFieldTypes.h"
 #include "runtime/RuntimeFixture.h"
 
 #include <QTest>
@@ -232,7 +233,7 @@ TEST_F(CVelumCardLayoutTest, ATextFieldOfNoLinesAsserts) {
 TEST_F(CVelumCardLayoutTest, AnUnknownTypeAsserts) {
   const auto field = AddField(iSet, u"Town"_s, EConText);
   AddCard(u"a"_s);
-  field->SetConType(9);
+  field->SetConType(static_cast<qint32>(CVelumFieldTypes::gRows.size()));
   Open();
   EXPECT_TRUE(iPresenter.FirstShown().iText.contains(u"AssignBaseControl conType"_s));
 }
