@@ -58,6 +58,10 @@ TFirstBad FindBad(QByteArrayView aBytes) {
   return found;
 }
 
+bool IsWide(ECsvEncoding aEncoding) {
+  return aEncoding == ECsvEncoding::Utf16Le || aEncoding == ECsvEncoding::Utf16Be;
+}
+
 const QString EProc = u"CVelumCsvSource.Open"_s;
 
 [[noreturn]] void RaiseNotOpened(int aErrno, const QString& aFilename) {
@@ -147,7 +151,7 @@ void CVelumCsvSource::CutAtCharacter() {
   while (end > 0 && iBytes.size() - end < 3 && IsContinuation(iBytes.at(end - 1))) --end;
   const bool cut = end > 0 && static_cast<uchar>(iBytes.at(end - 1)) >= 0xC2 &&
                    Utf8Len(QByteArrayView(iBytes).sliced(end - 1)) == 0;
-  const bool wide = iEncoding == ECsvEncoding::Utf16Le || iEncoding == ECsvEncoding::Utf16Be;
+  const bool wide = IsWide(iEncoding);
   if (wide)
     iBytes.truncate(iBytes.size() - (iBytes.size() - iMark) % 2);
   else if (cut)
@@ -164,6 +168,8 @@ void CVelumCsvSource::TakeMark() {
   else if (bytes.startsWith("\xFE\xFF"))
     marked = ECsvEncoding::Utf16Be;
   iEncoding = iChosen.value_or(marked.value_or(ECsvEncoding::Utf8));
+  // Who chooses UTF-16 does not know which byte comes first, but the mark does.
+  if (IsWide(iEncoding) && marked && IsWide(*marked)) iEncoding = *marked;
   iByMark = marked && !iChosen;
   if (marked == iEncoding) iMark = marked == ECsvEncoding::Utf8 ? 3 : 2;
 }
@@ -179,7 +185,7 @@ qsizetype CVelumCsvSource::PartEnd() const {
 void CVelumCsvSource::CheckPart() {
   const qsizetype end = PartEnd();
   const QByteArrayView part = QByteArrayView(iBytes).sliced(iAt, end - iAt);
-  const bool wide = iEncoding == ECsvEncoding::Utf16Le || iEncoding == ECsvEncoding::Utf16Be;
+  const bool wide = IsWide(iEncoding);
   iHasZero |= !wide && !part.isEmpty() && std::memchr(part.data(), 0, static_cast<size_t>(part.size()));
   iValid = iValid && (wide || iEncoding == ECsvEncoding::Windows1252 || part.isValidUtf8());
   iAt = end;
@@ -255,7 +261,7 @@ void CVelumCsvSource::ConvertCodePage(const QByteArray& aPart) {
 }
 
 void CVelumCsvSource::ConvertPart() {
-  const bool wide = iEncoding == ECsvEncoding::Utf16Le || iEncoding == ECsvEncoding::Utf16Be;
+  const bool wide = IsWide(iEncoding);
   qsizetype end = wide ? std::min(iBytes.size(), iAt + EPartBytes) : PartEnd();
   // A pair is not parted.
   const qsizetype high = end - (iEncoding == ECsvEncoding::Utf16Le ? 1 : 2);

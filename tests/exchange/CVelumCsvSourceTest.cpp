@@ -89,6 +89,8 @@ TEST_F(CVelumCsvSourceTest, CountsBytesWithoutMeaning) {
 TEST_F(CVelumCsvSourceTest, TakesTheEncodingThatIsChosen) {
   EXPECT_EQ(TextOf("\xC3\xA9", ECsvEncoding::Windows1252), "\xC3\x83\xC2\xA9");
   EXPECT_FALSE(iSource->BadBytes().Any());
+  EXPECT_EQ(TextOf(QByteArray("\xFE\xFF\0a", 4), ECsvEncoding::Utf16Le), "a") << "the mark tells the order";
+  EXPECT_EQ(TextOf(QByteArray("a\0", 2), ECsvEncoding::Utf16Le), "a");
   EXPECT_EQ(TextOf("\xE9", ECsvEncoding::Utf8), "\xEF\xBF\xBD");
   EXPECT_EQ(iSource->BadBytes().iCount, 1);
 }
