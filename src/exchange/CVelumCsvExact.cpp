@@ -85,12 +85,8 @@ void CVelumCsvExact::Choose(TCsvChoice aChoice, Ref<CVelumControlSet> aBackgroun
   if (iState == EState::Check || iState == EState::Known) BeginCheck();
 }
 
-void CVelumCsvExact::Decide(const TCsvChoice& aChoice) {
-  TCsvChoice choice = aChoice;
-  choice.iDetectTypes = iChoice.iDetectTypes;
-  choice.iTypes = iChoice.iTypes;
-  choice.iFields = iChoice.iFields;
-  iChoice = std::move(choice);
+void CVelumCsvExact::Decide(TCsvChoice aChoice) {
+  iChoice = std::move(aChoice);
 }
 
 // Nothing: all is well.

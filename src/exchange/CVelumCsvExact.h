@@ -39,8 +39,9 @@ public:
   [[nodiscard]] const CVelumCsvCheck& Check() const { return *iCheck; }
   // Other choices about the same file. What is known of the file stays known.
   void Choose(TCsvChoice aChoice, Ref<CVelumControlSet> aBackground);
-  // Takes what a choice says of all but types and fields: names, order, what is dropped.
-  void Decide(const TCsvChoice& aChoice);
+  // Takes what a choice says of names, of the order and of what is dropped. Its types and fields count no
+  // more when all is known.
+  void Decide(TCsvChoice aChoice);
   // What cannot come in whole; it keeps the import from happening unless the choice says to drop it.
   [[nodiscard]] const CVelumCsvFaults& Faults() const { return iFaults; }
 

@@ -268,6 +268,15 @@ TEST_F(CVelumImportCsvCommand, ChangesNothingUnlessAskedTo) {
   EXPECT_EQ(Run({csv, iOut, u"--overwrite"_s, u"--type"_s, u"zip=Number"_s}).iStatus, 2);
 }
 
+TEST_F(CVelumImportCsvCommand, KeepsCardsSortedWhereItIsAskedTo) {
+  const QString csv = iFolder.Write(u"a.csv"_s, "n,size\nb,1\na,2\n");
+  const TCliResult kept = Run({csv, iOut, u"--keep-sorted"_s});
+  EXPECT_EQ(kept.iStatus, 0) << kept.iErr.toStdString();
+  EXPECT_FALSE(kept.iOut.contains("keep sorted?")) << kept.iOut.toStdString();
+  ASSERT_EQ(Run({iFolder.Write(u"b.csv"_s, "n,size\nc,9\nd,0\n"), u"--into"_s, iOut, u"--add"_s}).iStatus, 0);
+  EXPECT_EQ(Cards(iOut), "d\td\t0\nb\tb\t1\na\ta\t2\nc\tc\t9\n");
+}
+
 TEST_F(CVelumImportCsvCommand, AddsCardsAndMatchesFields) {
   ASSERT_EQ(Run({iFolder.Write(u"a.csv"_s, "n,v\nx,1\n"), iOut}).iStatus, 0);
   const QString csv = iFolder.Write(u"b.csv"_s, "value,n\n2,y\n");
@@ -300,6 +309,7 @@ TEST_F(CVelumImportCsvCommand, FailuresWriteNothing) {
       {{good, iOut, u"--delimiter"_s, u"::"_s}, 2, "no delimiter"},
       {{good, iOut, u"--coding"_s, u"ebcdic"_s}, 2, "no coding"},
       {{good, iOut, u"--skip-lines"_s, u"x"_s}, 2, "no number of lines"},
+      {{good, iOut, u"--skip-lines=-1"_s}, 2, "no number of lines"},
       {{good, iOut, u"--classic"_s, u"--skip-lines"_s, u"1"_s}, 2, "knows no --skip-lines"},
       {{good, iOut, u"--add"_s}, 2, "--into, which is missing"},
       {{good, iOut, u"--field"_s, u"a=b"_s}, 2, "--into is missing"},

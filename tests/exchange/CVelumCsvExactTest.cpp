@@ -1,5 +1,6 @@
 #include "CsvImportTest.h"
 
+#include "exchange/CVelumCsvSample.h"
 #include "model/CVelumRecorder.h"
 #include "persist/CVelumStackCheck.h"
 
@@ -32,6 +33,14 @@ TEST_F(CVelumCsvExactTest, ProposesDelimitersByTheFirstRecords) {
   ASSERT_EQ(Import("a title, with commas, many, of them\na;b\n1,5;2\n3;4,5\n"), ECsvOutcome::Faulty)
       << "a title is no header line";
   EXPECT_EQ(iRun->Layout().iDelim, u';');
+  ASSERT_EQ(Import(Repeat("\n", 150) + "a;b\n1;2\n"), ECsvOutcome::Done);
+  EXPECT_EQ(iRun->Layout().iDelim, u';') << "lines with nothing on them do not count";
+}
+
+TEST_F(CVelumCsvExactTest, ReadsAsMuchAsTheFirstRecordsNeed) {
+  const QByteArray record = Repeat("x", 10000) + "," + Repeat("y", 10000) + "\n";
+  const auto begin = CVelumCsvSamples::Begin(iFolder.Write(u"long.csv"_s, "a,b\n" + Repeat(record, 600)));
+  EXPECT_EQ(CVelumCsvSamples::Take(begin->Text(), {}, begin->HasZero()).iRecords.size(), 100);
 }
 
 TEST_F(CVelumCsvExactTest, SkipsLinesAndTakesAnyDelimiter) {
@@ -251,6 +260,15 @@ TEST_F(CVelumCsvExactTest, ReportsCellsThatAChosenTypeChanges) {
                                    "1 cell left out"_s}));
 }
 
+TEST_F(CVelumCsvExactTest, ChecksChosenTypesToTheLastRecord) {
+  iChoice.iTypes.insert(1, EConInteger);
+  ASSERT_EQ(Import("n,zip\n" + Repeat("x,05\n", 20000)), ECsvOutcome::Done);
+  EXPECT_EQ(iRun->Report().iChanged, 20000);
+  EXPECT_EQ(iRun->Report().iCells.size(), TCsvReport::EMaxCells);
+  EXPECT_EQ(Import("n,zip\n1,5\n\"x\ny\",abc\n"), ECsvOutcome::Faulty);
+  EXPECT_TRUE(Faults().first().startsWith(u"line 4, column 2: "_s)) << "on the line of the cell";
+}
+
 TEST_F(CVelumCsvExactTest, TellsOfWhatTheLocaleDecided) {
   ASSERT_EQ(Import("d,n,g\n1/2/2003,\"1,234\",\"1,234,567\"\n"), ECsvOutcome::Done);
   EXPECT_TRUE(Report().contains(
@@ -333,6 +351,8 @@ TEST_F(CVelumCsvExactTest, SortsIntoABackgroundThatIsKeptSorted) {
   iChoice.iAdd = false;
   ASSERT_EQ(Fill("n,a\n2,v\n1,w\n"), ECsvOutcome::Done);
   EXPECT_EQ(Cards(), QStringList({u"1|1|w"_s, u"2|2|v"_s}));
+  ASSERT_EQ(Fill("n,a\n1,v\n2,w\n"), ECsvOutcome::Done);
+  EXPECT_EQ(iRun->SortField(), ENoInt) << "it has a key";
   EXPECT_TRUE(CVelumStackCheck(*iNew.iStack).Run().isEmpty());
 }
 

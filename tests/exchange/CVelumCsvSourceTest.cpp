@@ -108,6 +108,12 @@ TEST_F(CVelumCsvSourceTest, ConvertsLongFilesWithoutPartingCharacters) {
   }
   EXPECT_TRUE(TextOf("\xFF\xFE" + bytes) == text);
   EXPECT_FALSE(iSource->BadBytes().Any());
+  for (const QByteArray& front : {QByteArray(), QByteArray("a"), QByteArray("ab")}) {
+    QByteArray euros = front;
+    for (int i = 0; i < 1500000; ++i) euros += "\xE2\x82\xAC";
+    EXPECT_EQ(Read(euros).Encoding(), ECsvEncoding::Utf8) << front.size();
+    EXPECT_EQ(Read("\xEF\xBB\xBF\xFF" + euros).BadBytes().iCount, 1) << front.size();
+  }
   QByteArray broken = "\xEF\xBB\xBF\xFF";
   for (int i = 0; i < 1500000; ++i) broken += "\xE2\x82\xAC";
   EXPECT_EQ(Read(broken).BadBytes().iCount, 1);

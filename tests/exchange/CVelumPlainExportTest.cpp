@@ -34,6 +34,16 @@ TEST_F(CVelumPlainExportTest, WritesValuesForOtherPrograms) {
                         "\xC3\xA9\xE2\x82\xAC,1234567,1234567.123456789,12,1980-01-01,12:00:00,false,\r\n");
 }
 
+TEST_F(CVelumPlainExportTest, FindsValuesWhoseFieldsStandInAnotherOrder) {
+  Make({EConText, EConText});
+  const auto front = MakeRef<CVelumControl>(iNew.iStack->IdGen().NextId(), u"front"_s, EConText);
+  Set()->AddControl(front, Field(0).Id());
+  Value(0, TVelumValue::OfStr(u"a"_s));
+  Value(1, TVelumValue::OfStr(u"b"_s));
+  Value(2, TVelumValue::OfStr(u"c"_s));
+  EXPECT_EQ(Exported(), "front,f,f\r\na,b,c\r\n");
+}
+
 TEST_F(CVelumPlainExportTest, QuotesOnlyWhereACellNeedsIt) {
   Make({EConText, EConText, EConText, EConText, EConText});
   Value(0, TVelumValue::OfStr(u" a;b "_s));

@@ -46,6 +46,7 @@ TEST_F(CVelumCsvImportOptionsExactTest, MarksAndCountsCellsThatAChosenTypeChange
   box.setCurrentCell(0, 1);
   Find<QComboBox>(u"fColumnType"_s).setCurrentIndex(2);
   EXPECT_EQ(Titles().last(), u"Size\nInteger\n1 left out"_s);
+  EXPECT_EQ(box.currentColumn(), 1) << "stays chosen";
   EXPECT_FALSE(Find<QPushButton>(u"fImportBut"_s).isEnabled());
   EXPECT_TRUE(Find<QPlainTextEdit>(u"fFaults"_s).toPlainText().contains(u"line 3, column 2"_s));
   Press(u"fDrop"_s);
@@ -92,6 +93,19 @@ TEST_F(CVelumCsvImportOptionsExactTest, OffersToKeepTheCardsSorted) {
   EXPECT_FALSE(CVelumWinMan::FormIsLoaded(u"CVelumCsvReport"_s));
 }
 
+TEST_F(CVelumCsvImportOptionsExactTest, TheReportLetsGoOfABackgroundThatIsDeleted) {
+  Start();
+  OpenForm("Town,Size\nB,1\nA,2\nC,3\n");
+  Press(u"fImportBut"_s);
+  Ref<CVelumControlSet> set;
+  qint32 index = 0;
+  ASSERT_TRUE(gStack->GetFirstBackground(set, index));
+  auto* keep = ReportForm().findChild<QPushButton*>(u"fKeepSorted"_s);
+  EXPECT_TRUE(keep->isVisible());
+  CVelumSeams::ChangeNotify(6, set.Get());
+  EXPECT_FALSE(keep->isVisible());
+}
+
 TEST_F(CVelumCsvImportOptionsExactTest, AddsToABackgroundAndMatchesFieldsByHand) {
   Start();
   OpenForm("Name,Size\nAnna,1\n");
@@ -99,6 +113,8 @@ TEST_F(CVelumCsvImportOptionsExactTest, AddsToABackgroundAndMatchesFieldsByHand)
   OpenForm("Weight,Name\n2,Bob\n", true);
   EXPECT_EQ(Titles(), QStringList({u"Weight\n(no field)"_s, u"Name\nText"_s}));
   EXPECT_FALSE(Find<QComboBox>(u"fColumnType"_s).isEnabled()) << "fields have their types";
+  EXPECT_TRUE(Find<QTableWidget>(u"fPreviewBox"_s).item(0, 0)->font().strikeOut()) << "left out";
+  EXPECT_FALSE(Find<QTableWidget>(u"fPreviewBox"_s).item(0, 1)->font().strikeOut());
   EXPECT_FALSE(Find<QPushButton>(u"fImportBut"_s).isEnabled());
   Find<QTableWidget>(u"fPreviewBox"_s).setCurrentCell(0, 0);
   auto& field = Find<QComboBox>(u"fColumnField"_s);
@@ -135,6 +151,8 @@ TEST_F(CVelumCsvImportOptionsExactTest, LooksThroughALongFileInSlicesAndImportsT
   EXPECT_EQ(Find<QTableWidget>(u"fPreviewBox"_s).rowCount(), 100);
   EXPECT_FALSE(Find<QPushButton>(u"fImportBut"_s).isEnabled());
   EXPECT_TRUE(Find<QLabel>(u"fPreviewNote"_s).text().contains(u"looking through the file"_s));
+  ChooseType(0, 1);
+  EXPECT_EQ(Titles().first(), u"n\nText"_s) << "shown at once";
   EXPECT_TRUE(QTest::qWaitFor([] { return Find<QPushButton>(u"fImportBut"_s).isEnabled(); }, 60000));
   EXPECT_EQ(Titles().last(), u"zip\nText"_s) << "by all of them";
   Press(u"fCancel"_s);
