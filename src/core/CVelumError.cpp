@@ -75,11 +75,13 @@ void RecordStd(qint32 aNumber, const QString& aProc, const std::exception& aFail
 
 } // namespace
 
-CVelumError::CCommand::CCommand() {
+CVelumError::CCommand::CCommand(const QString& aName) {
   ++sCommandDepth;
+  CVelumSeams::CommandBegun(aName);
 }
 
 CVelumError::CCommand::~CCommand() {
+  CVelumSeams::CommandEnded();
   if (--sCommandDepth == 0) sAnswers.clear();
 }
 

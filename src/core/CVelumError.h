@@ -57,10 +57,13 @@ extern TVelumError gLastError;
 namespace CVelumError {
 
 // One command of the user, from its start to its end, or one run of a command-line tool. Commands nest; the
-// answers to assertions are forgotten when the outermost one ends.
+// answers to assertions are forgotten when the outermost one ends, and the changes made in it are one step of
+// undo.
 class CCommand {
 public:
-  CCommand();
+  // aName as a person would call what is done ("Delete card 'Albania'"); of nested commands the first name
+  // counts.
+  explicit CCommand(const QString& aName = {});
   ~CCommand();
   CCommand(const CCommand&) = delete;
   CCommand& operator=(const CCommand&) = delete;

@@ -79,6 +79,7 @@ constexpr TEntry EEntries[] = {
     {EMsgAssertFailedOk, u"EMsgAssertFailedOk",
      u"Assert failed (probably due to a bug):\\n< %0 >\\nIgnore and try to proceed "
      u"nevertheless?"},
+    {EMsgCannotUndoOk, u"EMsgCannotUndoOk", u"This cannot be undone. Proceed?"},
     {EMsgAssertFailed, u"EMsgAssertFailed",
      u"An internal program error occured, probably because of a 'bug'."},
     {EMsgGenTooLow, u"EMsgGenTooLow", u"The format of the stack is too old and not supported any more.\\n%0"},
@@ -105,6 +106,10 @@ constexpr TEntry EEntries[] = {
     {EMsgControlNotFound, u"EMsgControlNotFound", u"The field or control '%0' cannot be found."},
     {EMsgIncompatibleValTypes, u"EMsgIncompatibleValTypes",
      u"The operation is not possible, because the given types '%0' and '%1' are not compatible."},
+    {EMsgChangeDoesNotFit, u"EMsgChangeDoesNotFit",
+     u"The step '%0' cannot be taken back or made again, because the stack is not as the step left it. The "
+     u"stack stays "
+     u"as it is; earlier steps are forgotten."},
 };
 
 using TTable = std::array<const TEntry*, ETableEnd + 1>;

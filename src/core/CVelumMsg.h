@@ -37,6 +37,7 @@ enum EMsg : qint32 {
   EMsgDeleteCardOk = 29,
   EMsgDiscardChangesOk = 30,
   EMsgAssertFailedOk = 31,
+  EMsgCannotUndoOk = 98,
   EMsgAssertFailed = 1000,
   EMsgGenTooLow = 1001,
   EMsgGenTooHigh = 1002,
@@ -55,6 +56,7 @@ enum EMsg : qint32 {
   EMsgBackgroundNotFound = 1082,
   EMsgControlNotFound = 1083,
   EMsgIncompatibleValTypes = 1084,
+  EMsgChangeDoesNotFit = 1098,
   // Not messages: failures that end in the script editor.
   EMsgCompileError = 2000,
   EMsgRunError = 2001,

@@ -20,6 +20,7 @@ CIdlePump sIdlePump;
 CVelumPresenter* sPresenter = &sSilentPresenter;
 CVelumEventPump* sPump = &sIdlePump;
 CVelumChangeSink* sSink = nullptr;
+CVelumCommandWatch* sCommandWatch = nullptr;
 TVelumMetrics sMetrics;
 TVelumObjectFactory sFactory = nullptr;
 
@@ -47,6 +48,18 @@ void CVelumSeams::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aOb
 
 void CVelumSeams::SetChangeSink(CVelumChangeSink* aSink) {
   sSink = aSink;
+}
+
+void CVelumSeams::CommandBegun(const QString& aName) {
+  if (sCommandWatch) sCommandWatch->CommandBegun(aName);
+}
+
+void CVelumSeams::CommandEnded() {
+  if (sCommandWatch) sCommandWatch->CommandEnded();
+}
+
+void CVelumSeams::SetCommandWatch(CVelumCommandWatch* aWatch) {
+  sCommandWatch = aWatch;
 }
 
 const TVelumMetrics& CVelumSeams::Metrics() {

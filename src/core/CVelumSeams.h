@@ -53,6 +53,14 @@ public:
   virtual void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) = 0;
 };
 
+// Hears of the commands of the user (CVelumError::CCommand), nested ones too.
+class CVelumCommandWatch {
+public:
+  virtual ~CVelumCommandWatch() = default;
+  virtual void CommandBegun(const QString& aName) = 0;
+  virtual void CommandEnded() = 0;
+};
+
 // Lets pending window events run, and shows the wait cursor.
 class CVelumEventPump {
 public:
@@ -103,6 +111,11 @@ void SetEventPump(CVelumEventPump* aPump);
 // Tells the installed change sink, if any; aKind is an EChange.
 void ChangeNotify(int aKind, CVelumObject* aObj1 = nullptr, CVelumObject* aObj2 = nullptr);
 void SetChangeSink(CVelumChangeSink* aSink);
+// Tells the installed watch of commands, if any. A watch that comes while a command is open hears of its end
+// only.
+void CommandBegun(const QString& aName);
+void CommandEnded();
+void SetCommandWatch(CVelumCommandWatch* aWatch);
 [[nodiscard]] const TVelumMetrics& Metrics();
 void SetMetrics(const TVelumMetrics& aMetrics);
 // The factory for objects in arrays; the model installs it once (see CVelumModel::Install).

@@ -78,8 +78,8 @@ Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
   const int items = iRows.NumItems(aRow);
   const int fields = std::min(items, static_cast<int>(iControls.size()));
   TVelumElem elem;
-  card->Value().InitElem(elem);
-  card->Value().BeginBulk(fields);
+  card->NewValues().InitElem(elem);
+  card->NewValues().BeginBulk(fields);
   for (int i = 0; i < fields; ++i) {
     const auto index = static_cast<size_t>(i);
     const CVelumControl& control = *iControls[index];
@@ -88,9 +88,9 @@ Ref<CVelumCard> CVelumCsvCards::CardOf(qint32 aRow, qint32 aNum) {
     CheckType(*card, control, elem.iVal);
     if (control.Flag(EConCardName) || (iFirstNames && i == 0)) TakeName(*card, control, elem.iVal);
     CheckText(aRow, i, iRows.Item(aRow, i), elem.iVal);
-    card->Value().AppendBulk(elem);
+    card->NewValues().AppendBulk(elem);
   }
-  card->Value().EndBulk();
+  card->NewValues().EndBulk();
   if (items > fields) ++iSurplus;
   return card;
 }

@@ -134,9 +134,9 @@ Ref<CVelumCard> CVelumCsvMaker::CardOf(CVelumCsvTable& aTable, qint64 aNumber) {
   const bool fieldless = iNaming && !iColumns[*iNaming].iField;
   if (name.isEmpty()) name = fieldless ? NameOf(aTable, aNumber) : QString::number(aNumber);
   auto card = MakeRef<CVelumCard>(name, iBackground);
-  card->Value().BeginBulk(static_cast<qint32>(used));
-  for (size_t i = 0; i < used; ++i) card->Value().AppendBulk(iElems[i]);
-  card->Value().EndBulk();
+  card->NewValues().BeginBulk(static_cast<qint32>(used));
+  for (size_t i = 0; i < used; ++i) card->NewValues().AppendBulk(iElems[i]);
+  card->NewValues().EndBulk();
   return card;
 }
 

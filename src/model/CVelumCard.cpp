@@ -6,8 +6,8 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 #include <ctime>
 
@@ -16,11 +16,6 @@ using CVelumRecord::Store;
 namespace {
 constexpr int ETypeId = 1;
 constexpr int EGen = 1;
-
-struct TCardMoment {
-  qint32 iDate; // yyyymmdd
-  qint32 iTime; // hhmmss
-};
 
 // The clock. Breaking it up into a date costs more than all else that a change of a value does, so it is
 // done once a second.
@@ -69,7 +64,7 @@ QString CVelumCard::ObjDescr() const {
 }
 
 void CVelumCard::SetName(const QString& aName) {
-  Store(*this, "Name", iName, aName, iChanged);
+  Store(*this, EMemberName, iName, aName, iChanged);
   if (iStack) iStack->ChangeCard(*this);
 }
 
@@ -78,7 +73,7 @@ qint32 CVelumCard::OrderNum() const {
 }
 
 void CVelumCard::SetOrderNum(qint32 aNum) {
-  Store(*this, "OrderNum", iOrderNum, aNum, iChanged);
+  Store(*this, EMemberOrderNum, iOrderNum, aNum, iChanged);
 }
 
 double CVelumCard::CreDate() const {
@@ -98,21 +93,21 @@ double CVelumCard::ModTime() const {
 }
 
 void CVelumCard::SetCreDate(double aDate) {
-  Store(*this, "CreDate", iCreDate, CVelumValue::DateToInt(aDate));
+  Store(*this, EMemberCreDate, iCreDate, CVelumValue::DateToInt(aDate));
   if (iStack) iStack->iCardFinder.Note(*this, ENoInt); // its zero values
 }
 
 void CVelumCard::SetCreTime(double aTime) {
-  Store(*this, "CreTime", iCreTime, CVelumValue::TimeToInt(aTime));
+  Store(*this, EMemberCreTime, iCreTime, CVelumValue::TimeToInt(aTime));
   if (iStack) iStack->iCardFinder.Note(*this, ENoInt); // its zero values
 }
 
 void CVelumCard::SetModDate(double aDate) {
-  Store(*this, "ModDate", iModDate, CVelumValue::DateToInt(aDate));
+  Store(*this, EMemberModDate, iModDate, CVelumValue::DateToInt(aDate));
 }
 
 void CVelumCard::SetModTime(double aTime) {
-  Store(*this, "ModTime", iModTime, CVelumValue::TimeToInt(aTime));
+  Store(*this, EMemberModTime, iModTime, CVelumValue::TimeToInt(aTime));
 }
 
 CVelumControlSet* CVelumCard::FindBackground() const {
@@ -125,7 +120,7 @@ Ref<CVelumControlSet> CVelumCard::Background() const {
 
 void CVelumCard::SetBackground(const Ref<CVelumControlSet>& aBackground) {
   const qint32 old = iBackgroundId;
-  Store(*this, "BackgroundId", iBackgroundId, CVelumChecked::Deref(aBackground).Id(), iChanged);
+  Store(*this, EMemberBackgroundId, iBackgroundId, CVelumChecked::Deref(aBackground).Id(), iChanged);
   if (iStack) iStack->BackgroundSet(*this, old);
 }
 
@@ -149,8 +144,10 @@ void CVelumCard::SetChanged(bool aChanged) {
 void CVelumCard::Touch() {
   const TCardMoment now = Clock();
   iChanged = true;
-  Store(*this, "ModDate", iModDate, now.iDate);
-  Store(*this, "ModTime", iModTime, now.iTime);
+  if (CVelumRecorder* recorder = CVelumRecord::Of(iStack))
+    recorder->Moment(*this, {iModDate, iModTime}, now);
+  iModDate = now.iDate;
+  iModTime = now.iTime;
   if (iStack) iStack->ChangeCard(*this);
 }
 

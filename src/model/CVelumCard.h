@@ -10,6 +10,7 @@ public:
   CVelumCard(const QString& aName, const Ref<CVelumControlSet>& aBackground);
 
   [[nodiscard]] QString ObjDescr() const override;
+  [[nodiscard]] TDocAddress Address() const override { return {EDocCard, iId}; }
   // Does not touch the name index: renaming a card of a stack goes through CVelumStack::RenameCard.
   void SetName(const QString& aName) override;
   // The card's number in the order of its stack; ENoInt until added.
@@ -32,7 +33,12 @@ public:
   void SetModDate(double aDate);
   void SetModTime(double aTime);
   // Control id to value.
-  [[nodiscard]] CVelumArray& Value() const { return iValue; }
+  [[nodiscard]] const CVelumArray& Value() const { return iValue; }
+  // The same to be filled, of a card that stands in no stack yet; host error 5 of another one.
+  [[nodiscard]] CVelumArray& NewValues();
+  // Another text in place of one that a list field has, which is computed: a file holds less than memory. aChanged is
+  // the mark of the values afterwards.
+  void SetComputedText(qint32 aControlId, const QString& aText, bool aChanged);
   // Nothing without a stack.
   [[nodiscard]] Ref<CVelumControlSet> Background() const;
   void SetBackground(const Ref<CVelumControlSet>& aBackground);
@@ -69,7 +75,8 @@ public:
   void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
-  friend class CVelumStack; // shares the text of its name index, and knows the order number
+  friend class CVelumReplay; // raw access for changes
+  friend class CVelumStack;  // shares the text of its name index, and knows the order number
 
   [[nodiscard]] CVelumControlSet* FindBackground() const;
   [[nodiscard]] TVelumValue DefaultVal(qint32 aId, bool aWithZero) const;
@@ -77,7 +84,9 @@ private:
   [[nodiscard]] TVelumValue InitialVal(const CVelumControl& aControl);
   [[nodiscard]] bool StoreVal(qint32 aId, const TVelumValue& aVal);
   void CountBlob(const TVelumValue& aVal, bool aUp);
+  void RecordVal(qint32 aId, const TVelumValue* aOld, const TVelumValue* aNew, qint32 aAlloc) const;
   void DropVal(qint32 aId);
+  void DropBlobs();
   void UpdateCardList(CVelumControl& aControl);
   [[nodiscard]] bool ValuesAscend() const;
   void SortValues();

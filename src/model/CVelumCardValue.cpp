@@ -4,8 +4,8 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumValue.h"
 #include "model/CVelumCard.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 bool CVelumCard::Dirty() const {
   if (iState & EDirty) return true;
@@ -53,6 +53,16 @@ TVelumValue CVelumCard::DefaultVal(qint32 aId, bool aWithZero) const {
   return val;
 }
 
+CVelumArray& CVelumCard::NewValues() {
+  if (iStack) CVelumError::RaiseHost(EHostBadCall);
+  return iValue;
+}
+
+void CVelumCard::SetComputedText(qint32 aControlId, const QString& aText, bool aChanged) {
+  iValue.SetValAt(iValue.FindIntKey(aControlId) + 1, TVelumValue::OfStr(aText));
+  iValue.SetChanged(aChanged);
+}
+
 void CVelumCard::SetControlVal(qint32 aId, const TVelumValue& aVal) {
   // Values come in hundreds of thousands: nothing is made for a check that holds.
   const Ref<CVelumControlSet> background = Background();
@@ -91,8 +101,9 @@ bool CVelumCard::StoreVal(qint32 aId, const TVelumValue& aVal) {
     elem.iIntKey = aId;
     elem.iVal = aVal;
     CountBlob(aVal, true);
+    const qint32 alloc = iValue.Alloc();
     iValue.CreateIntKey(elem);
-    CVelumRecord::CardVal(*this, aId, nullptr, &aVal);
+    RecordVal(aId, nullptr, &aVal, alloc);
     return true;
   }
   const TVelumValue old = iValue.ValRef(index);
@@ -102,8 +113,13 @@ bool CVelumCard::StoreVal(qint32 aId, const TVelumValue& aVal) {
     CountBlob(old, false);
   }
   iValue.SetValAt(index + 1, aVal);
-  CVelumRecord::CardVal(*this, aId, &old, &aVal);
+  RecordVal(aId, &old, &aVal, iValue.Alloc());
   return true;
+}
+
+void CVelumCard::RecordVal(qint32 aId, const TVelumValue* aOld, const TVelumValue* aNew,
+                           qint32 aAlloc) const {
+  if (CVelumRecorder* recorder = CVelumRecord::Of(iStack)) recorder->Value(*this, aId, aOld, aNew, aAlloc);
 }
 
 // The blob of a value gets a reference or releases one; other values are left alone.
@@ -114,6 +130,11 @@ void CVelumCard::CountBlob(const TVelumValue& aVal, bool aUp) {
     store->AddReference(aVal.Int());
   else
     store->ReleaseReference(aVal.Int());
+}
+
+// What the values of a card that goes refer to is released; the values stay.
+void CVelumCard::DropBlobs() {
+  for (qint32 i = 0; i < iValue.Count(); ++i) CountBlob(iValue.ValRef(i), false);
 }
 
 void CVelumCard::DeleteControlVal(qint32 aId) {
@@ -130,7 +151,7 @@ void CVelumCard::DropVal(qint32 aId) {
     const TVelumValue old = iValue.ValRef(index);
     CountBlob(old, false);
     iValue.DeleteIntKey(aId);
-    CVelumRecord::CardVal(*this, aId, &old, nullptr);
+    RecordVal(aId, &old, nullptr, iValue.Alloc());
     const Ref<CVelumControl> control = ControlById(aId);
     if (control) iStack->iCardFinder.Note(*this, aId);
     if (control && control->DynFlag(EDynSelControl | EDynListCol)) iStack->NewListBasis();
@@ -186,6 +207,7 @@ void CVelumCard::InitAllVal() {
 void CVelumCard::UpdateCardLists() {
   const Ref<CVelumControlSet> background = Background();
   if (!background || (iState & EUpdating) || !iStack->EnterListUpdate()) return;
+  const CVelumRecord::CUnrecorded computed;
   struct TLeave {
     CVelumCard& iCard;
     CVelumStack& iOwner;

@@ -5,14 +5,16 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
-
-using CVelumRecord::Store;
 
 namespace {
 constexpr int ETypeId = 12;
 constexpr qint16 EDefaultSize = 220;
 constexpr float EPointsUnset = 31999.0F;
+
+template <class T> void Set(T& aSlot, T aNew, bool& aChanged) {
+  aSlot = std::move(aNew);
+  aChanged = true;
+}
 } // namespace
 
 CVelumFont::CVelumFont(QString aFaceName, qint16 aSize, qint32 aForeColor)
@@ -23,24 +25,24 @@ QString CVelumFont::ObjDescr() const {
 }
 
 void CVelumFont::SetForeColor(qint32 aColor) {
-  Store(*this, "ForeColor", iForeColor, aColor, iChanged);
+  Set(iForeColor, aColor, iChanged);
 }
 
 void CVelumFont::SetFlags(qint32 aFlags) {
-  Store(*this, "Flags", iFlags, aFlags, iChanged);
+  Set(iFlags, aFlags, iChanged);
 }
 
 void CVelumFont::AddFont(const CVelumFont* aFont) {
   if (!aFont) return;
-  if (!aFont->iFaceName.isEmpty()) Store(*this, "FaceName", iFaceName, aFont->iFaceName, iChanged);
-  if (aFont->iSize != ENoShort) Store(*this, "Size", iSize, aFont->iSize, iChanged);
+  if (!aFont->iFaceName.isEmpty()) Set(iFaceName, aFont->iFaceName, iChanged);
+  if (aFont->iSize != ENoShort) Set(iSize, aFont->iSize, iChanged);
   if (aFont->iForeColor != ENoInt) SetForeColor(aFont->iForeColor);
   if (aFont->iFlags != 0) SetFlags(aFont->iFlags);
 }
 
 void CVelumFont::SetDefaults() {
-  if (iFaceName.isEmpty()) Store(*this, "FaceName", iFaceName, u"Arial"_s, iChanged);
-  if (iSize == ENoShort) Store(*this, "Size", iSize, EDefaultSize, iChanged);
+  if (iFaceName.isEmpty()) Set(iFaceName, u"Arial"_s, iChanged);
+  if (iSize == ENoShort) Set(iSize, EDefaultSize, iChanged);
   if (iForeColor == ENoInt) SetForeColor(0);
 }
 

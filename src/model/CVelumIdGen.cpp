@@ -4,7 +4,7 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 namespace {
 constexpr int ETypeId = 6;
@@ -14,7 +14,7 @@ qint32 CVelumIdGen::NextId() {
   // ENoInt itself can be no id: it means "unset" wherever ids are kept.
   if (iNextId >= ENoInt) CVelumError::RaiseHost(EHostOverflow);
   const qint32 id = iNextId;
-  CVelumRecord::Store(*this, "NextId", iNextId, id + 1, iChanged);
+  CVelumRecord::Store(*this, EMemberNextId, iNextId, id + 1, iChanged);
   return id;
 }
 

@@ -4,12 +4,9 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
 
 #include <cmath>
 #include <limits>
-
-using CVelumRecord::Store;
 
 namespace {
 constexpr int ETypeId = 8;
@@ -31,19 +28,23 @@ CVelumRect::CVelumRect(float aX, float aY, float aWidth, float aHeight)
     : iX(aX), iY(aY), iWidth(aWidth), iHeight(aHeight) {}
 
 void CVelumRect::SetX(float aX) {
-  Store(*this, "X", iX, aX, iChanged);
+  iX = aX;
+  iChanged = true;
 }
 
 void CVelumRect::SetY(float aY) {
-  Store(*this, "Y", iY, aY, iChanged);
+  iY = aY;
+  iChanged = true;
 }
 
 void CVelumRect::SetWidth(float aWidth) {
-  Store(*this, "Width", iWidth, aWidth, iChanged);
+  iWidth = aWidth;
+  iChanged = true;
 }
 
 void CVelumRect::SetHeight(float aHeight) {
-  Store(*this, "Height", iHeight, aHeight, iChanged);
+  iHeight = aHeight;
+  iChanged = true;
 }
 
 bool CVelumRect::IsNull() const {

@@ -5,7 +5,7 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 using CVelumRecord::Store;
 
@@ -24,15 +24,15 @@ bool IsScriptArray(const CVelumArray& aScript) {
 } // namespace
 
 void CVelumScripted::SetName(const QString& aName) {
-  Store(*this, "Name", iName, aName, iChanged);
+  Store(*this, EMemberName, iName, aName, iChanged);
 }
 
 void CVelumScripted::SetId(qint32 aId) {
-  Store(*this, "Id", iId, aId, iChanged);
+  Store(*this, EMemberId, iId, aId, iChanged);
 }
 
 void CVelumScripted::SetFlags(qint32 aFlags) {
-  Store(*this, "Flags", iFlags, aFlags, iChanged);
+  Store(*this, EMemberFlags, iFlags, aFlags, iChanged);
 }
 
 qint32 CVelumScripted::WithFlag(qint32 aFlags, qint32 aMask, bool aOn) {
@@ -51,7 +51,7 @@ CVelumScripted::TExtras& CVelumScripted::Extras() {
   return *iExtras;
 }
 
-template <class T> void CVelumScripted::StoreExtra(const char* aMember, T TExtras::*aSlot, const T& aNew) {
+template <class T> void CVelumScripted::StoreExtra(EMember aMember, T TExtras::*aSlot, const T& aNew) {
   if (iExtras || !(aNew == T())) {
     Store(*this, aMember, Extras().*aSlot, aNew, iChanged);
     return;
@@ -65,7 +65,7 @@ QString CVelumScripted::ScriptSource() const {
 }
 
 void CVelumScripted::SetScriptSource(const QString& aSource) {
-  StoreExtra("ScriptSource", &TExtras::iScriptSource, aSource);
+  StoreExtra(EMemberScriptSource, &TExtras::iScriptSource, aSource);
 }
 
 Ref<CVelumArray> CVelumScripted::Script() const {
@@ -73,7 +73,7 @@ Ref<CVelumArray> CVelumScripted::Script() const {
 }
 
 void CVelumScripted::SetScript(const Ref<CVelumArray>& aScript) {
-  StoreExtra("Script", &TExtras::iScript, aScript);
+  StoreExtra(EMemberScript, &TExtras::iScript, aScript);
 }
 
 qint16 CVelumScripted::ScriptCount() const {
@@ -86,11 +86,11 @@ Ref<CVelumFont> CVelumScripted::Font() const {
 }
 
 void CVelumScripted::SetFont(const Ref<CVelumFont>& aFont) {
-  StoreExtra("Font", &TExtras::iFont, aFont);
+  StoreExtra(EMemberFont, &TExtras::iFont, aFont);
 }
 
 void CVelumScripted::SetBackColor(qint32 aColor) {
-  Store(*this, "BackColor", iBackColor, aColor, iChanged);
+  Store(*this, EMemberBackColor, iBackColor, aColor, iChanged);
 }
 
 bool CVelumScripted::ExtrasChanged() const {

@@ -3,10 +3,13 @@
 
 #include "core/array/CVelumArray.h"
 #include "model/CVelumFont.h"
+#include "model/change/TDocAddress.h"
 
 // The common block. Setters mark the object changed and are recorded.
 class CVelumScripted : public CVelumStored {
 public:
+  // How changes name this object.
+  [[nodiscard]] virtual TDocAddress Address() const = 0;
   [[nodiscard]] const QString& Name() const { return iName; }
   virtual void SetName(const QString& aName);
   [[nodiscard]] qint32 Id() const { return iId; }
@@ -57,6 +60,8 @@ protected:
   QString iName;
 
 private:
+  friend class CVelumReplay; // raw access for changes
+
   // Rare on cards.
   struct TExtras {
     QString iScriptSource;
@@ -64,7 +69,7 @@ private:
     Ref<CVelumFont> iFont;
   };
   // Records and stores one of them; setting "none" on an object without extras makes none.
-  template <class T> void StoreExtra(const char* aMember, T TExtras::*aSlot, const T& aNew);
+  template <class T> void StoreExtra(EMember aMember, T TExtras::*aSlot, const T& aNew);
   TExtras& Extras();
   std::unique_ptr<TExtras> iExtras;
 

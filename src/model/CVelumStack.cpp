@@ -1,7 +1,7 @@
 #include "model/CVelumStack.h"
 
 #include "core/CVelumChecked.h"
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 using CVelumModel::ObjAs;
 using CVelumRecord::Store;
@@ -73,20 +73,22 @@ QString CVelumStack::ObjDescr() const {
 }
 
 void CVelumStack::SetDescr(const QString& aDescr) {
-  Store(*this, "Descr", iDescr, aDescr, iChanged);
+  Store(*this, EMemberDescr, iDescr, aDescr, iChanged);
 }
 
 void CVelumStack::SetFilename(const QString& aFilename) {
-  Store(*this, "Filename", iFilename, aFilename, iChanged);
+  iFilename = aFilename;
+  iChanged = true;
 }
 
 void CVelumStack::SetListFont(const Ref<CVelumFont>& aFont) {
-  Store(*this, "ListFont", iListFont, aFont, iChanged);
+  Store(*this, EMemberListFont, iListFont, aFont, iChanged);
 }
 
 void CVelumStack::SetBlobStore(const Ref<CVelumBlobStore>& aStore) {
   CVelumError::AssertObj(!iBlobStore, this, u"LetBlobStore"_s, u"nothing"_s);
-  Store(*this, "BlobStore", iBlobStore, aStore, iChanged);
+  iBlobStore = aStore;
+  iChanged = true;
 }
 
 bool CVelumStack::Changed() const {
@@ -114,14 +116,22 @@ void CVelumStack::ResetChanged() {
   iChanged = false;
 }
 
+// What is recorded of a collection that changes; aAlloc is its capacity before.
+void CVelumStack::RecordChild(bool aAdded, EChild aKind, qint32 aId, CVelumStored& aChild,
+                              qint32 aAlloc) const {
+  if (CVelumRecorder* recorder = CVelumRecord::Of(this))
+    recorder->Child(aAdded, aKind, ENoInt, aId, aChild, ENoInt, {aAlloc, ENoInt});
+}
+
 // Backgrounds.
 
 void CVelumStack::AddBackground(const Ref<CVelumControlSet>& aBackground) {
   CVelumControlSet& background = CVelumChecked::Deref(aBackground);
+  const qint32 alloc = iBackground->Alloc();
   CreateObj(*iBackground, background.Id(), EValControlSet, aBackground);
   background.SetStack(this);
   background.SetNumCards(0);
-  CVelumRecord::Added(*this, "Background", background, background.Id());
+  RecordChild(true, EChildBackground, background.Id(), background, alloc);
 }
 
 CVelumControlSet* CVelumStack::FindBackground(qint32 aId) const {
@@ -177,14 +187,15 @@ bool CVelumStack::GetSortKeyByName(const QString& aName, Ref<CVelumSortKey>& aKe
 }
 
 void CVelumStack::AddSortKey(const Ref<CVelumSortKey>& aKey) {
-  const CVelumSortKey& key = CVelumChecked::Deref(aKey);
+  CVelumSortKey& key = CVelumChecked::Deref(aKey);
+  const qint32 alloc = iSortKey->Alloc();
   CreateObj(*iSortKey, key.Id(), EValSortKey, aKey);
-  CVelumRecord::Added(*this, "SortKey", key, key.Id());
+  RecordChild(true, EChildSortKey, key.Id(), key, alloc);
 }
 
 void CVelumStack::DeleteSortKey(qint32 aId) {
-  if (const auto* key = FindObj<CVelumSortKey>(*iSortKey, aId, EValSortKey))
-    CVelumRecord::Removed(*this, "SortKey", *key, aId);
+  if (auto* key = FindObj<CVelumSortKey>(*iSortKey, aId, EValSortKey))
+    RecordChild(false, EChildSortKey, aId, *key, iSortKey->Alloc());
   iSortKey->DeleteIntKey(aId);
 }
 
@@ -210,12 +221,13 @@ bool CVelumStack::GetNextKeyIndex(Ref<CVelumArray>& aIndex, qint32& aCursor) con
 void CVelumStack::AddKeyIndex(const Ref<CVelumArray>& aKeyIndex) {
   CVelumArray& index = CVelumChecked::Deref(aKeyIndex);
   CVelumError::AssertObj(index.SortKeyId() != ENoInt, this, u"AddKeyIndex"_s, u"aKeyIndex sortKey defined"_s);
+  const qint32 alloc = iKeyIndex->Alloc();
   CreateObj(*iKeyIndex, index.Id(), EValArray, aKeyIndex);
-  CVelumRecord::Added(*this, "KeyIndex", index, index.Id());
+  RecordChild(true, EChildKeyIndex, index.Id(), index, alloc);
 }
 
 void CVelumStack::DeleteKeyIndex(qint32 aId) {
-  if (const auto* index = FindObj<CVelumArray>(*iKeyIndex, aId, EValArray))
-    CVelumRecord::Removed(*this, "KeyIndex", *index, aId);
+  if (auto* index = FindObj<CVelumArray>(*iKeyIndex, aId, EValArray))
+    RecordChild(false, EChildKeyIndex, aId, *index, iKeyIndex->Alloc());
   iKeyIndex->DeleteIntKey(aId);
 }

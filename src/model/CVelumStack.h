@@ -10,6 +10,8 @@
 #include "model/order/CVelumIndexSum.h"
 #include "model/order/CVelumSortKey.h"
 
+enum EChild : quint8;
+
 #include <QStringList>
 #include <limits>
 
@@ -35,6 +37,7 @@ public:
   ~CVelumStack() override;
 
   [[nodiscard]] QString ObjDescr() const override;
+  [[nodiscard]] TDocAddress Address() const override { return {EDocStack, ENoInt}; }
   [[nodiscard]] const QString& Descr() const { return iDescr; }
   void SetDescr(const QString& aDescr);
   [[nodiscard]] const QString& Filename() const { return iFilename; }
@@ -79,6 +82,8 @@ public:
   void AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard, bool aWithDefaults);
   void DeleteCard(const Ref<CVelumCard>& aCard);
   void DeleteAllCards();
+  // The cards of a background whose ids are below aEnd.
+  void DeleteCardsOf(const CVelumControlSet& aBackground, qint32 aEnd = std::numeric_limits<qint32>::max());
   void RenameCard(const Ref<CVelumCard>& aCard, const QString& aName);
   void MoveCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard);
   void MoveAllCardsOfBackground(const Ref<CVelumControlSet>& aBackground, const Ref<CVelumCard>& aBeforeCard);
@@ -144,6 +149,7 @@ public:
   // Read access to the indexes, for checks.
   [[nodiscard]] const CVelumArray& Cards() const { return *iCard; }
   [[nodiscard]] const CVelumArray& OrderIndex() const;
+  [[nodiscard]] const CVelumCardOrder& CardOrder() const { return iOrder; }
   [[nodiscard]] const CVelumArray& NameIndex() const { return *iNameIndex; }
 
   void Internalize(CVelumFile& aFile) override;
@@ -155,6 +161,7 @@ public:
 
 private:
   friend class CVelumCard;    // the change hub
+  friend class CVelumReplay;  // raw access for changes
   friend class CVelumControl; // tells what keys depend on
 
   // Of a key index, what the cards of its background give.
@@ -192,16 +199,34 @@ private:
   void LeaveListUpdate();
 
   void MakeContainers();
+  void RecordChild(bool aAdded, EChild aKind, qint32 aId, CVelumStored& aChild, qint32 aAlloc) const;
   [[nodiscard]] CVelumSortKey* SortKeyAt(qint32 aIndex) const;
   [[nodiscard]] CVelumArray* KeyIndexAt(qint32 aIndex) const;
   [[nodiscard]] bool HasKeysFrom(qint32 aFirst) const;
+  void MoveCardIds(qint32 aFrom, qint32 aEnd, qint32 aBy);
   [[nodiscard]] bool InBulk(const CVelumCard& aCard) const { return aCard.Id() >= iBulkStart; }
 
   [[nodiscard]] qint32 PlaceCard(const Ref<CVelumCard>& aCard);
+  void TakeOut(CVelumCard& aCard, CVelumControlSet& aBackground);
+  void DeleteCards(const std::vector<Ref<CVelumCard>>& aCards);
+  // Entries of the name index or of a key index, recorded.
+  qint32 AddEntry(CVelumArray& aIndex, const QString& aKey, qint32 aCardId);
+  void RemoveEntry(CVelumArray& aIndex, qint32 aAt);
+  void RemoveEntriesOf(CVelumArray& aIndex, const std::vector<bool>& aCards);
+  // The id by which changes name an index of this stack (ENoInt: the name index); false for another array.
+  [[nodiscard]] bool IsIndex(const CVelumArray& aIndex, qint32& aId) const;
+  void RecordCard(bool aAdded, CVelumCard& aCard, qint32 aCount, qint32 aAlloc) const;
+  // Records all entries of the range as one change; those of cards below aFirstCard are left out. aAlloc: the
+  // capacity before (added) or after (removed).
+  void RecordEntries(bool aAdded, const CVelumArray& aIndex, qint32 aFrom, qint32 aEnd, qint32 aFirstCard,
+                     qint32 aAlloc) const;
   void DropHalfAdded(CVelumCard& aCard, CVelumControlSet& aBackground, bool aByKey);
   void AddName(const CVelumCard& aCard);
   void RemoveName(const CVelumCard& aCard);
+  [[nodiscard]] qint32 EntryOf(const CVelumCard& aCard);
+  [[nodiscard]] qint32 EntryAmongEquals(qint32 aFrom, qint32 aEnd, qint32 aId);
   void WriteNameField(CVelumCard& aCard);
+  void DropEntry(CVelumArray& aIndex, const QString& aKey, qint32 aId);
   void AddKey(CVelumCard& aCard, CVelumControlSet& aBackground);
   void RemoveKey(CVelumCard& aCard, CVelumControlSet& aBackground);
   // Whether the cards of a background stand in the order of the index.
@@ -214,6 +239,7 @@ private:
   void InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& aBeforeCard);
   [[nodiscard]] qint32 NumBefore(qint32 aPos);
   void RemoveCardOrder(const CVelumCard& aCard);
+  void RecordOrder() const;
   void RenumberOrderIndex(qint32 aStep);
   void PlaceByKey(const Ref<CVelumCard>& aCard, bool aIsNew, const CVelumArray& aKeyIndex, qint32 aIndex);
   [[nodiscard]] Ref<CVelumCard> NextByKey(const CVelumArray& aKeyIndex, qint32 aIndex) const;
@@ -227,7 +253,6 @@ private:
   [[nodiscard]] bool FirstIsLastChanged(const CVelumControlSet& aBackground) const;
   [[nodiscard]] bool IsLastChanged(const CVelumCard& aCard) const;
   void BuildCardFinder();
-  void DeleteCardsOf(const CVelumControlSet& aBackground);
   void DeleteKeysOf(qint32 aBackgroundId);
   void FlagCardListRefs(const CVelumControlSet& aBackground, const CVelumControl& aControl);
   void BulkNames(qint32 aStart);

@@ -78,6 +78,7 @@ private:
 void CVelumStack::BeginBulk(qint32 aExpected) {
   static_cast<void>(aExpected);
   iBulkStart = iCard->Count();
+  RecordOrder();
 }
 
 void CVelumStack::EndBulk() {
@@ -92,10 +93,12 @@ void CVelumStack::EndBulk() {
 }
 
 void CVelumStack::BulkNames(qint32 aStart) {
+  const qint32 alloc = iNameIndex->Alloc();
   CFill fill(*iNameIndex, iCard->Count() - aStart);
   for (qint32 id = aStart; id < iCard->Count(); ++id)
     if (const CVelumCard* card = FindCard(id)) fill.Add(card->Name(), id);
   fill.End();
+  RecordEntries(true, *iNameIndex, 0, iNameIndex->Count(), aStart, alloc);
 }
 
 // The keys of the new cards of a background. False if it got none.
@@ -107,9 +110,11 @@ bool CVelumStack::BulkKeys(CVelumControlSet& aBackground, qint32 aStart) {
   if (ids.empty()) return false;
   CVelumArray& index = CVelumChecked::Deref(aBackground.KeyIndex().Get());
   const Ref<CVelumSortKey> key = SortKey(index.SortKeyId());
+  const qint32 alloc = index.Alloc();
   CFill fill(index, static_cast<qint32>(ids.size()));
   for (const qint32 id : ids) fill.Add(CVelumChecked::Deref(key).BuildKey(*FindCard(id)), id);
   fill.End();
+  RecordEntries(true, index, 0, index.Count(), aStart, alloc);
   return true;
 }
 

@@ -1,7 +1,7 @@
 // Cards enter and leave.
 #include "core/CVelumChecked.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 #include <limits>
 
@@ -29,11 +29,14 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
   else
     before = KnownBefore(FirstOfKept(aBeforeCard), card);
   const bool dirty = card.Dirty();
+  const qint32 count = iCard->Count();
+  const qint32 alloc = iCard->Alloc();
   card.SetId(PlaceCard(aCard));
   card.SetStack(this);
   card.SetDirty(dirty);
   background.SetNumCards(background.NumCards() + 1);
   try {
+    RecordCard(true, card, count, alloc);
     if (byKey)
       AddKey(card, background);
     else
@@ -46,7 +49,6 @@ void CVelumStack::AddCard(const Ref<CVelumCard>& aCard, const Ref<CVelumCard>& a
   iCardFinder.Note(card, ENoInt);
   SetCardListsDirty(nullptr);
   iChangeInfo.iCardListChanged = true;
-  CVelumRecord::Added(*this, "Card", card, card.Id());
   if (aWithDefaults) card.InitAllVal();
 }
 
@@ -55,9 +57,10 @@ void CVelumStack::DropHalfAdded(CVelumCard& aCard, CVelumControlSet& aBackground
   const Ref<CVelumCard> card = &aCard; // the slot may hold the last reference
   qint32 at = 0;
   if (const Ref<CVelumArray> index = aByKey ? aBackground.KeyIndex() : nullptr)
-    if (index->GetIntIndex(aCard.Id(), at)) index->DeleteAt(at);
+    if (index->GetIntIndex(aCard.Id(), at)) RemoveEntry(*index, at);
   if (iOrder.PosOf(aCard.Id()) >= 0) RemoveCardOrder(aCard);
   aBackground.SetNumCards(aBackground.NumCards() - 1);
+  RecordCard(false, aCard, iCard->Count(), iCard->Alloc());
   iCard->SetObj(aCard.Id(), nullptr);
   iCard->SetToLastObj();
   aCard.SetStack(nullptr);
@@ -90,22 +93,48 @@ void CVelumStack::DeleteCard(const Ref<CVelumCard>& aCard) {
   CVelumError::Assert(FindCard(card->Id()) == card.Get(), u"DeleteCard card"_s);
   if (FindCard(card->Id()) != card.Get()) return;
   if (background.Flag(ECseKeepCardsSorted)) RemoveKey(*card, background);
-  for (qint32 i = 0; i < background.NumControls(); ++i)
-    if (const CVelumControl* control = background.ControlAt(i)) card->DropVal(control->Id());
-  CVelumRecord::Removed(*this, "Card", *card, card->Id());
+  card->DropBlobs();
   RemoveName(*card);
   RemoveCardOrder(*card);
-  background.SetNumCards(background.NumCards() - 1);
-  iCard->SetObj(card->Id(), nullptr);
+  TakeOut(*card, background);
+  SetCardListsDirty(nullptr);
+  iChangeInfo.iCardListChanged = true;
+}
+
+// A card that stands in no index any more leaves the table. It keeps its values: a change that brings it back
+// needs them.
+void CVelumStack::TakeOut(CVelumCard& aCard, CVelumControlSet& aBackground) {
+  const Ref<CVelumCard> card = &aCard; // the slot may hold the last reference
+  aBackground.SetNumCards(aBackground.NumCards() - 1);
+  RecordCard(false, aCard, iCard->Count(), iCard->Alloc());
+  iCard->SetObj(aCard.Id(), nullptr);
   iCard->SetToLastObj();
-  card->SetStack(nullptr);
+  aCard.SetStack(nullptr);
+}
+
+// Many cards at once: the entries of all of them leave each index in one go.
+void CVelumStack::DeleteCards(const std::vector<Ref<CVelumCard>>& aCards) {
+  if (aCards.empty()) return;
+  std::vector<bool> going(size_t(iCard->Count()), false);
+  for (const Ref<CVelumCard>& card : aCards) going[size_t(card->Id())] = true;
+  Ref<CVelumArray> index;
+  for (qint32 i = 0; GetNextKeyIndex(index, i);) RemoveEntriesOf(*index, going);
+  RemoveEntriesOf(*iNameIndex, going);
+  RecordOrder();
+  for (const Ref<CVelumCard>& card : aCards) {
+    card->DropBlobs();
+    RemoveCardOrder(*card);
+    TakeOut(*card, CVelumChecked::Deref(FindBackground(card->BackgroundId())));
+  }
   SetCardListsDirty(nullptr);
   iChangeInfo.iCardListChanged = true;
 }
 
 void CVelumStack::DeleteAllCards() {
+  std::vector<Ref<CVelumCard>> cards;
   Ref<CVelumCard> card;
-  while (OrderFirst(card)) DeleteCard(card);
+  for (qint32 at = 0; GetNextCard(card, at);) cards.push_back(card);
+  DeleteCards(cards);
   iChangeInfo.iCardListChanged = true;
 }
 
@@ -122,18 +151,17 @@ void CVelumStack::DeleteBackground(const Ref<CVelumControlSet>& aBackground, boo
   // Nothing else holds the picture behind its cards.
   if (background->WallPaperId() != ENoInt && iBlobStore)
     iBlobStore->ReleaseReference(background->WallPaperId());
-  CVelumRecord::Removed(*this, "Background", *background, id);
+  RecordChild(false, EChildBackground, id, *background, iBackground->Alloc());
   iBackground->DeleteIntKey(id);
   background->SetStack(nullptr);
 }
 
-void CVelumStack::DeleteCardsOf(const CVelumControlSet& aBackground) {
+void CVelumStack::DeleteCardsOf(const CVelumControlSet& aBackground, qint32 aEnd) {
+  std::vector<Ref<CVelumCard>> cards;
   Ref<CVelumCard> card;
-  qint32 index = 0;
-  while (GetNextCardInBackground(aBackground.Id(), card, index)) {
-    DeleteCard(card);
-    --index; // the next one stands in its place
-  }
+  for (qint32 at = 0; GetNextCardInBackground(aBackground.Id(), card, at);)
+    if (card->Id() < aEnd) cards.push_back(card);
+  DeleteCards(cards);
 }
 
 void CVelumStack::DeleteKeysOf(qint32 aBackgroundId) {

@@ -13,9 +13,6 @@ public:
   virtual void DeleteBackground(const Ref<CVelumControlSet>& aBackground, bool aOnlyCards) = 0;
   // Deletes the cards of a background whose ids are below aEnd: those that were there before others came.
   virtual void DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) = 0;
-
-protected:
-  static void DeleteOldCardsOf(CVelumStack& aStack, qint32 aBackgroundId, qint32 aEnd);
 };
 
 // A stack without a window.
@@ -27,7 +24,7 @@ public:
     iStack->DeleteBackground(aBackground, aOnlyCards);
   }
   void DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) override {
-    DeleteOldCardsOf(*iStack, aBackground->Id(), aEnd);
+    iStack->DeleteCardsOf(*aBackground, aEnd);
   }
 
 private:

@@ -1,6 +1,6 @@
 #include "persist/CVelumListLimit.h"
 
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 #include <functional>
 #include <utility>
@@ -8,18 +8,6 @@
 namespace {
 
 const QString ELineEnd = u"\r\n"_s;
-
-// What is stored in another form for a moment is no change of the document.
-class CUnrecorded {
-public:
-  CUnrecorded() : iRecorder(std::exchange(CVelumRecord::gRecorder, nullptr)) {}
-  ~CUnrecorded() { CVelumRecord::gRecorder = iRecorder; }
-  CUnrecorded(const CUnrecorded&) = delete;
-  CUnrecorded& operator=(const CUnrecorded&) = delete;
-
-private:
-  CVelumRecorder* iRecorder;
-};
 
 using TEachList = std::function<void(CVelumControlSet&, CVelumControl&)>;
 
@@ -52,12 +40,6 @@ QString OwnText(const CVelumCard& aCard, qint32 aControlId) {
   return at < 0 ? QString() : values.ValRef(at).Str();
 }
 
-void SetOwnText(CVelumCard& aCard, qint32 aControlId, const QString& aText, bool aChanged) {
-  CVelumArray& values = aCard.Value();
-  values.SetValAt(values.FindIntKey(aControlId) + 1, TVelumValue::OfStr(aText));
-  values.SetChanged(aChanged);
-}
-
 } // namespace
 
 QString CVelumListCut::CutText(const QString& aList) {
@@ -67,7 +49,7 @@ QString CVelumListCut::CutText(const QString& aList) {
 }
 
 CVelumListCut::CVelumListCut(CVelumStack& aStack) {
-  CUnrecorded unrecorded;
+  CVelumRecord::CUnrecorded unrecorded;
   ForEachList(aStack, [&](CVelumControlSet& aBackground, CVelumControl& aControl) {
     CutDefault(aControl);
     ForEachCard(aStack, aBackground.Id(), [&](CVelumCard& aCard) { CutValue(aCard, aControl.Id()); });
@@ -86,16 +68,16 @@ void CVelumListCut::CutValue(CVelumCard& aCard, qint32 aControlId) {
   if (text.size() <= EMaxStoredText) return;
   bool changed = aCard.Value().OwnChanged();
   iValues.append({Ref<CVelumCard>(&aCard), aControlId, text, changed});
-  SetOwnText(aCard, aControlId, CutText(text), changed);
+  aCard.SetComputedText(aControlId, CutText(text), changed);
 }
 
 CVelumListCut::~CVelumListCut() {
-  CUnrecorded unrecorded;
+  CVelumRecord::CUnrecorded unrecorded;
   for (const TDefault& d : iDefaults) {
     d.iControl->SetDefaultVal(d.iText);
     if (!d.iChanged) d.iControl->SetChanged(false);
   }
-  for (const TValue& v : iValues) SetOwnText(*v.iCard, v.iControlId, v.iText, v.iChanged);
+  for (const TValue& v : iValues) v.iCard->SetComputedText(v.iControlId, v.iText, v.iChanged);
 }
 
 void CVelumListCut::MarkCutLists(CVelumStack& aStack) {

@@ -33,6 +33,11 @@ public:
   // aKind is an EChange.
   virtual void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2);
 
+  // Whether something was entered that the document has not got, and letting go of it: the form then shows
+  // the document.
+  [[nodiscard]] virtual bool HasEntries() const { return false; }
+  virtual void DropEntries() {}
+
   // Left, top, width and height in twips: of the child window when the form stands in a CVelumMdiArea,
   // otherwise of the top-level window (position of its frame, size of its content).
   [[nodiscard]] QRectF Place();

@@ -204,6 +204,10 @@ bool FormIsLoaded(const QString& aName) {
   return std::any_of(forms.begin(), forms.end(), [&](const CVelumForm* f) { return f->Name() == aName; });
 }
 
+QList<CVelumForm*> LoadedForms() {
+  return Windows().iLoaded.Forms();
+}
+
 void LoadForm(CVelumForm& aForm) {
   if (aForm.IsLoaded()) return;
   qCDebug(gLogToolkit) << "load" << aForm.Name();

@@ -45,6 +45,7 @@ void SetFactory(const QString& aName, TVelumFormFactory aFactory);
 // The main window when it is loaded, otherwise nothing.
 [[nodiscard]] CVelumForm* Frame();
 [[nodiscard]] bool FormIsLoaded(const QString& aName);
+[[nodiscard]] QList<CVelumForm*> LoadedForms();
 
 // Runs Load once per life of the form. A form that is loaded gets the notifications.
 void LoadForm(CVelumForm& aForm);

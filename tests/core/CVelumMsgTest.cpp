@@ -60,6 +60,7 @@ const TExpected ECatalogue[] = {
     {30, "EMsgDiscardChangesOk", R"(Discard changes in %0?)"},
     {31, "EMsgAssertFailedOk",
      R"(Assert failed (probably due to a bug):\n< %0 >\nIgnore and try to proceed nevertheless?)"},
+    {98, "EMsgCannotUndoOk", "This cannot be undone. Proceed?"},
     {1000, "EMsgAssertFailed", R"(An internal program error occured, probably because of a 'bug'.)"},
     {1001, "EMsgGenTooLow", R"(The format of the stack is too old and not supported any more.\n%0)"},
     {1002, "EMsgGenTooHigh",
@@ -81,6 +82,10 @@ const TExpected ECatalogue[] = {
     {1083, "EMsgControlNotFound", R"(The field or control '%0' cannot be found.)"},
     {1084, "EMsgIncompatibleValTypes",
      R"(The operation is not possible, because the given types '%0' and '%1' are not compatible.)"},
+    {1098, "EMsgChangeDoesNotFit",
+     "The step '%0' cannot be taken back or made again, because the stack is not as the step left it. The "
+     "stack stays "
+     "as it is; earlier steps are forgotten."},
 };
 
 TEST(CVelumMsg, TableHoldsExactlyTheCatalogue) {
@@ -89,7 +94,7 @@ TEST(CVelumMsg, TableHoldsExactlyTheCatalogue) {
   std::map<int, QString> expected;
   for (const TExpected& entry : ECatalogue)
     expected[entry.iNumber] = QString::fromLatin1(entry.iName) + u": "_s + QString::fromLatin1(entry.iText);
-  ASSERT_EQ(expected.size(), 50U);
+  ASSERT_EQ(expected.size(), 52U);
   for (int number = 0; number <= 1100; ++number) {
     EXPECT_EQ(CVelumMsg::Entry(number), expected[number]) << number;
     EXPECT_EQ(CVelumMsg::Name(number), expected[number].section(u": "_s, 0, 0)) << number;

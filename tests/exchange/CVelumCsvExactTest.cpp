@@ -1,7 +1,7 @@
 #include "CsvImportTest.h"
 
 #include "exchange/CVelumCsvSample.h"
-#include "model/CVelumRecorder.h"
+#include "exchange/FailingTaker.h"
 #include "persist/CVelumStackCheck.h"
 
 #include <QJsonArray>
@@ -363,19 +363,12 @@ TEST_F(CVelumCsvExactTest, KeepsAnEmptyTextApartFromADefault) {
   EXPECT_EQ(Cards(), QStringList({u"1|1|-"_s, u"2|2|"_s}));
 }
 
-// Cancels, or runs out of memory, while cards come in.
-class CBreaks final : public CVelumImportWatch, public CVelumRecorder {
+// Cancels while cards come in.
+class CBreaks final : public CVelumImportWatch {
 public:
   [[nodiscard]] bool Progress(int aDone) override { return aDone < iCancelAt; }
-  void MemberSet(const CVelumObject&, const char*, const TVelumValue&, const TVelumValue&) override {}
-  void Added(const CVelumObject&, const char*, const CVelumObject&, qint32) override {
-    if (--iAddsLeft == 0) throw std::bad_alloc();
-  }
-  void Removed(const CVelumObject&, const char*, const CVelumObject&, qint32) override {}
-  void OrderRebuilt(const CVelumObject&) override {}
 
   int iCancelAt = EAll + 1;
-  int iAddsLeft = 0;
 };
 
 TEST_F(CVelumCsvExactTest, LeavesTheOldCardsWhereItIsCancelledOrFails) {
@@ -389,10 +382,9 @@ TEST_F(CVelumCsvExactTest, LeavesTheOldCardsWhereItIsCancelledOrFails) {
   EXPECT_EQ(Run("n,a\n" + Repeat("4,x\n", 10000), Set()).Into(breaks, host), ECsvOutcome::Cancelled);
   EXPECT_EQ(Cards(), before);
   breaks.iCancelAt = CVelumImportWatch::EAll + 1;
-  breaks.iAddsLeft = 3;
-  CVelumRecord::gRecorder = &breaks;
+  CFailingTaker noMemory(3);
+  const auto recorder = std::make_unique<CVelumRecorder>(*iNew.iStack, noMemory);
   EXPECT_THROW(static_cast<void>(Run("n,a\n1,b\n2,c\n3,d\n4,e\n", Set()).Into(breaks, host)), std::bad_alloc);
-  CVelumRecord::gRecorder = nullptr;
   EXPECT_EQ(Cards(), before);
   EXPECT_TRUE(CVelumStackCheck(*iNew.iStack).Run().isEmpty());
 }

@@ -2,7 +2,7 @@
 #include "CsvImportTest.h"
 
 #include "exchange/CVelumImports.h"
-#include "model/CVelumRecorder.h"
+#include "exchange/FailingTaker.h"
 #include "persist/CVelumStackCheck.h"
 
 namespace {
@@ -59,27 +59,12 @@ TEST_F(CsvClassicTest, ReplacesNoCardsByAFileThatAQuoteBreaksOff) {
       << "a new stack takes what there is";
 }
 
-// Throws at one of the cards that are added.
-class CNoMemory final : public CVelumRecorder {
-public:
-  CNoMemory() { CVelumRecord::gRecorder = this; }
-  ~CNoMemory() override { CVelumRecord::gRecorder = nullptr; }
-  void MemberSet(const CVelumObject&, const char*, const TVelumValue&, const TVelumValue&) override {}
-  void Added(const CVelumObject&, const char*, const CVelumObject&, qint32) override {
-    if (++iAdded == 2) throw std::bad_alloc();
-  }
-  void Removed(const CVelumObject&, const char*, const CVelumObject&, qint32) override {}
-  void OrderRebuilt(const CVelumObject&) override {}
-
-private:
-  int iAdded = 0;
-};
-
 TEST_F(CsvClassicTest, KeepsTheOldCardsWhenMemoryRunsOut) {
   ASSERT_EQ(ImportClassic("id,note\n1,a\n2,b\n"), ECsvOutcome::Done);
   const QStringList before = Cards();
   {
-    const CNoMemory noMemory;
+    CFailingTaker noMemory(2);
+    const CVelumRecorder recorder(*iNew.iStack, noMemory);
     EXPECT_THROW(static_cast<void>(FillClassic("id,note\n7,c\n8,d\n9,e\n")), std::bad_alloc);
   }
   EXPECT_EQ(Cards(), before);

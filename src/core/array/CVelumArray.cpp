@@ -391,6 +391,20 @@ void CVelumArray::OpenGap(qint32 aIndex, qint32 aNum) {
   iMax += aNum;
 }
 
+void CVelumArray::PutBack(qint32 aIndex, const TVelumElem& aElem) {
+  InsertAt(aIndex, TVelumCell(aElem.iVal, aElem.iIntKey), QString(aElem.iStrKey));
+}
+
+void CVelumArray::RestoreAlloc(qint32 aAlloc) {
+  iAlloc = std::max(aAlloc, iMax);
+}
+
+qint32 CVelumArray::PlaceOfIntKey(qint32 aKey) const {
+  qint32 index = 0;
+  static_cast<void>(LocateInt(aKey, index));
+  return index;
+}
+
 // Brings the storage in line with the flags and the count.
 void CVelumArray::ApplyShape() {
   if (WithStrKey()) iStore.SetKeyed(true);

@@ -147,6 +147,12 @@ public:
   void BeginBulk(qint32 aExpected);
   void AppendBulk(const TVelumElem& aElem);
   void EndBulk();
+  // For changes that are taken back, which know where an element stood: inserts it there without a search,
+  // and sets the capacity that files show (never below the count).
+  void PutBack(qint32 aIndex, const TVelumElem& aElem);
+  void RestoreAlloc(qint32 aAlloc);
+  // Where an element of that key stands, or would stand.
+  [[nodiscard]] qint32 PlaceOfIntKey(qint32 aKey) const;
   // Called by the owner after Internalize, when the sort key can be resolved: re-sorts a string-keyed array
   // whose elements are out of the local order. Internalize does it itself for arrays without a sort key.
   // Leaves the changed mark as it was.

@@ -6,7 +6,7 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 #include <QtEndian>
 
@@ -86,60 +86,55 @@ QString CVelumBlob::ObjDescr() const {
 }
 
 void CVelumBlob::SetBlobType(qint32 aType) {
-  Store(*this, "BlobType", iBlobType, aType, iChanged);
+  Store(*this, EMemberBlobType, iBlobType, aType, iChanged);
 }
 
 void CVelumBlob::SetName(const QString& aName) {
-  Store(*this, "Name", iName, aName, iChanged);
+  Store(*this, EMemberName, iName, aName, iChanged);
 }
 
 void CVelumBlob::SetFilename(const QString& aFilename) {
-  Store(*this, "Filename", iFilename, aFilename, iChanged);
+  Store(*this, EMemberFilename, iFilename, aFilename, iChanged);
 }
 
 void CVelumBlob::SetCreDate(double aDate) {
-  Store(*this, "CreDate", iCreDate, aDate, iChanged);
+  Store(*this, EMemberCreDate, iCreDate, aDate, iChanged);
 }
 
 void CVelumBlob::SetCreTime(double aTime) {
-  Store(*this, "CreTime", iCreTime, aTime, iChanged);
+  Store(*this, EMemberCreTime, iCreTime, aTime, iChanged);
 }
 
 void CVelumBlob::SetFileDate(double aDate) {
-  Store(*this, "FileDate", iFileDate, aDate, iChanged);
+  Store(*this, EMemberFileDate, iFileDate, aDate, iChanged);
 }
 
 void CVelumBlob::SetFileTime(double aTime) {
-  Store(*this, "FileTime", iFileTime, aTime, iChanged);
+  Store(*this, EMemberFileTime, iFileTime, aTime, iChanged);
 }
 
 void CVelumBlob::SetMimeType(const QString& aType) {
-  Store(*this, "MimeType", iMimeType, aType, iChanged);
+  Store(*this, EMemberMimeType, iMimeType, aType, iChanged);
 }
 
 void CVelumBlob::SetOriginalId(qint32 aId) {
-  Store(*this, "OriginalId", iOriginalId, aId, iChanged);
+  Store(*this, EMemberOriginalId, iOriginalId, aId, iChanged);
 }
 
 void CVelumBlob::SetSampleId(qint32 aId) {
-  Store(*this, "SampleId", iSampleId, aId, iChanged);
+  Store(*this, EMemberSampleId, iSampleId, aId, iChanged);
 }
 
 void CVelumBlob::SetWidth(qint16 aWidth) {
-  Store(*this, "Width", iWidth, aWidth, iChanged);
+  Store(*this, EMemberWidth, iWidth, aWidth, iChanged);
 }
 
 void CVelumBlob::SetHeight(qint16 aHeight) {
-  Store(*this, "Height", iHeight, aHeight, iChanged);
+  Store(*this, EMemberHeight, iHeight, aHeight, iChanged);
 }
 
 void CVelumBlob::SetBytes(const QByteArray& aBytes) {
-  // A recorder is told how much there is: no value holds bytes.
-  if (CVelumRecord::gRecorder)
-    CVelumRecord::gRecorder->MemberSet(*this, "Bytes", TVelumValue::OfInt(static_cast<qint32>(iBytes.size())),
-                                       TVelumValue::OfInt(static_cast<qint32>(aBytes.size())));
-  iBytes = aBytes;
-  iChanged = true;
+  Store(*this, EMemberBytes, iBytes, aBytes, iChanged);
 }
 
 void CVelumBlob::SetChanged(bool aChanged) {
@@ -154,13 +149,13 @@ void CVelumBlob::SetMarks(const TMarks& aMarks) {
 }
 
 void CVelumBlob::IncRefCount() {
-  Store(*this, "RefCount", iRefCount, CVelumChecked::Add(iRefCount, 1), iChanged);
+  Store(*this, EMemberRefCount, iRefCount, CVelumChecked::Add(iRefCount, 1), iChanged);
 }
 
 void CVelumBlob::DecRefCount() {
   CVelumError::AssertObj(iRefCount > 0, this, u"DecRefCount"_s, u"iRefCount"_s);
   if (iRefCount <= 0) return;
-  Store(*this, "RefCount", iRefCount, iRefCount - 1, iCountFell);
+  Store(*this, EMemberRefCount, iRefCount, iRefCount - 1, iCountFell);
 }
 
 void CVelumBlob::DecDynRefCount() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/array/CVelumArray.h"
+#include "model/change/TDocAddress.h"
 
 class CVelumBlob final : public CVelumStored {
 public:
@@ -12,6 +13,7 @@ public:
 
   [[nodiscard]] QString ObjDescr() const override;
   [[nodiscard]] qint32 Id() const { return iId; }
+  [[nodiscard]] TDocAddress Address() const { return {EDocBlob, iId}; }
   [[nodiscard]] qint32 BlobType() const { return iBlobType; }
   // The setters of what a file holds mark the blob changed.
   void SetBlobType(qint32 aType);
@@ -91,6 +93,8 @@ public:
   void SetMarks(const TMarks& aMarks);
 
 private:
+  friend class CVelumReplay; // raw access for changes
+
   void ReadDescription(CVelumFile& aFile, int aGen);
 
   qint32 iId = ENoInt;

@@ -4,7 +4,7 @@
 #include "core/CVelumLib.h"
 #include "core/CVelumLimits.h"
 #include "core/CVelumMsg.h"
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 namespace {
 
@@ -132,9 +132,42 @@ void CVelumBlobStore::AddBlob(const Ref<CVelumBlob>& aBlob) {
   elem.iIntKey = blob.Id();
   elem.iVal = TVelumValue::OfInt(ENoInt);
   iIndex->CreateIntKey(elem);
-  if (CVelumRecord::gRecorder) CVelumRecord::gRecorder->Added(*this, "Blob", blob, blob.Id());
   AddToCache(aBlob);
   iChanged = true;
+  RecordBlob(true, blob);
+}
+
+// Whether the store is that of the recorded stack.
+bool CVelumBlobStore::IsRecorded() const {
+  return CVelumRecord::gRecorder && CVelumRecord::gRecorder->Stack().BlobStore() == this;
+}
+
+void CVelumBlobStore::RecordBlob(bool aAdded, CVelumBlob& aBlob) const {
+  if (IsRecorded()) CVelumRecord::gRecorder->Child(aAdded, EChildBlob, ENoInt, aBlob.Id(), aBlob, ENoInt, {});
+}
+
+void CVelumBlobStore::PutBack(const Ref<CVelumBlob>& aBlob) {
+  CVelumBlob& blob = CVelumChecked::Deref(aBlob);
+  blob.SetOnFile(false);
+  blob.SetChanged(true);
+  while (blob.DynRefCount() > 0) blob.DecDynRefCount(); // whoever held it when it left is gone
+  TVelumElem elem;
+  elem.iIntKey = blob.Id();
+  elem.iVal = TVelumValue::OfInt(ENoInt);
+  iIndex->CreateIntKey(elem);
+  AddToCache(aBlob);
+  iChanged = true;
+}
+
+Ref<CVelumBlob> CVelumBlobStore::TakeOut(qint32 aId) {
+  Ref<CVelumBlob> blob = ReadBlob(aId, false);
+  const qint32 posIndex = iIndex->ValRef(iIndex->FindIntKey(aId)).Int();
+  if (posIndex != ENoInt && Flag(EBstFileBased)) DeletePlace(posIndex);
+  iCache->DeleteIntKey(aId);
+  iIndex->DeleteIntKey(aId);
+  if (blob->DynRefCount() > 0) blob->DecDynRefCount(); // the cache was a holder
+  iChanged = true;
+  return blob;
 }
 
 void CVelumBlobStore::AddToCache(const Ref<CVelumBlob>& aBlob) {
@@ -250,6 +283,8 @@ void CVelumBlobStore::DeletePlace(qint32 aPosIndex) {
 }
 
 void CVelumBlobStore::DeleteBlob(qint32 aId) {
+  // A blob that a change is to bring back must be known whole: its bytes go with its place.
+  if (IsRecorded()) static_cast<void>(ReadBlob(aId, false));
   qint32 originalId = ReadBlob(aId, true)->OriginalId();
   Ref<CVelumBlob> blob = Cached(aId);
   if (blob) {
@@ -258,11 +293,7 @@ void CVelumBlobStore::DeleteBlob(qint32 aId) {
     CVelumError::AssertObj(blob->DynRefCount() == 1, this, u"DeleteBlob"_s, u"dynRefCount"_s);
   }
   qint32 posIndex = iIndex->ValRef(iIndex->FindIntKey(aId)).Int();
-  if (CVelumRecord::gRecorder) {
-    // With its bytes, which go with its place.
-    const Ref<CVelumBlob> going = blob ? blob : ReadFrom(OpenedFile(), PlaceAt(posIndex).iPos, aId, false);
-    CVelumRecord::gRecorder->Removed(*this, "Blob", *going, aId);
-  }
+  if (blob) RecordBlob(false, *blob);
   if (posIndex != ENoInt && Flag(EBstFileBased)) DeletePlace(posIndex);
   if (blob) iCache->DeleteIntKey(aId);
   iIndex->DeleteIntKey(aId);

@@ -92,6 +92,11 @@ public:
   [[nodiscard]] TState State() const;
   void Restore(const TState& aState);
 
+  // For changes that are taken back: a blob enters with the counts it has, or leaves whole whatever refers to
+  // it.
+  void PutBack(const Ref<CVelumBlob>& aBlob);
+  [[nodiscard]] Ref<CVelumBlob> TakeOut(qint32 aId);
+
   // Read access to the tables, for checks.
   [[nodiscard]] const CVelumArray& Index() const { return *iIndex; }
   [[nodiscard]] const CVelumArray& PosTab() const { return *iPosTab; }
@@ -135,6 +140,8 @@ private:
   void CommitNew(qint32 aAt);
   void CommitChanged(qint32 aAt, CVelumBlob& aBlob);
   void DropDead(Ref<CVelumBlob>& aBlob);
+  [[nodiscard]] bool IsRecorded() const;
+  void RecordBlob(bool aAdded, CVelumBlob& aBlob) const;
   void EvictFromCache();
   void AddToCache(const Ref<CVelumBlob>& aBlob);
   [[nodiscard]] CVelumFile& OpenedFile() const;

@@ -6,8 +6,8 @@
 #include "core/CVelumSeams.h"
 #include "core/CVelumValue.h"
 #include "core/file/CVelumFile.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 using CVelumRecord::Store;
 
@@ -75,25 +75,25 @@ void CVelumControl::SetFlags(qint32 aFlags) {
 
 void CVelumControl::SetConType(qint32 aConType) {
   const int oldLisType = LisType();
-  Store(*this, "ConType", iConType, aConType, iChanged);
+  Store(*this, EMemberConType, iConType, aConType, iChanged);
   DropStaleBoxes(oldLisType);
   if (CVelumStack* stack = OwnerStack()) stack->ControlTypeSet(iId, aConType);
 }
 
 void CVelumControl::SetVisLines(qint16 aLines) {
-  Store(*this, "VisLines", iVisLines, aLines, iChanged);
+  Store(*this, EMemberVisLines, iVisLines, aLines, iChanged);
 }
 
 void CVelumControl::SetVisChar(qint16 aChars) {
-  Store(*this, "VisChar", iVisChar, aChars, iChanged);
+  Store(*this, EMemberVisChar, iVisChar, aChars, iChanged);
 }
 
 void CVelumControl::SetMaxChar(qint16 aMax) {
-  Store(*this, "MaxChar", iMaxChar, aMax, iChanged);
+  Store(*this, EMemberMaxChar, iMaxChar, aMax, iChanged);
 }
 
 void CVelumControl::SetDigits(qint16 aDigits) {
-  Store(*this, "Digits", iDigits, aDigits, iChanged);
+  Store(*this, EMemberDigits, iDigits, aDigits, iChanged);
 }
 
 qint16 CVelumControl::ListVisChar() const {
@@ -102,20 +102,20 @@ qint16 CVelumControl::ListVisChar() const {
 }
 
 void CVelumControl::SetListVisChar(qint16 aChars) {
-  Store(*this, "ListVisChar", iListVisChar, aChars, iChanged);
+  Store(*this, EMemberListVisChar, iListVisChar, aChars, iChanged);
 }
 
 void CVelumControl::SetDescr(const QString& aDescr) {
-  Store(*this, "Descr", iDescr, aDescr, iChanged);
+  Store(*this, EMemberDescr, iDescr, aDescr, iChanged);
 }
 
 void CVelumControl::SetLabel(const QString& aLabel) {
-  Store(*this, "Label", iLabel, aLabel, iChanged);
+  Store(*this, EMemberLabel, iLabel, aLabel, iChanged);
 }
 
 void CVelumControl::SetDefaultVal(const QString& aDefault) {
   const bool other = aDefault != iDefaultVal;
-  Store(*this, "DefaultVal", iDefaultVal, aDefault, iChanged);
+  Store(*this, EMemberDefaultVal, iDefaultVal, aDefault, iChanged);
   iListBasis = 0;
   if (CVelumStack* stack = other ? OwnerStack() : nullptr) stack->RenewKeysOf(iId);
 }
@@ -133,37 +133,37 @@ QString CVelumControl::ListColTitle() const {
 }
 
 void CVelumControl::SetListColTitle(const QString& aTitle) {
-  Store(*this, "ListColTitle", iListColTitle, aTitle, iChanged);
+  Store(*this, EMemberListColTitle, iListColTitle, aTitle, iChanged);
 }
 
 void CVelumControl::SetPartnerId(qint32 aId) {
   CVelumError::AssertObj(aId == ENoInt || Flag(EConComboText | EConComboList), this, u"LetPartnerId"_s,
                          u"LetPartnerId Combo"_s);
-  Store(*this, "PartnerId", iPartnerId, aId, iChanged);
+  Store(*this, EMemberPartnerId, iPartnerId, aId, iChanged);
 }
 
 void CVelumControl::SetRefControlId(qint32 aId) {
-  Store(*this, "RefControlId", iRefControlId, aId, iChanged);
+  Store(*this, EMemberRefControlId, iRefControlId, aId, iChanged);
 }
 
 void CVelumControl::SetSelBackgroundId(qint32 aId) {
-  Store(*this, "SelBackgroundId", iSelBackgroundId, aId, iChanged);
+  Store(*this, EMemberSelBackgroundId, iSelBackgroundId, aId, iChanged);
 }
 
 void CVelumControl::SetSelControlId(qint32 aId) {
-  Store(*this, "SelControlId", iSelControlId, aId, iChanged);
+  Store(*this, EMemberSelControlId, iSelControlId, aId, iChanged);
 }
 
 void CVelumControl::SetListCol(const Ref<CVelumArray>& aListCol) {
-  Store(*this, "ListCol", iListCol, aListCol, iChanged);
+  Store(*this, EMemberListCol, iListCol, aListCol, iChanged);
 }
 
 void CVelumControl::SetStdCmd(qint16 aCmd) {
-  Store(*this, "StdCmd", iStdCmd, aCmd, iChanged);
+  Store(*this, EMemberStdCmd, iStdCmd, aCmd, iChanged);
 }
 
 void CVelumControl::SetDestCardId(qint32 aId) {
-  Store(*this, "DestCardId", iDestCardId, aId, iChanged);
+  Store(*this, EMemberDestCardId, iDestCardId, aId, iChanged);
 }
 
 bool CVelumControl::Changed() const {

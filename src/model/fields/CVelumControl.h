@@ -54,6 +54,7 @@ public:
   ~CVelumControl() override;
 
   [[nodiscard]] QString ObjDescr() const override;
+  [[nodiscard]] TDocAddress Address() const override { return {EDocControl, iId}; }
   void SetFlags(qint32 aFlags) override;
 
   // The background that holds this control, or null. Not counted; the background clears it.
@@ -154,6 +155,8 @@ public:
   void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
+  friend class CVelumReplay; // raw access for changes
+
   void CreateListBox() const;
   void CreateWikiTextBox() const;
   // Drops the companions that no longer fit; aOldLisType is what LisType was.

@@ -5,8 +5,8 @@
 #include "core/file/CVelumFile.h"
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 using CVelumRecord::Store;
 
@@ -59,11 +59,11 @@ QString CVelumControlSet::ObjDescr() const {
 }
 
 void CVelumControlSet::SetDescr(const QString& aDescr) {
-  Store(*this, "Descr", iDescr, aDescr, iChanged);
+  Store(*this, EMemberDescr, iDescr, aDescr, iChanged);
 }
 
 void CVelumControlSet::SetKeyIndexId(qint32 aId) {
-  Store(*this, "KeyIndexId", iKeyIndexId, aId, iChanged);
+  Store(*this, EMemberKeyIndexId, iKeyIndexId, aId, iChanged);
   iKeyIndex = nullptr;
 }
 
@@ -76,7 +76,7 @@ Ref<CVelumArray> CVelumControlSet::KeyIndex() {
 }
 
 void CVelumControlSet::SetWallPaperId(qint32 aId) {
-  Store(*this, "WallPaperId", iWallPaperId, aId, iChanged);
+  Store(*this, EMemberWallPaperId, iWallPaperId, aId, iChanged);
 }
 
 CVelumControl* CVelumControlSet::ControlAt(qint32 aIndex) const {
@@ -140,12 +140,22 @@ void CVelumControlSet::AddControl(const Ref<CVelumControl>& aControl, qint32 aBe
                            u"AddControl beforeId found, "_s + QString::number(aBeforeId));
     if (pos >= 0) place = iIdIndex->ValRef(pos).Int();
   }
+  const TChildAllocs allocs{iSet->Alloc(), iIdIndex->Alloc()};
   iSet->CreateAt(NewElem(*iSet, TVelumValue::OfObj(EValControl, aControl)), place);
   iIdIndex->AdjustInt(place, 1);
   iIdIndex->CreateIntKey(NewElem(*iIdIndex, TVelumValue::OfInt(place), id));
   aControl->SetOwner(this);
   iChanged = true;
-  CVelumRecord::Added(*this, "Control", *aControl, place);
+  RecordControl(true, *aControl, place, allocs);
+}
+
+void CVelumControlSet::RecordControl(bool aAdded, CVelumControl& aControl, qint32 aPlace,
+                                     const TChildAllocs& aAllocs) const {
+  CVelumRecorder* recorder = CVelumRecord::Of(iStack);
+  if (!recorder || iStack->FindBackground(iId) != this) return;
+  const CVelumControl* before = ControlAt(aPlace - 1);
+  recorder->Child(aAdded, EChildControl, iId, aControl.Id(), aControl, before ? before->Id() : ENoInt,
+                  aAllocs);
 }
 
 void CVelumControlSet::DeleteControl(qint32 aId) {
@@ -154,7 +164,7 @@ void CVelumControlSet::DeleteControl(qint32 aId) {
   if (pos < 0) return;
   const qint32 place = iIdIndex->ValRef(pos).Int();
   if (CVelumControl* control = ControlAt(place)) {
-    CVelumRecord::Removed(*this, "Control", *control, place);
+    RecordControl(false, *control, place, {iSet->Alloc(), iIdIndex->Alloc()});
     control->SetOwner(nullptr);
   }
   iIdIndex->DeleteIntKey(aId);

@@ -14,6 +14,8 @@ enum ECse : qint32 {
   ECseDenseLayout = 64,
 };
 
+struct TChildAllocs;
+
 class CVelumControlSet final : public CVelumScripted {
 public:
   CVelumControlSet();
@@ -21,6 +23,7 @@ public:
   ~CVelumControlSet() override;
 
   [[nodiscard]] QString ObjDescr() const override;
+  [[nodiscard]] TDocAddress Address() const override { return {EDocBackground, iId}; }
   [[nodiscard]] const QString& Descr() const { return iDescr; }
   void SetDescr(const QString& aDescr);
   [[nodiscard]] qint32 NumControls() const { return iSet->Count(); }
@@ -69,6 +72,9 @@ public:
   void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
+  friend class CVelumReplay; // raw access for changes
+
+  void RecordControl(bool aAdded, CVelumControl& aControl, qint32 aPlace, const TChildAllocs& aAllocs) const;
   void CheckLoaded();
   void SetOwners(CVelumControlSet* aOwner);
   void CheckSet() const;

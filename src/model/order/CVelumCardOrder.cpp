@@ -201,6 +201,36 @@ void CVelumCardOrder::Move(qint32 aFrom, qint32 aNum, qint32 aTo, qint32 aStep) 
   Renumber(aStep);
 }
 
+CVelumCardOrder::TState CVelumCardOrder::State() const {
+  TState state{{}, {}, iId, iFlags, iAllocStep, iAlloc, iSortKeyId};
+  state.iIds.reserve(size_t(iCount));
+  state.iNums.reserve(size_t(iCount));
+  for (const auto& block : iBlocks)
+    for (qint32 i = 0; i < block->Count(); ++i) {
+      state.iIds.push_back(block->iIds[size_t(i)]);
+      state.iNums.push_back(block->Num(i));
+    }
+  return state;
+}
+
+void CVelumCardOrder::Restore(const TState& aState, const std::vector<quint64>& aBits) {
+  Clear();
+  for (size_t i = 0; i < aState.iIds.size(); ++i) {
+    Append(aState.iIds[i], aState.iNums[i]);
+    Mark(iBlocks.back()->iNo, aBits[i]);
+    SetBit(aState.iIds[i], aBits[i]);
+  }
+  iId = aState.iId;
+  iFlags = aState.iFlags;
+  iAllocStep = aState.iAllocStep;
+  iAlloc = aState.iAlloc;
+  iSortKeyId = aState.iSortKeyId;
+}
+
+void CVelumCardOrder::RestoreAlloc(qint32 aAlloc) {
+  iAlloc = std::max(aAlloc, iCount);
+}
+
 void CVelumCardOrder::Clear() {
   iBlocks.clear();
   iBits.clear();

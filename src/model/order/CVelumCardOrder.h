@@ -47,6 +47,23 @@ public:
   // Moves aNum cards from aFrom on to stand before aTo, which lies outside of them, and renumbers.
   void Move(qint32 aFrom, qint32 aNum, qint32 aTo, qint32 aStep);
 
+  // All of it, for changes that are taken back.
+  struct TState {
+    std::vector<qint32> iIds;
+    std::vector<qint32> iNums;
+    qint32 iId = ENoInt;
+    qint32 iFlags = EArrIntKey;
+    qint32 iAllocStep = 50;
+    qint32 iAlloc = 10;
+    qint32 iSortKeyId = ENoInt;
+    friend bool operator==(const TState&, const TState&) = default;
+  };
+  [[nodiscard]] TState State() const;
+  // aBits are the bits of the cards of aState.
+  void Restore(const TState& aState, const std::vector<quint64>& aBits);
+  [[nodiscard]] qint32 Alloc() const { return iAlloc; }
+  void RestoreAlloc(qint32 aAlloc);
+
   // A filter for walks over one background: blocks without its bit hold no card of it.
   [[nodiscard]] static quint64 BackgroundBit(qint32 aId) { return quint64(1) << (quint32(aId) % 64); }
   void AddBit(qint32 aId, quint64 aBit);

@@ -10,7 +10,7 @@
 #include "core/text/CVelumXmlParser.h"
 #include "core/text/CVelumXmlWriter.h"
 #include "model/CVelumCard.h"
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 
 #include <algorithm>
 #include <array>
@@ -98,7 +98,7 @@ QString CVelumSortKey::ObjDescr() const {
 }
 
 void CVelumSortKey::SetName(const QString& aName) {
-  CVelumRecord::Store(*this, "Name", iName, aName, iChanged);
+  CVelumRecord::Store(*this, EMemberName, iName, aName, iChanged);
 }
 
 void CVelumSortKey::AddKeyPart(qint32 aType, qint32 aControlId, qint32 aWay, qint16 aLen) {
@@ -108,7 +108,7 @@ void CVelumSortKey::AddKeyPart(qint32 aType, qint32 aControlId, qint32 aWay, qin
     const TVelumKeyPart& last = iKeyPart[iNumKeyPart - 1];
     pos = CVelumChecked::Add(last.iPos, last.iLen);
   }
-  const QString old = RecordedParts();
+  const QByteArray old = RecordedParts();
   part = {aType, aControlId, aWay, aLen, pos};
   ++iNumKeyPart;
   RecordParts(old);
@@ -141,26 +141,20 @@ int CVelumSortKey::ComparePart(const TVelumKeyPart& aPart, QStringView aA, QStri
 }
 
 void CVelumSortKey::Clear() {
-  const QString old = RecordedParts();
+  const QByteArray old = RecordedParts();
   iNumKeyPart = 0;
   RecordParts(old);
 }
 
-// The parts as the recorder hears of them.
-QString CVelumSortKey::RecordedParts() const {
-  QString text;
-  for (qint32 i = 0; CVelumRecord::gRecorder && i < iNumKeyPart; ++i) {
-    const TVelumKeyPart& part = iKeyPart[i];
-    text += u"%1,%2,%3,%4;"_s.arg(part.iType).arg(part.iControlId).arg(part.iWay).arg(part.iLen);
-  }
-  return text;
+// The parts as a change holds them; without a recorder nobody wants them.
+QByteArray CVelumSortKey::RecordedParts() const {
+  return CVelumRecord::gRecorder ? CVelumReplay::PartsOf(*this) : QByteArray();
 }
 
-void CVelumSortKey::RecordParts(const QString& aOld) {
+void CVelumSortKey::RecordParts(const QByteArray& aOld) {
   iChanged = true;
   if (CVelumRecord::gRecorder)
-    CVelumRecord::gRecorder->MemberSet(*this, "KeyPart", TVelumValue::OfStr(aOld),
-                                       TVelumValue::OfStr(RecordedParts()));
+    CVelumRecord::gRecorder->Member(*this, Address(), EMemberKeyParts, aOld, RecordedParts());
 }
 
 bool CVelumSortKey::CanBuild(const CVelumControlSet* aBackground) const {
@@ -199,7 +193,7 @@ void CVelumSortKey::BuildKey(CVelumCard& aCard, QString& aKey) const {
 
 void CVelumSortKey::SetControlType(qint32 aControlId, qint32 aConType) {
   if (!ControlOccurs(aControlId) || !CVelumFieldTypes::Of(aConType).IsSortable()) return;
-  const QString old = RecordedParts();
+  const QByteArray old = RecordedParts();
   for (qint32 i = 0; i < iNumKeyPart; ++i)
     if (iKeyPart[i].iControlId == aControlId) iKeyPart[i].iType = aConType;
   RecordParts(old);

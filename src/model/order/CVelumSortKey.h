@@ -2,6 +2,7 @@
 #pragma once
 
 #include "core/array/CVelumArray.h"
+#include "model/change/TDocAddress.h"
 
 class CVelumCard;
 class CVelumControlSet;
@@ -28,6 +29,7 @@ public:
 
   [[nodiscard]] QString ObjDescr() const override;
   [[nodiscard]] qint32 Id() const override { return iId; }
+  [[nodiscard]] TDocAddress Address() const { return {EDocSortKey, iId}; }
   [[nodiscard]] const QString& Name() const { return iName; }
   void SetName(const QString& aName);
   [[nodiscard]] qint32 BackgroundId() const { return iBackgroundId; }
@@ -59,8 +61,10 @@ public:
   void ExternalizeXml(CVelumXmlWriter& aWriter) override;
 
 private:
-  [[nodiscard]] QString RecordedParts() const;
-  void RecordParts(const QString& aOld);
+  friend class CVelumReplay; // raw access for changes
+
+  [[nodiscard]] QByteArray RecordedParts() const;
+  void RecordParts(const QByteArray& aOld);
   [[nodiscard]] int ComparePart(const TVelumKeyPart& aPart, QStringView aA, QStringView aB) const;
 
   qint32 iId = ENoInt;

@@ -1,7 +1,7 @@
 // Ids of cards that came in place of others.
 #include "core/CVelumChecked.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 // The keys of sort keys hold ids.
 bool CVelumStack::HasKeysFrom(qint32 aFirst) const {
@@ -10,6 +10,22 @@ bool CVelumStack::HasKeysFrom(qint32 aFirst) const {
     for (qint32 i = 0; i < index->Count(); ++i)
       if (index->ValRef(i).Int() >= aFirst) return true;
   return false;
+}
+
+// Moves the cards of the ids from aFrom to before aEnd, in the table and in the name index, which is sorted
+// by names.
+void CVelumStack::MoveCardIds(qint32 aFrom, qint32 aEnd, qint32 aBy) {
+  for (qint32 i = 0; i < aEnd - aFrom; ++i) {
+    const qint32 id = aBy < 0 ? aFrom + i : aEnd - 1 - i;
+    const Ref<CVelumCard> card = GetCardById(id);
+    if (!card) continue;
+    iCard->SetObj(id, nullptr);
+    iCard->SetObj(id + aBy, card);
+    card->SetId(id + aBy);
+    iOrder.AddBit(id + aBy, CVelumCardOrder::BackgroundBit(card->BackgroundId()));
+  }
+  iNameIndex->AdjustInt(aFrom, aBy);
+  iCardFinder.Clear();
 }
 
 void CVelumStack::CloseGap(qint32 aFirst) {
@@ -23,17 +39,10 @@ void CVelumStack::CloseGap(qint32 aFirst) {
     const qint32 id = iOrder.IdAt(pos);
     order.push_back(id < aFirst ? id : id - gap);
   }
-  for (qint32 id = aFirst; id < iCard->Count(); ++id) {
-    const Ref<CVelumCard> card = GetCardById(id);
-    if (!card) continue;
-    CVelumRecord::Removed(*this, "Card", *card, id);
-    iCard->SetObj(id, nullptr);
-    iCard->SetObj(id - gap, card);
-    card->SetId(id - gap);
-    CVelumRecord::Added(*this, "Card", *card, id - gap);
-  }
+  RecordOrder();
+  if (CVelumRecorder* recorder = CVelumRecord::Of(this))
+    recorder->Gap(aFirst, gap, iCard->Count(), iCard->Alloc());
+  MoveCardIds(aFirst, iCard->Count(), -gap);
   iCard->SetToLastObj();
-  iNameIndex->AdjustInt(aFirst, -gap);
-  iCardFinder.Clear();
   SetOrder(order);
 }

@@ -1,7 +1,7 @@
 // The keys of the cards in the key indexes.
 #include "core/CVelumChecked.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 namespace {
 TVelumElem KeyElem(const CVelumArray& aIndex, const QString& aKey, qint32 aId) {
@@ -12,23 +12,22 @@ TVelumElem KeyElem(const CVelumArray& aIndex, const QString& aKey, qint32 aId) {
   return elem;
 }
 
+} // namespace
+
 // Takes out the entry of a card: that of aKey, or, where that one is not its own, the one that stands for it.
-void DropEntry(CVelumArray& aIndex, const QString& aKey, qint32 aId) {
+void CVelumStack::DropEntry(CVelumArray& aIndex, const QString& aKey, qint32 aId) {
   TVelumElem elem;
   qint32 next = 0;
-  if (aIndex.ReadByStrKey(aKey, elem, next) && elem.iVal.Int() == aId) {
-    aIndex.DeleteAt(next - 1);
-    return;
-  }
-  if (aIndex.GetIntIndex(aId, next)) aIndex.DeleteAt(next);
+  if (aIndex.ReadByStrKey(aKey, elem, next) && elem.iVal.Int() == aId)
+    RemoveEntry(aIndex, next - 1);
+  else if (aIndex.GetIntIndex(aId, next))
+    RemoveEntry(aIndex, next);
 }
-} // namespace
 
 void CVelumStack::AddKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
   CVelumArray& index = CVelumChecked::Deref(aBackground.KeyIndex());
   const Ref<CVelumSortKey> key = SortKey(index.SortKeyId());
-  const TVelumElem elem = KeyElem(index, CVelumChecked::Deref(key).BuildKey(aCard), aCard.Id());
-  PlaceByKey(&aCard, true, index, index.CreateStrKey(elem));
+  PlaceByKey(&aCard, true, index, AddEntry(index, CVelumChecked::Deref(key).BuildKey(aCard), aCard.Id()));
 }
 
 void CVelumStack::RemoveKey(CVelumCard& aCard, CVelumControlSet& aBackground) {
@@ -58,7 +57,7 @@ void CVelumStack::ReplaceKeys(CVelumCard& aCard, qint32 aControlId, CVelumContro
     const QString newKey = key->BuildKey(aCard);
     if (newKey == key->StoredKey()) continue;
     DropEntry(*index, key->StoredKey(), aCard.Id());
-    const qint32 at = index->CreateStrKey(KeyElem(*index, newKey, aCard.Id()));
+    const qint32 at = AddEntry(*index, newKey, aCard.Id());
     if (IsKeptBy(aBackground, *index)) PlaceByKey(&aCard, false, *index, at);
   }
 }
@@ -77,7 +76,6 @@ void CVelumStack::RenewKeysOf(qint32 aControlId) {
     FillKeys(*index, *key);
     if (!IsKeptBy(*background, *index) || !FollowKeys(*background, *index)) continue;
     NewListBasis();
-    CVelumRecord::OrderRebuilt(*this);
     CVelumSeams::ChangeNotify(EChangeOrder);
     iChangeInfo.iCardListChanged = true;
   }
@@ -91,12 +89,15 @@ void CVelumStack::ControlTypeSet(qint32 aControlId, qint32 aConType) {
 
 // Makes all entries of an index anew.
 void CVelumStack::FillKeys(CVelumArray& aIndex, const CVelumSortKey& aKey) {
+  RecordEntries(false, aIndex, 0, aIndex.Count(), 0, aIndex.Alloc());
+  const qint32 alloc = aIndex.Alloc();
   aIndex.Clear();
   aIndex.BeginBulk(NumBackgroundCards(aKey.BackgroundId()));
   Ref<CVelumCard> card;
   for (qint32 at = 0; GetNextCardInBackground(aKey.BackgroundId(), card, at);)
     if (!InBulk(*card)) aIndex.AppendBulk(KeyElem(aIndex, aKey.BuildKey(*card), card->Id()));
   aIndex.EndBulk();
+  RecordEntries(true, aIndex, 0, aIndex.Count(), 0, alloc);
 }
 
 // Puts the cards of a background into the places that they hold in the order, by their keys. False if they
@@ -109,6 +110,7 @@ bool CVelumStack::FollowKeys(const CVelumControlSet& aBackground, const CVelumAr
     if (InBulk(*card)) continue;
     const qint32 id = aIndex.ValRef(entry++).Int();
     if (card->Id() == id) continue;
+    if (!moved) RecordOrder();
     iOrder.SetIdAt(at - 1, id);
     moved = true;
   }

@@ -43,42 +43,43 @@ void LetIdsAscend(CVelumArray& aNames, qint32 aFrom, qint32 aEnd) {
   for (qint32 i = aFrom; i < aEnd; ++i) aNames.SetValAt(i + 1, TVelumValue::OfInt(ids[size_t(i - aFrom)]));
 }
 
-// The entry of a card among those of its name, which are sorted by id if they are many: in a stack where all
-// cards have one name, each card is found without looking at all others.
-qint32 EntryAmongEquals(CVelumArray& aNames, qint32 aFrom, qint32 aEnd, qint32 aId) {
-  if (aEnd - aFrom <= EFewNames) return EntryIn(aNames, aFrom, aEnd, aId);
-  if (const qint32 at = EntryInAscending(aNames, aFrom, aEnd, aId); at >= 0) return at;
-  if (EntryIn(aNames, aFrom, aEnd, aId) < 0) return -1;
-  LetIdsAscend(aNames, aFrom, aEnd);
-  return EntryInAscending(aNames, aFrom, aEnd, aId);
-}
-
-qint32 EntryOf(CVelumArray& aNames, const QString& aName, qint32 aId) {
-  TVelumElem elem;
-  qint32 next = 0;
-  if (!aNames.ReadByStrKey(aName, elem, next)) return -1;
-  if (elem.iVal.Int() == aId) return next - 1;
-  const auto order = [&](qint32 aAt) { return CVelumCollation::CompareBin(aNames.StrKeyAt(aAt), aName); };
-  const qint32 from = FirstWhere(0, next, [&](qint32 aAt) { return order(aAt) >= 0; });
-  const qint32 end = FirstWhere(next, aNames.Count(), [&](qint32 aAt) { return order(aAt) > 0; });
-  return EntryAmongEquals(aNames, from, end, aId);
-}
 } // namespace
 
-void CVelumStack::AddName(const CVelumCard& aCard) {
-  if (InBulk(aCard)) return;
+// The entry of a card among those of its name, which are sorted by id if they are many: in a stack where all
+// cards have one name, each card is found without looking at all others.
+qint32 CVelumStack::EntryAmongEquals(qint32 aFrom, qint32 aEnd, qint32 aId) {
+  if (aEnd - aFrom <= EFewNames) return EntryIn(*iNameIndex, aFrom, aEnd, aId);
+  if (const qint32 at = EntryInAscending(*iNameIndex, aFrom, aEnd, aId); at >= 0) return at;
+  if (EntryIn(*iNameIndex, aFrom, aEnd, aId) < 0) return -1;
+  RecordEntries(false, *iNameIndex, aFrom, aEnd, 0, iNameIndex->Alloc());
+  LetIdsAscend(*iNameIndex, aFrom, aEnd);
+  RecordEntries(true, *iNameIndex, aFrom, aEnd, 0, iNameIndex->Alloc());
+  return EntryInAscending(*iNameIndex, aFrom, aEnd, aId);
+}
+
+// The entry of a card under its name, or -1.
+qint32 CVelumStack::EntryOf(const CVelumCard& aCard) {
   TVelumElem elem;
-  iNameIndex->InitElem(elem);
-  elem.iStrKey = aCard.Name();
-  elem.iVal = TVelumValue::OfInt(aCard.Id());
-  iNameIndex->CreateStrKey(elem);
+  qint32 next = 0;
+  if (!iNameIndex->ReadByStrKey(aCard.Name(), elem, next)) return -1;
+  if (elem.iVal.Int() == aCard.Id()) return next - 1;
+  const auto order = [&](qint32 aAt) {
+    return CVelumCollation::CompareBin(iNameIndex->StrKeyAt(aAt), aCard.Name());
+  };
+  const qint32 from = FirstWhere(0, next, [&](qint32 aAt) { return order(aAt) >= 0; });
+  const qint32 end = FirstWhere(next, iNameIndex->Count(), [&](qint32 aAt) { return order(aAt) > 0; });
+  return EntryAmongEquals(from, end, aCard.Id());
+}
+
+void CVelumStack::AddName(const CVelumCard& aCard) {
+  if (!InBulk(aCard)) AddEntry(*iNameIndex, aCard.Name(), aCard.Id());
 }
 
 // Takes out the entry that stands for the card, also when it has another name than the card.
 void CVelumStack::RemoveName(const CVelumCard& aCard) {
   if (InBulk(aCard)) return;
-  qint32 at = EntryOf(*iNameIndex, aCard.Name(), aCard.Id());
-  if (at >= 0 || iNameIndex->GetIntIndex(aCard.Id(), at)) iNameIndex->DeleteAt(at);
+  qint32 at = EntryOf(aCard);
+  if (at >= 0 || iNameIndex->GetIntIndex(aCard.Id(), at)) RemoveEntry(*iNameIndex, at);
 }
 
 void CVelumStack::RenameCard(const Ref<CVelumCard>& aCard, const QString& aName) {

@@ -1,7 +1,7 @@
 // The order of the cards, and lookups and walks over them.
 #include "core/CVelumChecked.h"
-#include "model/CVelumRecorder.h"
 #include "model/CVelumStack.h"
+#include "model/change/CVelumRecorder.h"
 
 #include <algorithm>
 #include <limits>
@@ -176,10 +176,12 @@ void CVelumStack::InsertCardOrder(const Ref<CVelumCard>& aCard, const Ref<CVelum
   }
   NewListBasis();
   const qint32 num = NumBefore(pos);
-  CVelumRecord::Store(*aCard, "OrderNum", aCard->iOrderNum, num);
+  aCard->iOrderNum = num;
+  const qint32 alloc = iOrder.Alloc();
   iOrder.InsertAt(pos, aCard->Id(), num, CVelumCardOrder::BackgroundBit(aCard->BackgroundId()));
   aCard->iChanged = true;
-  CVelumRecord::Added(*this, "OrderIndex", *aCard, num);
+  if (CVelumRecorder* recorder = CVelumRecord::Of(this))
+    recorder->Order(true, aCard->Id(), pos > 0 ? iOrder.IdAt(pos - 1) : ENoInt, num, alloc);
 }
 
 // aBeforeCard if aCard can be put before it, else nothing. Asked before a card leaves its place, so that it
@@ -204,9 +206,14 @@ qint32 CVelumStack::NumBefore(qint32 aPos) {
   }
 }
 
+// To be called before the order, or its numbers, change as a whole.
+void CVelumStack::RecordOrder() const {
+  if (CVelumRecorder* recorder = CVelumRecord::Of(this)) recorder->OrderAll(iOrder);
+}
+
 void CVelumStack::RenumberOrderIndex(qint32 aStep) {
+  RecordOrder();
   iOrder.Renumber(aStep);
-  CVelumRecord::OrderRebuilt(*this);
 }
 
 void CVelumStack::RemoveCardOrder(const CVelumCard& aCard) {
@@ -214,7 +221,9 @@ void CVelumStack::RemoveCardOrder(const CVelumCard& aCard) {
   CVelumError::Assert(pos >= 0, u"DeleteIntKey found"_s);
   if (pos < 0) return;
   NewListBasis();
-  CVelumRecord::Removed(*this, "OrderIndex", aCard, iOrder.NumAt(pos));
+  if (CVelumRecorder* recorder = CVelumRecord::Of(this))
+    recorder->Order(false, aCard.Id(), pos > 0 ? iOrder.IdAt(pos - 1) : ENoInt, iOrder.NumAt(pos),
+                    iOrder.Alloc());
   iOrder.RemoveAt(pos);
 }
 
@@ -243,9 +252,9 @@ void CVelumStack::MoveAllCardsOfBackground(const Ref<CVelumControlSet>& aBackgro
   const bool outside = to >= 0 && (to <= from || to >= end);
   CVelumError::AssertObj(outside, &iOrder, u"Move"_s, u"aToIndex"_s);
   if (outside && from != end && to != from && to != end) {
+    RecordOrder();
     iOrder.Move(from, end - from, to, EStep);
     NewListBasis();
-    CVelumRecord::OrderRebuilt(*this);
   }
   iChangeInfo.iCardListChanged = true;
 }
@@ -310,17 +319,20 @@ void CVelumStack::Sort(const Ref<CVelumControlSet>& aBackground, const Ref<CVelu
 // The keys of all cards of a background enter aIndex.
 void CVelumStack::SortIntoIndex(CVelumArray& aIndex, const CVelumSortKey& aKey, qint32 aBackgroundId) {
   const bool bulk = aIndex.Count() == 0;
+  const qint32 alloc = aIndex.Alloc();
   if (bulk) aIndex.BeginBulk(NumBackgroundCards(aBackgroundId));
   Ref<CVelumCard> card;
   qint32 cursor = 0;
   while (GetNextCardInBackground(aBackgroundId, card, cursor)) {
-    const TVelumElem elem = OrderElem(aIndex, aKey.BuildKey(*card), card->Id());
+    const QString key = aKey.BuildKey(*card);
     if (bulk)
-      aIndex.AppendBulk(elem);
+      aIndex.AppendBulk(OrderElem(aIndex, key, card->Id()));
     else
-      aIndex.CreateStrKey(elem);
+      static_cast<void>(AddEntry(aIndex, key, card->Id()));
   }
-  if (bulk) aIndex.EndBulk();
+  if (!bulk) return;
+  aIndex.EndBulk();
+  RecordEntries(true, aIndex, 0, aIndex.Count(), 0, alloc);
 }
 
 void CVelumStack::SetOrder(const std::vector<qint32>& aIds) {
@@ -330,9 +342,9 @@ void CVelumStack::SetOrder(const std::vector<qint32>& aIds) {
     const CVelumCard* card = FindCard(id);
     bits.push_back(card ? CVelumCardOrder::BackgroundBit(card->BackgroundId()) : 0);
   }
+  RecordOrder();
   iOrder.Assign(aIds, bits, EStep);
   NewListBasis();
-  CVelumRecord::OrderRebuilt(*this);
   iChangeInfo.iCardListChanged = true;
 }
 

@@ -85,6 +85,7 @@ QRectF CVelumStackView::CardListPlace() const {
 }
 
 void CVelumStackView::OpenViews() {
+  StartUndo();
   if (iState->iCardListOpen) OpenCardList();
   OpenCardView();
 }
@@ -363,7 +364,7 @@ void CVelumStackView::LeaveBackground(const Ref<CVelumControlSet>& aBackground) 
 
 void CVelumStackView::DeleteOldCards(const Ref<CVelumControlSet>& aBackground, qint32 aEnd) {
   LeaveBackground(aBackground);
-  DeleteOldCardsOf(*iStack, aBackground->Id(), aEnd);
+  iStack->DeleteCardsOf(*aBackground, aEnd);
   ShowTitle();
   RefreshViews(false, true);
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/CVelumStackHost.h"
+#include "model/change/CVelumUndo.h"
 #include "persist/CVelumViewState.h"
 #include "runtime/lists/CVelumCardListView.h"
 #include "runtime/view/CVelumCardView.h"
@@ -17,6 +18,8 @@ class CVelumScriptRunner;
 // One for each open stack. Events of the card window end up here and become changes of values and messages
 // to scripts. Pending window events run at fixed points, also in the middle of a change of cards.
 class CVelumStackView final : public CVelumObject, public CVelumStackHost {
+  Q_DECLARE_TR_FUNCTIONS(CVelumStackView)
+
 public:
   // A view of a new stack: both windows are to be open, at the default places.
   CVelumStackView(const QString& aName, Ref<CVelumStack> aStack);
@@ -111,6 +114,25 @@ public:
   // Sets a value for a script or a dialog, and shows it.
   void SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue);
 
+  // Undo and redo of all that changed the stack since its views were opened. Both show what came back, run no
+  // script, and are off while one runs.
+  [[nodiscard]] bool CanUndo() const;
+  [[nodiscard]] bool CanRedo() const;
+  // What the next step is called; empty without one.
+  [[nodiscard]] QString UndoName() const;
+  [[nodiscard]] QString RedoName() const;
+  void Undo();
+  void Redo();
+  // What can be taken back; null before the views are opened.
+  [[nodiscard]] CVelumUndo* Steps() const { return iUndo.get(); }
+  // Whether the cards of a background, or all cards for null, may be deleted: asks first where undo could not
+  // hold them.
+  [[nodiscard]] bool MayDelete(const CVelumControlSet* aBackground) const;
+  // Whether the stack differs from what its file holds; steps that were taken back do not count.
+  [[nodiscard]] bool HasUnsavedChanges() const;
+  // The stack has been saved as it is.
+  void NoteSaved();
+
   // Events of the card window.
   void BaseObjChange(CVelumBaseControl* aObj);
   // A base control, or the menu item of a command.
@@ -148,6 +170,14 @@ public:
   void ExecStdCmd(qint16 aCmd, const CVelumControl& aControl);
 
 private:
+  [[nodiscard]] QString ValueStepName(const CVelumCard& aCard, qint32 aControlId) const;
+  [[nodiscard]] static QString ScriptStepName(const CVelumObject* aObj);
+  void StartUndo();
+  [[nodiscard]] bool MayTakeBack() const;
+  void Replay(bool aAgain);
+  void LetGo(const TGoing& aGoing);
+  void ShowReplayed(const TReplayed& aReplayed);
+  void FocusField(qint32 aControlId);
   void SetDefaultRects();
   void SetCurCard(Ref<CVelumCard> aCard);
   void ShowCurCard();
@@ -187,6 +217,8 @@ private:
 
   Ref<CVelumViewState> iState;
   Ref<CVelumStack> iStack;
+  std::unique_ptr<CVelumUndo> iUndo; // from the first opening of the views on
+  bool iReplaying = false;
   std::unique_ptr<CVelumCardView> iCardView;
   std::unique_ptr<CVelumCardListView> iCardListView;
   bool iCardViewOpen = false;

@@ -29,6 +29,7 @@ void ShowRunError(const TRunError& aError) {
 } // namespace
 
 void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, const TVelumValue& aValue) {
+  const CVelumError::CCommand command(ValueStepName(*aCard, aControlId));
   const qint32 position = KeptPosition(*aCard);
   aCard->SetControlVal(aControlId, aValue);
   bool newTitle = false;
@@ -45,6 +46,14 @@ void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, con
     ShowMovedCard();
   else
     UpdateLine(*aCard);
+}
+
+// What undo calls the change of a value. Scripts put values by the hundred thousand, and have a name of their
+// own.
+QString CVelumStackView::ValueStepName(const CVelumCard& aCard, qint32 aControlId) const {
+  if (gScriptRunner && gScriptRunner->Running()) return {};
+  const Ref<CVelumControl> control = aCard.ControlById(aControlId);
+  return control ? tr("Change %1 of %2").arg(control->Name(), aCard.Name()) : QString();
 }
 
 // The place in the order of a card that has one by its key, else always the same.
@@ -299,8 +308,18 @@ void CVelumStackView::ExecScript(const Ref<CVelumObject>& aObj, const QString& a
   }
 }
 
+QString CVelumStackView::ScriptStepName(const CVelumObject* aObj) {
+  if (const auto* control = dynamic_cast<const CVelumControl*>(aObj))
+    return (control->ConType() == EConCommand ? tr("Script of button %1") : tr("Script of field %1"))
+        .arg(control->Name());
+  if (const auto* card = dynamic_cast<const CVelumCard*>(aObj))
+    return tr("Script of card %1").arg(card->Name());
+  return {};
+}
+
 void CVelumStackView::RunMessage(CVelumScriptRunner& aRunner, const Ref<CVelumObject>& aObj,
                                  const QString& aMsg) {
+  const CVelumError::CCommand command(ScriptStepName(aObj.Get()));
   if (auto* control = dynamic_cast<CVelumControl*>(aObj.Get()))
     aRunner.LocateAndExecScript(iCurCard, control, aMsg);
   else if (auto* card = dynamic_cast<CVelumCard*>(aObj.Get()))

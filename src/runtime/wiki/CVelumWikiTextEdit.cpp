@@ -60,6 +60,10 @@ void CVelumWikiTextEdit::ChangeNotify(int aKind, CVelumObject*, CVelumObject*) {
   if (aKind == EChangeStackCloses) CVelumWinMan::UnloadForm(*this);
 }
 
+void CVelumWikiTextEdit::DropEntries() {
+  CVelumWinMan::UnloadForm(*this);
+}
+
 void CVelumWikiTextEdit::Unload() {
   CVelumDialogForm::Unload();
   iCard = nullptr;

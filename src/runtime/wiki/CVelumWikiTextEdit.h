@@ -23,6 +23,8 @@ public:
   // stays.
   void SetObj(const Ref<CVelumCard>& aCard, const Ref<CVelumControl>& aControl);
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
+  [[nodiscard]] bool HasEntries() const override { return Changed(); }
+  void DropEntries() override;
   void Unload() override;
 
 private:

@@ -135,6 +135,10 @@ void CVelumCardEdit::ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* 
   }
 }
 
+void CVelumCardEdit::DropEntries() {
+  SetMode(iMode == EEdit && CurCard() ? EEdit : ENone);
+}
+
 void CVelumCardEdit::Refresh(const CVelumObject* aGoing) {
   const QScopedValueRollback showing(iShowing, true);
   const QString name = iBackgroundBox->SelLine();
@@ -351,6 +355,7 @@ void CVelumCardEdit::CreateCard() {
   if (!gStack || !gStackView || !iCurSet || !CheckName()) return;
   const Ref<CVelumCard> before = InsertPos();
   const QString name = iUi->fName->text();
+  const CVelumError::CCommand command(tr("New card '%1'").arg(name));
   const auto card = MakeRef<CVelumCard>(name, iCurSet);
   WriteCard(card);
   gStackView->AddCard(card, before);
@@ -368,6 +373,7 @@ void CVelumCardEdit::CreateCard() {
 void CVelumCardEdit::ModifyCard() {
   const Ref<CVelumCard> card = CurCard();
   if (!card || !CheckName()) return;
+  const CVelumError::CCommand command(tr("Change card '%1'").arg(card->Name()));
   WriteCard(card);
   ShowCard();
   CVelumSeams::ChangeNotify(EChangeCards);
@@ -393,6 +399,7 @@ void CVelumCardEdit::EditControl() {
 void CVelumCardEdit::DeleteCard() {
   const Ref<CVelumCard> card = CurCard();
   if (!card || !gStackView) return;
+  const CVelumError::CCommand command(tr("Delete card '%1'").arg(card->Name()));
   CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, card.Get());
   if (gStackView && card->Stack()) gStackView->DeleteCard(card, nullptr);
   SetMode(ENone);

@@ -36,6 +36,8 @@ public:
   void Load() override;
   void Unload() override;
   void ChangeNotify(int aKind, CVelumObject* aObj1, CVelumObject* aObj2) override;
+  [[nodiscard]] bool HasEntries() const override { return iEdited; }
+  void DropEntries() override;
 
 private:
   enum EMode : int { ENone = 0, EEdit = 1, ENew = 2 };

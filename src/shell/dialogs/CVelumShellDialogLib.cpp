@@ -9,10 +9,18 @@ void CVelumDialogLib::StayAboveFrame(QDialog& aDialog) {
   if (gFrame && !aDialog.parentWidget()) aDialog.setParent(gFrame, aDialog.windowFlags());
 }
 
+namespace {
+
+bool IsChanged() {
+  return gStack && (gStackView ? gStackView->HasUnsavedChanges() : gStack->Changed());
+}
+
+} // namespace
+
 void CVelumDialogLib::CheckLeaveStack(bool& aProceed, bool& aSave) {
   aProceed = true;
   aSave = false;
-  if (gStack && gStack->Changed()) {
+  if (IsChanged()) {
     CVelumSave(CVelumStackName::Title(*gStack), gFrame).exec();
     CVelumError::Assert(iDialogRes >= ESaveResSave && iDialogRes <= ESaveResBack,
                         u"CheckLeaveStack iDialogRes "_s + QString::number(iDialogRes));
@@ -32,7 +40,7 @@ bool CVelumDialogLib::LeaveStackStep() {
   CheckLeaveStack(proceed, save);
   if (!proceed || !save) return proceed;
   if (gFrame) gFrame->Commands().SaveStack();
-  return !gStack || !gStack->Changed();
+  return !IsChanged();
 }
 
 void CVelumDialogLib::CloseStackStep(bool& aStillOpen) {

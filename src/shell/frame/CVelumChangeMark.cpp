@@ -1,6 +1,6 @@
 #include "shell/frame/CVelumChangeMark.h"
 
-#include "model/CVelumStack.h"
+#include "runtime/view/CVelumStackView.h"
 
 #include <QAbstractEventDispatcher>
 #include <QWidget>
@@ -37,7 +37,7 @@ void CVelumChangeMark::Check() {
   iDue = false;
   QElapsedTimer clock;
   clock.start();
-  const bool changed = gStack && gStack->Changed();
+  const bool changed = gStackView ? gStackView->HasUnsavedChanges() : gStack && gStack->Changed();
   iCost = clock.elapsed();
   iSince.start();
   if (iWindow.isWindowModified() != changed) iWindow.setWindowModified(changed);

@@ -24,6 +24,8 @@ constexpr TVelumCommand EMenus[] = {
     {u"fEditSortKeys", Stack, u"CVelumSortKeyEdit1"},
     {u"fEditValues", Stack, u"CVelumValueEdit"},
     {u"fCloseStack", Stack},
+    {u"fUndo", Step},
+    {u"fRedo", Step},
     {u"fEditBackground", CurCard, u"CVelumBackgroundEdit", EVelumShows::Background},
     {u"fEditBackgroundControls", CurCard, u"CVelumControlEdit", EVelumShows::Background},
     {u"fSelectCard", Stack, u"CVelumCardSelect", EVelumShows::CardChoice},
@@ -42,11 +44,21 @@ constexpr TVelumCommand EMenus[] = {
 };
 
 constexpr TVelumCommand EToolbar[] = {
-    {u"NewStack", Nothing},    {u"OpenStack", Nothing},      {u"SaveStack", Stack},
-    {u"FirstCard", CardAbove}, {u"PrevCard", CardAbove},     {u"NextCard", CardBelow},
-    {u"LastCard", CardBelow},  {u"BackInHistory", CardBack}, {u"ForwInHistory", CardForw},
-    {u"EditStack", Stack},     {u"EditBackgrounds", Stack},  {u"EditCards", Stack},
+    {u"NewStack", Nothing},
+    {u"OpenStack", Nothing},
+    {u"SaveStack", Stack},
+    {u"FirstCard", CardAbove},
+    {u"PrevCard", CardAbove},
+    {u"NextCard", CardBelow},
+    {u"LastCard", CardBelow},
+    {u"BackInHistory", CardBack},
+    {u"ForwInHistory", CardForw},
+    {u"EditStack", Stack},
+    {u"EditBackgrounds", Stack},
+    {u"EditCards", Stack},
     {u"EditControls", Stack},
+    {u"Undo", Step},
+    {u"Redo", Step},
 };
 
 } // namespace
@@ -70,7 +82,7 @@ bool CVelumCommandTable::IsToolbarKey(QStringView aKey) {
 }
 
 bool CVelumCommandTable::IsMet(EVelumNeed aNeed) {
-  if (aNeed == Nothing) return true;
+  if (aNeed == Nothing || aNeed == Step) return true;
   if (!gStack) return false;
   const Ref<CVelumStackView> view = gStackView;
   switch (aNeed) {

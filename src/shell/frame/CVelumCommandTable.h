@@ -9,6 +9,7 @@
 enum class EVelumNeed {
   Nothing,
   Stack,
+  Step, // something to take back or to make again: the main window looks itself
   CurCard,
   Field,
   Picture,

@@ -20,9 +20,11 @@
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumFrame.h"
 
+#include <QAbstractEventDispatcher>
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QLabel>
+#include <QRegularExpression>
 #include <QShortcut>
 #include <QToolButton>
 #include <algorithm>
@@ -47,13 +49,14 @@ QString Literal(QString aCaption) {
 
 CVelumFrame::CVelumFrame()
     : CVelumForm(u"CVelumFrame"_s, true), iUi(new Ui::CVelumFrame), iChangeMark(*this), iCommands(*this),
-      iPictureCommands(*this), iEndProcess([] { QCoreApplication::exit(0); }) {
+      iEditCommands(*this), iPictureCommands(*this), iEndProcess([] { QCoreApplication::exit(0); }) {
   iUi->setupUi(this);
   setAnimated(false);
   // All windows of the program have it.
   QApplication::setWindowIcon(CVelumIcons::AppIcon());
   ConnectMenus();
   ConnectToolbar();
+  ConnectEditMenu();
   ConnectKeys();
   ConnectChildKeys();
   AddReport();
@@ -152,6 +155,55 @@ QString CVelumFrame::CaptionOf(const QAction& aItem) const {
   for (const QMenu* menu : findChildren<QMenu*>())
     if (menu->actions().contains(&aItem)) return tr("%1, %2").arg(plain(menu->title()), plain(aItem.text()));
   return plain(aItem.text());
+}
+
+void CVelumFrame::ConnectEditMenu() {
+  const auto on = [this](QAction* aAction, auto aCommand) {
+    connect(aAction, &QAction::triggered, this,
+            [aCommand] { CVelumGuard::Run(u"CVelumFrame.fEdit"_s, aCommand); });
+  };
+  on(iUi->fUndo, [this] { iEditCommands.Undo(); });
+  on(iUi->fRedo, [this] { iEditCommands.Redo(); });
+  on(iUi->fCut, [this] { iEditCommands.Cut(); });
+  on(iUi->fCopy, [this] { iEditCommands.Copy(); });
+  on(iUi->fPaste, [this] { iEditCommands.Paste(); });
+  on(iUi->fSelectAll, [this] { iEditCommands.SelectAll(); });
+  on(iUi->fDelete, [this] {
+    if (!iEditCommands.Delete() && CVelumEditCommands::InCardList()) iUi->fDeleteCard->trigger();
+  });
+  iUi->fUndo->setShortcut(Qt::CTRL | Qt::Key_Z);
+  iUi->fRedo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
+  qApp->installEventFilter(&iUndoKeys);
+  // The focus and the clipboard decide, at the time when the menu is opened.
+  connect(iUi->fEdit, &QMenu::aboutToShow, this, &CVelumFrame::UpdateEditMenu);
+  // Keys work while the menu is closed: its commands look for themselves.
+  connect(iUi->fEdit, &QMenu::aboutToHide, this, [this] {
+    for (QAction* action : {iUi->fCut, iUi->fCopy, iUi->fPaste, iUi->fDelete, iUi->fSelectAll})
+      action->setEnabled(true);
+  });
+  connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+          &CVelumFrame::ShowSteps);
+}
+
+void CVelumFrame::ShowSteps() {
+  const auto show = [](QAction& aItem, QAction& aButton, bool aCan, const QString& aText) {
+    aItem.setEnabled(aCan);
+    aButton.setEnabled(aCan);
+    if (aItem.text() == aText) return;
+    aItem.setText(aText);
+    aButton.setToolTip(QString(aText).remove(QRegularExpression(u"&(?!&)"_s)).replace(u"&&"_s, u"&"_s));
+  };
+  show(*iUi->fUndo, *iUi->Undo, iEditCommands.CanUndo(), iEditCommands.UndoText());
+  show(*iUi->fRedo, *iUi->Redo, iEditCommands.CanRedo(), iEditCommands.RedoText());
+}
+
+void CVelumFrame::UpdateEditMenu() {
+  ShowSteps();
+  iUi->fCut->setEnabled(iEditCommands.CanCut());
+  iUi->fCopy->setEnabled(iEditCommands.CanCopy());
+  iUi->fPaste->setEnabled(iEditCommands.CanPaste());
+  iUi->fDelete->setEnabled(iEditCommands.CanDelete());
+  iUi->fSelectAll->setEnabled(iEditCommands.CanSelectAll());
 }
 
 void CVelumFrame::ConnectToolbar() {

@@ -4,10 +4,12 @@
 #include "runtime/view/CVelumFrameHost.h"
 #include "shell/frame/CVelumChangeMark.h"
 #include "shell/frame/CVelumCommandTable.h"
+#include "shell/frame/CVelumEditCommands.h"
 #include "shell/frame/CVelumFileDrop.h"
 #include "shell/frame/CVelumPictureCommands.h"
 #include "shell/frame/CVelumScriptBar.h"
 #include "shell/frame/CVelumStackCommands.h"
+#include "shell/frame/CVelumUndoKeys.h"
 #include "toolkit/CVelumForm.h"
 
 #include <QMainWindow>
@@ -71,6 +73,10 @@ protected:
 
 private:
   void ConnectMenus();
+  void ConnectEditMenu();
+  // What can be undone, and what it is called.
+  void ShowSteps();
+  void UpdateEditMenu();
   void ConnectToolbar();
   void AddReport();
   // The card list can be opened from the status bar too, for no menu names it.
@@ -91,6 +97,8 @@ private:
   QString iTitle; // the caption as designed
   CVelumChangeMark iChangeMark;
   CVelumStackCommands iCommands;
+  CVelumEditCommands iEditCommands;
+  CVelumUndoKeys iUndoKeys;
   CVelumPictureCommands iPictureCommands;
   std::function<void()> iEndProcess;
   CVelumScriptBar* iScriptBar = nullptr;

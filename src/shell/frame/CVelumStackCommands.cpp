@@ -99,6 +99,7 @@ void CVelumStackCommands::SaveTo(const QString& aPath) {
   gStackView->UpdateRect();
   CVelumDialogLib::BeginWait();
   file.SaveStack(gStack, gStackView->State());
+  gStackView->NoteSaved();
   CVelumDialogLib::EndWait();
   CVelumReport::Done(
       tr("Saved %1, %2").arg(QFileInfo(aPath).fileName(), CVelumReport::Cards(gStack->NumCards())));
@@ -164,6 +165,7 @@ void CVelumStackCommands::DeleteCard() {
   CVelumGuard::Run(u"CVelumFrame.fDeleteCard"_s, [&] {
     const QString name = card->Name();
     if (!CVelumMsg::Ask(EMsgDeleteCardOk, EMsgQuestion, name)) return;
+    const CVelumError::CCommand command(tr("Delete card '%1'").arg(name));
     CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, card.Get());
     if (!gStackView) return;
     gStackView->DeleteCard(card, nullptr);
@@ -173,9 +175,10 @@ void CVelumStackCommands::DeleteCard() {
 
 void CVelumStackCommands::EmptyStack() {
   if (!gStackView) return;
-  CVelumGuard::Run(u"CVelumFrame.fEmptyStack"_s, [] {
+  CVelumGuard::Run(u"CVelumFrame.fEmptyStack"_s, [this] {
     const QString cards = CVelumReport::CardsOf(*gStack);
-    if (!AskEmpty(cards) || !gStackView) return;
+    if (!AskEmpty(cards) || !gStackView || !gStackView->MayDelete(nullptr)) return;
+    const CVelumError::CCommand command(tr("Delete all cards"));
     CVelumDialogLib::BeginWait();
     gStackView->EmptyStack();
     CVelumDialogLib::EndWait();
