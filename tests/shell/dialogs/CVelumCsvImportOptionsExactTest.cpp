@@ -1,5 +1,5 @@
 // The exact way in the window of the CSV settings.
-#include "model/CVelumRecorder.h"
+#include "model/change/CVelumRecorder.h"
 #include "shell/CsvFormTest.h"
 
 #include <QFile>
