@@ -40,7 +40,7 @@ int CompareValues(const TVelumValue& aA, const TVelumValue& aB) {
 } // namespace
 
 CVelumCsvMaker::CVelumCsvMaker(TInput aInput, const Ref<CVelumControlSet>& aBackground)
-    : iInput(std::move(aInput)), iBackground(aBackground), iColumns(iInput.iPlan->size()) {
+    : iInput(aInput), iBackground(aBackground), iColumns(iInput.iPlan->size()) {
   CVelumControlSet& background = CVelumChecked::Deref(iBackground);
   for (size_t i = 0; i < iColumns.size(); ++i) {
     TColumn& column = iColumns[i];
