@@ -12,6 +12,8 @@ public:
   // the program, which also takes it away.
   [[nodiscard]] static CVelumScriptRunner* Installed();
   static void Install(CVelumScriptRunner* aRunner);
+  // Whether the installed runner runs a script.
+  [[nodiscard]] static bool ScriptRuns() { return Installed() && Installed()->Running(); }
 
   // Looks for a handler of aMsg on the control (or nothing), the card, its background and the stack, and runs
   // the first one.

@@ -51,7 +51,7 @@ void CVelumStackView::SetCardValue(Ref<CVelumCard> aCard, qint32 aControlId, con
 // What undo calls the change of a value. Scripts put values by the hundred thousand, and have a name of their
 // own.
 QString CVelumStackView::ValueStepName(const CVelumCard& aCard, qint32 aControlId) const {
-  if (gScriptRunner && gScriptRunner->Running()) return {};
+  if (CVelumScriptRunner::ScriptRuns()) return {};
   const Ref<CVelumControl> control = aCard.ControlById(aControlId);
   return control ? tr("Change %1 of %2").arg(control->Name(), aCard.Name()) : QString();
 }

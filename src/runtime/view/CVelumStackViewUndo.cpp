@@ -21,7 +21,7 @@ bool CVelumStackView::CanRedo() const {
 
 // Not while a script runs, nor in the middle of another replay.
 bool CVelumStackView::MayTakeBack() const {
-  return !iReplaying && !(gScriptRunner && gScriptRunner->Running());
+  return !iReplaying && !CVelumScriptRunner::ScriptRuns();
 }
 
 QString CVelumStackView::UndoName() const {
@@ -82,10 +82,10 @@ void CVelumStackView::Replay(bool aAgain) {
 // Windows and the card on show let go of what is about to leave the document.
 void CVelumStackView::LetGo(const TGoing& aGoing) {
   for (const Ref<CVelumControlSet>& background : aGoing.iBackgrounds) {
-    CVelumSeams::ChangeNotify(6, background.Get());
+    CVelumSeams::ChangeNotify(EChangeBackgroundGoes, background.Get());
     iHistory.RemoveBackground(background->Id());
   }
-  if (aGoing.iCards.size() == 1) CVelumSeams::ChangeNotify(9, nullptr, aGoing.iCards.front().Get());
+  if (aGoing.iCards.size() == 1) CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, aGoing.iCards.front().Get());
   for (const Ref<CVelumCard>& card : aGoing.iCards) iHistory.Remove(*card);
   const bool goes = std::find(aGoing.iCards.begin(), aGoing.iCards.end(), iCurCard) != aGoing.iCards.end();
   ForgetFocus();
@@ -109,11 +109,11 @@ void CVelumStackView::ShowReplayed(const TReplayed& aReplayed) {
   } else if (iCardViewOpen && iCardView) {
     iCardView->Clear();
   }
-  if (aReplayed.iStructure) CVelumSeams::ChangeNotify(1);
-  if (aReplayed.iValues) CVelumSeams::ChangeNotify(2);
-  if (aReplayed.iCards) CVelumSeams::ChangeNotify(3);
-  if (aReplayed.iSortKeys) CVelumSeams::ChangeNotify(4);
-  if (aReplayed.iOrder) CVelumSeams::ChangeNotify(5);
+  if (aReplayed.iStructure) CVelumSeams::ChangeNotify(EChangeStructure);
+  if (aReplayed.iValues) CVelumSeams::ChangeNotify(EChangeValues);
+  if (aReplayed.iCards) CVelumSeams::ChangeNotify(EChangeCards);
+  if (aReplayed.iSortKeys) CVelumSeams::ChangeNotify(EChangeSortKeys);
+  if (aReplayed.iOrder) CVelumSeams::ChangeNotify(EChangeOrder);
   RefreshViews(false, true);
   FollowCard();
 }
