@@ -3,6 +3,7 @@
 #include "core/CVelumValue.h"
 #include "model/ModelTest.h"
 
+#include "support/RawValues.h"
 #include <cmath>
 
 using namespace ModelTest;
@@ -100,7 +101,7 @@ TEST(CVelumCard, FlagsWorkAsOnABackground) {
 TEST(CVelumCard, ChangedAsksValuesScriptAndFont) {
   const TCardBed bed;
   EXPECT_FALSE(bed.iCard->Changed());
-  bed.iCard->Value().SetChanged(true);
+  RawValues(*bed.iCard).SetChanged(true);
   EXPECT_TRUE(bed.iCard->Changed());
   bed.iCard->SetChanged(false);
   bed.iCard->SetFont(MakeRef<CVelumFont>());

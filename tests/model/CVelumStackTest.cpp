@@ -1,6 +1,7 @@
 #include "model/CVelumStack.h"
 
 #include "model/ModelTest.h"
+#include "support/RawValues.h"
 
 using namespace ModelTest;
 
@@ -367,7 +368,7 @@ TEST(CVelumStack, ChangedAsksAllThatItOwns) {
   expectChanged("key index");
   static_cast<void>(bed.iStack->IdGen().NextId());
   expectChanged("id generator");
-  card->Value().SetChanged(true);
+  RawValues(*card).SetChanged(true);
   expectChanged("card");
   bed.iStack->BlobStore()->SetChanged(true);
   expectChanged("blob store");

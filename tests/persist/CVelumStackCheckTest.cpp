@@ -4,6 +4,7 @@
 #include "core/text/CVelumLocale.h"
 #include "persist/CVelumStackFile.h"
 #include "support/PrintQt.h"
+#include "support/RawValues.h"
 #include "support/TempFolder.h"
 
 #include <QtEndian>
@@ -99,7 +100,7 @@ protected:
     TVelumElem elem;
     elem.iIntKey = aKey;
     elem.iVal = aVal;
-    aCard->Value().CreateIntKey(elem);
+    RawValues(*aCard).CreateIntKey(elem);
   }
 
   Ref<CVelumStack> iStack;
@@ -153,7 +154,7 @@ TEST_F(CVelumStackCheckTest, FindsValuesOfWrongFieldsAndTypes) {
   EXPECT_EQ(Check(),
             u"card 3 'plain': has a value for field %1, which background 'Second' does not have"_s.arg(
                 iName->Id()));
-  iPlain->Value().DeleteIntKey(iName->Id());
+  RawValues(*iPlain).DeleteIntKey(iName->Id());
   PutValue(iPlain, iCombo->Id(), TVelumValue::OfReal(1));
   EXPECT_EQ(Check(),
             u"card 3 'plain': the value of field 'Combo' has the type Real, which does not go with Text"_s);
@@ -172,7 +173,7 @@ TEST_F(CVelumStackCheckTest, FindsWrongSortKeys) {
 
 TEST_F(CVelumStackCheckTest, FindsKeysThatAreNotThoseOfTheCards) {
   const Ref<CVelumCard> card = Card(u"a"_s);
-  card->Value().DeleteIntKey(iName->Id());
+  RawValues(*card).DeleteIntKey(iName->Id());
   const QString problems = Check();
   EXPECT_TRUE(problems.contains(u"is not the key of card 1 'a'"_s)) << problems.toStdString();
   EXPECT_EQ(problems.count(u'\n'), 0);

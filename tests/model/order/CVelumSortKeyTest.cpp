@@ -2,6 +2,7 @@
 
 #include "core/text/CVelumLocale.h"
 #include "model/ModelTest.h"
+#include "support/RawValues.h"
 
 #include <algorithm>
 #include <cmath>
@@ -218,7 +219,7 @@ TEST(CVelumSortKey, PairsHaveNoText) {
   card->Value().InitElem(elem);
   elem.iIntKey = bed.iTown->Id();
   elem.iVal = TVelumValue::OfPair(1, 2);
-  card->Value().CreateIntKey(elem);
+  RawValues(*card).CreateIntKey(elem);
   EXPECT_EQ(bed.iKeyOf->BuildKey(*card), u"            0"_s);
 }
 

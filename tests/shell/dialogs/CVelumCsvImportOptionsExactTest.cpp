@@ -1,5 +1,5 @@
 // The exact way in the window of the CSV settings.
-#include "model/change/CVelumRecorder.h"
+#include "exchange/FailingTaker.h"
 #include "shell/CsvFormTest.h"
 
 #include <QFile>
@@ -239,27 +239,6 @@ TEST_F(CVelumCsvImportOptionsExactTest, FollowsTheBackgroundThatIsChosen) {
   EXPECT_EQ(Values(), QStringList({u"Cyd|-"_s}));
 }
 
-namespace {
-
-// Throws when the second card of an import comes.
-class CNoMemory final : public CVelumRecorder {
-public:
-  CNoMemory() : iBefore(CVelumRecord::gRecorder) { CVelumRecord::gRecorder = this; }
-  ~CNoMemory() override { CVelumRecord::gRecorder = iBefore; }
-  void MemberSet(const CVelumObject&, const char*, const TVelumValue&, const TVelumValue&) override {}
-  void Added(const CVelumObject&, const char*, const CVelumObject&, qint32) override {
-    if (++iAdded == 2) throw std::bad_alloc();
-  }
-  void Removed(const CVelumObject&, const char*, const CVelumObject&, qint32) override {}
-  void OrderRebuilt(const CVelumObject&) override {}
-
-private:
-  CVelumRecorder* iBefore;
-  int iAdded = 0;
-};
-
-} // namespace
-
 TEST_F(CVelumCsvImportOptionsExactTest, BringsTheOldCardsBackWhenMemoryRunsOut) {
   Start();
   OpenForm("Name,Size\nAnna,1\nBob,2\n");
@@ -270,7 +249,8 @@ TEST_F(CVelumCsvImportOptionsExactTest, BringsTheOldCardsBackWhenMemoryRunsOut) 
     iPresenter.Clear();
     iPresenter.Answer(true);
     {
-      const CNoMemory noMemory;
+      CFailingTaker noMemory(2);
+      const CVelumRecorder recorder(*gStack, noMemory);
       Press(u"fImportBut"_s);
     }
     EXPECT_GE(iPresenter.Count(), 2) << "the question, and what went wrong";
