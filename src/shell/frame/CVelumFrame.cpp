@@ -171,16 +171,14 @@ void CVelumFrame::ConnectEditMenu() {
   on(iUi->fDelete, [this] {
     if (!iEditCommands.Delete() && CVelumEditCommands::InCardList()) iUi->fDeleteCard->trigger();
   });
+  // Entries, lists and pictures have these keys of their own: the menu only names them.
+  for (QAction* action : {iUi->fCut, iUi->fCopy, iUi->fPaste, iUi->fDelete, iUi->fSelectAll})
+    action->setShortcutContext(Qt::WidgetShortcut);
   iUi->fUndo->setShortcut(Qt::CTRL | Qt::Key_Z);
   iUi->fRedo->setShortcuts({Qt::CTRL | Qt::SHIFT | Qt::Key_Z, Qt::CTRL | Qt::Key_Y});
   qApp->installEventFilter(&iUndoKeys);
   // The focus and the clipboard decide, at the time when the menu is opened.
   connect(iUi->fEdit, &QMenu::aboutToShow, this, &CVelumFrame::UpdateEditMenu);
-  // Keys work while the menu is closed: its commands look for themselves.
-  connect(iUi->fEdit, &QMenu::aboutToHide, this, [this] {
-    for (QAction* action : {iUi->fCut, iUi->fCopy, iUi->fPaste, iUi->fDelete, iUi->fSelectAll})
-      action->setEnabled(true);
-  });
   connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
           &CVelumFrame::ShowSteps);
 }
@@ -394,6 +392,8 @@ void CVelumFrame::keyPressEvent(QKeyEvent* aEvent) {
     iUi->PrevCard->trigger();
   else if (plain && aEvent->key() == Qt::Key_PageDown)
     iUi->NextCard->trigger();
+  else if (plain && aEvent->key() == Qt::Key_Delete && CVelumEditCommands::InCardList())
+    iUi->fDeleteCard->trigger();
   else
     QMainWindow::keyPressEvent(aEvent);
 }

@@ -68,7 +68,7 @@ protected:
   void closeEvent(QCloseEvent* aEvent) override;
   // None: its only use would be to hide the toolbar, which nothing brings back.
   QMenu* createPopupMenu() override;
-  // Page Up and Page Down, where what has the focus has no use for them.
+  // Page Up, Page Down and, in the card list, Delete, where what has the focus has no use for them.
   void keyPressEvent(QKeyEvent* aEvent) override;
 
 private:

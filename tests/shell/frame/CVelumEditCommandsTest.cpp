@@ -9,6 +9,7 @@
 #include "toolkit/CVelumWinMan.h"
 
 #include <QAbstractEventDispatcher>
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
@@ -247,6 +248,23 @@ TEST_F(CVelumEditCommandsTest, DeletesTheCardInTheList) {
   ASSERT_TRUE(CVelumEditCommands::InCardList());
   iPresenter.SetDefaultAnswer(true);
   Choose(u"fDelete"_s);
+  EXPECT_EQ(iPresenter.CountOf(EMsgDeleteCardOk), 1);
+  EXPECT_EQ(NumCards(), 12);
+}
+
+TEST_F(CVelumEditCommandsTest, ListsKeepTheirKeys) {
+  Open();
+  gStackView->ShowCardList();
+  auto* list = gFrame->findChild<CVelumCardListForm*>();
+  ASSERT_TRUE(list);
+  auto* focus = list->findChild<QAbstractItemView*>();
+  ASSERT_TRUE(focus);
+  focus->setFocus();
+  QApplication::clipboard()->setText(u"before"_s);
+  QTest::keyClick(focus, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_NE(QApplication::clipboard()->text(), u"before"_s) << "the list copied its line";
+  iPresenter.SetDefaultAnswer(true);
+  QTest::keyClick(focus, Qt::Key_Delete);
   EXPECT_EQ(iPresenter.CountOf(EMsgDeleteCardOk), 1);
   EXPECT_EQ(NumCards(), 12);
 }
