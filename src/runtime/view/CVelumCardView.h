@@ -64,7 +64,6 @@ public:
   [[nodiscard]] CVelumGenForm& ViewForm() const;
   [[nodiscard]] Ref<CVelumControlSet> CurSet() const { return iCurSet; }
   [[nodiscard]] const CVelumCardLayout& Layout() const { return iLayout; }
-  [[nodiscard]] int NumFunc() const { return iNumFunc; }
   // Whether what is laid out is so for the size that the form has.
   [[nodiscard]] bool FitsForm() const;
 

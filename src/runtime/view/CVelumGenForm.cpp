@@ -102,10 +102,6 @@ QString CVelumGenForm::Prefix(EBase aKind) {
   return PoolOf(aKind).iPrefix.toString();
 }
 
-int CVelumGenForm::PoolSize(EBase aKind) {
-  return PoolOf(aKind).iSize;
-}
-
 void CVelumGenForm::AddPool(EBase aKind) {
   const TPool& pool = PoolOf(aKind);
   for (int i = 0; i < pool.iSize; ++i) {

@@ -24,9 +24,8 @@ class CVelumGenForm final : public QWidget, public CVelumForm, public CVelumBase
 public:
   CVelumGenForm();
   ~CVelumGenForm() override;
-  // The prefix and the number of the members of a kind.
+  // The prefix of the members of a kind.
   [[nodiscard]] static QString Prefix(EBase aKind);
-  [[nodiscard]] static int PoolSize(EBase aKind);
 
   [[nodiscard]] QWidget* Widget() override { return this; }
   // The view whose cards it shows, from then on until it is unloaded; without one, events go nowhere.

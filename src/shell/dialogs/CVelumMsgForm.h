@@ -37,7 +37,6 @@ public:
   // Shows the form over aFrame (or the screen); returns true for fYes. The form may be gone then, with its
   // owner.
   bool Ask(const QWidget* aFrame);
-  [[nodiscard]] bool Result() const { return iResult; }
 
 protected:
   void keyPressEvent(QKeyEvent* aEvent) override;
