@@ -69,6 +69,12 @@ QList<QByteArray> RealGroups() {
   step([&] { bed.iBackground->AddControl(MakeRef<CVelumControl>(50, u"New"_s, EConText), town); });
   step([&] { bed.iStack->MoveCard(ann, nullptr); });
   step([&] { bed.iStack->DeleteCard(ann); });
+  step([&] {
+    const auto last = MakeRef<CVelumCard>(u"Eve"_s, bed.iBackground);
+    bed.iStack->AddCard(last, nullptr, false);
+    bed.iStack->DeleteCardsOf(*bed.iBackground, last->Id());
+    bed.iStack->CloseGap(last->Id());
+  });
   step([&] { bed.iStack->DeleteAllCards(); });
   step([&] { bed.iStack->DeleteControl(town, bed.iBackground); });
   return collector.iGroups;

@@ -45,6 +45,7 @@ bool CVelumCardChange::Take(CVelumReplay& aReplay, bool aBack) {
 }
 
 bool CVelumCardChange::Apply(CVelumReplay& aReplay) {
+  if (!aReplay.FitsCards(iCount, iAlloc)) return false;
   return iAdded ? Put(aReplay, false) : Take(aReplay, false);
 }
 

@@ -3,7 +3,7 @@
 #include "model/change/CVelumReplay.h"
 
 bool CVelumGapChange::Apply(CVelumReplay& aReplay) {
-  return aReplay.CloseGap(iFirst, iGap, iCount);
+  return aReplay.FitsCards(iCount, iAlloc) && aReplay.CloseGap(iFirst, iGap, iCount);
 }
 
 bool CVelumGapChange::Revert(CVelumReplay& aReplay) {

@@ -4,6 +4,14 @@
 
 using namespace CVelumChangeIo;
 
+bool CVelumKeyChange::Apply(CVelumReplay& aReplay) {
+  return aReplay.FitsIndex(iIndexId, iAlloc) && Replay(aReplay, iAdded, ENoInt);
+}
+
+bool CVelumKeyBulkChange::Apply(CVelumReplay& aReplay) {
+  return aReplay.FitsIndex(iIndexId, iOldAlloc) && Replay(aReplay, iAdded, iNewAlloc);
+}
+
 bool CVelumKeyChange::Replay(CVelumReplay& aReplay, bool aAdd, qint32 aAlloc) const {
   return aAdd ? aReplay.AddKey(iIndexId, iPlace, iKey, iCardId, aAlloc)
               : aReplay.RemoveKey(iIndexId, iPlace, iKey, iCardId, aAlloc);

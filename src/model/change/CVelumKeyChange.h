@@ -13,7 +13,7 @@ public:
         iAdded(aAdded) {}
 
   [[nodiscard]] EChangeForm Form() const override { return EFormKey; }
-  [[nodiscard]] bool Apply(CVelumReplay& aReplay) override { return Replay(aReplay, iAdded, ENoInt); }
+  [[nodiscard]] bool Apply(CVelumReplay& aReplay) override;
   [[nodiscard]] bool Revert(CVelumReplay& aReplay) override { return Replay(aReplay, !iAdded, iAlloc); }
   [[nodiscard]] qint64 Cost() const override;
 
@@ -50,7 +50,7 @@ public:
         iAdded(aAdded) {}
 
   [[nodiscard]] EChangeForm Form() const override { return EFormKeyBulk; }
-  [[nodiscard]] bool Apply(CVelumReplay& aReplay) override { return Replay(aReplay, iAdded, iNewAlloc); }
+  [[nodiscard]] bool Apply(CVelumReplay& aReplay) override;
   [[nodiscard]] bool Revert(CVelumReplay& aReplay) override { return Replay(aReplay, !iAdded, iOldAlloc); }
   [[nodiscard]] qint64 Cost() const override;
 

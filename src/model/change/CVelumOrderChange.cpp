@@ -29,6 +29,10 @@ qint64 CostOf(const CVelumCardOrder::TState& aState) {
 
 } // namespace
 
+bool CVelumOrderChange::Apply(CVelumReplay& aReplay) {
+  return aReplay.FitsOrder(iAlloc) && Replay(aReplay, iAdded, ENoInt);
+}
+
 bool CVelumOrderChange::Replay(CVelumReplay& aReplay, bool aAdd, qint32 aAlloc) const {
   return aAdd ? aReplay.AddToOrder(iCardId, iAfterId, iNum, aAlloc)
               : aReplay.RemoveFromOrder(iCardId, iAfterId, iNum, aAlloc);

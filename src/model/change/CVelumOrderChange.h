@@ -14,7 +14,7 @@ public:
       : iCardId(aCardId), iAfterId(aAfterId), iNum(aNum), iAlloc(aAlloc), iAdded(aAdded) {}
 
   [[nodiscard]] EChangeForm Form() const override { return EFormOrder; }
-  [[nodiscard]] bool Apply(CVelumReplay& aReplay) override { return Replay(aReplay, iAdded, ENoInt); }
+  [[nodiscard]] bool Apply(CVelumReplay& aReplay) override;
   [[nodiscard]] bool Revert(CVelumReplay& aReplay) override { return Replay(aReplay, !iAdded, iAlloc); }
   [[nodiscard]] qint64 Cost() const override { return static_cast<qint64>(sizeof(*this)); }
 

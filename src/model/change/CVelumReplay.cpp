@@ -239,6 +239,19 @@ bool CVelumReplay::SetOrder(const CVelumCardOrder::TState& aOld, const CVelumCar
 
 // Cards.
 
+bool CVelumReplay::FitsCards(qint32 aCount, qint32 aAlloc) const {
+  return iStack.iCard->Count() == aCount && iStack.iCard->Alloc() == aAlloc;
+}
+
+bool CVelumReplay::FitsIndex(qint32 aIndexId, qint32 aAlloc) const {
+  const CVelumArray* index = Index(aIndexId);
+  return index && index->Alloc() == aAlloc;
+}
+
+bool CVelumReplay::FitsOrder(qint32 aAlloc) const {
+  return iStack.iOrder.Alloc() == aAlloc;
+}
+
 // Empty slots up to aCount; nothing for ENoInt.
 void CVelumReplay::PadCards(qint32 aCount) {
   CVelumArray& cards = *iStack.iCard;

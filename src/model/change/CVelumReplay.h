@@ -55,6 +55,11 @@ public:
   [[nodiscard]] bool AddChild(const CVelumChildChange& aChange, TChildAllocs aAllocs);
   [[nodiscard]] bool RemoveChild(CVelumChildChange& aChange, TChildAllocs aAllocs);
 
+  // Whether the table of cards, an index or the order has the size and the capacity that a change found.
+  [[nodiscard]] bool FitsCards(qint32 aCount, qint32 aAlloc) const;
+  [[nodiscard]] bool FitsIndex(qint32 aIndexId, qint32 aAlloc) const;
+  [[nodiscard]] bool FitsOrder(qint32 aAlloc) const;
+
   // To be called when all is replayed: what is computed from the document goes stale, the flags of fields are
   // set anew. Returns what was touched.
   TReplayed Finish();
