@@ -144,8 +144,7 @@ void CVelumCard::SetChanged(bool aChanged) {
 void CVelumCard::Touch() {
   const TCardMoment now = Clock();
   iChanged = true;
-  if (CVelumRecorder* recorder = CVelumRecord::Of(iStack))
-    recorder->Moment(*this, {iModDate, iModTime}, now);
+  if (CVelumRecorder* recorder = CVelumRecord::Of(iStack)) recorder->Moment(*this, {iModDate, iModTime}, now);
   iModDate = now.iDate;
   iModTime = now.iTime;
   if (iStack) iStack->ChangeCard(*this);

@@ -36,8 +36,8 @@ public:
   [[nodiscard]] const CVelumArray& Value() const { return iValue; }
   // The same to be filled, of a card that stands in no stack yet; host error 5 of another one.
   [[nodiscard]] CVelumArray& NewValues();
-  // Another text in place of one that a list field has, which is computed: a file holds less than memory. aChanged is
-  // the mark of the values afterwards.
+  // Another text in place of one that a list field has, which is computed: a file holds less than memory.
+  // aChanged is the mark of the values afterwards.
   void SetComputedText(qint32 aControlId, const QString& aText, bool aChanged);
   // Nothing without a stack.
   [[nodiscard]] Ref<CVelumControlSet> Background() const;

@@ -85,7 +85,8 @@ void CVelumStackView::LetGo(const TGoing& aGoing) {
     CVelumSeams::ChangeNotify(EChangeBackgroundGoes, background.Get());
     iHistory.RemoveBackground(background->Id());
   }
-  if (aGoing.iCards.size() == 1) CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, aGoing.iCards.front().Get());
+  if (aGoing.iCards.size() == 1)
+    CVelumSeams::ChangeNotify(EChangeCardGoes, nullptr, aGoing.iCards.front().Get());
   for (const Ref<CVelumCard>& card : aGoing.iCards) iHistory.Remove(*card);
   const bool goes = std::find(aGoing.iCards.begin(), aGoing.iCards.end(), iCurCard) != aGoing.iCards.end();
   ForgetFocus();
