@@ -135,7 +135,7 @@ Ref<CVelumCard> BenchStack::NewCard(const QString& aName, qint32 aNum) {
     TVelumElem elem;
     elem.iIntKey = control.Id();
     elem.iVal = ValFor(control);
-    card->Value().CreateIntKey(elem);
+    card->NewValues().CreateIntKey(elem);
   }
   return card;
 }
