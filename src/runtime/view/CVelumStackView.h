@@ -9,6 +9,7 @@
 #include "runtime/view/CVelumCardView.h"
 #include "runtime/view/CVelumHistory.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <QRectF>
 
