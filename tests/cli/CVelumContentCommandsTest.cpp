@@ -119,10 +119,10 @@ TEST_F(CVelumContentCommands, StreamsAreReadAndWritten) {
 TEST_F(CVelumContentCommands, AStreamIsAppendedToAndAPipeIsWritten) {
   const QString log = iFolder.Write(u"log"_s, "kept\n");
   const TCliResult result =
-      CliRun::RunProgram(u"bash"_s, {u"-c"_s,
-                                     u"\"$0\" export-csv \"$1\" /dev/stdout --background Notes >> \"$2\"; "
-                                     "\"$0\" export-csv \"$1\" >(cat >&2) --background Notes"_s,
-                                     CliRun::Program(), iStack, log});
+      CliRun::RunProgram(u"env"_s, {u"LC_ALL=C"_s, u"bash"_s, u"-c"_s,
+                                    u"\"$0\" export-csv \"$1\" /dev/stdout --background Notes >> \"$2\"; "
+                                    "\"$0\" export-csv \"$1\" >(cat >&2) --background Notes"_s,
+                                    CliRun::Program(), iStack, log});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_EQ(result.iErr, QByteArray("\"Text\"\r\n\"\"\r\n"));
   EXPECT_EQ(iFolder.Read(u"log"_s), QByteArray("kept\n\"Text\"\r\n\"\"\r\n"));

@@ -193,8 +193,9 @@ TEST_F(CVelumImportCsvCommand, AStackThatComesInAStreamIsRefusedToo) {
 
 TEST_F(CVelumImportCsvCommand, ReadsAPipeAndWritesToStandardOutput) {
   const QString csv = iFolder.Write(u"a.csv"_s, "Name\nAnna\n");
-  const TCliResult result = CliRun::RunProgram(
-      u"bash"_s, {u"-c"_s, u"\"$0\" import-csv <(cat \"$1\") - > \"$2\""_s, CliRun::Program(), csv, iOut});
+  const TCliResult result = CliRun::RunProgram(u"env"_s, {u"LC_ALL=C"_s, u"bash"_s, u"-c"_s,
+                                                          u"\"$0\" import-csv <(cat \"$1\") - > \"$2\""_s,
+                                                          CliRun::Program(), csv, iOut});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_TRUE(result.iErr.startsWith("orvelles-cli: -: 1 card; UTF-8")) << result.iErr.toStdString();
   EXPECT_EQ(Cards(iOut), "Anna\tAnna\n");
