@@ -334,6 +334,7 @@ void CVelumFrame::ShowStackName() {
 
 void CVelumFrame::CardShown() {
   for (const auto& [button, need] : iButtons) button->setEnabled(CVelumCommandTable::IsMet(need));
+  ShowSteps();
 }
 
 void CVelumFrame::UpdateToolbar() {
@@ -350,6 +351,7 @@ void CVelumFrame::UpdateMenus() {
     QAction* action = menu ? menu->menuAction() : findChild<QAction*>(command.iAction.toString());
     action->setEnabled(CVelumCommandTable::IsMet(command.iNeed));
   }
+  ShowSteps();
 }
 
 // Files of one name are told apart by their folders.
