@@ -121,7 +121,8 @@ TEST_F(CVelumContentCommands, AStreamIsAppendedToAndAPipeIsWritten) {
   const TCliResult result =
       CliRun::RunProgram(u"env"_s, {u"LC_ALL=C"_s, u"bash"_s, u"-c"_s,
                                     u"\"$0\" export-csv \"$1\" /dev/stdout --background Notes >> \"$2\"; "
-                                    "\"$0\" export-csv \"$1\" >(cat >&2) --background Notes"_s,
+                                    "\"$0\" export-csv \"$1\" >(cat >&2) --background Notes; "
+                                    "status=$?; wait $!; exit $status"_s,
                                     CliRun::Program(), iStack, log});
   EXPECT_EQ(result.iStatus, 0);
   EXPECT_EQ(result.iErr, QByteArray("\"Text\"\r\n\"\"\r\n"));
