@@ -21,11 +21,6 @@ CVelumCardListForm& ListForm() {
   return CVelumChecked::Deref(dynamic_cast<CVelumCardListForm*>(CVelumWinMan::NameToForm(gListForm)));
 }
 
-bool ScriptRuns() {
-  const CVelumScriptRunner* runner = CVelumScriptRunner::Installed();
-  return runner && runner->Running();
-}
-
 } // namespace
 
 void CVelumStackView::OpenCardList() {
@@ -105,7 +100,7 @@ void CVelumStackView::GoToSelectedCard() {
 }
 
 void CVelumStackView::UpdateCardInList() {
-  if (ScriptRuns() || !iCardListOpen) return;
+  if (CVelumScriptRunner::ScriptRuns() || !iCardListOpen) return;
   const TVelumChangeInfo info = iStack->ChangeInfo();
   const bool one = !info.iCardListChanged && info.iNumCardsChanged == 1 && Holds(info.iLastChangedCard);
   if (one)
@@ -119,11 +114,11 @@ void CVelumStackView::UpdateCardInList() {
 void CVelumStackView::ShowMovedCard() {
   ShowTitle();
   TellCardShown();
-  if (!ScriptRuns() && iCardListOpen) iCardListView->FillAndShowCardList(true);
+  if (!CVelumScriptRunner::ScriptRuns() && iCardListOpen) iCardListView->FillAndShowCardList(true);
 }
 
 void CVelumStackView::UpdateLine(const CVelumCard& aCard) {
-  if (!ScriptRuns() && iCardListOpen) iCardListView->UpdateCard(aCard);
+  if (!CVelumScriptRunner::ScriptRuns() && iCardListOpen) iCardListView->UpdateCard(aCard);
 }
 
 void CVelumStackView::BaseObjItemClick(CVelumBaseControl* aObj) {
