@@ -8,6 +8,7 @@
 #include "toolkit/CVelumComboWidget.h"
 #include "toolkit/CVelumListWidget.h"
 
+#include <QCoreApplication>
 #include <QScopedValueRollback>
 
 namespace {
@@ -161,6 +162,8 @@ bool CVelumCardListView::MoveSelected(bool aDown) {
   const Ref<CVelumCard> card = SelCard();
   Ref<CVelumCard> before;
   if (!MoveTarget(card, aDown, before)) return false;
+  const CVelumError::CCommand command(
+      QCoreApplication::translate("CVelumCardListView", "Move card '%1'").arg(card->Name()));
   if (Kept(*card))
     iStack->MoveAllCardsOfBackground(card->Background(), before);
   else

@@ -14,6 +14,7 @@
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumCsvImportOptions.h"
 
+#include <QFileInfo>
 #include <QPointer>
 #include <QScopedValueRollback>
 
@@ -24,7 +25,8 @@ bool CVelumCsvImportOptions::AskReplace(const Ref<CVelumControlSet>& aBackground
                        tr("The import replaces the %1 of “%2”.")
                            .arg(CVelumReport::Cards(aBackground->NumCards()), aBackground->Name());
   return CVelumSeams::Presenter().Message(EMsgDeleteCardsOk, EMsgQuestion, CVelumMsg::Name(EMsgDeleteCardsOk),
-                                          text);
+                                          text) &&
+         gStackView->MayDelete(aBackground.Get());
 }
 
 void CVelumCsvImportOptions::Import() {
@@ -45,6 +47,7 @@ void CVelumCsvImportOptions::Import() {
       return;
     }
     CVelumGuard::Run(u"CVelumCsvImportOptions.fImportBut_Click"_s, [&] {
+      const CVelumError::CCommand command(tr("Import %1").arg(QFileInfo(iFilename).fileName()));
       CVelumDialogLib::BeginWait();
       done = into ? IntoBackground(background) : IntoNewStack();
     });

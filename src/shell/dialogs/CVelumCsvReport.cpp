@@ -90,6 +90,7 @@ void CVelumCsvReport::FillCells(const TCsvReport& aReport) {
 
 void CVelumCsvReport::KeepSorted() {
   if (!iBackground || !gStack || iBackground->Stack() != gStack.Get()) return;
+  const CVelumError::CCommand command(tr("Keep the cards of %1 sorted").arg(iBackground->Name()));
   CVelumCsvExact::KeepSorted(*gStack, iBackground, iSortField);
   iUi->fKeepSorted->setEnabled(false);
   if (gStackView) gStackView->RefreshViews(false, true);

@@ -17,6 +17,7 @@
 #include "toolkit/CVelumWinMan.h"
 #include "ui_CVelumImportOptions.h"
 
+#include <QFileInfo>
 #include <QPointer>
 #include <QScopedValueRollback>
 
@@ -151,6 +152,7 @@ bool CVelumImportOptions::Run(const QString& aProc, const QString& aPath, const 
   const QScopedValueRollback busy(iBusy, true);
   bool done = false;
   CVelumGuard::Run(aProc, [&] {
+    const CVelumError::CCommand command(tr("Import %1").arg(QFileInfo(aPath).fileName()));
     CVelumImportProgress progress(this, aPath);
     CVelumDialogLib::BeginWait();
     done = aWork([&progress](qint64 aDone, qint64 aTotal) { return progress.Step(aDone, aTotal); });

@@ -239,6 +239,28 @@ TEST_F(CVelumCsvImportOptionsExactTest, FollowsTheBackgroundThatIsChosen) {
   EXPECT_EQ(Values(), QStringList({u"Cyd|-"_s}));
 }
 
+TEST_F(CVelumCsvImportOptionsExactTest, AnImportIsOneStepThatCanBeTakenBack) {
+  Start();
+  OpenForm("Name,Size\nAnna,1\nBob,2\n");
+  Press(u"fImportBut"_s);
+  const QStringList before = Values();
+  for (const bool classic : {false, true}) {
+    OpenForm("Name,Size\nCyd,3\nDan,4\nEve,5\n", true);
+    if (classic) Press(u"fClassic"_s);
+    iPresenter.Answer(true);
+    Press(u"fImportBut"_s);
+    const QStringList after = Values();
+    EXPECT_EQ(after, QStringList({u"Cyd|3"_s, u"Dan|4"_s, u"Eve|5"_s}));
+    EXPECT_TRUE(gStackView->UndoName().startsWith(u"Import "_s)) << gStackView->UndoName().toStdString();
+    EXPECT_TRUE(gStackView->UndoName().endsWith(u".csv"_s)) << "without its folder";
+    static_cast<void>(gStackView->Undo());
+    EXPECT_EQ(Values(), before);
+    static_cast<void>(gStackView->Redo());
+    EXPECT_EQ(Values(), after);
+    static_cast<void>(gStackView->Undo());
+  }
+}
+
 TEST_F(CVelumCsvImportOptionsExactTest, BringsTheOldCardsBackWhenMemoryRunsOut) {
   Start();
   OpenForm("Name,Size\nAnna,1\nBob,2\n");
