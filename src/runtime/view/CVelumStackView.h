@@ -122,8 +122,9 @@ public:
   // What the next step is called; empty without one.
   [[nodiscard]] QString UndoName() const;
   [[nodiscard]] QString RedoName() const;
-  void Undo();
-  void Redo();
+  // What was taken back, or made again, by its name; empty when nothing was.
+  QString Undo();
+  QString Redo();
   // What can be taken back; null before the views are opened.
   [[nodiscard]] CVelumUndo* Steps() const { return iUndo.get(); }
   // Whether the cards of a background, or all cards for null, may be deleted: asks first where undo could not
@@ -175,7 +176,7 @@ private:
   [[nodiscard]] static QString ScriptStepName(const CVelumObject* aObj);
   void StartUndo();
   [[nodiscard]] bool MayTakeBack() const;
-  void Replay(bool aAgain);
+  QString Replay(bool aAgain);
   void LetGo(const TGoing& aGoing);
   void ShowReplayed(const TReplayed& aReplayed);
   void FocusField(qint32 aControlId);

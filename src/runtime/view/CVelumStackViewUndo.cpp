@@ -49,26 +49,28 @@ void CVelumStackView::NoteSaved() {
   if (iUndo) iUndo->SetSaved();
 }
 
-void CVelumStackView::Undo() {
+QString CVelumStackView::Undo() {
   // What is being typed is a step of its own, and the first to go.
-  if (CanUndo()) Replay(false);
+  return CanUndo() ? Replay(false) : QString();
 }
 
-void CVelumStackView::Redo() {
-  if (CanRedo()) Replay(true);
+QString CVelumStackView::Redo() {
+  return CanRedo() ? Replay(true) : QString();
 }
 
-void CVelumStackView::Replay(bool aAgain) {
+QString CVelumStackView::Replay(bool aAgain) {
   const Ref<CVelumStackView> alive = this; // a script that hears of the field may close the stack
   TakeLines();
   // What was typed is a step of its own. A field that was only visited is left without a word to its scripts.
-  if (RefuseEntry() || (iCurObjChanged && !ValidateCurControl()) || gStackView != this) return;
+  if (RefuseEntry() || (iCurObjChanged && !ValidateCurControl()) || gStackView != this) return {};
   iUndo->Recorder().EndGroup();
-  if (!(aAgain ? CanRedo() : CanUndo())) return;
+  if (!(aAgain ? CanRedo() : CanUndo())) return {};
+  const QString name = aAgain ? RedoName() : UndoName();
   LetGo(aAgain ? iUndo->GoingWithRedo() : iUndo->GoingWithUndo());
   const QScopedValueRollback replaying(iReplaying, true);
   try {
     ShowReplayed(aAgain ? iUndo->Redo() : iUndo->Undo());
+    return name;
   } catch (...) {
     // The stack is as it was, and its windows have let go of cards that are still there.
     CVelumError::CatchError(u"CVelumStackView.Replay"_s);
@@ -76,6 +78,7 @@ void CVelumStackView::Replay(bool aAgain) {
     ShowReplayed({.iStructure = true, .iValues = true, .iCards = true, .iSortKeys = true, .iOrder = true});
     gLastError = error;
     CVelumMsg::ShowLastError();
+    return {};
   }
 }
 

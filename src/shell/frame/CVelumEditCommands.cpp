@@ -115,12 +115,8 @@ bool CVelumEditCommands::DropEntries() const {
 void CVelumEditCommands::Replay(bool aAgain) {
   const Ref<CVelumStackView> view = gStackView;
   if (!view || !(aAgain ? view->CanRedo() : view->CanUndo()) || !DropEntries()) return;
-  const QString name = aAgain ? view->RedoName() : view->UndoName();
-  if (aAgain)
-    view->Redo();
-  else
-    view->Undo();
-  CVelumReport::Done((aAgain ? tr("Made again: %1") : tr("Taken back: %1")).arg(name));
+  const QString name = aAgain ? view->Redo() : view->Undo();
+  if (!name.isEmpty()) CVelumReport::Done((aAgain ? tr("Made again: %1") : tr("Taken back: %1")).arg(name));
 }
 
 bool CVelumEditCommands::CanCut() const {

@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTest>
 
 namespace {
@@ -267,6 +268,31 @@ TEST_F(CVelumEditCommandsTest, ListsKeepTheirKeys) {
   QTest::keyClick(focus, Qt::Key_Delete);
   EXPECT_EQ(iPresenter.CountOf(EMsgDeleteCardOk), 1);
   EXPECT_EQ(NumCards(), 12);
+}
+
+TEST_F(CVelumEditCommandsTest, WhatIsStillBeingTypedIsTheStepThatIsReported) {
+  Open();
+  iPresenter.SetDefaultAnswer(true);
+  Choose(u"fDeleteCard"_s);
+  const QString before = Field()->text();
+  Type(u"typed"_s);
+  EXPECT_TRUE(gStackView->Undo().startsWith(u"Change "_s));
+  EXPECT_EQ(Field()->text(), before);
+  EXPECT_EQ(gStackView->Undo(), u"Delete card 'card 00'"_s);
+  EXPECT_EQ(gStackView->Undo(), QString()) << "nothing is left";
+}
+
+TEST_F(CVelumEditCommandsTest, MovingACardIsAStepWithItsName) {
+  Open();
+  gStackView->ShowCardList();
+  auto* list = gFrame->findChild<CVelumCardListForm*>();
+  ASSERT_TRUE(list);
+  QTest::mouseClick(list->findChild<QPushButton*>(u"fDownBut"_s), Qt::LeftButton);
+  EXPECT_EQ(gStackView->UndoName(), u"Move card 'card 00'"_s);
+  Ref<CVelumCard> first;
+  static_cast<void>(gStackView->Undo());
+  ASSERT_TRUE(gStack->GetCardByNum(0, first));
+  EXPECT_EQ(first->Name(), u"card 00"_s);
 }
 
 TEST_F(CVelumEditCommandsTest, ADeletionThatUndoCannotHoldAsksFirst) {
